@@ -1,0 +1,58 @@
+# The rules every target of ours shares: language level, warnings, sanitizers, and the three kinds of target.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "" FORCE)
+endif()
+
+find_package(Threads REQUIRED)
+
+add_library(tarvex-rules INTERFACE)
+target_compile_options(tarvex-rules INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Woverloaded-virtual
+  -Wnon-virtual-dtor -Wimplicit-fallthrough -Wformat=2 -Werror)
+if(TARVEX_SANITIZE)
+  target_compile_options(tarvex-rules INTERFACE -fsanitize=${TARVEX_SANITIZE} -fno-sanitize-recover=all
+                         -fno-omit-frame-pointer)
+  target_link_options(tarvex-rules INTERFACE -fsanitize=${TARVEX_SANITIZE})
+endif()
+
+# Client code: no silent ASCII or byte casts into QString, no string-based connections, no keyword macros.
+add_library(tarvex-qt-rules INTERFACE)
+target_link_libraries(tarvex-qt-rules INTERFACE tarvex-rules)
+target_compile_definitions(tarvex-qt-rules INTERFACE
+  QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING
+  QT_NO_KEYWORDS QT_NO_FOREACH QT_STRICT_ITERATORS QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+
+# tarvex_library(NAME SOURCES ... LINKS ... [PRIVATE_LINKS ...])
+# A library is one folder and its include path is that folder alone: LINKS states all that it may know.
+function(tarvex_library name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  add_library(${name} ${arg_SOURCES})
+  target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+  target_link_libraries(${name} PUBLIC ${arg_LINKS} PRIVATE tarvex-rules ${arg_PRIVATE_LINKS})
+endfunction()
+
+# The same for a library of the client, built with the toolkit's code generators.
+function(tarvex_qt_library name)
+  tarvex_library(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE tarvex-qt-rules)
+  set_target_properties(${name} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
+endfunction()
+
+# tarvex_qt_test(NAME SOURCES ... LINKS ... [TIMEOUT seconds]): one Qt Test executable, run without a display.
+function(tarvex_qt_test name)
+  cmake_parse_arguments(arg "" "TIMEOUT" "SOURCES;LINKS" ${ARGN})
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 120)
+  endif()
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE ${arg_LINKS} Qt6::Test tarvex-qt-rules)
+  set_target_properties(${name} PROPERTIES AUTOMOC ON)
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+endfunction()
