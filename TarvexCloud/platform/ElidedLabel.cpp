@@ -1,0 +1,67 @@
+#include "ElidedLabel.h"
+
+#include <QEvent>
+#include <QHelpEvent>
+#include <QPainter>
+#include <QToolTip>
+
+namespace {
+
+// Far more than any window shows; a longer text would only cost layout time.
+constexpr qsizetype drawnCharacters = 1000;
+
+} // namespace
+
+QString singleLineOf(const QString &text)
+{
+    QString line = text.left(drawnCharacters);
+    for (QChar &c : line) {
+        const QChar::Category category = c.category();
+        if (category == QChar::Other_Control || category == QChar::Separator_Line ||
+            category == QChar::Separator_Paragraph)
+            c = u' ';
+    }
+    return line;
+}
+
+QString plainToolTip(const QString &text)
+{
+    return QStringLiteral("<p style=\"white-space: pre-wrap\">%1</p>")
+        .arg(text.left(drawnCharacters).toHtmlEscaped());
+}
+
+ElidedLabel::ElidedLabel(QWidget *parent) : QLabel(parent)
+{
+    setTextFormat(Qt::PlainText);
+}
+
+QSize ElidedLabel::sizeHint() const
+{
+    return {fontMetrics().horizontalAdvance(singleLineOf(text())) + 2, fontMetrics().height() + 2};
+}
+
+QSize ElidedLabel::minimumSizeHint() const
+{
+    return {fontMetrics().averageCharWidth() * 3, fontMetrics().height()};
+}
+
+bool ElidedLabel::event(QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QLabel::event(event);
+    const auto *help = static_cast<QHelpEvent *>(event);
+    const bool cut = fontMetrics().horizontalAdvance(singleLineOf(text())) > contentsRect().width();
+    QToolTip::showText(help->globalPos(), cut ? plainToolTip(text()) : QString(), this);
+    return true;
+}
+
+void ElidedLabel::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    const QString line =
+        fontMetrics().elidedText(singleLineOf(text()), Qt::ElideRight, contentsRect().width());
+    painter.setPen(palette().color(foregroundRole()));
+    // The side a label stands on is given by its place, not by the direction of its text.
+    painter.drawText(contentsRect(), static_cast<int>(alignment() | Qt::AlignAbsolute | Qt::TextSingleLine),
+                     line);
+}

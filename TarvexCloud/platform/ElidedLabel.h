@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QLabel>
+
+/// A label of one line for text from outside: always plain, cut with an ellipsis where it is too long, and
+/// then whole in its tooltip. Line breaks and control characters count as blanks on the screen; text() keeps
+/// them.
+class ElidedLabel : public QLabel
+{
+    Q_OBJECT
+public:
+    explicit ElidedLabel(QWidget *parent = nullptr);
+
+    QSize minimumSizeHint() const override;
+    QSize sizeHint() const override;
+
+protected:
+    bool event(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+};
+
+/// Text from outside as one line of bounded length, fit for drawing.
+QString singleLineOf(const QString &text);
+/// Text from outside as a tooltip that shows it word for word and wraps. Tooltips guess at markup, hence
+/// this.
+QString plainToolTip(const QString &text);

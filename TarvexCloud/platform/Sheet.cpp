@@ -1,0 +1,68 @@
+#include "Sheet.h"
+
+#include <algorithm>
+#include <QApplication>
+#include <QTimer>
+#include <QWindow>
+
+Sheet::Sheet(QWidget *ownWindow) : QDialog(ownWindow, Qt::Sheet)
+{
+    setWindowModality(Qt::WindowModal);
+}
+
+QList<Sheet *> Sheet::begunOn(const QWidget *window)
+{
+    QList<Sheet *> sheets;
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget *widget : windows) {
+        auto *sheet = qobject_cast<Sheet *>(widget);
+        if (sheet && sheet->m_begun && sheet->m_window == window)
+            sheets.append(sheet);
+    }
+    std::sort(sheets.begin(), sheets.end(),
+              [](const Sheet *a, const Sheet *b) { return a->m_turn < b->m_turn; });
+    return sheets;
+}
+
+void Sheet::beginOn(QWidget *window)
+{
+    if (m_begun)
+        return;
+    m_window = window ? window : parentWidget();
+    const bool windowIsFree = begunOn(m_window).isEmpty();
+    m_begun = true;
+    static quint64 turns = 0;
+    m_turn = ++turns;
+    if (windowIsFree)
+        attach();
+}
+
+void Sheet::attach()
+{
+    // The transient parent decides where the sheet is attached and whom it blocks; its owner stays the same.
+    winId();
+    if (m_window && m_window->windowHandle())
+        windowHandle()->setTransientParent(m_window->windowHandle());
+    open();
+}
+
+void Sheet::endSheet()
+{
+    if (!m_begun)
+        return;
+    m_begun = false;
+    hide();
+    // After the current action, which may begin a sheet of its own here.
+    QTimer::singleShot(0, qApp, [window = m_window] {
+        const QList<Sheet *> waiting = begunOn(window);
+        const bool free = std::none_of(waiting.begin(), waiting.end(),
+                                       [](const Sheet *sheet) { return sheet->isVisible(); });
+        if (free && !waiting.isEmpty())
+            waiting.first()->attach();
+    });
+}
+
+void Sheet::reject()
+{
+    Q_EMIT cancelRequested();
+}

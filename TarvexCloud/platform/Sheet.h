@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QDialog>
+#include <QPointer>
+
+/// A dialog attached to a document window, made once and reused for every showing.
+///
+/// It stays the child of its own document's window, so that it dies with it, but may be shown on another one.
+/// A window has one sheet at a time: a second one waits until the first is ended. Escape and the close box
+/// ask for the sheet's cancel action and close nothing by themselves.
+class Sheet : public QDialog
+{
+    Q_OBJECT
+public:
+    explicit Sheet(QWidget *ownWindow);
+
+    /// Shows the sheet on that window, or queues it there. On null it is shown on its own document's window.
+    void beginOn(QWidget *window);
+    /// Hides the sheet, or takes it out of the queue, and lets the next one waiting for the window begin.
+    void endSheet();
+
+    /// Whether it is up or waiting to come up.
+    bool isBegun() const { return m_begun; }
+
+    void reject() override;
+
+Q_SIGNALS:
+    void cancelRequested();
+
+private:
+    static QList<Sheet *> begunOn(const QWidget *window);
+    void attach();
+
+    QPointer<QWidget> m_window;
+    bool m_begun = false;
+    quint64 m_turn = 0; // order of beginning, for the queue
+};
