@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+/// Shows a failure to the user.
+class TVXAlert
+{
+public:
+    TVXAlert() = default;
+    virtual ~TVXAlert() = default;
+    TVXAlert(const TVXAlert &) = delete;
+    TVXAlert &operator=(const TVXAlert &) = delete;
+
+    /// Modal: returns when the user has dismissed it. The description is plain text.
+    virtual void showError(const QString &description) = 0;
+};

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "TVXArea.h"
+#include "TVXGoal.h"
+#include "TVXSets.h"
+
+#include <optional>
+#include <QByteArray>
+#include <QString>
+
+class FormString;
+class TVXAlert;
+class TVXExchange;
+
+/// The client of the goal service: each operation is one request, and the caller waits for its answer.
+///
+/// It keeps nothing between calls; make one per action. Logins and passwords are given plain, and travel as
+/// digests (createNewUser excepted). Ids travel as their low 32 bits. No operation reports success or
+/// failure: where no answer came, most show an alert.
+class TVXManager
+{
+public:
+    /// Both must outlive the manager.
+    TVXManager(TVXExchange &exchange, TVXAlert &alert);
+
+    /// How the client names itself to the service.
+    QString userAgent() const;
+
+    /// User text in its wire form: nineteen punctuation characters become brace tokens.
+    QString replaceSpecialCharsInString(const QString &userText) const;
+    /// Wire text as the user typed it. Text that looked like a token before escaping does not come back.
+    QString replaceSpecialCharsFromString(const QString &wireText) const;
+
+    /// Sends a complete form string as it is. The answer without blanks at its ends (line breaks stay), or
+    /// "Error" if there was none or it was not ASCII. Shows no alert.
+    QString sendRequest(const QString &formString);
+
+    /// "OK" when the service knows the pair; any other text is a refusal.
+    QString signInWithLogin(const QString &login, const QString &andPassword);
+    /// The service's JSON text as it came, or "Server Error" after an alert. The three values are sent
+    /// exactly as typed: an ampersand in one ends its field for whoever reads the form.
+    QString createNewUser(const QString &newUser, const QString &email, const QString &andPassword);
+    /// Whether the whole text has the form of an address that sign-up accepts. Nothing is sent.
+    bool isItValidEmail(const QString &address) const;
+
+    /// @name Reading lists
+    /// Each empties the list, asks, and appends one record per "id" element of the answer, in its order.
+    /// No answer: an alert, and the list stays empty. "Error" or no XML: empty, in silence.
+    /// @throws std::out_of_range when the answer has fewer elements of another kind than ids; the records
+    ///         made up to that point stand in the list.
+    /// @{
+    void getSetsFromServerByUsingLogin(const QString &login, const QString &andPassword, TVXSetsList &sets);
+    void getAreasFormServeByUsingLogin(const QString &login, const QString &andPassword, TVXAreaList &areas);
+    /// The goals do not carry their area's id.
+    void getGoalsFormServeByUsingLogin(const QString &login, const QString &andPassword, qint64 forArea,
+                                       qint64 forSets, TVXGoalList &goals);
+    /// The goals of every area of the set, each with its area's id.
+    void getGoalsForPrintUsingLogin(const QString &login, const QString &andPassword, qint64 forSetsId,
+                                    TVXGoalList &goals);
+    /// @}
+
+    /// A goal of the set that the service picks, with name and ids only; empty for no answer or "Error",
+    /// both in silence. An answer that is not XML gives a goal with a null name and ids 0.
+    /// @throws std::out_of_range when the answer is XML but lacks an id, a name or an area.
+    TVXGoalPtr getRandomGoalUsingLogin(const QString &login, const QString &andPassword, qint64 forSetsId);
+
+private:
+    std::optional<QByteArray> answerOrAlert(const FormString &form);
+
+    TVXExchange &m_exchange;
+    TVXAlert &m_alert;
+};

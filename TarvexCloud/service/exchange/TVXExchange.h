@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+#include <QByteArray>
+#include <QString>
+
+/// What became of one request. An answer is data, an empty body included; without data there was no answer,
+/// and errorDescription tells a person why and what to do next.
+struct TVXAnswer
+{
+    std::optional<QByteArray> data;
+    QString errorDescription;
+};
+
+/// Sends one request body to the service and waits for the answer.
+class TVXExchange
+{
+public:
+    TVXExchange() = default;
+    virtual ~TVXExchange() = default;
+    TVXExchange(const TVXExchange &) = delete;
+    TVXExchange &operator=(const TVXExchange &) = delete;
+
+    /// Blocks its caller until the answer or the failure is there. At most one request reaches the service,
+    /// whatever happens on the way: a form that arrived twice would be acted upon twice. While another call
+    /// is under way nothing is sent and there is no answer.
+    virtual TVXAnswer post(const QByteArray &body) = 0;
+
+    /// Whether a call of post() is under way, which only code run by the waiting itself can see.
+    virtual bool isBusy() const = 0;
+};
