@@ -1,0 +1,214 @@
+// What the user does to the wheel, and what assistive tools are told of it.
+
+#include "TarvexView.h"
+
+#include <QAccessible>
+#include <QHelpEvent>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QTextDocument>
+#include <QToolTip>
+
+namespace {
+constexpr int toolTipWidth = 480;
+
+void announce(QAccessibleEvent &&event, int index)
+{
+    event.setChild(index);
+    QAccessible::updateAccessibility(&event);
+}
+} // namespace
+
+std::optional<int> TarvexView::pieceAt(const QPointF &position) const
+{
+    const QPointF point = WheelGeometry::flipped(position, height());
+    for (int index = 0; index < WheelGeometry::sliceCount; ++index) {
+        const std::shared_ptr<WheelPiece> piece = pieceOfWheel(index);
+        if (piece && piece->contains(point))
+            return index;
+    }
+    return std::nullopt;
+}
+
+QRect TarvexView::rectOfPiece(int index) const
+{
+    const QRectF square = WheelGeometry::innerSquare(centre(), index);
+    return QRectF(WheelGeometry::flipped(square.bottomLeft(), height()), square.size()).toAlignedRect();
+}
+
+void TarvexView::choosePiece(int index)
+{
+    if (m_theParent)
+        m_theParent->showAreaDetails(areaAt(index), index);
+}
+
+// A press that were not taken would hand the release to the widget behind.
+void TarvexView::mousePressEvent(QMouseEvent *event)
+{
+    event->setAccepted(event->button() == Qt::LeftButton);
+}
+
+void TarvexView::mouseReleaseEvent(QMouseEvent *event)
+{
+    event->setAccepted(event->button() == Qt::LeftButton);
+    const std::optional<int> hit = event->isAccepted() ? pieceAt(event->position()) : std::nullopt;
+    if (!hit)
+        return;
+    setCurrentPiece(*hit);
+    showFocusRing(/*shown=*/false);
+    choosePiece(*hit);
+}
+
+void TarvexView::mouseMoveEvent(QMouseEvent *event)
+{
+    if (pieceAt(event->position()))
+        setCursor(Qt::PointingHandCursor);
+    else
+        unsetCursor();
+    event->ignore();
+}
+
+bool TarvexView::event(QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QWidget::event(event);
+    const auto *help = static_cast<QHelpEvent *>(event);
+    showToolTip(help->pos(), help->globalPos());
+    return true;
+}
+
+void TarvexView::showToolTip(const QPoint &position, const QPoint &globalPosition)
+{
+    const std::optional<int> hit = pieceAt(position);
+    const TVXAreaPtr area = hit ? areaAt(*hit) : TVXAreaPtr();
+    if (!area) {
+        QToolTip::hideText();
+        return;
+    }
+    const QString name = fontMetrics().elidedText(area->name(), Qt::ElideRight, toolTipWidth);
+    // Names are the user's own text: escaped, and marked as rich so that the escapes are undone again.
+    const QString text = Qt::convertFromPlainText(
+        tr("%1: %2").arg(name, QString::number(area->valueOfArea())), Qt::WhiteSpaceNormal);
+    QToolTip::showText(globalPosition, text, this, rectOfPiece(*hit).united(QRect(position, QSize(1, 1))));
+}
+
+// Down and Right go clockwise whatever the layout direction, since the dial is never mirrored.
+std::optional<int> TarvexView::pieceForKey(int key) const
+{
+    const int count = areaCount();
+    switch (key) {
+    case Qt::Key_Left:
+    case Qt::Key_Up:
+        return (currentPiece() + count - 1) % count;
+    case Qt::Key_Right:
+    case Qt::Key_Down:
+        return (currentPiece() + 1) % count;
+    case Qt::Key_Home:
+        return 0;
+    case Qt::Key_End:
+        return count - 1;
+    default:
+        return std::nullopt;
+    }
+}
+
+void TarvexView::keyPressEvent(QKeyEvent *event)
+{
+    const bool plain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+    if (!plain || areaCount() == 0) {
+        event->ignore();
+        return;
+    }
+    if (const std::optional<int> next = pieceForKey(event->key())) {
+        setCurrentPiece(*next);
+        showFocusRing(/*shown=*/true);
+        return;
+    }
+    const bool chooses =
+        event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Space;
+    if (!chooses || event->isAutoRepeat()) {
+        event->ignore();
+        return;
+    }
+    showFocusRing(/*shown=*/true);
+    choosePiece(currentPiece());
+}
+
+void TarvexView::setCurrentPiece(int index)
+{
+    if (index < 0 || index >= areaCount() || index == m_currentPiece)
+        return;
+    m_currentPiece = index;
+    update();
+    if (hasFocus())
+        announceFocus();
+}
+
+void TarvexView::showFocusRing(bool shown)
+{
+    if (m_focusRingShown == shown)
+        return;
+    m_focusRingShown = shown;
+    update();
+}
+
+// Coming back from a sheet or another window, the ring is as it was before.
+void TarvexView::focusInEvent(QFocusEvent *event)
+{
+    QWidget::focusInEvent(event);
+    const Qt::FocusReason reason = event->reason();
+    if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason || reason == Qt::ShortcutFocusReason)
+        showFocusRing(/*shown=*/true);
+    else if (reason == Qt::MouseFocusReason)
+        showFocusRing(/*shown=*/false);
+    // The toolkit announces the wheel itself right after this event; the slice has to come last.
+    QMetaObject::invokeMethod(this, &TarvexView::announceFocus, Qt::QueuedConnection);
+}
+
+void TarvexView::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && m_focusRingShown)
+        update();
+}
+
+void TarvexView::setPercentTexts(const PercentTexts &texts)
+{
+    m_percentTexts = texts;
+    areasMayHaveChanged();
+}
+
+void TarvexView::areasMayHaveChanged()
+{
+    // By Tab only: a click leaves the focus, and any text being edited, where it was.
+    setFocusPolicy(areaCount() > 0 ? Qt::TabFocus : Qt::NoFocus);
+
+    const std::vector<Description> before = std::move(m_announced);
+    m_announced.clear();
+    for (int index = 0; index < areaCount(); ++index) {
+        const TVXAreaPtr area = areaAt(index);
+        const auto at = static_cast<std::size_t>(index);
+        m_announced.push_back(
+            {area ? area->name() : QString(), area ? area->valueOfArea() : 0, m_percentTexts[at]});
+        if (at < before.size())
+            announceDifferences(index, before[at], m_announced[at]);
+        else
+            announce(QAccessibleEvent(this, QAccessible::ObjectCreated), index);
+    }
+}
+
+void TarvexView::announceDifferences(int index, const Description &before, const Description &now)
+{
+    if (before.name != now.name)
+        announce(QAccessibleEvent(this, QAccessible::NameChanged), index);
+    if (before.value != now.value)
+        announce(QAccessibleValueChangeEvent(this, now.value), index);
+    if (before.percent != now.percent)
+        announce(QAccessibleEvent(this, QAccessible::DescriptionChanged), index);
+}
+
+void TarvexView::announceFocus()
+{
+    if (hasFocus() && areaCount() > 0)
+        announce(QAccessibleEvent(this, QAccessible::Focus), currentPiece());
+}
