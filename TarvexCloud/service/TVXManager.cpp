@@ -1,0 +1,126 @@
+#include "TVXManager.h"
+
+#include "AnswerRecords.h"
+#include "AnswerText.h"
+#include "Escaping.h"
+#include "FormString.h"
+#include "TVXAlert.h"
+#include "TVXExchange.h"
+#include "UserAgent.h"
+
+#include <QCoreApplication>
+#include <QRegularExpression>
+
+using namespace Qt::StringLiterals;
+
+TVXManager::TVXManager(TVXExchange &exchange, TVXAlert &alert) : m_exchange(exchange), m_alert(alert) {}
+
+QString TVXManager::userAgent() const
+{
+    return clientUserAgent();
+}
+
+QString TVXManager::replaceSpecialCharsInString(const QString &userText) const
+{
+    return escapedForWire(userText);
+}
+
+QString TVXManager::replaceSpecialCharsFromString(const QString &wireText) const
+{
+    return unescapedFromWire(wireText);
+}
+
+QString TVXManager::sendRequest(const QString &formString)
+{
+    const TVXAnswer answer = m_exchange.post(formString.toUtf8());
+    const std::optional<QString> text = answer.data ? asciiText(*answer.data) : std::nullopt;
+    return text ? withoutBlanksAround(*text) : u"Error"_s;
+}
+
+QString TVXManager::signInWithLogin(const QString &login, const QString &andPassword)
+{
+    return sendRequest(FormString("sign-in"_L1).credentials(login, andPassword).string());
+}
+
+QString TVXManager::createNewUser(const QString &newUser, const QString &email, const QString &andPassword)
+{
+    FormString form("create-new-user"_L1);
+    form.raw("p2"_L1, email).raw("p3"_L1, andPassword).raw("p4"_L1, newUser).raw("type"_L1, u"json"_s);
+    const std::optional<QByteArray> answer = answerOrAlert(form);
+    if (!answer)
+        return u"Server Error"_s;
+    const std::optional<QString> text = utf8Text(*answer);
+    if (!text)
+        m_alert.showError(QCoreApplication::translate(
+            "TVXManager",
+            "The service's answer could not be read. Try to sign in with the new account; if that "
+            "fails, ask whoever runs the service."));
+    return text.value_or(u"Server Error"_s);
+}
+
+bool TVXManager::isItValidEmail(const QString &address) const
+{
+    static const QRegularExpression form(
+        QRegularExpression::anchoredPattern(u"[A-Z0-9a-z._%+-]+@[A-Za-z0-9.-]+\\.[A-Za-z]{2,4}"_s));
+    return form.match(address).hasMatch();
+}
+
+void TVXManager::getSetsFromServerByUsingLogin(const QString &login, const QString &andPassword,
+                                               TVXSetsList &sets)
+{
+    sets.clear();
+    const auto answer = answerOrAlert(FormString("get-sets"_L1).credentials(login, andPassword));
+    if (answer && !isErrorAnswerAmongBlanks(*answer))
+        appendSets(*answer, sets);
+}
+
+void TVXManager::getAreasFormServeByUsingLogin(const QString &login, const QString &andPassword,
+                                               TVXAreaList &areas)
+{
+    areas.clear();
+    const auto answer = answerOrAlert(FormString("get-areas"_L1).credentials(login, andPassword));
+    if (answer && !isErrorAnswerAmongBlanks(*answer))
+        appendAreas(*answer, areas);
+}
+
+void TVXManager::getGoalsFormServeByUsingLogin(const QString &login, const QString &andPassword,
+                                               qint64 forArea, qint64 forSets, TVXGoalList &goals)
+{
+    goals.clear();
+    FormString form("get-goals"_L1);
+    form.credentials(login, andPassword).number("p4"_L1, forSets).number("p5"_L1, forArea);
+    const auto answer = answerOrAlert(form);
+    if (answer && !isErrorAnswerAmongBlanks(*answer))
+        appendGoalsOfOneArea(*answer, goals);
+}
+
+void TVXManager::getGoalsForPrintUsingLogin(const QString &login, const QString &andPassword,
+                                            qint64 forSetsId, TVXGoalList &goals)
+{
+    goals.clear();
+    FormString form("get-complex-goals-for-sets"_L1);
+    form.credentials(login, andPassword).number("p4"_L1, forSetsId);
+    const auto answer = answerOrAlert(form);
+    if (answer && !isErrorAnswer(*answer)) // blanks around the word make it text that is not XML: empty too
+        appendGoalsOfAllAreas(*answer, goals);
+}
+
+TVXGoalPtr TVXManager::getRandomGoalUsingLogin(const QString &login, const QString &andPassword,
+                                               qint64 forSetsId)
+{
+    FormString form("get-random-goal"_L1);
+    form.credentials(login, andPassword).number("p4"_L1, forSetsId);
+    const TVXAnswer answer = m_exchange.post(form.body());
+    const std::optional<QString> text = answer.data ? asciiText(*answer.data) : std::nullopt;
+    if (!text || withoutBlanksAround(*text) == "Error"_L1)
+        return {};
+    return firstGoal(*answer.data);
+}
+
+std::optional<QByteArray> TVXManager::answerOrAlert(const FormString &form)
+{
+    TVXAnswer answer = m_exchange.post(form.body());
+    if (!answer.data)
+        m_alert.showError(answer.errorDescription);
+    return answer.data;
+}

@@ -1,0 +1,222 @@
+#include "CurlExchange.h"
+
+#include "ExchangeError.h"
+#include "TVXRequestWait.h"
+#include "UserAgent.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <curl/curl.h>
+#include <QScopeGuard>
+#include <QUrl>
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+constexpr qsizetype largestAnswer = qsizetype(128) * 1024 * 1024;
+constexpr auto longestPoll = 20ms;
+constexpr auto turnInterval = 10ms;
+constexpr long receiveBuffer = 128 * 1024;
+// Below the idle limit of services, so that a kept connection is rarely one they are about to close.
+constexpr long longestIdleSeconds = 20;
+constexpr long firstFinalStatus = 200;
+
+template<auto cleanUp>
+struct Deleter
+{
+    void operator()(auto *handle) const { (void)cleanUp(handle); }
+};
+
+using EasyHandle = std::unique_ptr<CURL, Deleter<curl_easy_cleanup>>;
+using MultiHandle = std::unique_ptr<CURLM, Deleter<curl_multi_cleanup>>;
+using HeaderList = std::unique_ptr<curl_slist, Deleter<curl_slist_free_all>>;
+
+/// One request on its way, as libcurl's callbacks see it.
+struct Transfer
+{
+    explicit Transfer(QByteArrayView body) : unsent(body) {}
+
+    QByteArrayView unsent;
+    QByteArray answer = QByteArrayLiteral(""); // an empty answer is one
+    bool isHeaderComplete = false;
+    bool isTooLarge = false;
+};
+
+size_t giveBody(char *buffer, size_t size, size_t count, void *data)
+{
+    auto *transfer = static_cast<Transfer *>(data);
+    const auto length = std::min(static_cast<qsizetype>(size * count), transfer->unsent.size());
+    std::memcpy(buffer, transfer->unsent.data(), static_cast<size_t>(length));
+    transfer->unsent = transfer->unsent.sliced(length);
+    return static_cast<size_t>(length);
+}
+
+size_t takeAnswer(char *bytes, size_t size, size_t count, void *data)
+{
+    auto *transfer = static_cast<Transfer *>(data);
+    const auto length = static_cast<qsizetype>(size * count);
+    if (length > largestAnswer - transfer->answer.size()) {
+        transfer->isTooLarge = true;
+        return 0;
+    }
+    transfer->answer.append(bytes, length);
+    return size * count;
+}
+
+/// Told every header line, that of an interim answer included: only the last blank line counts.
+size_t takeHeaderLine(char *bytes, size_t size, size_t count, void *data)
+{
+    const QByteArrayView line(bytes, static_cast<qsizetype>(size * count));
+    if (line.startsWith("HTTP/"))
+        static_cast<Transfer *>(data)->isHeaderComplete = false;
+    else if (line == "\r\n" || line == "\n")
+        static_cast<Transfer *>(data)->isHeaderComplete = true;
+    return size * count;
+}
+
+HeaderList headersFor(const QByteArray &body)
+{
+    const std::array<QByteArray, 4> lines = {"Content-Length: " + QByteArray::number(body.size()),
+                                             "Content-Field: application/x-www-form-urlencoded",
+                                             "User-Agent: " + clientUserAgent().toUtf8(),
+                                             "Expect:"}; // no waiting for leave to send the body
+    HeaderList headers;
+    for (const QByteArray &line : lines) {
+        if (curl_slist *longer = curl_slist_append(headers.get(), line.constData())) {
+            (void)headers.release();
+            headers.reset(longer);
+        }
+    }
+    return headers;
+}
+
+} // namespace
+
+/// What is kept from request to request: the settings, and the connection.
+class CurlExchange::Handles
+{
+public:
+    Handles(const QByteArray &url, std::chrono::milliseconds deadline)
+    {
+        curl_easy_setopt(easy(), CURLOPT_URL, url.constData());
+        curl_easy_setopt(easy(), CURLOPT_PROTOCOLS_STR, "http");
+        curl_easy_setopt(easy(), CURLOPT_HTTP_VERSION, long(CURL_HTTP_VERSION_1_1));
+        curl_easy_setopt(easy(), CURLOPT_PROXY, ""); // whatever the environment says
+        curl_easy_setopt(easy(), CURLOPT_FOLLOWLOCATION, 0L);
+        curl_easy_setopt(easy(), CURLOPT_ACCEPT_ENCODING, "gzip, deflate");
+        curl_easy_setopt(easy(), CURLOPT_TIMEOUT_MS, long(deadline.count()));
+        curl_easy_setopt(easy(), CURLOPT_NOSIGNAL, 1L);
+        curl_easy_setopt(easy(), CURLOPT_QUICK_EXIT, 1L); // the deadline ends a hanging host look-up too
+        curl_easy_setopt(easy(), CURLOPT_MAXAGE_CONN, longestIdleSeconds);
+        curl_easy_setopt(easy(), CURLOPT_BUFFERSIZE, receiveBuffer);
+        curl_easy_setopt(easy(), CURLOPT_POST, 1L);
+        // A body that can be read but not rewound is never sent a second time.
+        curl_easy_setopt(easy(), CURLOPT_READFUNCTION, giveBody);
+        curl_easy_setopt(easy(), CURLOPT_WRITEFUNCTION, takeAnswer);
+        curl_easy_setopt(easy(), CURLOPT_HEADERFUNCTION, takeHeaderLine);
+        curl_easy_setopt(easy(), CURLOPT_ERRORBUFFER, m_detail.data());
+    }
+
+    /// libcurl's verdict; turn() is called now and then while waiting for it.
+    template<typename Turn>
+    CURLcode perform(const QByteArray &body, Transfer &transfer, Turn turn)
+    {
+        const HeaderList headers = headersFor(body);
+        m_detail[0] = '\0';
+        curl_easy_setopt(easy(), CURLOPT_HTTPHEADER, headers.get());
+        curl_easy_setopt(easy(), CURLOPT_POSTFIELDSIZE_LARGE, curl_off_t(body.size()));
+        // Nothing of an empty body needs rewinding: only a new connection keeps it from being sent twice.
+        curl_easy_setopt(easy(), CURLOPT_FRESH_CONNECT, long(body.isEmpty()));
+        curl_easy_setopt(easy(), CURLOPT_READDATA, &transfer);
+        curl_easy_setopt(easy(), CURLOPT_WRITEDATA, &transfer);
+        curl_easy_setopt(easy(), CURLOPT_HEADERDATA, &transfer);
+        if (curl_multi_add_handle(m_multi.get(), easy()) != CURLM_OK)
+            return CURLE_FAILED_INIT;
+        const auto removed = qScopeGuard([&] { curl_multi_remove_handle(m_multi.get(), easy()); });
+        return wait(turn);
+    }
+
+    bool isFinalStatus() const
+    {
+        long status = 0;
+        curl_easy_getinfo(easy(), CURLINFO_RESPONSE_CODE, &status);
+        return status >= firstFinalStatus;
+    }
+
+    QString detail(CURLcode code) const
+    {
+        return QString::fromLocal8Bit(m_detail[0] ? m_detail.data() : curl_easy_strerror(code));
+    }
+
+private:
+    CURL *easy() const { return m_easy.get(); }
+
+    template<typename Turn>
+    CURLcode wait(Turn turn)
+    {
+        const auto started = Clock::now();
+        auto lastTurn = started;
+        int running = 0;
+        while (curl_multi_perform(m_multi.get(), &running) == CURLM_OK && running > 0) {
+            if (curl_multi_poll(m_multi.get(), nullptr, 0, longestPoll.count(), nullptr) != CURLM_OK)
+                break;
+            if (Clock::now() - lastTurn >= turnInterval) {
+                turn();
+                lastTurn = Clock::now();
+            }
+        }
+        // What was typed since the last turn is to be dropped as well, not delivered after the request.
+        if (Clock::now() - started > turnInterval)
+            turn();
+        return result();
+    }
+
+    CURLcode result()
+    {
+        int left = 0;
+        const CURLMsg *message = curl_multi_info_read(m_multi.get(), &left);
+        return message && message->msg == CURLMSG_DONE ? message->data.result : CURLE_FAILED_INIT;
+    }
+
+    std::array<char, CURL_ERROR_SIZE> m_detail{};
+    const MultiHandle m_multi{curl_multi_init()};
+    const EasyHandle m_easy{curl_easy_init()};
+};
+
+CurlExchange::CurlExchange(const QByteArray &url, std::chrono::milliseconds deadline, TVXRequestWait &wait)
+    : m_url(url), m_deadline(deadline), m_wait(wait)
+{
+}
+
+CurlExchange::~CurlExchange() = default;
+
+TVXAnswer CurlExchange::post(const QByteArray &body)
+{
+    const QString address = QUrl::fromEncoded(m_url).authority();
+    const auto failed = [&](ExchangeError error, const QString &detail = {}) {
+        return TVXAnswer{std::nullopt, describe(error, address, detail)};
+    };
+    if (m_busy)
+        return failed(ExchangeError::Busy);
+    m_busy = true;
+    const auto ended = qScopeGuard([this] {
+        m_busy = false;
+        m_wait.requestEnded();
+    });
+    m_wait.requestStarted();
+    if (!m_handles)
+        m_handles = std::make_unique<Handles>(m_url, m_deadline);
+
+    Transfer transfer(body);
+    const CURLcode code = m_handles->perform(body, transfer, [this] { m_wait.turn(); });
+    if (transfer.isTooLarge)
+        return failed(ExchangeError::AnswerTooLarge);
+    if (code != CURLE_OK)
+        return failed(exchangeErrorOfCurl(code), m_handles->detail(code));
+    if (!transfer.isHeaderComplete || !m_handles->isFinalStatus())
+        return failed(ExchangeError::ConnectionLost);
+    return {transfer.answer, {}};
+}

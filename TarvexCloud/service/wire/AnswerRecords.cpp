@@ -1,0 +1,121 @@
+#include "AnswerRecords.h"
+
+#include "AnswerText.h"
+#include "Columns.h"
+#include "Escaping.h"
+
+#include <algorithm>
+
+namespace {
+
+using Names = std::span<const std::string_view>;
+constexpr std::size_t idColumn = 0;
+constexpr std::size_t nameColumn = 1;
+
+QString plainText(std::string_view text)
+{
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+/// One row of the columns, read by column.
+class Row
+{
+public:
+    Row(const Columns &columns, std::size_t index) : m_columns(columns), m_index(index) {}
+
+    qint32 number(std::size_t column) const { return leadingInteger(m_columns.text(column, m_index)); }
+    QString text(std::size_t column) const { return plainText(m_columns.text(column, m_index)); }
+    QString name() const { return unescapedFromUtf8Wire(m_columns.text(nameColumn, m_index)); }
+    bool isYes(std::size_t column) const { return m_columns.text(column, m_index) == "y"; }
+
+private:
+    const Columns &m_columns;
+    const std::size_t m_index;
+};
+
+template<typename List, typename Fill>
+void appendRecords(const QByteArray &answer, Names names, List &records, Fill fill)
+{
+    const std::optional<Columns> columns = Columns::read(answer, names);
+    if (!columns)
+        return;
+    std::size_t complete = columns->count(idColumn);
+    for (std::size_t column = 0; column < names.size(); ++column)
+        complete = std::min(complete, columns->count(column));
+    records.reserve(records.size() + complete);
+    for (std::size_t i = 0; i < columns->count(idColumn); ++i) {
+        auto record = std::make_shared<typename List::value_type::element_type>();
+        fill(Row(*columns, i), *record);
+        records.push_back(std::move(record));
+    }
+}
+
+} // namespace
+
+void appendSets(const QByteArray &answer, TVXSetsList &sets)
+{
+    static constexpr std::string_view names[] = {"id",       "name",     "percent1", "percent2", "percent3",
+                                                 "percent4", "percent5", "percent6", "percent7", "percent8"};
+    appendRecords(answer, names, sets, [](const Row &row, TVXSets &set) {
+        set.setIdOfSets(row.number(idColumn));
+        set.setName(row.name());
+        set.setPercent1(row.text(/*column=*/2));
+        set.setPercent2(row.text(/*column=*/3));
+        set.setPercent3(row.text(/*column=*/4));
+        set.setPercent4(row.text(/*column=*/5));
+        set.setPercent5(row.text(/*column=*/6));
+        set.setPercent6(row.text(/*column=*/7));
+        set.setPercent7(row.text(/*column=*/8));
+        set.setPercent8(row.text(/*column=*/9));
+    });
+}
+
+void appendAreas(const QByteArray &answer, TVXAreaList &areas)
+{
+    static constexpr std::string_view names[] = {"id", "name", "color", "value"};
+    appendRecords(answer, names, areas, [](const Row &row, TVXArea &area) {
+        area.setIdOfArea(row.number(idColumn));
+        area.setName(row.name());
+        area.setColor(row.text(/*column=*/2));
+        area.setValueOfArea(row.number(/*column=*/3));
+    });
+}
+
+void appendGoalsOfOneArea(const QByteArray &answer, TVXGoalList &goals)
+{
+    static constexpr std::string_view names[] = {"id", "name", "priority", "checked"};
+    appendRecords(answer, names, goals, [](const Row &row, TVXGoal &goal) {
+        goal.setIdOfGoal(row.number(idColumn));
+        goal.setNameOfGoal(row.name());
+        goal.setPriorityOfGoal(row.number(/*column=*/2));
+        goal.setIsChecked(row.isYes(/*column=*/3));
+    });
+}
+
+void appendGoalsOfAllAreas(const QByteArray &answer, TVXGoalList &goals)
+{
+    static constexpr std::string_view names[] = {"id", "name", "area", "priority", "checked"};
+    appendRecords(answer, names, goals, [](const Row &row, TVXGoal &goal) {
+        goal.setIdOfGoal(row.number(idColumn));
+        goal.setNameOfGoal(row.name());
+        goal.setIdOfArea(row.number(/*column=*/2));
+        goal.setPriorityOfGoal(row.number(/*column=*/3));
+        goal.setIsChecked(row.isYes(/*column=*/4));
+    });
+}
+
+TVXGoalPtr firstGoal(const QByteArray &answer)
+{
+    static constexpr std::string_view names[] = {"id", "name", "area"};
+    auto goal = std::make_shared<TVXGoal>();
+    const std::optional<Columns> columns = Columns::read(answer, names);
+    if (!columns) {
+        goal->setNameOfGoal(QString());
+        return goal;
+    }
+    const Row row(*columns, /*index=*/0);
+    goal->setNameOfGoal(row.name());
+    goal->setIdOfGoal(row.number(idColumn));
+    goal->setIdOfArea(row.number(/*column=*/2));
+    return goal;
+}
