@@ -1,0 +1,73 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <QByteArray>
+#include <QList>
+#include <thread>
+#include <vector>
+
+/// What the service sends for one request: any bytes at all, so every fault of a wire can be written down.
+struct ServiceReply
+{
+    QByteArray bytes;
+    bool closes = false;                  // the connection, after the last byte; else it is kept
+    std::chrono::milliseconds perByte{0}; // waited before each byte
+};
+
+/// A sound HTTP answer; `headers` are whole lines with their line ends.
+ServiceReply httpReply(const QByteArray &body, const QByteArray &status = "200 OK",
+                       const QByteArray &headers = {});
+
+/// A real HTTP service on loopback, in threads of its own, that answers by script and keeps what it was sent.
+/// Every member may be called at any time.
+class LoopbackService
+{
+public:
+    LoopbackService();
+    ~LoopbackService();
+    LoopbackService(const LoopbackService &) = delete;
+    LoopbackService &operator=(const LoopbackService &) = delete;
+
+    QByteArray url() const;
+
+    /// From now on requests of that kind (their p1) get this body; without a script they get "Error".
+    void answer(const QByteArray &kind, const QByteArray &body) { answer(kind, httpReply(body)); }
+    void answer(const QByteArray &kind, const ServiceReply &reply);
+    /// One more answer for that kind, after those scripted so far were given once; the last one stays.
+    void thenAnswer(const QByteArray &kind, const ServiceReply &reply);
+
+    /// While held, requests are received and wait for their answer.
+    void hold();
+    void release();
+
+    /// Every request to the last byte, in the order they came; what came of a broken one too.
+    QList<QByteArray> requests() const;
+    /// Their bodies alone.
+    QList<QByteArray> bodies() const;
+
+private:
+    void acceptConnections();
+    void serve(int connection);
+    std::optional<QByteArray> readRequest(int connection, QByteArray &unread);
+    ServiceReply replyTo(const QByteArray &request);
+    bool send(int connection, const ServiceReply &reply);
+
+    quint16 m_port = 0;
+    const int m_listener; // sets m_port
+    mutable std::mutex m_mutex; // guards all below
+    std::condition_variable m_changed;
+    bool m_isStopping = false;
+    bool m_isHeld = false;
+    std::map<QByteArray, QList<ServiceReply>> m_script;
+    QList<QByteArray> m_requests;
+    std::vector<int> m_connections;
+    std::vector<std::thread> m_servers;
+    std::thread m_acceptor;
+};
+
+/// An address on loopback that nobody listens at.
+QByteArray refusingUrl();
