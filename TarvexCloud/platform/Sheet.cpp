@@ -24,16 +24,21 @@ QList<Sheet *> Sheet::begunOn(const QWidget *window)
     return sheets;
 }
 
+bool Sheet::hasSheet(const QWidget *window)
+{
+    const QList<Sheet *> sheets = begunOn(window);
+    return std::any_of(sheets.begin(), sheets.end(), [](const Sheet *sheet) { return sheet->isVisible(); });
+}
+
 void Sheet::beginOn(QWidget *window)
 {
     if (m_begun)
         return;
     m_window = window ? window : parentWidget();
-    const bool windowIsFree = begunOn(m_window).isEmpty();
     m_begun = true;
     static quint64 turns = 0;
     m_turn = ++turns;
-    if (windowIsFree)
+    if (!hasSheet(m_window))
         attach();
 }
 
@@ -52,12 +57,10 @@ void Sheet::endSheet()
         return;
     m_begun = false;
     hide();
-    // After the current action, which may begin a sheet of its own here.
+    // After the current action, whose next sheet comes before those that wait.
     QTimer::singleShot(0, qApp, [window = m_window] {
         const QList<Sheet *> waiting = begunOn(window);
-        const bool free = std::none_of(waiting.begin(), waiting.end(),
-                                       [](const Sheet *sheet) { return sheet->isVisible(); });
-        if (free && !waiting.isEmpty())
+        if (!waiting.isEmpty() && !hasSheet(window))
             waiting.first()->attach();
     });
 }

@@ -28,10 +28,11 @@ Q_SIGNALS:
     void cancelRequested();
 
 private:
-    static QList<Sheet *> begunOn(const QWidget *window);
+    static QList<Sheet *> begunOn(const QWidget *window); // in the order of their beginning
+    static bool hasSheet(const QWidget *window);
     void attach();
 
     QPointer<QWidget> m_window;
     bool m_begun = false;
-    quint64 m_turn = 0; // order of beginning, for the queue
+    quint64 m_turn = 0;
 };

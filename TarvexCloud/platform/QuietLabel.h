@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QLabel>
+
+/// A label for captions and guidance: plain text in a quieter shade of the window's own text colour, so that
+/// it stays readable in every palette. (The toolkit's placeholder colour is not: some dark palettes leave it
+/// black.)
+class QuietLabel : public QLabel
+{
+    Q_OBJECT
+public:
+    explicit QuietLabel(QWidget *parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+};

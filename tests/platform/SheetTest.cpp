@@ -1,0 +1,94 @@
+#include "Sheet.h"
+
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QSignalSpy>
+#include <QTest>
+#include <QWindow>
+
+class SheetTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aSecondSheetWaitsForTheFirst()
+    {
+        QMainWindow one;
+        QMainWindow two;
+        one.show();
+        two.show();
+        Sheet first(&one);
+        Sheet second(&two);
+        Sheet third(&one);
+        first.beginOn(&one);
+        second.beginOn(&one);
+        third.beginOn(&one);
+        QVERIFY(first.isVisible() && !second.isVisible() && !third.isVisible());
+
+        first.endSheet();
+        QTRY_VERIFY(second.isVisible());
+        QVERIFY(!third.isVisible());
+        QCOMPARE(second.parentWidget(), &two); // attached to the other window, still its own window's child
+        QCOMPARE(second.windowHandle()->transientParent(), one.windowHandle());
+
+        third.endSheet(); // gives up its place in the queue
+        second.endSheet();
+        QCoreApplication::processEvents();
+        QVERIFY(!third.isVisible());
+    }
+
+    void oneSheetMayGiveWayToAnotherBeforeThoseWaiting()
+    {
+        QMainWindow window;
+        window.show();
+        Sheet signIn(&window);
+        Sheet signUp(&window);
+        Sheet waiting(&window);
+        signIn.beginOn(&window);
+        waiting.beginOn(&window);
+        signIn.endSheet();
+        signUp.beginOn(nullptr);
+        QCoreApplication::processEvents();
+        QVERIFY(signUp.isVisible() && !waiting.isVisible());
+        signUp.endSheet();
+        QTRY_VERIFY(waiting.isVisible());
+    }
+
+    void escapeAndCloseBoxAskForCancelAndCloseNothing()
+    {
+        QMainWindow window;
+        window.show();
+        Sheet sheet(&window);
+        QLineEdit field(&sheet);
+        QSignalSpy cancels(&sheet, &Sheet::cancelRequested);
+        sheet.beginOn(&window);
+        QVERIFY(QTest::qWaitForWindowActive(&sheet));
+        QTest::keyClick(&field, Qt::Key_Escape);
+        QCOMPARE(cancels.count(), 1);
+        sheet.windowHandle()->close();
+        QCOMPARE(cancels.count(), 2);
+        QVERIFY(sheet.isVisible());
+        QCOMPARE(sheet.windowModality(), Qt::WindowModal);
+    }
+
+    void theWindowOfASheetThatIsUpMayGo()
+    {
+        QMainWindow own;
+        own.show();
+        Sheet sheet(&own);
+        {
+            QMainWindow other;
+            other.show();
+            sheet.beginOn(&other);
+            QVERIFY(sheet.isVisible());
+        }
+        QVERIFY(sheet.isBegun());
+        sheet.endSheet();
+        QCoreApplication::processEvents();
+        sheet.beginOn(&own);
+        QTRY_VERIFY(sheet.isVisible());
+    }
+};
+
+QTEST_MAIN(SheetTest)
+#include "SheetTest.moc"
