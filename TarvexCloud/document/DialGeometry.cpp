@@ -1,0 +1,92 @@
+#include "DialGeometry.h"
+
+#include <cmath>
+#include <numbers>
+
+namespace {
+
+constexpr qreal gap = 6;
+constexpr int margin = 16;
+constexpr int leastNameWidth = 120;
+constexpr int leastNameWidthBesideAverage = 90;
+constexpr int averageLeft = 24;
+constexpr int gapToAverage = 12;
+
+// Clock angle of the middle of slice k, measured counter-clockwise from three o'clock.
+qreal middleAngle(int index)
+{
+    return std::numbers::pi * (90.0 - 22.5 - 45.0 * index) / 180.0;
+}
+
+qreal percentRadius(const DialGeometry::TextSizes &text)
+{
+    return DialGeometry::wheelRadius + gap + text.percent.height() / 2;
+}
+
+// Half the width that a percent label takes up once it is turned along the rim.
+qreal turnedHalfWidth(const DialGeometry::TextSizes &text, int index)
+{
+    const qreal turn =
+        std::numbers::pi * DialGeometry::percentRotations[static_cast<std::size_t>(index)] / 180.0;
+    return (text.percent.width() * std::abs(std::cos(turn)) +
+            text.percent.height() * std::abs(std::sin(turn))) /
+           2;
+}
+
+int averageRight(const DialGeometry::TextSizes &text)
+{
+    return averageLeft + std::max(text.average.width(), text.captionWidth);
+}
+
+// How far from the wheel's centre a name begins, and how high its middle lies.
+QPointF nameAnchor(const DialGeometry::TextSizes &text, int index)
+{
+    const qreal radius = percentRadius(text);
+    const qreal angle = middleAngle(index);
+    const bool nearPole = index % 4 == 0 || index % 4 == 3;
+    if (nearPole) {
+        const qreal height = DialGeometry::wheelRadius + text.percent.height() / 2 + text.nameHeight / 2.0;
+        return {std::abs(radius * std::cos(angle)) + gap + 4, std::copysign(height, std::sin(angle))};
+    }
+    const qreal beyond = std::max(turnedHalfWidth(text, index), turnedHalfWidth(text, 7 - index));
+    return {std::abs(radius * std::cos(angle)) + beyond + gap, radius * std::sin(angle) * 1.1};
+}
+
+} // namespace
+
+DialGeometry::DialGeometry(QSize area, const TextSizes &text)
+{
+    average = QRect(averageLeft, 14, text.average.width(), text.average.height());
+    caption = QRect(averageLeft, average.bottom() + 1, text.captionWidth, text.captionHeight);
+    const int left = (area.width() - wheelSide) / 2;
+    const int top = (area.height() - wheelSide) / 2;
+    wheel = QRect(left, top, wheelSide, wheelSide);
+    const QPointF centre(left + wheelSide / 2.0, top + wheelSide / 2.0);
+
+    for (int index = 0; index < areaCount; ++index) {
+        const auto k = static_cast<std::size_t>(index);
+        const qreal angle = middleAngle(index);
+        const qreal radius = percentRadius(text);
+        percentCentres[k] = {centre.x() + radius * std::cos(angle),
+                             area.height() - centre.y() + radius * std::sin(angle)};
+
+        const QPointF anchor = nameAnchor(text, index);
+        const int y = static_cast<int>(std::lround(centre.y() - anchor.y() - text.nameHeight / 2.0));
+        const int reach = static_cast<int>(std::lround(anchor.x()));
+        const int width = std::max(0, static_cast<int>(centre.x()) - reach - margin);
+        const int x = isOnRightHalf(index) ? static_cast<int>(centre.x()) + reach : margin;
+        names[k] = QRect(x, y, width, text.nameHeight);
+        if (names[k].intersects(average | caption))
+            names[k].setLeft(averageRight(text) + gapToAverage);
+    }
+}
+
+QSize DialGeometry::minimumArea(const TextSizes &text)
+{
+    const qreal reach = nameAnchor(text, /*index=*/1).x() + leastNameWidth + margin;
+    const qreal reachBesideAverage =
+        nameAnchor(text, /*index=*/7).x() + leastNameWidthBesideAverage + gapToAverage + averageRight(text);
+    const qreal rise = nameAnchor(text, /*index=*/0).y() + text.nameHeight / 2.0 + gap;
+    return {static_cast<int>(std::ceil(2 * std::max(reach, reachBesideAverage))),
+            static_cast<int>(std::ceil(2 * rise))};
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <QObject>
+#include <QPointer>
+#include <vector>
+
+class QMainWindow;
+class TarvexDocument;
+class TVXAlert;
+class TVXExchange;
+
+/// The open documents, which of their windows is the application's main window, and the one way in which user
+/// actions run.
+class DocumentController : public QObject
+{
+    Q_OBJECT
+public:
+    /// Both are shared by all documents and must outlive the controller.
+    DocumentController(TVXExchange &exchange, TVXAlert &alert);
+    ~DocumentController() override;
+
+    TVXExchange &exchange() const { return m_exchange; }
+    TVXAlert &alert() const { return m_alert; }
+
+    /// Opens an untitled document and shows its window. The controller owns it until it is closed.
+    TarvexDocument *openUntitledDocument();
+    /// Forgets the document; it is destroyed once the event that closed it has been handled.
+    void documentDidClose(TarvexDocument *document);
+    /// Closes every document, then ends the application.
+    void quit();
+    const std::vector<std::shared_ptr<TarvexDocument>> &documents() const { return m_documents; }
+
+    /// The document window the user worked in last, also while a sheet or an alert is in front of it; null
+    /// when none has been active yet or it is closed.
+    QMainWindow *mainWindow() const;
+    /// The document of that window, or null.
+    TarvexDocument *documentOfWindow(const QMainWindow *window) const;
+
+    /// Whether a request is in flight or a user action is still running.
+    bool isBusy() const;
+    /// Runs a user action of that document unless one is running already; then it does nothing.
+    /// An answer of the service that lacks part of its columns ends the action: it is logged and
+    /// `incompleteAnswer` is called. No exception leaves this function.
+    void runAction(TarvexDocument *document, const std::function<void()> &action,
+                   const std::function<void()> &incompleteAnswer);
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+Q_SIGNALS:
+    void lastDocumentClosed();
+
+private:
+    std::shared_ptr<TarvexDocument> sharedOf(const TarvexDocument *document) const;
+
+    TVXExchange &m_exchange;
+    TVXAlert &m_alert;
+    std::vector<std::shared_ptr<TarvexDocument>> m_documents;
+    QList<QPointer<QMainWindow>> m_activated; // least recently active first
+    bool m_actionRunning = false;
+};

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "AlertPresenter.h"
+#include "InputHold.h"
+#include "TVXAlert.h"
+#include "TVXRequestWait.h"
+
+/// Shows the service client's failures through the platform's alert.
+class ServiceAlert : public TVXAlert
+{
+public:
+    explicit ServiceAlert(AlertPresenter &presenter) : m_presenter(presenter) {}
+    void showError(const QString &description) override { m_presenter.showError(description); }
+
+private:
+    AlertPresenter &m_presenter;
+};
+
+/// Keeps the windows alive and drops the user's input for as long as a request is in flight.
+class HeldInputWait : public TVXRequestWait
+{
+public:
+    void requestStarted() override { m_hold.begin(); }
+    void turn() override { m_hold.turn(); }
+    void requestEnded() override { m_hold.end(); }
+
+private:
+    InputHold m_hold;
+};

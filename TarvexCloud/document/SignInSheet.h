@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Sheet.h"
+
+class QPushButton;
+
+/// The sign-in sheet's window and its controls; what they do is the document's.
+class SignInSheet : public Sheet
+{
+    Q_OBJECT
+public:
+    explicit SignInSheet(QWidget *ownWindow);
+
+    /// Greys the fields and buttons out while a request is in flight; the focus comes back afterwards.
+    void setControlsEnabled(bool enabled);
+
+Q_SIGNALS:
+    void signInRequested();
+
+private:
+    QWidget *m_fields;
+    QPushButton *m_signIn;
+    QPushButton *m_cancel;
+    QPointer<QWidget> m_focusBefore;
+};

@@ -1,0 +1,153 @@
+#include "AnswerText.h"
+#include "DialArea.h"
+#include "DocumentController.h"
+#include "ElidedLabel.h"
+#include "RotatedLabel.h"
+#include "Sheet.h"
+#include "TarvexDocument.h"
+#include "TarvexView.h"
+#include "TVXManager.h"
+
+#include <QLabel>
+
+void TarvexDocument::startGettingData()
+{
+    TVXManager manager(m_controller.exchange(), m_controller.alert());
+    m_project->sets()->clear();
+    m_project->areas()->clear();
+    manager.getSetsFromServerByUsingLogin(m_loginUserName, m_loginPassword, *m_project->sets());
+    manager.getAreasFormServeByUsingLogin(m_loginUserName, m_loginPassword, *m_project->areas());
+}
+
+void TarvexDocument::copyOutletsForNames()
+{
+    if (m_wndProjectName)
+        return; // this is the document whose window loaded
+    if (const TarvexDocument *current = currentDocument()) {
+        m_labels = current->m_labels;
+        m_project = current->m_project;
+    }
+}
+
+void TarvexDocument::setNamesForAreasOnWindow()
+{
+    copyOutletsForNames();
+    const TVXAreaList &areas = *m_project->areas();
+    for (std::size_t k = 0; k < m_labels.size() && k < areas.size(); ++k)
+        if (m_labels[k])
+            m_labels[k]->setText(areas[k]->name());
+}
+
+std::shared_ptr<TVXSetsList> TarvexDocument::shownSets() const
+{
+    const TVXProjectPtr mainData = m_wheelView ? m_wheelView->mainData() : nullptr;
+    return mainData ? mainData->sets() : nullptr;
+}
+
+TVXSetsPtr TarvexDocument::selectedSet() const
+{
+    const std::shared_ptr<TVXSetsList> sets = shownSets();
+    const int index = m_listOfProjects ? m_listOfProjects->indexOfSelectedItem() : -1;
+    const bool exists = sets && index >= 0 && static_cast<std::size_t>(index) < sets->size();
+    return exists ? (*sets)[static_cast<std::size_t>(index)] : TVXSetsPtr();
+}
+
+void TarvexDocument::updatePercentValues()
+{
+    const TVXSetsPtr set = selectedSet();
+    if (!set)
+        return;
+    m_currentSet = set;
+    quint32 sum = 0; // the sum of the eight wraps at 32 bits
+    TarvexView::PercentTexts texts;
+    for (int index = 0; index < areaCount; ++index) {
+        const QString &percent = set->percentOfArea(index);
+        m_percentLabels[static_cast<std::size_t>(index)]->setText(percent + u'%');
+        texts[static_cast<std::size_t>(index)] = percent;
+        sum += static_cast<quint32>(leadingInteger(percent.toStdString()));
+    }
+    const qint32 average = static_cast<qint32>(sum) / areaCount;
+    m_labelMainPercent->setText(QString::number(average) + u'%');
+    m_labelMainPercentCaption->show();
+    m_wheelView->setPercentTexts(texts);
+}
+
+void TarvexDocument::showAreaDetails(const TVXAreaPtr &, int)
+{
+    if (const TVXProjectPtr mainData = m_wheelView->mainData())
+        mainData->goals()->clear();
+}
+
+TarvexDocument *TarvexDocument::currentDocument() const
+{
+    return m_controller.documentOfWindow(m_controller.mainWindow());
+}
+
+int TarvexDocument::numberOfItemsInComboBox(const SourcedComboBox *comboBox) const
+{
+    const std::shared_ptr<TVXSetsList> sets = comboBox == m_listOfProjects ? shownSets() : nullptr;
+    return sets ? static_cast<int>(sets->size()) : 0;
+}
+
+QString TarvexDocument::comboBoxObjectValueForItemAtIndex(const SourcedComboBox *comboBox, int index) const
+{
+    const bool exists = index >= 0 && index < numberOfItemsInComboBox(comboBox);
+    return exists ? (*shownSets())[static_cast<std::size_t>(index)]->name() : QString();
+}
+
+std::shared_ptr<const void> TarvexDocument::comboBoxRecordAtIndex(const SourcedComboBox *comboBox,
+                                                                  int index) const
+{
+    const bool exists = index >= 0 && index < numberOfItemsInComboBox(comboBox);
+    return exists ? (*shownSets())[static_cast<std::size_t>(index)] : nullptr;
+}
+
+int TarvexDocument::comboBoxIndexOfItemWithStringValue(const SourcedComboBox *comboBox,
+                                                       const QString &string) const
+{
+    for (int index = 0; index < numberOfItemsInComboBox(comboBox); ++index) {
+        const QString &name = (*shownSets())[static_cast<std::size_t>(index)]->name();
+        if (name.constData() == string.constData() && name.size() == string.size())
+            return index;
+    }
+    return 0;
+}
+
+void TarvexDocument::showSelectedSet()
+{
+    updatePercentValues();
+    m_wheelView->display();
+}
+
+void TarvexDocument::comboBoxSelectionDidChange()
+{
+    showSelectedSet();
+}
+
+void TarvexDocument::comboBoxWillDismiss()
+{
+    showSelectedSet();
+}
+
+void TarvexDocument::comboBoxSelectionIsChanging()
+{
+    showSelectedSet();
+}
+
+void TarvexDocument::showState()
+{
+    const std::size_t sets = m_project->sets()->size();
+    QString guidance;
+    if (!m_isLoaded)
+        guidance = tr("Sign in to see your wheel.");
+    else if (m_project->areas()->empty())
+        guidance = tr("The service sent no wheel. Choose Sign In in the File menu to try again.");
+    else if (sets == 0)
+        guidance = tr("There are no sets yet, so there are no percentages to show.");
+    else if (sets > 1)
+        guidance = tr("The percentages belong to the set chosen above; choose another one to compare.");
+    m_labelGuidance->setText(guidance);
+    m_dialArea->setWheelShown(m_isLoaded && !m_project->areas()->empty());
+    m_listOfProjects->setPlaceholderText(m_isLoaded ? tr("No sets") : QString());
+    m_listOfProjects->setEnabled(sets > 0);
+}

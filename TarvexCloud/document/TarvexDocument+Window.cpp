@@ -1,0 +1,143 @@
+#include "BusyIndicator.h"
+#include "DocumentController.h"
+#include "MessageLine.h"
+#include "SignInSheet.h"
+#include "TarvexDocument.h"
+#include "TarvexView.h"
+
+#include "ui_TarvexDocument.h"
+
+#include <QEvent>
+#include <QLineEdit>
+
+namespace {
+constexpr int millisecondsBeforeSignIn = 500;
+} // namespace
+
+QString TarvexDocument::windowNibName() const
+{
+    return QStringLiteral("TarvexDocument");
+}
+
+void TarvexDocument::makeWindow()
+{
+    m_window = std::make_unique<QMainWindow>();
+    Ui::TarvexDocument ui;
+    ui.setupUi(m_window.get());
+    m_window->setWindowTitle(QStringLiteral("Tarvex Cloud - Client for Mac OS X"));
+    m_window->installEventFilter(this);
+
+    auto *space = new QWidget(ui.toolBar);
+    space->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    ui.toolBar->addWidget(space);
+    ui.toolBar->addWidget(ui.setSelector);
+
+    connectOutlets();
+    connectActions();
+    windowControllerDidLoadNib();
+}
+
+void TarvexDocument::connectOutlets()
+{
+    auto *dial = m_window->findChild<DialArea *>(QStringLiteral("dialArea"));
+    m_dialArea = dial;
+    dial->labelsLoaded();
+    std::copy(dial->names().begin(), dial->names().end(), m_labels.begin());
+    std::copy(dial->percents().begin(), dial->percents().end(), m_percentLabels.begin());
+    m_labelMainPercent = dial->findChild<QLabel *>(QStringLiteral("labelMainPercent"));
+    m_labelMainPercentCaption = dial->findChild<QLabel *>(QStringLiteral("labelMainPercentCaption"));
+    m_labelMainPercentCaption->hide(); // until there is an average to explain
+    m_labelGuidance = m_window->findChild<QLabel *>(QStringLiteral("labelGuidance"));
+    m_wheelView = dial->findChild<TarvexView *>(QStringLiteral("wheelView"));
+
+    m_listOfProjects = m_window->findChild<SourcedComboBox *>(QStringLiteral("listOfProjects"));
+    m_listOfProjects->setDataSource(this);
+
+    // The set-name sheet has no contents before there are commands that open it. It stands here all the same:
+    // its absence is what marks a document whose window has not loaded.
+    m_wndProjectName = new Sheet(m_window.get());
+
+    m_wndSignIn = new SignInSheet(m_window.get());
+    m_indicator = m_wndSignIn->findChild<BusyIndicator *>(QStringLiteral("indicator"));
+    m_textUsername = m_wndSignIn->findChild<QLineEdit *>(QStringLiteral("textUsername"));
+    m_textPassword = m_wndSignIn->findChild<QLineEdit *>(QStringLiteral("textPassword"));
+    m_textSignInErrorMessage =
+        m_wndSignIn->findChild<MessageLine *>(QStringLiteral("textSignInErrorMessage"));
+}
+
+void TarvexDocument::connectActions()
+{
+    connect(m_listOfProjects, &SourcedComboBox::selectionDidChange, this,
+            &TarvexDocument::comboBoxSelectionDidChange);
+    connect(m_listOfProjects, &SourcedComboBox::selectionIsChanging, this,
+            &TarvexDocument::comboBoxSelectionIsChanging);
+    connect(m_listOfProjects, &SourcedComboBox::willDismiss, this, &TarvexDocument::comboBoxWillDismiss);
+    connect(m_wndSignIn, &SignInSheet::signInRequested, this, &TarvexDocument::signIn);
+    connect(m_wndSignIn, &Sheet::cancelRequested, this, &TarvexDocument::cancel);
+
+    const auto command = [this](const char *name, auto slot, QKeySequence::StandardKey key) {
+        auto *action = m_window->findChild<QAction *>(QString::fromLatin1(name));
+        action->setShortcuts(key);
+        connect(action, &QAction::triggered, this, slot);
+    };
+    command("actionSignIn", &TarvexDocument::signInAgain, QKeySequence::UnknownKey);
+    command("actionClose", &TarvexDocument::close, QKeySequence::Close);
+    command(
+        "actionQuit", [this] { m_controller.quit(); }, QKeySequence::Quit);
+}
+
+void TarvexDocument::windowControllerDidLoadNib()
+{
+    showState();
+    auto *timer = new QTimer(this);
+    m_startGettingUserNameAndPassword = timer;
+    connect(timer, &QTimer::timeout, this, &TarvexDocument::getUserNameAndPassword);
+    timer->start(millisecondsBeforeSignIn);
+}
+
+void TarvexDocument::close()
+{
+    if (!m_window)
+        return;
+    if (m_startGettingUserNameAndPassword)
+        m_startGettingUserNameAndPassword->stop();
+    const auto sheets = m_window->findChildren<Sheet *>();
+    for (Sheet *sheet : sheets)
+        sheet->endSheet();
+    m_window->hide();
+    m_controller.documentDidClose(this);
+}
+
+TarvexView *TarvexDocument::wheelView() const
+{
+    return m_wheelView;
+}
+
+SourcedComboBox *TarvexDocument::listOfProjects() const
+{
+    return m_listOfProjects;
+}
+
+Sheet *TarvexDocument::wndSignIn() const
+{
+    return m_wndSignIn;
+}
+
+Sheet *TarvexDocument::wndProjectName() const
+{
+    return m_wndProjectName;
+}
+
+MessageLine *TarvexDocument::textSignInErrorMessage() const
+{
+    return m_textSignInErrorMessage;
+}
+
+bool TarvexDocument::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_window.get() || event->type() != QEvent::Close)
+        return QObject::eventFilter(watched, event);
+    event->ignore(); // the document hides its window itself, after its sheets
+    close();
+    return true;
+}

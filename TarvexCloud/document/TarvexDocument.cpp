@@ -1,0 +1,120 @@
+#include "TarvexDocument.h"
+
+#include "BusyIndicator.h"
+#include "DocumentController.h"
+#include "MessageLine.h"
+#include "SignInSheet.h"
+#include "TarvexView.h"
+#include "TVXManager.h"
+
+#include <QLineEdit>
+#include <QMainWindow>
+
+namespace {
+
+// Greys a sheet's controls out and spins its indicator until the scope ends, however it ends.
+class SheetBusyScope
+{
+public:
+    SheetBusyScope(SignInSheet *sheet, BusyIndicator *indicator) : m_spinning(indicator), m_sheet(sheet)
+    {
+        m_sheet->setControlsEnabled(/*enabled=*/false);
+    }
+    ~SheetBusyScope() { m_sheet->setControlsEnabled(/*enabled=*/true); }
+    SheetBusyScope(const SheetBusyScope &) = delete;
+    SheetBusyScope &operator=(const SheetBusyScope &) = delete;
+
+private:
+    BusyScope m_spinning;
+    SignInSheet *m_sheet;
+};
+
+} // namespace
+
+TarvexDocument::TarvexDocument(DocumentController &controller)
+    : m_controller(controller), m_project(std::make_shared<TVXProject>())
+{
+}
+
+TarvexDocument::~TarvexDocument()
+{
+    if (m_listOfProjects && m_listOfProjects->dataSource() == this)
+        m_listOfProjects->setDataSource(nullptr);
+}
+
+void TarvexDocument::getUserNameAndPassword()
+{
+    if (m_startGettingUserNameAndPassword) {
+        m_startGettingUserNameAndPassword->stop();
+        m_startGettingUserNameAndPassword->deleteLater();
+        m_startGettingUserNameAndPassword.clear();
+    }
+    beginSheet(m_wndSignIn);
+}
+
+void TarvexDocument::signInAgain()
+{
+    if (m_controller.isBusy() || m_wndSignIn->isBegun())
+        return;
+    m_textSignInErrorMessage->setText(QStringLiteral(""));
+    beginSheet(m_wndSignIn);
+}
+
+void TarvexDocument::beginSheet(Sheet *sheet)
+{
+    QMainWindow *mainWindow = m_controller.mainWindow();
+    sheet->beginOn(mainWindow ? mainWindow : m_window.get());
+}
+
+void TarvexDocument::signIn()
+{
+    const auto action = [this] {
+        const SheetBusyScope busy(m_wndSignIn, m_indicator);
+        m_loginUserName = QStringLiteral("");
+        m_loginPassword = QStringLiteral("");
+        m_textSignInErrorMessage->setText(QStringLiteral("Checking..."));
+        m_wndSignIn->repaint(); // seen before the request leaves, however soon it is answered
+        TVXManager manager(m_controller.exchange(), m_controller.alert());
+        const QString answer = manager.signInWithLogin(m_textUsername->text(), m_textPassword->text());
+        if (answer != QStringLiteral("OK")) {
+            m_textSignInErrorMessage->setText(answer);
+            return;
+        }
+        loadStartupDataForLogin(m_textUsername->text(), m_textPassword->text());
+        m_wndSignIn->endSheet();
+    };
+    m_controller.runAction(this, action, [this] {
+        m_textSignInErrorMessage->setText(
+            tr("The service's answer was incomplete, so not everything could be shown. Try again."));
+    });
+}
+
+void TarvexDocument::cancel()
+{
+    close();
+}
+
+void TarvexDocument::loadStartupDataForLogin(const QString &login, const QString &andPassword)
+{
+    m_loginUserName = login;
+    m_loginPassword = andPassword;
+    startGettingData();
+    m_wheelView->setMainData(m_project);
+    m_listOfProjects->reloadData();
+    m_listOfProjects->selectItemAtIndex(/*index=*/0);
+    appendWheelPieces();
+    setNamesForAreasOnWindow();
+    m_wheelView->setTheParent(this);
+    m_wheelView->display();
+    updatePercentValues();
+    m_isLoaded = true;
+    showState();
+}
+
+void TarvexDocument::appendWheelPieces()
+{
+    if (!m_wheelView->piecesOfWheel())
+        m_wheelView->setPiecesOfWheel(std::make_shared<WheelPieceList>());
+    for (int index = 0; index < areaCount; ++index)
+        m_wheelView->piecesOfWheel()->push_back(std::make_shared<WheelPiece>());
+}

@@ -1,0 +1,138 @@
+#pragma once
+
+#include "SourcedComboBox.h"
+#include "TVXProject.h"
+#include "WheelParent.h"
+
+#include <array>
+#include <memory>
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+class BusyIndicator;
+class DialArea;
+class DocumentController;
+class ElidedLabel;
+class MessageLine;
+class QLabel;
+class QLineEdit;
+class QMainWindow;
+class RotatedLabel;
+class Sheet;
+class SignInSheet;
+class TarvexView;
+
+/// The application's controller and one of its windows: it signs in, loads the wheel and the sets, and shows
+/// them. A document only in form: nothing is read from or written to disk, and the credentials live in
+/// memory.
+///
+/// Start-up and sign-in are defined in TarvexDocument.cpp, the loading and showing of the data and the set
+/// selector in TarvexDocument+Selector.cpp, the window's making and closing in TarvexDocument+Window.cpp.
+class TarvexDocument : public QObject, public WheelParent, public ComboBoxDataSource
+{
+    Q_OBJECT
+public:
+    static constexpr int areaCount = 8;
+
+    /// An empty project and no window yet. The controller must outlive the document.
+    explicit TarvexDocument(DocumentController &controller);
+    ~TarvexDocument() override;
+
+    /// The name of the layout that holds the window.
+    QString windowNibName() const;
+    /// Loads the window from its layout, connects the outlets and prepares it. Once per document.
+    void makeWindow();
+    /// Turns the percent labels and starts the delay before the sign-in sheet.
+    void windowControllerDidLoadNib();
+    QMainWindow *window() const { return m_window.get(); }
+
+    /// The start-up load after a sign-in or sign-up: everything is fetched and shown, and from here on every
+    /// request uses these credentials. Failures have been alerted when it returns; what arrived is shown.
+    /// Throws std::out_of_range when an answer lacks part of its columns.
+    void loadStartupDataForLogin(const QString &login, const QString &andPassword);
+    /// Fetches the project's sets, then its areas.
+    void startGettingData();
+    /// Puts the area names into their labels; labels without an area keep what they show.
+    void setNamesForAreasOnWindow();
+    /// Shows the selected set's percents and their average; with no set selected nothing changes.
+    void updatePercentValues() override;
+    /// Takes a click on a slice. The area may be empty.
+    void showAreaDetails(const TVXAreaPtr &area, int ofIndex) override;
+    /// The document of the application's main window, or null.
+    TarvexDocument *currentDocument() const;
+
+    int numberOfItemsInComboBox(const SourcedComboBox *comboBox) const override;
+    QString comboBoxObjectValueForItemAtIndex(const SourcedComboBox *comboBox, int index) const override;
+    std::shared_ptr<const void> comboBoxRecordAtIndex(const SourcedComboBox *comboBox,
+                                                      int index) const override;
+    /// The first set whose name is the very same string object, not an equal one; 0 where there is none.
+    int comboBoxIndexOfItemWithStringValue(const SourcedComboBox *comboBox, const QString &string) const;
+
+    TarvexView *wheelView() const;
+    SourcedComboBox *listOfProjects() const;
+    Sheet *wndSignIn() const;
+    Sheet *wndProjectName() const;
+    MessageLine *textSignInErrorMessage() const;
+    const QString &loginUserName() const { return m_loginUserName; }
+    const QString &loginPassword() const { return m_loginPassword; }
+    const TVXProjectPtr &project() const { return m_project; }
+    /// The set that updatePercentValues() showed last; empty when it is gone from the project.
+    TVXSetsPtr currentSet() const { return m_currentSet.lock(); }
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+public Q_SLOTS:
+    /// The start-up timer's target: stops it and shows the sign-in sheet.
+    void getUserNameAndPassword();
+    void signIn();
+    /// Closes the document.
+    void cancel();
+    /// Ends its sheets, hides the window and has the controller destroy the document.
+    void close();
+    /// Shows the sign-in sheet again, with an empty message line.
+    void signInAgain();
+
+    void comboBoxSelectionDidChange();
+    void comboBoxWillDismiss();
+    void comboBoxSelectionIsChanging();
+
+private:
+    void connectOutlets();
+    void connectActions();
+    void beginSheet(Sheet *sheet);
+    void copyOutletsForNames();
+    void appendWheelPieces();
+    /// What the window says about its own state: the line at the bottom, the ring, the selector's
+    /// placeholder.
+    void showState();
+    void showSelectedSet();
+    TVXSetsPtr selectedSet() const;
+    std::shared_ptr<TVXSetsList> shownSets() const;
+
+    DocumentController &m_controller;
+    TVXProjectPtr m_project;
+    QString m_loginUserName = QStringLiteral("");
+    QString m_loginPassword = QStringLiteral("");
+    std::weak_ptr<TVXSets> m_currentSet;
+    bool m_isLoaded = false;
+
+    std::unique_ptr<QMainWindow> m_window;
+    QPointer<QTimer> m_startGettingUserNameAndPassword;
+
+    // Outlets, owned by the window; those of another document after a fallback to it.
+    QPointer<Sheet> m_wndProjectName;
+    QPointer<SignInSheet> m_wndSignIn;
+    std::array<QPointer<ElidedLabel>, areaCount> m_labels;
+    std::array<QPointer<RotatedLabel>, areaCount> m_percentLabels;
+    QPointer<QLabel> m_labelMainPercent;
+    QPointer<QLabel> m_labelMainPercentCaption;
+    QPointer<QLabel> m_labelGuidance;
+    QPointer<DialArea> m_dialArea;
+    QPointer<TarvexView> m_wheelView;
+    QPointer<SourcedComboBox> m_listOfProjects;
+    QPointer<BusyIndicator> m_indicator;
+    QPointer<QLineEdit> m_textUsername;
+    QPointer<QLineEdit> m_textPassword;
+    QPointer<MessageLine> m_textSignInErrorMessage;
+};

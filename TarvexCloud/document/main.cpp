@@ -1,0 +1,24 @@
+#include "CurlExchange.h"
+#include "DocumentController.h"
+#include "ServiceAdapters.h"
+
+#include <QApplication>
+
+int main(int argc, char *argv[])
+{
+    using namespace std::chrono_literals;
+    const QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    HeldInputWait wait;
+    CurlExchange exchange(QByteArrayLiteral(TARVEX_SERVICE_URL), 30s, wait);
+    MessageBoxAlertPresenter presenter;
+    ServiceAlert alert(presenter);
+    DocumentController controller(exchange, alert);
+#ifndef Q_OS_MACOS
+    // Without a menu bar of its own an application with no window could not be reached.
+    QObject::connect(&controller, &DocumentController::lastDocumentClosed, &application, &QApplication::quit,
+                     Qt::QueuedConnection);
+#endif
+    controller.openUntitledDocument();
+    return QApplication::exec();
+}
