@@ -2,7 +2,6 @@
 
 #include "TarvexView.h"
 
-#include <QAccessible>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -11,12 +10,6 @@
 
 namespace {
 constexpr int toolTipWidth = 480;
-
-void announce(QAccessibleEvent &&event, int index)
-{
-    event.setChild(index);
-    QAccessible::updateAccessibility(&event);
-}
 } // namespace
 
 std::optional<int> TarvexView::pieceAt(const QPointF &position) const
@@ -85,10 +78,10 @@ void TarvexView::showToolTip(const QPoint &position, const QPoint &globalPositio
         QToolTip::hideText();
         return;
     }
-    const QString name = fontMetrics().elidedText(area->name(), Qt::ElideRight, toolTipWidth);
+    const QString name = fontMetrics().elidedText(area->name().simplified(), Qt::ElideRight, toolTipWidth);
     // Names are the user's own text: escaped, and marked as rich so that the escapes are undone again.
     const QString text = Qt::convertFromPlainText(
-        tr("%1: %2").arg(name, QString::number(area->valueOfArea())), Qt::WhiteSpaceNormal);
+        tr("%1: %2").arg(name, QString::number(area->valueOfArea())), Qt::WhiteSpacePre);
     QToolTip::showText(globalPosition, text, this, rectOfPiece(*hit).united(QRect(position, QSize(1, 1))));
 }
 
@@ -193,22 +186,37 @@ void TarvexView::areasMayHaveChanged()
         if (at < before.size())
             announceDifferences(index, before[at], m_announced[at]);
         else
-            announce(QAccessibleEvent(this, QAccessible::ObjectCreated), index);
+            announceChange(QAccessible::ObjectCreated, index);
     }
 }
 
 void TarvexView::announceDifferences(int index, const Description &before, const Description &now)
 {
     if (before.name != now.name)
-        announce(QAccessibleEvent(this, QAccessible::NameChanged), index);
-    if (before.value != now.value)
-        announce(QAccessibleValueChangeEvent(this, now.value), index);
+        announceChange(QAccessible::NameChanged, index);
+    if (before.value != now.value) {
+        QAccessibleValueChangeEvent event(this, now.value);
+        event.setChild(index);
+        announce(event);
+    }
     if (before.percent != now.percent)
-        announce(QAccessibleEvent(this, QAccessible::DescriptionChanged), index);
+        announceChange(QAccessible::DescriptionChanged, index);
 }
 
 void TarvexView::announceFocus()
 {
     if (hasFocus() && areaCount() > 0)
-        announce(QAccessibleEvent(this, QAccessible::Focus), currentPiece());
+        announceChange(QAccessible::Focus, currentPiece());
+}
+
+void TarvexView::announceChange(QAccessible::Event change, int index)
+{
+    QAccessibleEvent event(this, change);
+    event.setChild(index);
+    announce(event);
+}
+
+void TarvexView::announce(QAccessibleEvent &event)
+{
+    QAccessible::updateAccessibility(&event);
 }

@@ -8,9 +8,10 @@
 
 namespace {
 constexpr int roomForWheel = 430;
-constexpr qreal ringInset = 6;
+// The focus line and the halo it lies in, far enough from the slice's rim to show its colour on both sides.
 constexpr qreal ringWidth = 2.5;
 constexpr qreal ringHalo = 6;
+constexpr qreal ringInset = 7;
 } // namespace
 
 TarvexView::TarvexView(QWidget *parent) : QWidget(parent)

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <QAccessible>
 #include <QWidget>
 
 /// The wheel: eight coloured slices, each covered by a pale sector up to its area's value. It draws, and
@@ -80,6 +81,9 @@ protected:
     void focusInEvent(QFocusEvent *event) override;
     void changeEvent(QEvent *event) override;
 
+    /// Hands an event about a slice, its child, to assistive tools.
+    virtual void announce(QAccessibleEvent &event);
+
 private:
     /// What assistive tools were last told of a slice.
     struct Description
@@ -103,6 +107,7 @@ private:
     void areasMayHaveChanged();
     void announceDifferences(int index, const Description &before, const Description &now);
     void announceFocus();
+    void announceChange(QAccessible::Event change, int index);
 
     TVXProjectPtr m_mainData;
     std::shared_ptr<WheelPieceList> m_piecesOfWheel;
