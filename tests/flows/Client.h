@@ -1,0 +1,140 @@
+#pragma once
+
+#include "CurlExchange.h"
+#include "DocumentController.h"
+#include "LoopbackService.h"
+#include "MessageLine.h"
+#include "ServiceAdapters.h"
+#include "ServiceFakes.h"
+#include "Sheet.h"
+#include "SourcedComboBox.h"
+#include "TarvexDocument.h"
+#include "TarvexView.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QPushButton>
+#include <QTest>
+
+/// An answer of the service: records of `fields`, one row of texts for each record.
+inline QByteArray xmlAnswer(const QList<QByteArray> &fields, const QList<QList<QByteArray>> &rows)
+{
+    QByteArray xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?><answer>";
+    for (const QList<QByteArray> &row : rows) {
+        xml += "<record>";
+        for (qsizetype i = 0; i < fields.size(); ++i)
+            xml += '<' + fields[i] + '>' + row[i] + "</" + fields[i] + '>';
+        xml += "</record>";
+    }
+    return xml + "</answer>";
+}
+
+/// A set whose eight percents are given as "10 20 30 ...".
+inline QList<QByteArray> setRow(const QByteArray &id, const QByteArray &name, const QByteArray &percents)
+{
+    return QList<QByteArray>{id, name} + percents.split(' ');
+}
+
+inline QByteArray setsAnswer(const QList<QList<QByteArray>> &rows)
+{
+    return xmlAnswer({"id", "name", "percent1", "percent2", "percent3", "percent4", "percent5", "percent6",
+                      "percent7", "percent8"},
+                     rows);
+}
+
+inline QByteArray areasAnswer(const QList<QByteArray> &names)
+{
+    QList<QList<QByteArray>> rows;
+    for (qsizetype i = 0; i < names.size(); ++i)
+        rows.append({QByteArray::number(i + 1), names[i], "", QByteArray::number(i)});
+    return xmlAnswer({"id", "name", "color", "value"}, rows);
+}
+
+inline const QList<QByteArray> eightNames = {"Health", "Work", "Money", "Family",
+                                             "Growth", "Fun",  "Home",  "Love"};
+
+/// The client as the application assembles it, against a scripted service; alerts are written down, not
+/// shown.
+class Client
+{
+public:
+    explicit Client(std::chrono::milliseconds deadline = std::chrono::seconds(20))
+        : exchange(service.url(), deadline, wait), controller(exchange, alert)
+    {
+        service.answer("sign-in", QByteArray("OK"));
+        service.answer("get-areas", areasAnswer(eightNames));
+        service.answer("get-sets", setsAnswer({setRow("7", "First", "10 20 30 40 50 60 70 80"),
+                                               setRow("9", "Second", "99 99 99 99 99 99 99 6")}));
+    }
+
+    /// A document whose sign-in sheet is up.
+    TarvexDocument *open()
+    {
+        TarvexDocument *document = controller.openUntitledDocument();
+        if (!QTest::qWaitFor([&] { return document->wndSignIn()->isVisible(); }))
+            qFatal("the sign-in sheet did not come up");
+        return document;
+    }
+
+    TarvexDocument *openSignedIn()
+    {
+        TarvexDocument *document = open();
+        signIn(document);
+        return document;
+    }
+
+    /// Types the credentials and clicks the button.
+    static void signIn(const TarvexDocument *document, const QString &login = QStringLiteral("ann"),
+                       const QString &password = QStringLiteral("secret"))
+    {
+        Sheet *sheet = document->wndSignIn();
+        sheet->findChild<QLineEdit *>(QStringLiteral("textUsername"))->setText(login);
+        sheet->findChild<QLineEdit *>(QStringLiteral("textPassword"))->setText(password);
+        QTest::mouseClick(button(sheet, QStringLiteral("Sign In")), Qt::LeftButton);
+    }
+
+    static QPushButton *button(const QWidget *window, const QString &text)
+    {
+        const auto buttons = window->findChildren<QPushButton *>();
+        for (QPushButton *found : buttons)
+            if (found->text().remove(u'&') == text)
+                return found;
+        qFatal("no such button");
+    }
+
+    /// The texts of label1 to label8, or with "Percent" of label1Percent to label8Percent.
+    static QStringList labels(const TarvexDocument *document, const QString &suffix = QString())
+    {
+        QStringList texts;
+        for (int k = 1; k <= 8; ++k)
+            texts += document->window()
+                         ->findChild<QLabel *>(QStringLiteral("label%1%2").arg(k).arg(suffix))
+                         ->text();
+        return texts;
+    }
+
+    static QStringList percents(const TarvexDocument *document)
+    {
+        return labels(document, QStringLiteral("Percent"));
+    }
+
+    static QString average(const TarvexDocument *document)
+    {
+        return document->window()->findChild<QLabel *>(QStringLiteral("labelMainPercent"))->text();
+    }
+
+    static QString guidance(const TarvexDocument *document)
+    {
+        return document->window()->findChild<QLabel *>(QStringLiteral("labelGuidance"))->text();
+    }
+
+    LoopbackService service;
+    HeldInputWait wait;
+    RecordingAlert alert;
+    CurlExchange exchange;
+    DocumentController controller;
+};
+
+inline const QByteArray annsDigests =
+    "&p2=7E0D7F8A5D96C24FFCC840F31BCE72B2&p3=5EBE2294ECD0E0F08EAB7690D2A6EE69";

@@ -1,0 +1,112 @@
+#include "Client.h"
+
+#include <QSignalSpy>
+
+class DocumentsFlowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void twoDocumentsKeepTheirOwnAccounts()
+    {
+        Client client;
+        TarvexDocument *one = client.openSignedIn();
+        client.service.answer("get-sets", setsAnswer({setRow("3", "Bens", "8 8 8 8 8 8 8 8")}));
+        TarvexDocument *two = client.controller.openUntitledDocument();
+        QTRY_VERIFY(two->wndSignIn()->isVisible());
+        Client::signIn(two, QStringLiteral("ben"));
+
+        QCOMPARE(one->loginUserName(), QStringLiteral("ann"));
+        QCOMPARE(two->loginUserName(), QStringLiteral("ben"));
+        QCOMPARE(Client::average(one), QStringLiteral("45%"));
+        QCOMPARE(Client::average(two), QStringLiteral("8%"));
+        QCOMPARE(one->window()->windowTitle(), two->window()->windowTitle());
+
+        QSignalSpy last(&client.controller, &DocumentController::lastDocumentClosed);
+        one->close();
+        QCOMPARE(last.count(), 0);
+        QTest::keyClick(two->listOfProjects(), Qt::Key_End);
+        two->window()->close();
+        QCOMPARE(last.count(), 1);
+    }
+
+    void theSheetComesUpOnTheMainWindowAndTheSecondWaits()
+    {
+        Client client;
+        TarvexDocument *one = client.controller.openUntitledDocument();
+        TarvexDocument *two = client.controller.openUntitledDocument();
+        one->window()->activateWindow();
+        QTRY_COMPARE(client.controller.mainWindow(), one->window());
+        QTRY_VERIFY(one->wndSignIn()->isVisible());
+        QTRY_VERIFY(two->wndSignIn()->isBegun());
+        QVERIFY(!two->wndSignIn()->isVisible());
+        one->close();
+        QTRY_VERIFY(two->wndSignIn()->isVisible());
+        QVERIFY(two->window()->isVisible());
+        QVERIFY(client.service.requests().isEmpty());
+    }
+
+    void aDocumentWithoutAWindowTurnsToTheCurrentOne()
+    {
+        Client client;
+        TarvexDocument *current = client.openSignedIn();
+        QVERIFY(QTest::qWaitForWindowActive(current->window()));
+        QCOMPARE(current->currentDocument(), current);
+
+        TarvexDocument routed(client.controller);
+        QVERIFY(!routed.wndProjectName());
+        current->project()->areas()->at(2)->setName(QStringLiteral("Renamed"));
+        routed.setNamesForAreasOnWindow();
+        QCOMPARE(Client::labels(current).value(2), QStringLiteral("Renamed"));
+        QCOMPARE(routed.project(), current->project());
+        routed.updatePercentValues(); // no selector, so nothing is selected
+        QCOMPARE(Client::average(current), QStringLiteral("45%"));
+    }
+
+    void withoutAnyMainWindowThereIsNoCurrentDocument()
+    {
+        Client client;
+        TarvexDocument *document = client.openSignedIn();
+        document->close();
+        TarvexDocument routed(client.controller);
+        QVERIFY(!routed.currentDocument());
+        routed.setNamesForAreasOnWindow();
+        QVERIFY(routed.project()->areas()->empty());
+    }
+
+    void aClickOnASliceEmptiesTheGoalsAndSendsNothing()
+    {
+        Client client;
+        TarvexDocument *document = client.openSignedIn();
+        QVERIFY(QTest::qWaitForWindowExposed(document->window()));
+        document->project()->goals()->push_back(std::make_shared<TVXGoal>());
+        const QPoint centre = document->wheelView()->rect().center();
+        QTest::mouseClick(document->wheelView(), Qt::LeftButton, {}, centre + QPoint(100, -10));
+        QVERIFY(document->project()->goals()->empty());
+        QCOMPARE(client.service.requests().size(), 3);
+    }
+
+    void everythingThatTakesTheFocusHasAName()
+    {
+        Client client;
+        const TarvexDocument *document = client.openSignedIn();
+        QStringList names;
+        for (const QWidget *window : {static_cast<const QWidget *>(document->window()),
+                                      static_cast<const QWidget *>(document->wndSignIn())}) {
+            const auto widgets = window->findChildren<QWidget *>();
+            for (const QWidget *widget : widgets) {
+                if (!(widget->focusPolicy() & Qt::TabFocus) || widget->window() != window)
+                    continue;
+                const auto *button = qobject_cast<const QPushButton *>(widget);
+                const QString name = button ? button->text() : widget->accessibleName();
+                QVERIFY2(!name.isEmpty(), qPrintable(widget->objectName()));
+                QVERIFY2(!names.contains(name), qPrintable(name));
+                names += name;
+            }
+        }
+        QVERIFY(names.size() >= 6);
+    }
+};
+
+QTEST_MAIN(DocumentsFlowTest)
+#include "DocumentsFlowTest.moc"

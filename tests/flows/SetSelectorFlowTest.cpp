@@ -1,0 +1,108 @@
+#include "Client.h"
+
+#include <QAbstractItemView>
+
+class SetSelectorFlowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void anotherSetShowsAtOnceWithoutARequest()
+    {
+        Client client;
+        const TarvexDocument *document = client.openSignedIn();
+        QTest::keyClick(document->listOfProjects(), Qt::Key_Down);
+        QCOMPARE(Client::percents(document).join(u' '), QStringLiteral("99% 99% 99% 99% 99% 99% 99% 6%"));
+        QCOMPARE(Client::average(document), QStringLiteral("87%"));
+        QCOMPARE(document->currentSet()->idOfSets(), 9);
+        QCOMPARE(client.service.requests().size(), 3);
+    }
+
+    void labelsFollowTheHighlightWhileTheListIsOpenAndEscapeTakesItBack()
+    {
+        Client client;
+        const TarvexDocument *document = client.openSignedIn();
+        QVERIFY(QTest::qWaitForWindowActive(document->window()));
+        SourcedComboBox *selector = document->listOfProjects();
+        QTest::keyClick(selector, Qt::Key_Down, Qt::AltModifier);
+        QTRY_VERIFY(selector->view()->isVisible());
+        QTest::keyClick(selector->view(), Qt::Key_Down);
+        QCOMPARE(Client::average(document), QStringLiteral("87%"));
+        QTest::keyClick(selector->view(), Qt::Key_Escape);
+        QTRY_COMPARE(Client::average(document), QStringLiteral("45%"));
+        QCOMPARE(document->currentSet()->idOfSets(), 7);
+    }
+
+    void averagesTruncateAndTakeNumbersLeniently_data()
+    {
+        QTest::addColumn<QByteArray>("percents");
+        QTest::addColumn<QString>("labels");
+        QTest::addColumn<QString>("average");
+        QTest::newRow("empty texts") << QByteArray("       ") << QStringLiteral("% % % % % % % %")
+                                     << QStringLiteral("0%");
+        QTest::newRow("sum 599") << QByteArray("75 75 75 75 75 75 75 74")
+                                 << QStringLiteral("75% 75% 75% 75% 75% 75% 75% 74%")
+                                 << QStringLiteral("74%");
+        QTest::newRow("sum -7") << QByteArray("-7 0 0 0 0 0 0 0")
+                                << QStringLiteral("-7% 0% 0% 0% 0% 0% 0% 0%") << QStringLiteral("0%");
+        QTest::newRow("no numbers") << QByteArray("x +8 8y -- 1e9 0x9 7.9 -16")
+                                    << QStringLiteral("x% +8% 8y% --% 1e9% 0x9% 7.9% -16%")
+                                    << QStringLiteral("1%");
+        QTest::newRow("sum beyond 32 bits")
+            << QByteArray("2147483647 2147483647 0 0 0 0 0 99999999999")
+            << QStringLiteral("2147483647% 2147483647% 0% 0% 0% 0% 0% 99999999999%")
+            << QStringLiteral("268435455%");
+    }
+
+    void averagesTruncateAndTakeNumbersLeniently()
+    {
+        QFETCH(QByteArray, percents);
+        QFETCH(QString, labels);
+        QFETCH(QString, average);
+        Client client;
+        client.service.answer("get-sets", setsAnswer({setRow("1", "One", percents)}));
+        const TarvexDocument *document = client.openSignedIn();
+        QCOMPARE(Client::percents(document).join(u' '), labels);
+        QCOMPARE(Client::average(document), average);
+    }
+
+    void labelsFollowTheRecordAlsoWhenItsIndexStays()
+    {
+        Client client;
+        TarvexDocument *document = client.openSignedIn();
+        client.service.answer("get-sets", setsAnswer({setRow("8", "Other", "1 1 1 1 1 1 1 1"),
+                                                      setRow("9", "Second", "2 2 2 2 2 2 2 2")}));
+        document->startGettingData();
+        document->listOfProjects()->reloadData();
+        QCOMPARE(document->listOfProjects()->currentText(), QStringLiteral("Other"));
+        QCOMPARE(Client::average(document), QStringLiteral("1%"));
+
+        client.service.answer("get-sets", setsAnswer({}));
+        document->startGettingData();
+        document->listOfProjects()->reloadData();
+        QCOMPARE(document->listOfProjects()->indexOfSelectedItem(), -1);
+        QCOMPARE(Client::average(document), QStringLiteral("1%")); // nothing selected, nothing changed
+    }
+
+    void aNameResolvesByIdentityAndElseToTheFirst()
+    {
+        Client client;
+        client.service.answer("get-sets", setsAnswer({setRow("1", "Twin", "1 1 1 1 1 1 1 1"),
+                                                      setRow("2", "Twin", "2 2 2 2 2 2 2 2")}));
+        const TarvexDocument *document = client.openSignedIn();
+        SourcedComboBox *selector = document->listOfProjects();
+        selector->selectItemAtIndex(1); // both of one name can be reached
+        QCOMPARE(Client::average(document), QStringLiteral("2%"));
+        QCOMPARE(document->comboBoxIndexOfItemWithStringValue(selector, selector->currentText()), 1);
+        QCOMPARE(document->comboBoxIndexOfItemWithStringValue(selector, QStringLiteral("Twin")), 0);
+        QCOMPARE(document->comboBoxIndexOfItemWithStringValue(selector, QStringLiteral("nobody")), 0);
+
+        const SourcedComboBox another;
+        QCOMPARE(document->numberOfItemsInComboBox(&another), 0);
+        QVERIFY(document->comboBoxObjectValueForItemAtIndex(&another, 0).isNull());
+        QCOMPARE(document->comboBoxIndexOfItemWithStringValue(&another, selector->currentText()), 0);
+    }
+};
+
+QTEST_MAIN(SetSelectorFlowTest)
+#include "SetSelectorFlowTest.moc"

@@ -1,0 +1,211 @@
+#include "Client.h"
+
+#include <QTimer>
+#include <QWindow>
+
+class SignInFlowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theSheetComesOnceHalfASecondAfterTheWindow()
+    {
+        Client client;
+        TarvexDocument *document = client.controller.openUntitledDocument();
+        QVERIFY(document->window()->isVisible());
+        QVERIFY(!document->wndSignIn()->isVisible());
+        QCOMPARE(document->findChild<QTimer *>()->interval(), 500);
+        QCOMPARE(document->window()->windowTitle(), QStringLiteral("Tarvex Cloud - Client for Mac OS X"));
+        QCOMPARE(Client::labels(document), QStringList(8, QString()));
+
+        QTRY_VERIFY(document->wndSignIn()->isVisible());
+        QTRY_VERIFY(!document->findChild<QTimer *>()); // nothing left that could fire again
+        QVERIFY(client.service.requests().isEmpty());
+    }
+
+    void aGoodSignInShowsTheWheelAndTheFirstSet()
+    {
+        Client client;
+        TarvexDocument *document = client.openSignedIn();
+
+        QCOMPARE(client.service.bodies(),
+                 (QList<QByteArray>{"p1=sign-in" + annsDigests, "p1=get-sets" + annsDigests,
+                                    "p1=get-areas" + annsDigests}));
+
+        QVERIFY(!document->wndSignIn()->isVisible());
+        QCOMPARE(Client::labels(document).join(u' '),
+                 QStringLiteral("Health Work Money Family Growth Fun Home Love"));
+        QCOMPARE(Client::percents(document).join(u' '), QStringLiteral("10% 20% 30% 40% 50% 60% 70% 80%"));
+        QCOMPARE(Client::average(document), QStringLiteral("45%"));
+        QCOMPARE(document->listOfProjects()->currentText(), QStringLiteral("First"));
+        QCOMPARE(document->textSignInErrorMessage()->text(), QStringLiteral("Checking..."));
+
+        QCOMPARE(document->loginUserName(), QStringLiteral("ann"));
+        QCOMPARE(document->loginPassword(), QStringLiteral("secret"));
+        QCOMPARE(document->currentSet(), document->project()->sets()->front());
+        QCOMPARE(document->wheelView()->piecesOfWheel()->size(), std::size_t(8));
+        QCOMPARE(document->wheelView()->mainData(), document->project());
+        QVERIFY(client.alert.errors.isEmpty());
+    }
+
+    void anyOtherAnswerIsShownAndTheSheetStays_data()
+    {
+        QTest::addColumn<QByteArray>("answer");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("words") << QByteArray("Unknown login or wrong password.")
+                               << QStringLiteral("Unknown login or wrong password.");
+        QTest::newRow("lower case") << QByteArray("ok") << QStringLiteral("ok");
+        QTest::newRow("line break behind") << QByteArray("OK\n") << QStringLiteral("OK\n");
+        QTest::newRow("markup") << QByteArray("<b>No</b> &amp; <img src=x>")
+                                << QStringLiteral("<b>No</b> &amp; <img src=x>");
+        QTest::newRow("not ASCII") << QByteArray("\xC3\xA9") << QStringLiteral("Error");
+        QTest::newRow("empty") << QByteArray("") << QStringLiteral("");
+    }
+
+    void anyOtherAnswerIsShownAndTheSheetStays()
+    {
+        QFETCH(QByteArray, answer);
+        QFETCH(QString, shown);
+        Client client;
+        client.service.answer("sign-in", answer);
+        const TarvexDocument *document = client.openSignedIn();
+        QCOMPARE(document->textSignInErrorMessage()->text(), shown);
+        QVERIFY(document->wndSignIn()->isVisible());
+        QVERIFY(document->loginUserName().isEmpty() && document->loginPassword().isEmpty());
+        QCOMPARE(client.service.bodies().size(), 1);
+
+        client.service.answer("sign-in", QByteArray("  OK\t"));
+        QTest::keyClick(document->wndSignIn(), Qt::Key_Return); // the fields have kept their texts
+        QCOMPARE(client.service.bodies().mid(1, 1), QList<QByteArray>{"p1=sign-in" + annsDigests});
+        QVERIFY(!document->wndSignIn()->isVisible());
+    }
+
+    void cancelClosesTheDocumentAndSendsNothing_data()
+    {
+        QTest::addColumn<QString>("way");
+        QTest::newRow("button") << QStringLiteral("Cancel");
+        QTest::newRow("Escape") << QString();
+    }
+
+    void cancelClosesTheDocumentAndSendsNothing()
+    {
+        QFETCH(QString, way);
+        Client client;
+        const QPointer<TarvexDocument> document = client.open();
+        if (way.isEmpty())
+            QTest::keyClick(document->wndSignIn(), Qt::Key_Escape);
+        else
+            QTest::mouseClick(Client::button(document->wndSignIn(), way), Qt::LeftButton);
+        QVERIFY(client.controller.documents().empty());
+        QTRY_VERIFY(document.isNull());
+        QVERIFY(client.service.requests().isEmpty());
+    }
+
+    void whatArrivedIsShownWhateverFails_data()
+    {
+        QTest::addColumn<QByteArray>("kind");
+        QTest::addColumn<ServiceReply>("reply");
+        QTest::addColumn<int>("alerts");
+        QTest::addColumn<int>("sets");
+        QTest::addColumn<int>("areas");
+        const ServiceReply cut{"HTTP/1.1 200 OK\r\nContent-Length: 900\r\n\r\n<answer>", /*closes=*/true};
+        const ServiceReply gone{"", /*closes=*/true};
+        QTest::newRow("sets cut") << QByteArray("get-sets") << cut << 1 << 0 << 8;
+        QTest::newRow("areas cut") << QByteArray("get-areas") << cut << 1 << 2 << 0;
+        QTest::newRow("sets gone") << QByteArray("get-sets") << gone << 1 << 0 << 8;
+        QTest::newRow("sets refused") << QByteArray("get-sets") << httpReply("Error") << 0 << 0 << 8;
+        QTest::newRow("areas not XML")
+            << QByteArray("get-areas") << httpReply("hello", "500 Oops") << 0 << 2 << 0;
+        QTest::newRow("no sets") << QByteArray("get-sets") << httpReply("<answer/>") << 0 << 0 << 8;
+        QTest::newRow("three areas") << QByteArray("get-areas") << httpReply(areasAnswer({"a", "b", "c"}))
+                                     << 0 << 2 << 3;
+    }
+
+    void whatArrivedIsShownWhateverFails()
+    {
+        QFETCH(QByteArray, kind);
+        QFETCH(ServiceReply, reply);
+        QFETCH(int, alerts);
+        QFETCH(int, sets);
+        QFETCH(int, areas);
+        Client client;
+        client.service.answer(kind, reply);
+        TarvexDocument *document = client.openSignedIn();
+
+        QCOMPARE(client.alert.errors.size(), alerts);
+        QCOMPARE(client.service.requests().size(), 3);
+        QVERIFY(!document->wndSignIn()->isVisible());
+        QCOMPARE(document->listOfProjects()->count(), sets);
+        QCOMPARE(Client::labels(document).filter(QRegularExpression(QStringLiteral("."))).size(), areas);
+        QCOMPARE(Client::average(document), sets > 0 ? QStringLiteral("45%") : QString());
+        QVERIFY(sets > 0 && areas > 0 ? true : !Client::guidance(document).isEmpty());
+
+        QTest::keyClick(document->wheelView(), Qt::Key_Right);
+        QTest::keyClick(document->wheelView(), Qt::Key_Return);
+        QCOMPARE(client.service.requests().size(), 3);
+    }
+
+    void anAnswerWithShortColumnsEndsTheActionAndTheWindowGoesOn()
+    {
+        Client client;
+        client.service.answer("get-sets", QByteArray("<a><id>1</id><id>2</id><name>only</name></a>"));
+        const TarvexDocument *document = client.openSignedIn();
+        QVERIFY(document->wndSignIn()->isVisible());
+        QVERIFY(document->textSignInErrorMessage()->text().contains(QStringLiteral("incomplete")));
+        QVERIFY(!client.controller.isBusy());
+
+        client.service.answer("get-sets", setsAnswer({setRow("1", "Good", "1 2 3 4 5 6 7 8")}));
+        Client::signIn(document);
+        QVERIFY(!document->wndSignIn()->isVisible());
+        QCOMPARE(document->listOfProjects()->currentText(), QStringLiteral("Good"));
+    }
+
+    void inputDuringARequestIsDropped()
+    {
+        Client client;
+        TarvexDocument *document = client.open();
+        Sheet *sheet = document->wndSignIn();
+        client.service.hold();
+        QString shownMeanwhile;
+        bool busyMeanwhile = false;
+        QTimer meanwhile;
+        connect(&meanwhile, &QTimer::timeout, this, [&] {
+            if (client.service.requests().isEmpty())
+                return;
+            meanwhile.stop();
+            shownMeanwhile = document->textSignInErrorMessage()->text();
+            busyMeanwhile = client.controller.isBusy();
+            QTest::mouseClick(Client::button(sheet, QStringLiteral("Sign In")), Qt::LeftButton);
+            QTest::keyClick(sheet, Qt::Key_Escape);
+            QMetaObject::invokeMethod(document, "signIn"); // what gets past any filter
+            sheet->windowHandle()->close();
+            document->window()->windowHandle()->close();
+            client.service.release();
+        });
+        meanwhile.start(5);
+        Client::signIn(document);
+        QCOMPARE(shownMeanwhile, QStringLiteral("Checking..."));
+        QVERIFY(busyMeanwhile);
+        QCOMPARE(client.service.requests().size(), 3);
+        QCOMPARE(client.controller.documents().size(), std::size_t(1));
+        QVERIFY(document->window()->isVisible());
+    }
+
+    void signingInAgainLoadsOnceMore()
+    {
+        Client client;
+        const TarvexDocument *document = client.openSignedIn();
+        client.service.answer("get-areas", areasAnswer({"other"}));
+        document->window()->findChild<QAction *>(QStringLiteral("actionSignIn"))->trigger();
+        QVERIFY(document->wndSignIn()->isVisible());
+        Client::signIn(document);
+        QCOMPARE(document->wheelView()->piecesOfWheel()->size(), std::size_t(16));
+        QCOMPARE(Client::labels(document).value(0), QStringLiteral("other"));
+        QCOMPARE(Client::labels(document).value(1), QStringLiteral("Work"));
+        QCOMPARE(document->project()->areas()->size(), std::size_t(1));
+    }
+};
+
+Q_DECLARE_METATYPE(ServiceReply)
+QTEST_MAIN(SignInFlowTest)
+#include "SignInFlowTest.moc"

@@ -1,0 +1,62 @@
+#include "Client.h"
+
+class UntrustedTextFlowTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    static QString untrusted(int index)
+    {
+        const QStringList texts = {QStringLiteral("<b>bold</b><img src=x>"),
+                                   QStringLiteral("R&D &amp; &lt;"),
+                                   QStringLiteral("two\nlines\tand"),
+                                   QStringLiteral("\u05E2\u05D1\u05E8\u05D9\u05EA"),
+                                   QStringLiteral("\U0001F3AF goal"),
+                                   QString(500, u'W'),
+                                   QStringLiteral("  blanks  "),
+                                   QString(200'000, u'x')};
+        return texts[index];
+    }
+
+private Q_SLOTS:
+    void namesStayWhatTheyAreAndTheLayoutStands()
+    {
+        Client client;
+        QList<QByteArray> names;
+        for (int index = 0; index < 8; ++index)
+            names += untrusted(index).toHtmlEscaped().toUtf8();
+        client.service.answer("get-areas", areasAnswer(names));
+        client.service.answer("get-sets", setsAnswer({setRow("1", names[5], names[7] + " <b/> 3 4 5 6 7 8"),
+                                                      setRow("2", names[0], "1 2 3 4 5 6 7 8")}));
+        const TarvexDocument *document = client.open();
+        const QSize before = document->window()->size();
+        const QSize least = document->window()->minimumSizeHint();
+        Client::signIn(document);
+
+        for (int index = 0; index < 8; ++index)
+            QCOMPARE(Client::labels(document)[index], untrusted(index));
+        QCOMPARE(document->listOfProjects()->itemText(0), untrusted(5));
+        QCOMPARE(document->listOfProjects()->itemText(1), untrusted(0));
+        QCoreApplication::processEvents();
+        QCOMPARE(document->window()->size(), before);
+        QCOMPARE(document->window()->minimumSizeHint(), least);
+        const auto labels = document->window()->findChildren<QLabel *>();
+        for (const QLabel *label : labels)
+            if (!label->buddy()) // those hold fixed texts with a mnemonic
+                QVERIFY2(label->textFormat() == Qt::PlainText, qPrintable(label->objectName()));
+    }
+
+    void aHugeRefusalIsKeptWholeAndShownInPart()
+    {
+        Client client;
+        const QByteArray huge = QByteArray("<i>no</i> ").repeated(2'000'000); // 20 MB
+        client.service.answer("sign-in", huge.trimmed());
+        const TarvexDocument *document = client.openSignedIn();
+        QCOMPARE(document->textSignInErrorMessage()->text().size(), huge.trimmed().size());
+        QVERIFY(document->textSignInErrorMessage()->toPlainText().startsWith(QStringLiteral("<i>no</i>")));
+        QVERIFY(document->wndSignIn()->height() < 500);
+    }
+};
+
+QTEST_MAIN(UntrustedTextFlowTest)
+#include "UntrustedTextFlowTest.moc"
