@@ -1,0 +1,314 @@
+#include "Session.h"
+
+#include "RequestKind.h"
+
+#include <algorithm>
+#include <boost/asio/executor_work_guard.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/asio/write.hpp>
+#include <boost/beast/http/read.hpp>
+#include <boost/beast/http/write.hpp>
+
+namespace tarvex::http {
+
+namespace asio = boost::asio;
+namespace beast = boost::beast::http;
+using requests::Outcome;
+
+namespace {
+
+constexpr std::string_view servicePath = "/tarvex/";
+constexpr std::size_t readSize = 16UL * 1024;
+constexpr std::size_t beginningOfBody = 4096; // enough to tell what a request is
+constexpr std::size_t freeBody = 64UL * 1024; // bodies up to this size need no reservation
+constexpr std::size_t lingeringBytes = 1024UL * 1024;
+constexpr std::chrono::seconds lingeringTime{2};
+
+std::string_view contentType(requests::Format format)
+{
+    switch (format) {
+    case requests::Format::Xml:
+        return "text/xml; charset=utf-8";
+    case requests::Format::Json:
+        return "application/json; charset=utf-8";
+    case requests::Format::Plain:
+        break;
+    }
+    return "text/plain; charset=us-ascii";
+}
+
+/// For proxies and people; the client reads the body alone.
+beast::status statusOf(Outcome outcome)
+{
+    switch (outcome) {
+    case Outcome::Busy:
+        return beast::status::service_unavailable;
+    case Outcome::TooLarge:
+        return beast::status::payload_too_large;
+    case Outcome::Failed:
+        return beast::status::internal_server_error;
+    default:
+        return beast::status::ok;
+    }
+}
+
+} // namespace
+
+Session::Session(asio::ip::tcp::socket socket, std::string peer, ConnectionCounts::Welcome welcome,
+                 SessionContext &context)
+    : m_context(context), m_peer(std::move(peer)), m_welcome(welcome), m_stream(std::move(socket)),
+      m_handlerTimer(m_stream.get_executor()), m_buffer(context.limits.head + readSize)
+{
+}
+
+Session::~Session()
+{
+    releaseBody();
+    m_context.counts.leave(m_peer, m_welcome);
+}
+
+void Session::start()
+{
+    awaitRequest();
+}
+
+void Session::drain()
+{
+    if (m_isIdle)
+        close();
+}
+
+void Session::close()
+{
+    Error ignored;
+    m_stream.socket().close(ignored);
+    m_handlerTimer.cancel();
+}
+
+void Session::awaitRequest()
+{
+    m_isIdle = m_buffer.size() == 0;
+    if (m_isIdle && m_context.isDraining)
+        return;
+    if (!m_isIdle) {
+        readHead(); // the client did not wait for the answer before
+        return;
+    }
+    m_stream.expires_after(m_isFirst ? m_context.limits.headTime : m_context.limits.idleTime);
+    m_stream.async_read_some(m_buffer.prepare(readSize),
+                             [self = shared_from_this()](Error error, std::size_t size) {
+                                 self->m_buffer.commit(size);
+                                 if (!error)
+                                     self->readHead();
+                             });
+}
+
+void Session::readHead()
+{
+    m_isIdle = false;
+    m_isFirst = false;
+    ++m_turn;
+    m_refusal.reset();
+    m_parser.emplace();
+    m_parser->header_limit(static_cast<std::uint32_t>(m_context.limits.head));
+    m_parser->body_limit(boost::none); // bodies are read here, under limits of their own
+    m_stream.expires_after(m_context.limits.headTime);
+    beast::async_read_header(
+        m_stream, m_buffer, *m_parser,
+        [self = shared_from_this()](Error error, std::size_t) { self->headArrived(error); });
+}
+
+void Session::headArrived(Error error)
+{
+    if (error) {
+        refuseHead(error);
+        return;
+    }
+    const auto &request = m_parser->get();
+    if (request.target() != servicePath) {
+        sendStatus(beast::status::not_found, "There is nothing here.");
+    } else if (request.method() != beast::verb::post) {
+        sendStatus(beast::status::method_not_allowed, "The service answers POST requests only.");
+    } else if (m_parser->chunked() || !m_parser->content_length()) {
+        sendStatus(beast::status::length_required, "The request must state its length.");
+    } else if (*m_parser->content_length() > m_context.limits.discardedBody) {
+        sendStatus(beast::status::payload_too_large, "The request is too large.");
+    } else {
+        beginBody(static_cast<std::size_t>(*m_parser->content_length()));
+    }
+}
+
+void Session::refuseHead(Error error)
+{
+    if (error == beast::error::header_limit || error == beast::error::buffer_overflow)
+        sendStatus(beast::status::request_header_fields_too_large, "The head of the request is too large.");
+    else if (error.category() == beast::make_error_code(beast::error::bad_method).category() &&
+             error != beast::error::end_of_stream && error != beast::error::partial_message)
+        sendStatus(beast::status::bad_request, "The request cannot be read.");
+}
+
+void Session::beginBody(std::size_t length)
+{
+    const Limits &limits = m_context.limits;
+    const bool isBusy = m_welcome == ConnectionCounts::Welcome::Refused ||
+                        (length > freeBody && m_context.bodyBytes + length > limits.bodiesInMemory);
+    if (length > limits.body)
+        m_refusal = Outcome::TooLarge;
+    else if (isBusy)
+        m_refusal = Outcome::Busy;
+    m_body.clear();
+    m_bodySize = length;
+    m_bodyRest = length;
+    m_keptBody = m_refusal ? std::min(length, beginningOfBody) : length;
+    m_reservedBody = m_refusal || length <= freeBody ? 0 : length;
+    m_context.bodyBytes += m_reservedBody;
+    m_stream.expires_after(limits.bodyTime);
+    if (beast::token_list(m_parser->get()[beast::field::expect]).exists("100-continue")) {
+        static constexpr std::string_view goOn = "HTTP/1.1 100 Continue\r\n\r\n";
+        asio::async_write(m_stream, asio::buffer(goOn),
+                          [self = shared_from_this()](Error error, std::size_t) {
+                              if (!error)
+                                  self->readBody();
+                          });
+        return;
+    }
+    readBody();
+}
+
+void Session::readBody()
+{
+    takeBodyBytes();
+    if (m_bodyRest == 0) {
+        bodyArrived();
+        return;
+    }
+    m_stream.async_read_some(m_buffer.prepare(std::min(readSize, m_bodyRest)),
+                             [self = shared_from_this()](Error error, std::size_t size) {
+                                 self->m_buffer.commit(size);
+                                 if (!error) // a request cut short is dropped here
+                                     self->readBody();
+                             });
+}
+
+void Session::takeBodyBytes()
+{
+    const std::size_t size = std::min(m_buffer.size(), m_bodyRest);
+    const std::size_t kept = std::min(size, m_keptBody - m_body.size());
+    m_body.append(static_cast<const char *>(m_buffer.data().data()), kept);
+    m_buffer.consume(size);
+    m_bodyRest -= size;
+}
+
+void Session::bodyArrived()
+{
+    m_stream.expires_never();
+    m_arrival = std::chrono::steady_clock::now();
+    if (m_refusal)
+        answer(m_context.service.refuse(m_body, *m_refusal));
+    else
+        serve();
+}
+
+void Session::serve()
+{
+    requests::Request request{.body = std::move(m_body), .peer = m_peer, .arrival = m_arrival};
+    m_body = request.body.substr(0, beginningOfBody);
+    m_handlerTimer.expires_after(m_context.limits.handlerTime);
+    m_handlerTimer.async_wait([self = shared_from_this(), turn = m_turn](Error error) {
+        if (!error)
+            self->handlerTimedOut(turn);
+    });
+    auto guard = asio::make_work_guard(m_stream.get_executor());
+    m_context.workers.submit(std::move(request), [self = shared_from_this(), turn = m_turn,
+                                                  guard](const requests::Answer &result) {
+        asio::post(guard.get_executor(), [self, turn, result] {
+            if (turn == self->m_turn)
+                self->answer(result);
+        });
+    });
+}
+
+void Session::handlerTimedOut(unsigned turn)
+{
+    if (turn == m_turn)
+        answer(m_context.service.refuse(m_body, Outcome::Busy));
+}
+
+void Session::answer(const requests::Answer &answer)
+{
+    ++m_turn; // whatever still comes for this request comes too late
+    m_handlerTimer.cancel();
+    releaseBody();
+    m_response = {statusOf(answer.outcome), 11};
+    m_response.set(beast::field::content_type, contentType(answer.format));
+    m_response.body() = answer.body;
+    const bool isBusy = answer.outcome == Outcome::Busy;
+    m_response.keep_alive(m_parser->get().keep_alive() && !isBusy);
+    if (m_context.report)
+        m_context.report({.kind = requests::requestKindOfBody(m_body).name,
+                          .outcome = answer.outcome,
+                          .cause = answer.cause,
+                          .bytesIn = m_bodySize,
+                          .bytesOut = answer.body.size(),
+                          .time = std::chrono::duration_cast<std::chrono::microseconds>(
+                              std::chrono::steady_clock::now() - m_arrival)});
+    send();
+}
+
+void Session::sendStatus(beast::status status, std::string_view text)
+{
+    m_response = {status, 11};
+    m_response.set(beast::field::content_type, contentType(requests::Format::Plain));
+    if (status == beast::status::method_not_allowed)
+        m_response.set(beast::field::allow, "POST");
+    m_response.body() = std::string(text) + "\n";
+    m_response.keep_alive(false); // the body that may follow is not read
+    send();
+}
+
+void Session::send()
+{
+    m_response.set(beast::field::cache_control, "no-store");
+    if (m_context.isDraining)
+        m_response.keep_alive(false);
+    m_response.prepare_payload();
+    m_stream.expires_after(m_context.limits.writeTime);
+    const bool isLast = !m_response.keep_alive();
+    beast::async_write(m_stream, m_response, [self = shared_from_this(), isLast](Error error, std::size_t) {
+        self->sent(error, isLast);
+    });
+}
+
+void Session::sent(Error error, bool isLast)
+{
+    if (error)
+        return;
+    if (!isLast) {
+        awaitRequest();
+        return;
+    }
+    // Closing with unread bytes would reset the connection and could take the answer with it.
+    m_stream.socket().shutdown(asio::ip::tcp::socket::shutdown_send, error);
+    m_buffer.clear();
+    m_bodyRest = lingeringBytes;
+    m_stream.expires_after(lingeringTime);
+    linger();
+}
+
+void Session::linger()
+{
+    m_stream.async_read_some(m_buffer.prepare(readSize),
+                             [self = shared_from_this()](Error error, std::size_t size) {
+                                 self->m_bodyRest -= std::min(size, self->m_bodyRest);
+                                 if (!error && self->m_bodyRest > 0)
+                                     self->linger();
+                             });
+}
+
+void Session::releaseBody()
+{
+    m_context.bodyBytes -= m_reservedBody;
+    m_reservedBody = 0;
+}
+
+} // namespace tarvex::http

@@ -1,0 +1,105 @@
+#pragma once
+
+#include "ConnectionCounts.h"
+#include "Limits.h"
+#include "Service.h"
+#include "Workers.h"
+
+#include <boost/asio/steady_timer.hpp>
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/core/tcp_stream.hpp>
+#include <boost/beast/http/empty_body.hpp>
+#include <boost/beast/http/parser.hpp>
+#include <boost/beast/http/string_body.hpp>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tarvex::http {
+
+/// What may be told of a request that was answered: nothing of its values, nothing of its sender.
+struct RequestReport
+{
+    std::string_view kind; ///< empty if it was none of the protocol
+    requests::Outcome outcome = requests::Outcome::Done;
+    std::string cause;
+    std::size_t bytesIn = 0;
+    std::size_t bytesOut = 0;
+    std::chrono::microseconds time{0};
+};
+
+using Reporter = std::function<void(const RequestReport &)>;
+
+/// What all sessions of a server share. Except for service and workers it belongs to the network thread.
+struct SessionContext
+{
+    Limits limits;
+    requests::Service &service;
+    Workers &workers;
+    ConnectionCounts &counts;
+    Reporter report;
+    std::size_t bodyBytes = 0; ///< reserved for bodies that are being read or served
+    bool isDraining = false;
+};
+
+/// One connection: reads a request to its end, has it answered, and begins again. It keeps itself alive while
+/// something is under way, and lives on the network thread.
+class Session : public std::enable_shared_from_this<Session>
+{
+public:
+    Session(boost::asio::ip::tcp::socket socket, std::string peer, ConnectionCounts::Welcome welcome,
+            SessionContext &context);
+    ~Session();
+    Session(const Session &) = delete;
+    Session &operator=(const Session &) = delete;
+
+    void start();
+    /// Closes the connection if no request is under way; otherwise it closes after the answer.
+    void drain();
+    /// Closes the connection whatever is under way.
+    void close();
+
+private:
+    using Error = boost::beast::error_code;
+
+    void awaitRequest();
+    void readHead();
+    void headArrived(Error error);
+    void refuseHead(Error error);
+    void beginBody(std::size_t length);
+    void readBody();
+    void takeBodyBytes();
+    void bodyArrived();
+    void serve();
+    void handlerTimedOut(unsigned turn);
+    void answer(const requests::Answer &answer);
+    void sendStatus(boost::beast::http::status status, std::string_view text);
+    void send();
+    void sent(Error error, bool isLast);
+    void linger();
+    void releaseBody();
+
+    SessionContext &m_context;
+    std::string m_peer;
+    ConnectionCounts::Welcome m_welcome;
+    boost::beast::tcp_stream m_stream;
+    boost::asio::steady_timer m_handlerTimer;
+    boost::beast::flat_buffer m_buffer;
+    std::optional<boost::beast::http::request_parser<boost::beast::http::empty_body>> m_parser;
+    boost::beast::http::response<boost::beast::http::string_body> m_response;
+
+    std::string m_body;
+    std::size_t m_bodyRest = 0; ///< bytes still to come
+    std::size_t m_bodySize = 0;
+    std::size_t m_keptBody = 0;     ///< of a request that will be refused only the beginning is kept
+    std::size_t m_reservedBody = 0; ///< this session's share of SessionContext::bodyBytes
+    std::optional<requests::Outcome> m_refusal;
+    std::chrono::steady_clock::time_point m_arrival;
+    unsigned m_turn = 0; ///< counts requests, so that a late answer does not meet the next one
+    bool m_isIdle = true;
+    bool m_isFirst = true;
+};
+
+} // namespace tarvex::http

@@ -1,0 +1,177 @@
+#include "Goals.h"
+
+#include "Areas.h"
+#include "Call.h"
+#include "Handlers.h"
+#include "Random.h"
+#include "Records.h"
+#include "Sets.h"
+#include "WireText.h"
+#include "XmlAnswer.h"
+
+#include <algorithm>
+#include <map>
+
+namespace tarvex::requests {
+
+namespace {
+
+/// More ids than goals that fit a save; a longer list would only hold up everyone else.
+constexpr std::size_t maximumIds = 100'000;
+
+/// What the goals of one answer may take as the records of a save, whose body is limited to 4 MiB.
+constexpr std::size_t saveRoom = 4UL * 1024 * 1024 - 1024;
+
+constexpr std::size_t longestRecordFrame =
+    std::string_view("name:;priority:-2147483648;checked:1;setsId:2147483647;areaId:2147483647;{_end_}")
+        .size();
+
+constexpr std::int64_t keptSeconds = 30LL * 24 * 60 * 60;
+
+void writeGoal(wire::XmlAnswer &answer, const store::Goal &goal, bool withArea)
+{
+    answer.beginRecord();
+    answer.element("id", goal.id);
+    answer.element("name", goal.name);
+    if (withArea)
+        answer.element("area", goal.areaId);
+    answer.element("priority", goal.priority);
+    answer.element("checked", goal.isChecked ? "y" : "n");
+    answer.endRecord();
+}
+
+bool placeExists(const Call &call, wire::GoalPlace place)
+{
+    return store::hasSet(call.connection, call.accountId, place.setId) &&
+           store::hasArea(call.connection, call.accountId, place.areaId);
+}
+
+/// The records whose set and area are the account's own, as goals.
+std::vector<store::Goal> soundGoals(const Call &call, const std::vector<wire::GoalRecord> &records)
+{
+    std::map<wire::GoalPlace, bool> places;
+    std::vector<store::Goal> goals;
+    for (const wire::GoalRecord &record : records) {
+        const auto [place, isNew] = places.try_emplace(record.place, false);
+        if (isNew)
+            place->second = placeExists(call, record.place);
+        if (place->second)
+            goals.push_back(store::Goal{.id = 0,
+                                        .setId = record.place.setId,
+                                        .areaId = record.place.areaId,
+                                        .name = record.name,
+                                        .priority = record.priority,
+                                        .isChecked = record.isChecked});
+    }
+    return goals;
+}
+
+std::vector<wire::GoalPlace> placesOf(const Call &call, const std::vector<std::int64_t> &goalIds)
+{
+    std::vector<wire::GoalPlace> places;
+    for (const std::int64_t id : goalIds) {
+        if (const auto goal = store::findGoal(call.connection, call.accountId, id))
+            places.push_back({.setId = goal->setId, .areaId = goal->areaId});
+    }
+    std::sort(places.begin(), places.end());
+    places.erase(std::unique(places.begin(), places.end()), places.end());
+    return places;
+}
+
+} // namespace
+
+std::string getGoals(Call &call)
+{
+    const std::int64_t setId = idField(call, /*number=*/4);
+    const std::int64_t areaId = idField(call, /*number=*/5);
+    require(placeExists(call, {.setId = setId, .areaId = areaId}));
+    wire::XmlAnswer answer;
+    std::size_t room = saveRoom;
+    for (const store::Goal &goal : store::goalsOfArea(call.connection, call.accountId, setId, areaId)) {
+        const std::size_t size = longestRecordFrame + wire::escapedSize(goal.name);
+        if (size > room)
+            break; // the client could not save more; the others follow once these have gone
+        room -= size;
+        writeGoal(answer, goal, /*withArea=*/false);
+    }
+    return answer.finish();
+}
+
+std::string getComplexGoalsForSets(Call &call)
+{
+    const std::int64_t setId = idField(call, /*number=*/4);
+    require(store::hasSet(call.connection, call.accountId, setId));
+    wire::XmlAnswer answer;
+    for (const store::Goal &goal : store::goalsOfSet(call.connection, call.accountId, setId))
+        writeGoal(answer, goal, /*withArea=*/true);
+    return answer.finish();
+}
+
+std::string getRandomGoal(Call &call)
+{
+    std::vector<store::Goal> goals =
+        store::goalsOfSet(call.connection, call.accountId, idField(call, /*number=*/4));
+    std::erase_if(goals, [](const store::Goal &goal) { return goal.isChecked; });
+    require(!goals.empty());
+    const store::Goal &goal = goals[security::randomBelow(static_cast<std::uint32_t>(goals.size()))];
+    wire::XmlAnswer answer(wire::XmlAnswer::Encoding::Ascii);
+    writeGoal(answer, goal, /*withArea=*/true);
+    return answer.finish();
+}
+
+std::string createGoal(Call &call)
+{
+    const wire::GoalRecord record{
+        .name = nameField(call, /*number=*/4),
+        .priority = numberField(call, /*number=*/5),
+        .isChecked = numberField(call, /*number=*/6) != 0,
+        .place = {.setId = idField(call, /*number=*/7), .areaId = idField(call, /*number=*/8)}};
+    const std::vector<store::Goal> goals = soundGoals(call, {record});
+    require(!goals.empty());
+    store::createGoals(call.connection, call.accountId, goals);
+    return done();
+}
+
+std::string createSomeGoals(Call &call)
+{
+    const std::string_view field = textField(call, /*number=*/4);
+    const std::vector<store::Goal> goals = soundGoals(call, wire::readGoalRecords(field));
+    require(!goals.empty() || field.empty());
+    store::createGoals(call.connection, call.accountId, goals);
+    return done();
+}
+
+std::string deleteGoal(Call &call)
+{
+    const std::int64_t goalId = idField(call, /*number=*/4);
+    require(store::findGoal(call.connection, call.accountId, goalId).has_value());
+    store::deleteGoals(call.connection, call.accountId, {goalId}, call.now);
+    return done();
+}
+
+std::string deleteSomeGoals(Call &call)
+{
+    const std::string_view field = textField(call, /*number=*/4);
+    const std::vector<std::int64_t> ids = wire::readIdList(field);
+    if (field.empty())
+        return done();
+    require(!ids.empty() && ids.size() <= maximumIds);
+    require(!call.refusedSaves.takeRefusal(call.saver, placesOf(call, ids)));
+    store::deleteGoals(call.connection, call.accountId, ids, call.now);
+    store::purgeDeleted(call.connection, call.accountId, /*before=*/call.now - keptSeconds);
+    return done();
+}
+
+std::string setCheckedAreaPercent(Call &call)
+{
+    const auto goal = store::findGoal(call.connection, call.accountId, idField(call, /*number=*/5));
+    require(goal.has_value());
+    store::checkGoal(call.connection, call.accountId, goal->id);
+    for (const store::GoalCount &count : store::goalCounts(call.connection, call.accountId)) {
+        if (count.setId == goal->setId && count.areaId == goal->areaId)
+            return std::to_string(donePercent(count.checked, count.count));
+    }
+    throw RequestRefused();
+}
+
+} // namespace tarvex::requests

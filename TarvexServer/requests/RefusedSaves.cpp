@@ -1,0 +1,47 @@
+#include "RefusedSaves.h"
+
+#include <algorithm>
+
+namespace tarvex::requests {
+
+namespace {
+
+constexpr std::size_t placesPerSaver = 64;
+
+} // namespace
+
+void RefusedSaves::refused(const std::string &saver, std::optional<wire::GoalPlace> place)
+{
+    const auto until = m_clock() + lifetime;
+    const std::lock_guard lock(m_mutex);
+    auto &entries = m_entries[saver];
+    std::erase_if(entries, [&](const Entry &entry) { return entry.place == place; });
+    if (entries.size() >= placesPerSaver)
+        entries.erase(entries.begin());
+    entries.push_back(Entry{.place = place, .until = until});
+}
+
+void RefusedSaves::accepted(const std::string &saver, wire::GoalPlace place)
+{
+    const std::lock_guard lock(m_mutex);
+    if (auto *entries = m_entries.find(saver))
+        std::erase_if(*entries, [&](const Entry &entry) { return entry.place == place; });
+}
+
+bool RefusedSaves::takeRefusal(const std::string &saver, const std::vector<wire::GoalPlace> &places)
+{
+    const auto now = m_clock();
+    const std::lock_guard lock(m_mutex);
+    auto *entries = m_entries.find(saver);
+    if (entries == nullptr)
+        return false;
+    std::erase_if(*entries, [&](const Entry &entry) { return entry.until <= now; });
+    const auto taken = std::erase_if(*entries, [&](const Entry &entry) {
+        return !entry.place || std::find(places.begin(), places.end(), *entry.place) != places.end();
+    });
+    if (entries->empty())
+        m_entries.erase(saver);
+    return taken > 0;
+}
+
+} // namespace tarvex::requests

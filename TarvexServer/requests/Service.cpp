@@ -1,0 +1,219 @@
+#include "Service.h"
+
+#include "AccountRequests.h"
+#include "Call.h"
+#include "Md5.h"
+#include "PasswordHash.h"
+#include "Records.h"
+
+namespace tarvex::requests {
+
+Turn::Turn(Request request)
+    : m_request(std::move(request)), m_kind(requestKindOfBody(m_request.body)), m_form(m_request.body)
+{
+}
+
+Service::Clocks Service::systemClocks()
+{
+    return {.steady = [] { return std::chrono::steady_clock::now(); },
+            .seconds = [] { return std::chrono::system_clock::to_time_t(std::chrono::system_clock::now()); }};
+}
+
+Service::Service(store::Database &database, Clocks clocks)
+    : m_database(database), m_clocks(std::move(clocks)), m_limits(m_clocks.steady),
+      m_refusedSaves(m_clocks.steady)
+{
+    security::matchesPassword(/*hash=*/"", /*digest=*/""); // the first one costs twice
+}
+
+Answer Service::answer(Request request)
+{
+    const std::unique_ptr<Turn> turn = begin(std::move(request));
+    if (turn->needsHashing())
+        verify(*turn);
+    return finish(*turn);
+}
+
+Answer Service::refuse(std::string_view body, Outcome outcome)
+{
+    const RequestKind &kind = requestKindOfBody(body);
+    return conclude(kind, wire::Form(body), refusalOf(kind, outcome));
+}
+
+std::unique_ptr<Turn> Service::begin(Request request)
+{
+    auto turn = std::make_unique<Turn>(std::move(request));
+    try {
+        if (turn->m_kind.name.empty())
+            turn->m_answer = refusalOf(turn->m_kind, Outcome::Invalid);
+        else if (turn->m_kind.handler == nullptr)
+            beginSignUp(*turn);
+        else
+            beginSignedIn(*turn);
+    } catch (const std::exception &error) {
+        turn->m_answer = refusalOf(turn->m_kind, Outcome::Failed);
+        turn->m_answer->cause = error.what();
+    }
+    turn->m_needsHashing = turn->m_needsHashing && !turn->m_answer;
+    return turn;
+}
+
+void Service::beginSignUp(Turn &turn)
+{
+    turn.m_signUp = wire::readSignUpForm(turn.m_request.body);
+    if (!turn.m_signUp) {
+        turn.m_answer = refusalOf(turn.m_kind, Outcome::Invalid);
+        return;
+    }
+    turn.m_answer = signUpFault(*turn.m_signUp);
+    if (!turn.m_answer)
+        m_database.read([&](store::Connection &connection) {
+            turn.m_answer = duplicateFault(connection, *turn.m_signUp);
+        });
+    const std::string &peer = turn.m_request.peer;
+    if (!turn.m_answer && !peer.empty() && !m_limits.admit(m_hash({"sign-up", peer})))
+        turn.m_answer = refusalOf(turn.m_kind, Outcome::TooManyAttempts);
+    turn.m_needsHashing = true;
+}
+
+void Service::beginSignedIn(Turn &turn)
+{
+    const std::string login(turn.m_form.field(/*number=*/2).value_or(""));
+    const std::string_view password = turn.m_form.field(/*number=*/3).value_or("");
+    if (!security::isSignInDigest(login) || !security::isSignInDigest(password)) {
+        turn.m_answer = refusalOf(turn.m_kind, Outcome::NotSignedIn);
+        return;
+    }
+    m_database.read([&](store::Connection &connection) {
+        turn.m_credentials = store::findCredentials(connection, login).value_or(store::Credentials());
+    });
+    const store::Credentials &credentials = turn.m_credentials;
+    if (m_verified.contains(credentials.accountId, credentials.version, password))
+        return;
+    if (!admit(turn))
+        turn.m_answer = refusalOf(turn.m_kind, Outcome::TooManyAttempts);
+    turn.m_needsHashing = true;
+}
+
+bool Service::admit(const Turn &turn)
+{
+    const std::string login = m_hash({"login", *turn.m_form.field(/*number=*/2)});
+    if (!m_limits.admit(login))
+        return false;
+    if (turn.m_request.peer.empty() || m_limits.admit(m_hash({"peer", turn.m_request.peer})))
+        return true;
+    m_limits.forgive(login);
+    return false;
+}
+
+void Service::forgive(const Turn &turn)
+{
+    m_limits.forgive(m_hash({"login", *turn.m_form.field(/*number=*/2)}));
+    if (!turn.m_request.peer.empty())
+        m_limits.forgive(m_hash({"peer", turn.m_request.peer}));
+}
+
+void Service::verify(Turn &turn)
+{
+    try {
+        if (isOverdue(turn))
+            giveUp(turn, Outcome::Busy);
+        else if (turn.m_signUp)
+            turn.m_newPasswordHash = security::hashPassword(security::signInDigest(turn.m_signUp->password));
+        else
+            verifyPassword(turn);
+    } catch (const std::exception &error) {
+        turn.m_answer = refusalOf(turn.m_kind, Outcome::Failed);
+        turn.m_answer->cause = error.what();
+    }
+}
+
+void Service::verifyPassword(Turn &turn)
+{
+    const std::string_view password = *turn.m_form.field(/*number=*/3);
+    const store::Credentials &credentials = turn.m_credentials;
+    if (!security::matchesPassword(credentials.passwordHash, password)) {
+        turn.m_answer = refusalOf(turn.m_kind, Outcome::NotSignedIn);
+        return;
+    }
+    forgive(turn);
+    m_verified.remember(credentials.accountId, credentials.version, password);
+}
+
+Answer Service::giveUp(Turn &turn, Outcome outcome)
+{
+    if (turn.m_needsHashing && !turn.m_signUp)
+        forgive(turn); // it was never found to have failed
+    turn.m_answer = refusalOf(turn.m_kind, outcome);
+    return conclude(turn.m_kind, turn.m_form, *turn.m_answer);
+}
+
+Answer Service::finish(Turn &turn)
+{
+    if (!turn.m_answer && isOverdue(turn))
+        turn.m_answer = refusalOf(turn.m_kind, Outcome::Busy);
+    return conclude(turn.m_kind, turn.m_form, turn.m_answer ? *turn.m_answer : serve(turn));
+}
+
+Answer Service::serve(Turn &turn)
+{
+    try {
+        if (turn.m_signUp)
+            return serveSignUp(turn);
+        std::string body;
+        const auto work = [&](store::Connection &connection) {
+            Call call{.connection = connection,
+                      .form = turn.m_form,
+                      .refusedSaves = m_refusedSaves,
+                      .accountId = turn.m_credentials.accountId,
+                      .saver = saverOf(turn.m_form),
+                      .now = m_clocks.seconds()};
+            body = turn.m_kind.handler(call);
+        };
+        if (turn.m_kind.access == Access::Write)
+            m_database.write(work);
+        else
+            m_database.read(work);
+        return Answer{
+            .body = std::move(body), .format = turn.m_kind.format, .outcome = Outcome::Done, .cause = {}};
+    } catch (const RequestRefused &) {
+        return refusalOf(turn.m_kind, Outcome::Invalid);
+    } catch (const std::exception &error) {
+        Answer answer = refusalOf(turn.m_kind, Outcome::Failed);
+        answer.cause = error.what();
+        return answer;
+    }
+}
+
+Answer Service::serveSignUp(const Turn &turn)
+{
+    Answer answer;
+    m_database.write([&](store::Connection &connection) {
+        answer = signUp(connection, *turn.m_signUp, turn.m_newPasswordHash, m_clocks.seconds());
+    });
+    return answer;
+}
+
+Answer Service::conclude(const RequestKind &kind, const wire::Form &form, Answer answer)
+{
+    if (kind.name != "create-some-goals")
+        return answer;
+    const auto place = wire::goalPlaceHint(form.field(/*number=*/4).value_or(""));
+    if (answer.outcome != Outcome::Done)
+        m_refusedSaves.refused(saverOf(form), place);
+    else if (place)
+        m_refusedSaves.accepted(saverOf(form), *place);
+    return answer;
+}
+
+bool Service::isOverdue(const Turn &turn) const
+{
+    return m_clocks.steady() - turn.m_request.arrival > patience;
+}
+
+std::string Service::saverOf(const wire::Form &form) const
+{
+    return m_hash({form.field(/*number=*/2).value_or(""), form.field(/*number=*/3).value_or("")});
+}
+
+} // namespace tarvex::requests

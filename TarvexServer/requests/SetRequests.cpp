@@ -1,0 +1,66 @@
+#include "Areas.h"
+#include "Call.h"
+#include "Goals.h"
+#include "Handlers.h"
+#include "Sets.h"
+#include "XmlAnswer.h"
+
+#include <map>
+
+namespace tarvex::requests {
+
+namespace {
+
+constexpr std::int64_t keptSeconds = 30LL * 24 * 60 * 60;
+
+std::map<wire::GoalPlace, std::int64_t> percentsByPlace(const Call &call)
+{
+    std::map<wire::GoalPlace, std::int64_t> percents;
+    for (const store::GoalCount &count : store::goalCounts(call.connection, call.accountId))
+        percents[{.setId = count.setId, .areaId = count.areaId}] = donePercent(count.checked, count.count);
+    return percents;
+}
+
+} // namespace
+
+std::string getSets(Call &call)
+{
+    const std::vector<store::Area> areas = store::areas(call.connection, call.accountId);
+    const auto percents = percentsByPlace(call);
+    wire::XmlAnswer answer;
+    for (const store::Set &set : store::sets(call.connection, call.accountId)) {
+        answer.beginRecord();
+        answer.element("id", set.id);
+        answer.element("name", set.name);
+        for (std::size_t i = 0; i < areas.size(); ++i) {
+            const auto percent = percents.find({.setId = set.id, .areaId = areas[i].id});
+            const std::int64_t value =
+                percent == percents.end() ? donePercent(/*checked=*/0, /*count=*/0) : percent->second;
+            answer.element("percent" + std::to_string(i + 1), value);
+        }
+        answer.endRecord();
+    }
+    return answer.finish();
+}
+
+std::string createSets(Call &call)
+{
+    store::createSet(call.connection, call.accountId, nameField(call, /*number=*/4));
+    return done();
+}
+
+std::string setSetsName(Call &call)
+{
+    const std::string name = nameField(call, /*number=*/4);
+    require(store::renameSet(call.connection, call.accountId, idField(call, /*number=*/5), name));
+    return done();
+}
+
+std::string deleteSets(Call &call)
+{
+    require(store::deleteSet(call.connection, call.accountId, idField(call, /*number=*/4), call.now));
+    store::purgeDeleted(call.connection, call.accountId, /*before=*/call.now - keptSeconds);
+    return done();
+}
+
+} // namespace tarvex::requests

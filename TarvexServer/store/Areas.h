@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Connection.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tarvex::store {
+
+/// An area of the wheel; its name is wire text.
+struct Area
+{
+    std::int64_t id = 0;
+    std::string name;
+    std::string color;
+    std::int32_t value = 0;
+};
+
+/// The account's areas in the order of the wheel.
+std::vector<Area> areas(Connection &connection, std::int64_t accountId);
+
+bool hasArea(Connection &connection, std::int64_t accountId, std::int64_t areaId);
+
+/// Both tell whether the account has such an area.
+bool renameArea(Connection &connection, std::int64_t accountId, std::int64_t areaId, const std::string &name);
+bool setAreaValue(Connection &connection, std::int64_t accountId, std::int64_t areaId, std::int32_t value);
+
+} // namespace tarvex::store

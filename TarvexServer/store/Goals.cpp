@@ -1,0 +1,147 @@
+#include "Goals.h"
+
+#include "IdCounters.h"
+#include "Statements.h"
+
+namespace tarvex::store {
+
+namespace {
+
+const std::string selectGoals =
+    "SELECT goal.goal_id, goal.set_id, goal.area_id, goal.name, goal.priority, goal.checked FROM goal"
+    " JOIN goal_set ON goal_set.account_id = goal.account_id AND goal_set.set_id = goal.set_id"
+    " WHERE goal.account_id = :account AND goal.deleted_at IS NULL AND goal_set.deleted_at IS NULL";
+
+/// Runs selectGoals with a condition and an order added; the ids are the values of its parameters.
+template<class... Ids>
+std::vector<Goal> goalsWhere(Connection &connection, const std::string &condition, const Ids &...ids)
+{
+    long long id = 0;
+    long long setId = 0;
+    long long areaId = 0;
+    int isChecked = 0;
+    Goal goal;
+    soci::statement rows(connection.session());
+    (rows.exchange(soci::use(ids)), ...);
+    rows.exchange(soci::into(id));
+    rows.exchange(soci::into(setId));
+    rows.exchange(soci::into(areaId));
+    rows.exchange(soci::into(goal.name));
+    rows.exchange(soci::into(goal.priority));
+    rows.exchange(soci::into(isChecked));
+    rows.alloc();
+    rows.prepare(selectGoals + condition);
+    rows.define_and_bind();
+    rows.execute();
+    std::vector<Goal> found;
+    while (rows.fetch()) {
+        goal.id = id;
+        goal.setId = setId;
+        goal.areaId = areaId;
+        goal.isChecked = isChecked != 0;
+        found.push_back(goal);
+    }
+    return found;
+}
+
+} // namespace
+
+std::vector<Goal> goalsOfArea(Connection &connection, std::int64_t accountId, std::int64_t setId,
+                              std::int64_t areaId)
+{
+    const long long account = accountId;
+    const long long set = setId;
+    const long long area = areaId;
+    return goalsWhere(connection, " AND goal.set_id = :set AND goal.area_id = :area ORDER BY goal.goal_id",
+                      account, set, area);
+}
+
+std::vector<Goal> goalsOfSet(Connection &connection, std::int64_t accountId, std::int64_t setId)
+{
+    const long long account = accountId;
+    const long long set = setId;
+    return goalsWhere(connection, " AND goal.set_id = :set ORDER BY goal.area_id, goal.goal_id", account,
+                      set);
+}
+
+std::optional<Goal> findGoal(Connection &connection, std::int64_t accountId, std::int64_t goalId)
+{
+    const long long account = accountId;
+    const long long goal = goalId;
+    const std::vector<Goal> found = goalsWhere(connection, " AND goal.goal_id = :goal", account, goal);
+    return found.empty() ? std::nullopt : std::optional(found.front());
+}
+
+std::vector<GoalCount> goalCounts(Connection &connection, std::int64_t accountId)
+{
+    const long long account = accountId;
+    long long setId = 0;
+    long long areaId = 0;
+    long long count = 0;
+    long long checked = 0;
+    soci::statement rows =
+        (connection.session().prepare << "SELECT set_id, area_id, COUNT(*), SUM(checked) FROM goal"
+                                         " WHERE account_id = :account AND deleted_at IS NULL"
+                                         " GROUP BY set_id, area_id ORDER BY set_id, area_id",
+         soci::use(account), soci::into(setId), soci::into(areaId), soci::into(count), soci::into(checked));
+    std::vector<GoalCount> found;
+    rows.execute();
+    while (rows.fetch())
+        found.push_back(GoalCount{.setId = setId, .areaId = areaId, .count = count, .checked = checked});
+    return found;
+}
+
+void createGoals(Connection &connection, std::int64_t accountId, const std::vector<Goal> &goals)
+{
+    if (goals.empty())
+        return;
+    const long long account = accountId;
+    const auto count = static_cast<std::int64_t>(goals.size());
+    long long id = takeIds(connection.session(), accountId, Counter::Goal, count);
+    long long setId = 0;
+    long long areaId = 0;
+    int isChecked = 0;
+    Goal current;
+    soci::statement insert =
+        (connection.session().prepare
+             << "INSERT INTO goal (account_id, goal_id, set_id, area_id, name, priority, checked)"
+                " VALUES (:account, :goal, :set, :area, :name, :priority, :checked)",
+         soci::use(account), soci::use(id), soci::use(setId), soci::use(areaId), soci::use(current.name),
+         soci::use(current.priority), soci::use(isChecked));
+    for (const Goal &goal : goals) {
+        current = goal;
+        setId = goal.setId;
+        areaId = goal.areaId;
+        isChecked = goal.isChecked ? 1 : 0;
+        insert.execute(true);
+        ++id;
+    }
+}
+
+std::size_t deleteGoals(Connection &connection, std::int64_t accountId,
+                        const std::vector<std::int64_t> &goalIds, std::int64_t now)
+{
+    const long long account = accountId;
+    const long long time = now;
+    long long id = 0;
+    soci::statement update =
+        (connection.session().prepare << "UPDATE goal SET deleted_at = :now WHERE account_id = :account"
+                                         " AND goal_id = :goal AND deleted_at IS NULL",
+         soci::use(time), soci::use(account), soci::use(id));
+    std::size_t deleted = 0;
+    for (const std::int64_t goalId : goalIds) {
+        id = goalId;
+        deleted += changesRow(update) ? 1U : 0U;
+    }
+    return deleted;
+}
+
+void checkGoal(Connection &connection, std::int64_t accountId, std::int64_t goalId)
+{
+    const long long account = accountId;
+    const long long goal = goalId;
+    connection.session() << "UPDATE goal SET checked = 1 WHERE account_id = :account AND goal_id = :goal",
+        soci::use(account), soci::use(goal);
+}
+
+} // namespace tarvex::store

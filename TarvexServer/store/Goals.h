@@ -1,0 +1,57 @@
+#pragma once
+
+#include "Connection.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tarvex::store {
+
+/// A goal of an area in a set; its name is wire text.
+struct Goal
+{
+    std::int64_t id = 0;
+    std::int64_t setId = 0;
+    std::int64_t areaId = 0;
+    std::string name;
+    std::int32_t priority = 0;
+    bool isChecked = false;
+};
+
+/// How many goals an area has in a set, and how many of them are done.
+struct GoalCount
+{
+    std::int64_t setId = 0;
+    std::int64_t areaId = 0;
+    std::int64_t count = 0;
+    std::int64_t checked = 0;
+};
+
+// Deleted goals and the goals of deleted sets do not exist for any of the functions below.
+
+/// The goals of one area in a set, oldest first.
+std::vector<Goal> goalsOfArea(Connection &connection, std::int64_t accountId, std::int64_t setId,
+                              std::int64_t areaId);
+
+/// The goals of a whole set, area by area, oldest first.
+std::vector<Goal> goalsOfSet(Connection &connection, std::int64_t accountId, std::int64_t setId);
+
+/// Counts for all areas of all sets that have goals.
+std::vector<GoalCount> goalCounts(Connection &connection, std::int64_t accountId);
+
+std::optional<Goal> findGoal(Connection &connection, std::int64_t accountId, std::int64_t goalId);
+
+/// Inserts the goals in their order under new ids; those they carry are ignored. Set and area must be there.
+void createGoals(Connection &connection, std::int64_t accountId, const std::vector<Goal> &goals);
+
+/// Marks the goals deleted; ids the account has no goal for are passed over. Returns how many there were.
+/// `now` is in seconds since 1970.
+std::size_t deleteGoals(Connection &connection, std::int64_t accountId,
+                        const std::vector<std::int64_t> &goalIds, std::int64_t now);
+
+/// Marks the goal done, which it may be already.
+void checkGoal(Connection &connection, std::int64_t accountId, std::int64_t goalId);
+
+} // namespace tarvex::store

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "Connection.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tarvex::store {
+
+/// A named snapshot of the wheel; its name is wire text.
+struct Set
+{
+    std::int64_t id = 0;
+    std::string name;
+};
+
+/// The account's sets, without deleted ones: the oldest first, then the others from the newest back. The
+/// client selects the second after it created one.
+std::vector<Set> sets(Connection &connection, std::int64_t accountId);
+
+bool hasSet(Connection &connection, std::int64_t accountId, std::int64_t setId);
+
+/// Returns the new set's id.
+std::int64_t createSet(Connection &connection, std::int64_t accountId, const std::string &name);
+
+/// Tells whether the account has such a set.
+bool renameSet(Connection &connection, std::int64_t accountId, std::int64_t setId, const std::string &name);
+
+/// Marks the set deleted and leaves its goals with it, so that both can come back together. Tells whether the
+/// account had such a set. `now` is in seconds since 1970.
+bool deleteSet(Connection &connection, std::int64_t accountId, std::int64_t setId, std::int64_t now);
+
+/// Removes for good the account's sets and goals that were deleted before that time, in seconds since 1970.
+void purgeDeleted(Connection &connection, std::int64_t accountId, std::int64_t before);
+
+} // namespace tarvex::store

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <stdexcept>
+
+namespace tarvex::store {
+
+/// The database cannot be used at all; what() is one sentence for whoever starts the server.
+class CannotOpen : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// A transaction failed and left nothing behind. what() is the engine's own text and carries no values.
+class TransactionFailed : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+} // namespace tarvex::store

@@ -1,0 +1,156 @@
+#include "Records.h"
+
+#include "Decimal.h"
+#include "WireText.h"
+
+#include <algorithm>
+
+namespace tarvex::wire {
+
+namespace {
+
+constexpr std::string_view endMark = "{_end_}";
+
+/// Takes a record apart from the front; every take fails softly.
+class RecordCursor
+{
+public:
+    explicit RecordCursor(std::string_view text) : m_rest(text) {}
+
+    std::string_view rest() const { return m_rest; }
+
+    bool takeText(std::string_view text)
+    {
+        if (!m_rest.starts_with(text))
+            return false;
+        m_rest.remove_prefix(text.size());
+        return true;
+    }
+
+    /// "key:value;" where the value holds neither separator, as the escaping of names guarantees.
+    std::optional<std::string_view> takeField(std::string_view key)
+    {
+        if (!takeText(key))
+            return {};
+        const auto end = m_rest.find_first_of(";:");
+        if (end == std::string_view::npos || m_rest[end] != ';')
+            return {};
+        const std::string_view value = m_rest.substr(0, end);
+        m_rest.remove_prefix(end + 1);
+        return value;
+    }
+
+    std::optional<std::int32_t> takeNumber(std::string_view key)
+    {
+        const auto value = takeField(key);
+        return value ? decimal32(*value) : std::nullopt;
+    }
+
+    std::optional<std::int64_t> takeId(std::string_view key)
+    {
+        const auto value = takeField(key);
+        return value ? wireId(*value) : std::nullopt;
+    }
+
+    std::optional<std::string> takeName()
+    {
+        const auto value = takeField("name:");
+        return value ? storableName(*value) : std::nullopt;
+    }
+
+private:
+    std::string_view m_rest;
+};
+
+std::optional<GoalRecord> takeGoalRecord(RecordCursor &cursor)
+{
+    const auto name = cursor.takeName();
+    const auto priority = name ? cursor.takeNumber("priority:") : std::nullopt;
+    const auto checked = priority ? cursor.takeNumber("checked:") : std::nullopt;
+    const auto setId = checked ? cursor.takeId("setsId:") : std::nullopt;
+    const auto areaId = setId ? cursor.takeId("areaId:") : std::nullopt;
+    if (!areaId || *checked < 0 || *checked > 1 || !cursor.takeText(endMark))
+        return {};
+    return GoalRecord{.name = *name,
+                      .priority = *priority,
+                      .isChecked = *checked == 1,
+                      .place = {.setId = *setId, .areaId = *areaId}};
+}
+
+std::optional<AreaNameRecord> takeAreaNameRecord(RecordCursor &cursor)
+{
+    const auto areaId = cursor.takeId("id:");
+    const auto name = areaId ? cursor.takeName() : std::nullopt;
+    if (!name || !cursor.takeText(endMark))
+        return {};
+    return AreaNameRecord{.areaId = *areaId, .name = *name};
+}
+
+/// The text behind the next end mark that another record follows; empty if there is none.
+std::string_view behindBrokenRecord(std::string_view text, std::string_view firstKey)
+{
+    for (auto mark = text.find(endMark); mark != std::string_view::npos; mark = text.find(endMark)) {
+        text.remove_prefix(mark + endMark.size());
+        if (text.starts_with(firstKey))
+            return text;
+    }
+    return {};
+}
+
+// Linear in the field: every attempt begins with a key, whose ":" ends the look for a value in any attempt
+// before.
+template<class Record>
+std::vector<Record> readRecords(std::string_view field, std::string_view firstKey,
+                                std::optional<Record> (*takeRecord)(RecordCursor &))
+{
+    std::vector<Record> records;
+    while (!field.empty()) {
+        RecordCursor cursor(field);
+        if (auto record = takeRecord(cursor)) {
+            records.push_back(std::move(*record));
+            field = cursor.rest();
+        } else {
+            field = behindBrokenRecord(field, firstKey);
+        }
+    }
+    return records;
+}
+
+} // namespace
+
+std::vector<GoalRecord> readGoalRecords(std::string_view field)
+{
+    return readRecords<GoalRecord>(field, /*firstKey=*/"name:", takeGoalRecord);
+}
+
+std::vector<AreaNameRecord> readAreaNameRecords(std::string_view field)
+{
+    return readRecords<AreaNameRecord>(field, /*firstKey=*/"id:", takeAreaNameRecord);
+}
+
+std::vector<std::int64_t> readIdList(std::string_view field)
+{
+    std::vector<std::int64_t> ids;
+    for (auto end = field.find(';'); end != std::string_view::npos; end = field.find(';')) {
+        if (const auto id = wireId(field.substr(0, end)))
+            ids.push_back(*id);
+        field.remove_prefix(end + 1);
+    }
+    return ids;
+}
+
+std::optional<GoalPlace> goalPlaceHint(std::string_view field)
+{
+    constexpr std::string_view key = "setsId:";
+    const auto start = field.find(key);
+    if (start == std::string_view::npos)
+        return {};
+    RecordCursor cursor(field.substr(start));
+    const auto setId = cursor.takeId(key);
+    const auto areaId = setId ? cursor.takeId("areaId:") : std::nullopt;
+    if (!areaId)
+        return {};
+    return GoalPlace{.setId = *setId, .areaId = *areaId};
+}
+
+} // namespace tarvex::wire
