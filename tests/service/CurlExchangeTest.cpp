@@ -40,6 +40,7 @@ private Q_SLOTS:
     void anUnreachableServiceIsDescribed();
     void aKeptConnectionThatDiesTakesNoSecondCopy_data();
     void aKeptConnectionThatDiesTakesNoSecondCopy();
+    void aConnectionClosedWhileIdleIsReplaced();
     void anAnswerBeyondTheLimitIsNone_data();
     void anAnswerBeyondTheLimitIsNone();
     void largeBodiesAndAnswersArriveWhole();
@@ -191,17 +192,23 @@ void CurlExchangeTest::anUnreachableServiceIsDescribed()
 void CurlExchangeTest::aKeptConnectionThatDiesTakesNoSecondCopy_data()
 {
     QTest::addColumn<QByteArray>("second");
+    QTest::addColumn<QByteArray>("last");
+    const QByteArray save = "p1=create-sets&p2=A&p3=B&p4=New";
 
-    QTest::newRow("with a body") << QByteArray("p1=create-sets&p2=A&p3=B&p4=New");
-    QTest::newRow("without a body") << QByteArray("");
+    QTest::newRow("before the answer") << save << QByteArray();
+    QTest::newRow("inside the status line") << save << QByteArray("HTTP/1.1 2");
+    QTest::newRow("after an interim answer") << save << QByteArray("HTTP/1.1 100 Continue\r\n\r\n");
+    QTest::newRow("with a body of many pieces") << save + QByteArray(3'000'000, 'x') << QByteArray();
+    QTest::newRow("without a body") << QByteArray("") << QByteArray();
 }
 
 void CurlExchangeTest::aKeptConnectionThatDiesTakesNoSecondCopy()
 {
     QFETCH(QByteArray, second);
+    QFETCH(QByteArray, last);
     LoopbackService service;
-    service.answer("create-sets", cutAfter(""));
-    service.answer("", cutAfter(""));
+    service.answer("create-sets", cutAfter(last));
+    service.answer("", cutAfter(last));
     RecordingWait wait;
     CurlExchange exchange(service.url(), patient, wait);
 
@@ -212,6 +219,21 @@ void CurlExchangeTest::aKeptConnectionThatDiesTakesNoSecondCopy()
     QVERIFY(exchange.post(body).data);
 
     const QList<QByteArray> sent = {body, second, body};
+    QVERIFY(service.bodies() == sent);
+}
+
+void CurlExchangeTest::aConnectionClosedWhileIdleIsReplaced()
+{
+    LoopbackService service;
+    service.answer("get-sets", cutAfter(httpReply("x").bytes));
+    RecordingWait wait;
+    CurlExchange exchange(service.url(), patient, wait);
+
+    QCOMPARE(exchange.post(body).data, QByteArray("x"));
+    QTRY_COMPARE(service.openConnections(), std::size_t(0));
+    QCOMPARE(exchange.post(body).data, QByteArray("x"));
+
+    const QList<QByteArray> sent = {body, body};
     QCOMPARE(service.bodies(), sent);
 }
 

@@ -140,6 +140,12 @@ QList<QByteArray> LoopbackService::bodies() const
     return bodies;
 }
 
+std::size_t LoopbackService::openConnections() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_connections.size();
+}
+
 void LoopbackService::acceptConnections()
 {
     for (;;) {

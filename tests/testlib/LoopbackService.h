@@ -49,6 +49,8 @@ public:
     /// Their bodies alone.
     QList<QByteArray> bodies() const;
 
+    std::size_t openConnections() const;
+
 private:
     void acceptConnections();
     void serve(int connection);

@@ -4,12 +4,11 @@
 #include "TVXRequestWait.h"
 #include "UserAgent.h"
 
-#include <algorithm>
 #include <array>
-#include <cstring>
 #include <curl/curl.h>
 #include <QScopeGuard>
 #include <QUrl>
+#include <utility>
 
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
@@ -19,7 +18,7 @@ namespace {
 constexpr qsizetype largestAnswer = qsizetype(128) * 1024 * 1024;
 constexpr auto longestPoll = 20ms;
 constexpr auto turnInterval = 10ms;
-constexpr long receiveBuffer = 128 * 1024;
+constexpr long receiveBuffer = 64 * 1024;
 // Below the idle limit of services, so that a kept connection is rarely one they are about to close.
 constexpr long longestIdleSeconds = 20;
 constexpr long firstFinalStatus = 200;
@@ -32,26 +31,22 @@ struct Deleter
 
 using EasyHandle = std::unique_ptr<CURL, Deleter<curl_easy_cleanup>>;
 using MultiHandle = std::unique_ptr<CURLM, Deleter<curl_multi_cleanup>>;
-using HeaderList = std::unique_ptr<curl_slist, Deleter<curl_slist_free_all>>;
 
 /// One request on its way, as libcurl's callbacks see it.
 struct Transfer
 {
-    explicit Transfer(QByteArrayView body) : unsent(body) {}
-
-    QByteArrayView unsent;
     QByteArray answer = QByteArrayLiteral(""); // an empty answer is one
+    bool isOnItsWay = false;
     bool isHeaderComplete = false;
     bool isTooLarge = false;
 };
 
-size_t giveBody(char *buffer, size_t size, size_t count, void *data)
+/// Asked before a request goes out on a connection. libcurl asks again when the connection died before the
+/// answer and it would send everything once more on another one.
+int allowOneRequest(void *data, char *, char *, int, int)
 {
     auto *transfer = static_cast<Transfer *>(data);
-    const auto length = std::min(static_cast<qsizetype>(size * count), transfer->unsent.size());
-    std::memcpy(buffer, transfer->unsent.data(), static_cast<size_t>(length));
-    transfer->unsent = transfer->unsent.sliced(length);
-    return static_cast<size_t>(length);
+    return std::exchange(transfer->isOnItsWay, true) ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
 }
 
 size_t takeAnswer(char *bytes, size_t size, size_t count, void *data)
@@ -77,21 +72,32 @@ size_t takeHeaderLine(char *bytes, size_t size, size_t count, void *data)
     return size * count;
 }
 
-HeaderList headersFor(const QByteArray &body)
+/// The lines of our own, in the order services expect; only the first differs from request to request.
+class HeaderLines
 {
-    const std::array<QByteArray, 4> lines = {"Content-Length: " + QByteArray::number(body.size()),
-                                             "Content-Field: application/x-www-form-urlencoded",
-                                             "User-Agent: " + clientUserAgent().toUtf8(),
-                                             "Expect:"}; // no waiting for leave to send the body
-    HeaderList headers;
-    for (const QByteArray &line : lines) {
-        if (curl_slist *longer = curl_slist_append(headers.get(), line.constData())) {
-            (void)headers.release();
-            headers.reset(longer);
-        }
+public:
+    HeaderLines()
+    {
+        for (std::size_t i = 0; i < m_lines.size(); ++i)
+            m_list[i] = {m_lines[i].data(), i + 1 < m_list.size() ? &m_list[i + 1] : nullptr};
     }
-    return headers;
-}
+    HeaderLines(const HeaderLines &) = delete;
+    HeaderLines &operator=(const HeaderLines &) = delete;
+
+    curl_slist *list() { return m_list.data(); }
+
+    void setBodyLength(qsizetype length)
+    {
+        m_lines[0] = "Content-Length: " + QByteArray::number(length);
+        m_list[0].data = m_lines[0].data();
+    }
+
+private:
+    std::array<QByteArray, 4> m_lines = {"", "Content-Field: application/x-www-form-urlencoded",
+                                         "User-Agent: " + clientUserAgent().toUtf8(),
+                                         "Expect:"}; // no waiting for leave to send the body
+    std::array<curl_slist, 4> m_list{};
+};
 
 } // namespace
 
@@ -112,9 +118,9 @@ public:
         curl_easy_setopt(easy(), CURLOPT_QUICK_EXIT, 1L); // the deadline ends a hanging host look-up too
         curl_easy_setopt(easy(), CURLOPT_MAXAGE_CONN, longestIdleSeconds);
         curl_easy_setopt(easy(), CURLOPT_BUFFERSIZE, receiveBuffer);
+        curl_easy_setopt(easy(), CURLOPT_HTTPHEADER, m_headers.list());
         curl_easy_setopt(easy(), CURLOPT_POST, 1L);
-        // A body that can be read but not rewound is never sent a second time.
-        curl_easy_setopt(easy(), CURLOPT_READFUNCTION, giveBody);
+        curl_easy_setopt(easy(), CURLOPT_PREREQFUNCTION, allowOneRequest);
         curl_easy_setopt(easy(), CURLOPT_WRITEFUNCTION, takeAnswer);
         curl_easy_setopt(easy(), CURLOPT_HEADERFUNCTION, takeHeaderLine);
         curl_easy_setopt(easy(), CURLOPT_ERRORBUFFER, m_detail.data());
@@ -124,13 +130,11 @@ public:
     template<typename Turn>
     CURLcode perform(const QByteArray &body, Transfer &transfer, Turn turn)
     {
-        const HeaderList headers = headersFor(body);
         m_detail[0] = '\0';
-        curl_easy_setopt(easy(), CURLOPT_HTTPHEADER, headers.get());
+        m_headers.setBodyLength(body.size());
         curl_easy_setopt(easy(), CURLOPT_POSTFIELDSIZE_LARGE, curl_off_t(body.size()));
-        // Nothing of an empty body needs rewinding: only a new connection keeps it from being sent twice.
-        curl_easy_setopt(easy(), CURLOPT_FRESH_CONNECT, long(body.isEmpty()));
-        curl_easy_setopt(easy(), CURLOPT_READDATA, &transfer);
+        curl_easy_setopt(easy(), CURLOPT_POSTFIELDS, body.constData());
+        curl_easy_setopt(easy(), CURLOPT_PREREQDATA, &transfer);
         curl_easy_setopt(easy(), CURLOPT_WRITEDATA, &transfer);
         curl_easy_setopt(easy(), CURLOPT_HEADERDATA, &transfer);
         if (curl_multi_add_handle(m_multi.get(), easy()) != CURLM_OK)
@@ -181,6 +185,7 @@ private:
         return message && message->msg == CURLMSG_DONE ? message->data.result : CURLE_FAILED_INIT;
     }
 
+    HeaderLines m_headers;
     std::array<char, CURL_ERROR_SIZE> m_detail{};
     const MultiHandle m_multi{curl_multi_init()};
     const EasyHandle m_easy{curl_easy_init()};
@@ -195,9 +200,8 @@ CurlExchange::~CurlExchange() = default;
 
 TVXAnswer CurlExchange::post(const QByteArray &body)
 {
-    const QString address = QUrl::fromEncoded(m_url).authority();
-    const auto failed = [&](ExchangeError error, const QString &detail = {}) {
-        return TVXAnswer{std::nullopt, describe(error, address, detail)};
+    const auto failed = [this](ExchangeError error, const QString &detail = {}) {
+        return TVXAnswer{std::nullopt, describe(error, QUrl::fromEncoded(m_url).authority(), detail)};
     };
     if (m_busy)
         return failed(ExchangeError::Busy);
@@ -210,7 +214,7 @@ TVXAnswer CurlExchange::post(const QByteArray &body)
     if (!m_handles)
         m_handles = std::make_unique<Handles>(m_url, m_deadline);
 
-    Transfer transfer(body);
+    Transfer transfer;
     const CURLcode code = m_handles->perform(body, transfer, [this] { m_wait.turn(); });
     if (transfer.isTooLarge)
         return failed(ExchangeError::AnswerTooLarge);

@@ -63,7 +63,7 @@ ExchangeError exchangeErrorOfCurl(int code)
     case CURLE_GOT_NOTHING:
     case CURLE_SEND_ERROR:
     case CURLE_RECV_ERROR:
-    case CURLE_SEND_FAIL_REWIND: // a kept connection died, and the body is not sent twice
+    case CURLE_ABORTED_BY_CALLBACK: // a kept connection died, and the request is not sent twice
         return ExchangeError::ConnectionLost;
     case CURLE_WEIRD_SERVER_REPLY:
     case CURLE_UNSUPPORTED_PROTOCOL: // an answer without any header

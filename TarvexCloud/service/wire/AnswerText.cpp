@@ -15,6 +15,11 @@ bool isBlank(QChar c)
     return c == u'\t' || c.category() == QChar::Separator_Space;
 }
 
+bool isSpace(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
 bool isDigit(char c)
 {
     return c >= '0' && c <= '9';
@@ -68,17 +73,17 @@ bool isErrorAnswerAmongBlanks(const QByteArray &answer)
 
 qint32 leadingInteger(std::string_view text)
 {
-    const std::size_t start = text.find_first_not_of(" \t\n\v\f\r");
-    if (start == std::string_view::npos)
-        return 0;
-    text.remove_prefix(start);
-    const bool isNegative = text.front() == '-';
-    if (isNegative || text.front() == '+')
-        text.remove_prefix(1);
+    const char *at = text.data();
+    const char *const end = at + text.size();
+    while (at != end && isSpace(*at))
+        ++at;
+    const bool isNegative = at != end && *at == '-';
+    if (at != end && (*at == '-' || *at == '+'))
+        ++at;
     constexpr qint64 limit = qint64(std::numeric_limits<qint32>::max()) + 1;
     qint64 value = 0;
-    for (std::size_t i = 0; i < text.size() && isDigit(text[i]) && value < limit; ++i)
-        value = value * 10 + (text[i] - '0');
+    for (; at != end && isDigit(*at) && value < limit; ++at)
+        value = value * 10 + (*at - '0');
     value = isNegative ? std::max(-value, -limit) : std::min(value, limit - 1);
     return static_cast<qint32>(value);
 }

@@ -1,13 +1,11 @@
 #include "Columns.h"
 
-#include <algorithm>
 #include <expat.h>
 #include <limits>
 #include <memory>
 
 namespace {
 
-constexpr std::size_t firstPiece = 32 * 1024;
 // What all texts together may hold: plain records stay far below the length of their document.
 constexpr std::size_t textPerByte = 4;
 constexpr std::size_t textAllowance = 64 * 1024;
@@ -30,6 +28,7 @@ public:
           m_parser(XML_ParserCreate(nullptr))
     {
         m_columns.m_columns.resize(names.size());
+        m_columns.m_text.reserve(static_cast<std::size_t>(xml.size()) / 2);
     }
 
     std::optional<Columns> read()
@@ -43,7 +42,6 @@ public:
         XML_SetAttlistDeclHandler(m_parser.get(), attributeDeclared);
         if (!parse())
             return std::nullopt;
-        m_columns.m_text.shrink_to_fit();
         return std::move(m_columns);
     }
 
@@ -58,26 +56,11 @@ private:
         std::size_t index = 0;
     };
 
-    /// In pieces, because the parser copies what it is given. A piece is at least as long as what is still
-    /// unfinished: otherwise a very long tag would be looked at from its start once per small piece.
+    /// In a single call: expat copies the document either way, but looks at every byte once more when it
+    /// comes in pieces.
     bool parse()
     {
-        std::size_t fed = 0;
-        const auto size = static_cast<std::size_t>(m_xml.size());
-        std::size_t piece = firstPiece;
-        while (size - fed > piece) {
-            if (!parse(fed, piece, /*isFinal=*/false))
-                return false;
-            fed += piece;
-            const XML_Index done = XML_GetCurrentByteIndex(m_parser.get());
-            piece = std::max(firstPiece, fed - static_cast<std::size_t>(std::max<XML_Index>(done, 0)));
-        }
-        return parse(fed, size - fed, /*isFinal=*/true);
-    }
-
-    bool parse(std::size_t from, std::size_t length, bool isFinal)
-    {
-        return XML_Parse(m_parser.get(), m_xml.data() + from, static_cast<int>(length), isFinal ? 1 : 0) ==
+        return XML_Parse(m_parser.get(), m_xml.data(), static_cast<int>(m_xml.size()), /*isFinal=*/1) ==
                XML_STATUS_OK;
     }
 
@@ -139,10 +122,22 @@ private:
         --m_depth;
     }
 
-    std::size_t columnOf(std::string_view name) const
+    std::size_t columnOf(const char *name) const
     {
-        const auto found = std::find(m_names.begin(), m_names.end(), name);
-        return static_cast<std::size_t>(found - m_names.begin());
+        std::size_t column = 0;
+        while (column < m_names.size() && !isSame(name, m_names[column]))
+            ++column;
+        return column;
+    }
+
+    /// Most names differ in their first letter: comparing by hand beats measuring the length first.
+    static bool isSame(const char *name, std::string_view wanted)
+    {
+        for (const char c : wanted) {
+            if (*name++ != c)
+                return false;
+        }
+        return *name == '\0';
     }
 
     void refuse() { XML_StopParser(m_parser.get(), XML_FALSE); }

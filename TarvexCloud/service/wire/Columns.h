@@ -29,7 +29,7 @@ public:
     std::string_view text(std::size_t column, std::size_t index) const
     {
         const Slot slot = m_columns[column].at(index);
-        return std::string_view(m_text).substr(slot.begin, slot.end - slot.begin);
+        return {m_text.data() + slot.begin, slot.end - slot.begin};
     }
 
 private:
