@@ -6,6 +6,7 @@
 #include "Server.h"
 
 #include <CLI/CLI.hpp>
+#include <csignal>
 #include <exception>
 #include <iostream>
 
@@ -22,6 +23,7 @@ int serve(const std::string &listen, const std::string &databaseUrl)
     requests::Service service(database);
     http::Server server(service, address->host, address->port, /*limits=*/{}, logRequest);
     server.drainOnSignals();
+    std::signal(SIGPIPE, SIG_IGN); // a log that nobody reads any more is no reason to end
     startLog();
     logEvent("started");
     std::cout << "READY " << serviceUrl(address->host, server.port()) << std::endl;

@@ -58,12 +58,11 @@ public:
     void start();
     /// Closes the connection if no request is under way; otherwise it closes after the answer.
     void drain();
-    /// Closes the connection whatever is under way.
-    void close();
 
 private:
     using Error = boost::beast::error_code;
 
+    void close();
     void awaitRequest();
     void readHead();
     void headArrived(Error error);

@@ -1,0 +1,60 @@
+#include "FailureLimits.h"
+#include "Md5.h"
+#include "PasswordHash.h"
+#include "VerifiedCredentials.h"
+
+#include <gtest/gtest.h>
+
+using namespace tarvex::security;
+
+TEST(SignInDigest, IsUpperCaseMd5OfTheBytesBeforeAZero)
+{
+    EXPECT_EQ(signInDigest(""), "D41D8CD98F00B204E9800998ECF8427E");
+    EXPECT_EQ(signInDigest("abc"), "900150983CD24FB0D6963F7D28E17F72");
+    EXPECT_EQ(signInDigest(std::string_view("abc\0def", 7)), "900150983CD24FB0D6963F7D28E17F72");
+    EXPECT_TRUE(isSignInDigest("900150983CD24FB0D6963F7D28E17F72"));
+    EXPECT_FALSE(isSignInDigest("900150983cd24fb0d6963f7d28e17f72"));
+    EXPECT_FALSE(isSignInDigest("900150983CD24FB0D6963F7D28E17F7"));
+}
+
+TEST(PasswordHash, MatchesOnlyItsOwnDigestAndIsSalted)
+{
+    const std::string hash = hashPassword("digest");
+    EXPECT_TRUE(hash.starts_with("$argon2id$"));
+    EXPECT_TRUE(matchesPassword(hash, "digest"));
+    EXPECT_FALSE(matchesPassword(hash, "other"));
+    EXPECT_FALSE(matchesPassword("", ""));
+    EXPECT_NE(hashPassword("digest"), hash);
+}
+
+TEST(VerifiedCredentials, HoldForOneVersionOfOneAccount)
+{
+    VerifiedCredentials verified(/*capacity=*/2);
+    verified.remember(/*accountId=*/1, /*version=*/1, "digest");
+    EXPECT_TRUE(verified.contains(/*accountId=*/1, /*version=*/1, "digest"));
+    EXPECT_FALSE(verified.contains(/*accountId=*/1, /*version=*/2, "digest"));
+    EXPECT_FALSE(verified.contains(/*accountId=*/2, /*version=*/1, "digest"));
+    EXPECT_FALSE(verified.contains(/*accountId=*/1, /*version=*/1, "other"));
+    verified.remember(/*accountId=*/2, /*version=*/1, "digest");
+    EXPECT_TRUE(
+        verified.contains(/*accountId=*/1, /*version=*/1, "digest")); // used again, so it outlives the other
+    verified.remember(/*accountId=*/3, /*version=*/1, "digest");
+    EXPECT_TRUE(verified.contains(/*accountId=*/1, /*version=*/1, "digest"));
+    EXPECT_FALSE(verified.contains(/*accountId=*/2, /*version=*/1, "digest"));
+}
+
+TEST(FailureLimits, AdmitTenAttemptsAMinuteAndForgiveTheOnesThatSucceed)
+{
+    std::chrono::steady_clock::time_point now;
+    FailureLimits limits([&] { return now; });
+    for (int i = 0; i < 10; ++i)
+        EXPECT_TRUE(limits.admit("anna"));
+    EXPECT_FALSE(limits.admit("anna"));
+    EXPECT_TRUE(limits.admit("ben"));
+    limits.forgive("anna");
+    EXPECT_TRUE(limits.admit("anna"));
+    now += std::chrono::seconds(59);
+    EXPECT_FALSE(limits.admit("anna"));
+    now += std::chrono::seconds(1);
+    EXPECT_TRUE(limits.admit("anna"));
+}

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "Database.h"
+#include "Md5.h"
+#include "Service.h"
+#include "TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+#include <string>
+
+/// A service over a database of its own, with one account and clocks that the test turns.
+class ServiceFixture : public testing::Test
+{
+protected:
+    ServiceFixture()
+    {
+        EXPECT_EQ(post("p1=create-new-user&p2=" + m_login + "&p3=" + m_password + "&p4=Anna&type=json"),
+                  R"({"result":"OK"})");
+    }
+
+    tarvex::requests::Answer answerTo(const std::string &body, const std::string &peer = "")
+    {
+        return m_service.answer({.body = body, .peer = peer, .arrival = m_now});
+    }
+    std::string post(const std::string &body) { return answerTo(body).body; }
+
+    /// The body of a request that the account of the fixture makes.
+    std::string asAnna(const std::string &kind, const std::string &rest = "") const
+    {
+        return "p1=" + kind + credentials(m_login, m_password) + rest;
+    }
+    std::string postAsAnna(const std::string &kind, const std::string &rest = "")
+    {
+        return post(asAnna(kind, rest));
+    }
+
+    static std::string credentials(const std::string &login, const std::string &password)
+    {
+        return "&p2=" + tarvex::security::signInDigest(login) +
+               "&p3=" + tarvex::security::signInDigest(password);
+    }
+
+    static std::string goal(const std::string &name, int set = 1, int area = 3, bool isChecked = false)
+    {
+        return "name:" + name + ";priority:5;checked:" + (isChecked ? "1" : "0") +
+               ";setsId:" + std::to_string(set) + ";areaId:" + std::to_string(area) + ";{_end_}";
+    }
+
+    /// The texts of all elements of that name in an answer, each followed by a bar.
+    static std::string column(const std::string &xml, const std::string &name)
+    {
+        const std::string open = "<" + name + ">";
+        std::string texts;
+        for (auto start = xml.find(open); start != std::string::npos; start = xml.find(open, start + 1)) {
+            const auto text = start + open.size();
+            texts += xml.substr(text, xml.find("</" + name + ">", text) - text) + "|";
+        }
+        return texts;
+    }
+    std::string goalNames(int set = 1, int area = 3)
+    {
+        return column(postAsAnna("get-goals", "&p4=" + std::to_string(set) + "&p5=" + std::to_string(area)),
+                      "name");
+    }
+
+    std::string m_login = "Anna@Example.org";
+    std::string m_password = "a&b=c+d%26";
+    std::chrono::steady_clock::time_point m_now = std::chrono::steady_clock::now();
+    std::int64_t m_seconds = 1'000'000;
+    TemporaryFolder m_folder;
+    tarvex::store::Database m_database{m_folder.databaseUrl()};
+    tarvex::requests::Service m_service{
+        m_database, {.steady = [this] { return m_now; }, .seconds = [this] { return m_seconds; }}};
+};
