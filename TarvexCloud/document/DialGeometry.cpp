@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr qreal gap = 6;
+constexpr qreal gap = 7;
 constexpr int margin = 16;
 constexpr int leastNameWidth = 120;
 constexpr int leastNameWidthBesideAverage = 90;

@@ -9,6 +9,7 @@ SignInSheet::SignInSheet(QWidget *ownWindow) : Sheet(ownWindow)
     Ui::SignInSheet ui;
     ui.setupUi(this);
     m_fields = ui.fieldsBox;
+    m_hint = ui.labelSignInHint;
     m_signIn = ui.signInButtons->addButton(tr("Sign In"), QDialogButtonBox::AcceptRole);
     m_cancel = ui.signInButtons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
     m_signIn->setDefault(true);

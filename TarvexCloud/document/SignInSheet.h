@@ -14,11 +14,15 @@ public:
     /// Greys the fields and buttons out while a request is in flight; the focus comes back afterwards.
     void setControlsEnabled(bool enabled);
 
+    /// Shows or hides a sentence on what to do about a bare "Error" in the message line.
+    void setHintShown(bool shown) { m_hint->setVisible(shown); }
+
 Q_SIGNALS:
     void signInRequested();
 
 private:
     QWidget *m_fields;
+    QWidget *m_hint;
     QPushButton *m_signIn;
     QPushButton *m_cancel;
     QPointer<QWidget> m_focusBefore;

@@ -73,11 +73,13 @@ void TarvexDocument::signIn()
         m_loginUserName = QStringLiteral("");
         m_loginPassword = QStringLiteral("");
         m_textSignInErrorMessage->setText(QStringLiteral("Checking..."));
+        m_wndSignIn->setHintShown(/*shown=*/false);
         m_wndSignIn->repaint(); // seen before the request leaves, however soon it is answered
         TVXManager manager(m_controller.exchange(), m_controller.alert());
         const QString answer = manager.signInWithLogin(m_textUsername->text(), m_textPassword->text());
         if (answer != QStringLiteral("OK")) {
             m_textSignInErrorMessage->setText(answer);
+            m_wndSignIn->setHintShown(answer == QStringLiteral("Error"));
             return;
         }
         loadStartupDataForLogin(m_textUsername->text(), m_textPassword->text());
