@@ -102,13 +102,7 @@ QByteArray LoopbackService::url() const
 void LoopbackService::answer(const QByteArray &kind, const ServiceReply &reply)
 {
     const std::lock_guard lock(m_mutex);
-    m_script[kind] = {reply};
-}
-
-void LoopbackService::thenAnswer(const QByteArray &kind, const ServiceReply &reply)
-{
-    const std::lock_guard lock(m_mutex);
-    m_script[kind].append(reply);
+    m_script[kind] = reply;
 }
 
 void LoopbackService::hold()
@@ -200,26 +194,22 @@ ServiceReply LoopbackService::replyTo(const QByteArray &request)
     std::unique_lock lock(m_mutex);
     m_changed.wait(lock, [this] { return !m_isHeld || m_isStopping; });
     const auto script = m_script.find(kindOf(bodyOf(request)));
-    if (script == m_script.end())
-        return httpReply("Error");
-    return script->second.size() > 1 ? script->second.takeFirst() : script->second.first();
+    return script == m_script.end() ? httpReply("Error") : script->second;
 }
 
 bool LoopbackService::send(int connection, const ServiceReply &reply)
 {
-    qsizetype sent = 0;
-    while (sent < reply.bytes.size()) {
-        if (reply.perByte.count() > 0) {
-            std::unique_lock lock(m_mutex);
-            if (m_changed.wait_for(lock, reply.perByte, [this] { return m_isStopping; }))
-                return false;
-        }
-        const qsizetype length = reply.perByte.count() > 0 ? 1 : reply.bytes.size() - sent;
-        const ssize_t count =
-            ::send(connection, reply.bytes.constData() + sent, static_cast<size_t>(length), MSG_NOSIGNAL);
+    const bool isDripping = reply.perByte.count() > 0;
+    for (QByteArrayView unsent = reply.bytes; !unsent.isEmpty();) {
+        std::unique_lock lock(m_mutex);
+        if (m_changed.wait_for(lock, reply.perByte, [this] { return m_isStopping; }))
+            return false;
+        lock.unlock();
+        const auto length = isDripping ? size_t(1) : static_cast<size_t>(unsent.size());
+        const ssize_t count = ::send(connection, unsent.data(), length, MSG_NOSIGNAL);
         if (count <= 0)
             return false;
-        sent += count;
+        unsent = unsent.sliced(count);
     }
     return true;
 }

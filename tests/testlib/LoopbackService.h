@@ -37,8 +37,6 @@ public:
     /// From now on requests of that kind (their p1) get this body; without a script they get "Error".
     void answer(const QByteArray &kind, const QByteArray &body) { answer(kind, httpReply(body)); }
     void answer(const QByteArray &kind, const ServiceReply &reply);
-    /// One more answer for that kind, after those scripted so far were given once; the last one stays.
-    void thenAnswer(const QByteArray &kind, const ServiceReply &reply);
 
     /// While held, requests are received and wait for their answer.
     void hold();
@@ -59,12 +57,12 @@ private:
     bool send(int connection, const ServiceReply &reply);
 
     quint16 m_port = 0;
-    const int m_listener; // sets m_port
+    const int m_listener;       // sets m_port
     mutable std::mutex m_mutex; // guards all below
     std::condition_variable m_changed;
     bool m_isStopping = false;
     bool m_isHeld = false;
-    std::map<QByteArray, QList<ServiceReply>> m_script;
+    std::map<QByteArray, ServiceReply> m_script;
     QList<QByteArray> m_requests;
     std::vector<int> m_connections;
     std::vector<std::thread> m_servers;

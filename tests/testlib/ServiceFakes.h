@@ -4,7 +4,6 @@
 #include "TVXRequestWait.h"
 
 #include <functional>
-#include <QCoreApplication>
 #include <QStringList>
 
 /// Keeps what the user would have been shown.
@@ -16,30 +15,24 @@ public:
     QStringList errors;
 };
 
-/// A wait in which nothing happens but what the test asks for; it writes down what it was told.
+/// A wait in which nothing happens but what the test asks for, say to process events; it counts its calls.
 class RecordingWait : public TVXRequestWait
 {
 public:
-    void requestStarted() override { ++started; }
+    void requestStarted() override {}
     void turn() override
     {
         ++turns;
-        if (onTurn)
-            onTurn();
+        onTurn();
     }
-    void requestEnded() override { ++ended; }
+    void requestEnded() override
+    {
+        ++ended;
+        onEnd();
+    }
 
-    int started = 0;
     int turns = 0;
     int ended = 0;
-    std::function<void()> onTurn;
-};
-
-/// A wait that lets the event loop run, for tests with windows.
-class EventsWait : public TVXRequestWait
-{
-public:
-    void requestStarted() override {}
-    void turn() override { QCoreApplication::processEvents(); }
-    void requestEnded() override {}
+    std::function<void()> onTurn = [] {};
+    std::function<void()> onEnd = [] {};
 };
