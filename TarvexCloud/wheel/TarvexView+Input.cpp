@@ -155,7 +155,7 @@ void TarvexView::focusInEvent(QFocusEvent *event)
     else if (reason == Qt::MouseFocusReason)
         showFocusRing(/*shown=*/false);
     // The toolkit announces the wheel itself right after this event; the slice has to come last.
-    QMetaObject::invokeMethod(this, &TarvexView::announceFocus, Qt::QueuedConnection);
+    m_focusAnnouncement.start();
 }
 
 void TarvexView::changeEvent(QEvent *event)

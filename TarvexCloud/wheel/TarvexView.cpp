@@ -20,6 +20,8 @@ TarvexView::TarvexView(QWidget *parent) : QWidget(parent)
     setAccessibleName(tr("Wheel of life areas"));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setMouseTracking(true);
+    m_focusAnnouncement.setSingleShot(true);
+    connect(&m_focusAnnouncement, &QTimer::timeout, this, &TarvexView::announceFocus);
     areasMayHaveChanged();
 }
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <optional>
 #include <QAccessible>
+#include <QTimer>
 #include <QWidget>
 
 /// The wheel: eight coloured slices, each covered by a pale sector up to its area's value. It draws, and
@@ -116,4 +117,5 @@ private:
     std::vector<Description> m_announced;
     int m_currentPiece = 0;
     bool m_focusRingShown = false;
+    QTimer m_focusAnnouncement;
 };

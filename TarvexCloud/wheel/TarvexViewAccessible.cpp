@@ -42,8 +42,9 @@ QAccessibleInterface *TarvexViewAccessible::child(int index) const
     if (index < 0 || index >= childCount())
         return nullptr;
     QAccessible::Id &id = m_children[static_cast<std::size_t>(index)];
-    if (!id)
-        id = QAccessible::registerAccessibleInterface(new WheelSliceAccessible(view(), index));
+    if (!id)                                           // the cache owns it from here on
+        id = QAccessible::registerAccessibleInterface( // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks)
+            new WheelSliceAccessible(view(), index));
     return QAccessible::accessibleInterface(id);
 }
 
