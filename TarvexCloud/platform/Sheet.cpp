@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <QApplication>
+#include <QEvent>
 #include <QTimer>
 #include <QWindow>
 
@@ -63,6 +64,14 @@ void Sheet::endSheet()
         if (!waiting.isEmpty() && !hasSheet(window))
             waiting.first()->attach();
     });
+}
+
+bool Sheet::event(QEvent *event)
+{
+    const bool handled = QDialog::event(event);
+    if (event->type() == QEvent::WindowActivate)
+        Q_EMIT didBecomeKey();
+    return handled;
 }
 
 void Sheet::reject()

@@ -26,6 +26,11 @@ public:
 
 Q_SIGNALS:
     void cancelRequested();
+    /// The sheet has become the active window: at its showing, and whenever the focus comes back to it.
+    void didBecomeKey();
+
+protected:
+    bool event(QEvent *event) override;
 
 private:
     static QList<Sheet *> begunOn(const QWidget *window); // in the order of their beginning

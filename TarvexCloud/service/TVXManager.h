@@ -7,6 +7,7 @@
 #include <optional>
 #include <QByteArray>
 #include <QString>
+#include <vector>
 
 class FormString;
 class TVXAlert;
@@ -64,7 +65,33 @@ public:
     /// @throws std::out_of_range when the answer is XML but lacks an id, a name or an area.
     TVXGoalPtr getRandomGoalUsingLogin(const QString &login, const QString &andPassword, qint64 forSetsId);
 
+    /// @name Writing
+    /// No answer: an alert. Whatever the service answers is not looked at, "Error" included.
+    /// @{
+    void deleteSestUsingLogin(const QString &login, const QString &andPassword, qint64 forSetsId);
+    void deleteGoalByIdUsingLogin(const QString &login, const QString &andPassword, qint64 forGoalWithId);
+    /// The ids go out in full decimal.
+    void deleteGoalsByIdUsingLogin(const QString &login, const QString &andPassword,
+                                   const std::vector<qint64> &forGoalsWithId);
+    void createSestUsingLogin(const QString &login, const QString &andPassword, const QString &withName);
+    /// Every goal of the list is created anew in that set and area, with an id of the service's; the records'
+    /// own ids are not sent.
+    void createGoalsUsingLogin(const QString &login, const QString &andPassword, const TVXGoalList &theGoals,
+                               qint64 forSetsId, qint64 forAreaId);
+    void createGoalUsingLogin(const QString &login, const QString &andPassword, const QString &withName,
+                              qint32 andPriority, bool andChecked, qint64 forSetsId, qint64 forAreaId);
+    void renameSestUsingLogin(const QString &login, const QString &andPassword, const QString &withName,
+                              qint64 forSetsWithId);
+    void renameAreasUsingLogin(const QString &login, const QString &andPassword, const TVXAreaList &areas);
+    void setAreaValueOnServerByUsingLogin(const QString &login, const QString &andPassword, qint64 forArea,
+                                          qint32 newValue);
+    /// @}
+    /// Marks the goal with that id done. The new percentage of its area in its set as the service words it;
+    /// empty, without an alert, when there was no answer or it was not ASCII.
+    QString setCheckedUsingLogin(const QString &login, const QString &andPassword, qint64 goal);
+
 private:
+    void write(const FormString &form);
     std::optional<QByteArray> answerOrAlert(const FormString &form);
 
     TVXExchange &m_exchange;

@@ -1,0 +1,24 @@
+#include "MnemonicLabel.h"
+
+MnemonicLabel::MnemonicLabel(QWidget *parent) : QLabel(parent)
+{
+    setTextFormat(Qt::PlainText);
+}
+
+void MnemonicLabel::setTitleWithMnemonic(const QString &title)
+{
+    setText(titleWithoutMnemonics(title));
+}
+
+QString titleWithoutMnemonics(const QString &title)
+{
+    QString text = QStringLiteral("");
+    text.reserve(title.size());
+    bool afterAmpersand = false;
+    for (const QChar c : title) {
+        afterAmpersand = c == u'&' && !afterAmpersand;
+        if (!afterAmpersand)
+            text += c;
+    }
+    return text;
+}
