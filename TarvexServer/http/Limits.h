@@ -10,7 +10,7 @@ struct Limits
 {
     std::size_t head = 8UL * 1024;
     std::size_t body = 4UL * 1024 * 1024;
-    /// A longer body than this is not even read to its end before the refusal.
+    /// A longer body than this is not even read to its end, and costs the connection.
     std::size_t discardedBody = 64UL * 1024 * 1024;
     /// The bodies of all connections together.
     std::size_t bodiesInMemory = 64UL * 1024 * 1024;

@@ -131,8 +131,6 @@ void Session::headArrived(Error error)
         sendStatus(beast::status::method_not_allowed, "The service answers POST requests only.");
     } else if (m_parser->chunked() || !m_parser->content_length()) {
         sendStatus(beast::status::length_required, "The request must state its length.");
-    } else if (*m_parser->content_length() > m_context.limits.discardedBody) {
-        sendStatus(beast::status::payload_too_large, "The request is too large.");
     } else {
         beginBody(static_cast<std::size_t>(*m_parser->content_length()));
     }
@@ -158,8 +156,8 @@ void Session::beginBody(std::size_t length)
         m_refusal = Outcome::Busy;
     m_body.clear();
     m_bodySize = length;
-    m_bodyRest = length;
     m_keptBody = m_refusal ? std::min(length, beginningOfBody) : length;
+    m_bodyRest = length > limits.discardedBody ? m_keptBody : length;
     m_reservedBody = m_refusal || length <= freeBody ? 0 : length;
     m_context.bodyBytes += m_reservedBody;
     m_stream.expires_after(limits.bodyTime);
@@ -243,7 +241,8 @@ void Session::answer(const requests::Answer &answer)
     m_response.set(beast::field::content_type, contentType(answer.format));
     m_response.body() = answer.body;
     const bool isBusy = answer.outcome == Outcome::Busy;
-    m_response.keep_alive(m_parser->get().keep_alive() && !isBusy);
+    const bool hasUnreadBody = m_bodySize > m_context.limits.discardedBody;
+    m_response.keep_alive(m_parser->get().keep_alive() && !isBusy && !hasUnreadBody);
     if (m_context.report)
         m_context.report({.kind = requests::requestKindOfBody(m_body).name,
                           .outcome = answer.outcome,

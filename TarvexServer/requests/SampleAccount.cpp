@@ -69,6 +69,7 @@ template<std::size_t size>
 std::vector<store::Goal> goalsOf(std::int64_t setId, const std::array<SampleGoal, size> &samples)
 {
     std::vector<store::Goal> goals;
+    goals.reserve(size);
     for (const SampleGoal &sample : samples)
         goals.push_back(store::Goal{.id = 0,
                                     .setId = setId,

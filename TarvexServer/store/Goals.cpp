@@ -12,35 +12,47 @@ const std::string selectGoals =
     " JOIN goal_set ON goal_set.account_id = goal.account_id AND goal_set.set_id = goal.set_id"
     " WHERE goal.account_id = :account AND goal.deleted_at IS NULL AND goal_set.deleted_at IS NULL";
 
-/// Runs selectGoals with a condition and an order added; the ids are the values of its parameters.
-template<class... Ids>
-std::vector<Goal> goalsWhere(Connection &connection, const std::string &condition, const Ids &...ids)
+/// The variables that a prepared statement reads a goal into or takes it from, row by row.
+struct BoundGoal
 {
     long long id = 0;
     long long setId = 0;
     long long areaId = 0;
+    std::string name;
+    int priority = 0;
     int isChecked = 0;
-    Goal goal;
+
+    Goal goal() const
+    {
+        return Goal{.id = id,
+                    .setId = setId,
+                    .areaId = areaId,
+                    .name = name,
+                    .priority = priority,
+                    .isChecked = isChecked != 0};
+    }
+};
+
+/// Runs selectGoals with a condition and an order added; the ids are the values of its parameters.
+template<class... Ids>
+std::vector<Goal> goalsWhere(Connection &connection, const std::string &condition, const Ids &...ids)
+{
+    BoundGoal row;
     soci::statement rows(connection.session());
     (rows.exchange(soci::use(ids)), ...);
-    rows.exchange(soci::into(id));
-    rows.exchange(soci::into(setId));
-    rows.exchange(soci::into(areaId));
-    rows.exchange(soci::into(goal.name));
-    rows.exchange(soci::into(goal.priority));
-    rows.exchange(soci::into(isChecked));
+    rows.exchange(soci::into(row.id));
+    rows.exchange(soci::into(row.setId));
+    rows.exchange(soci::into(row.areaId));
+    rows.exchange(soci::into(row.name));
+    rows.exchange(soci::into(row.priority));
+    rows.exchange(soci::into(row.isChecked));
     rows.alloc();
     rows.prepare(selectGoals + condition);
     rows.define_and_bind();
     rows.execute();
     std::vector<Goal> found;
-    while (rows.fetch()) {
-        goal.id = id;
-        goal.setId = setId;
-        goal.areaId = areaId;
-        goal.isChecked = isChecked != 0;
-        found.push_back(goal);
-    }
+    while (rows.fetch())
+        found.push_back(row.goal());
     return found;
 }
 
@@ -97,24 +109,22 @@ void createGoals(Connection &connection, std::int64_t accountId, const std::vect
         return;
     const long long account = accountId;
     const auto count = static_cast<std::int64_t>(goals.size());
-    long long id = takeIds(connection.session(), accountId, Counter::Goal, count);
-    long long setId = 0;
-    long long areaId = 0;
-    int isChecked = 0;
-    Goal current;
+    BoundGoal row;
+    row.id = takeIds(connection.session(), accountId, Counter::Goal, count);
     soci::statement insert =
         (connection.session().prepare
              << "INSERT INTO goal (account_id, goal_id, set_id, area_id, name, priority, checked)"
                 " VALUES (:account, :goal, :set, :area, :name, :priority, :checked)",
-         soci::use(account), soci::use(id), soci::use(setId), soci::use(areaId), soci::use(current.name),
-         soci::use(current.priority), soci::use(isChecked));
+         soci::use(account), soci::use(row.id), soci::use(row.setId), soci::use(row.areaId),
+         soci::use(row.name), soci::use(row.priority), soci::use(row.isChecked));
     for (const Goal &goal : goals) {
-        current = goal;
-        setId = goal.setId;
-        areaId = goal.areaId;
-        isChecked = goal.isChecked ? 1 : 0;
+        row.setId = goal.setId;
+        row.areaId = goal.areaId;
+        row.name = goal.name;
+        row.priority = goal.priority;
+        row.isChecked = goal.isChecked ? 1 : 0;
         insert.execute(true);
-        ++id;
+        ++row.id;
     }
 }
 
@@ -123,14 +133,14 @@ std::size_t deleteGoals(Connection &connection, std::int64_t accountId,
 {
     const long long account = accountId;
     const long long time = now;
-    long long id = 0;
+    BoundGoal row;
     soci::statement update =
         (connection.session().prepare << "UPDATE goal SET deleted_at = :now WHERE account_id = :account"
                                          " AND goal_id = :goal AND deleted_at IS NULL",
-         soci::use(time), soci::use(account), soci::use(id));
+         soci::use(time), soci::use(account), soci::use(row.id));
     std::size_t deleted = 0;
     for (const std::int64_t goalId : goalIds) {
-        id = goalId;
+        row.id = goalId;
         deleted += changesRow(update) ? 1U : 0U;
     }
     return deleted;

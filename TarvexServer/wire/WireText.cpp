@@ -56,7 +56,7 @@ std::size_t utf8SequenceLength(std::string_view text)
 {
     if (text.empty())
         return 0;
-    const std::size_t length = lengthByLeadByte(byteAt(text, 0));
+    const std::size_t length = lengthByLeadByte(byteAt(text, /*index=*/0));
     if (length == 0 || length > text.size())
         return 0;
     for (std::size_t i = 1; i < length; ++i) {
@@ -72,8 +72,8 @@ std::size_t utf8SequenceLength(std::string_view text)
 char32_t codePoint(std::string_view sequence)
 {
     if (sequence.size() == 1)
-        return byteAt(sequence, 0);
-    char32_t character = byteAt(sequence, 0) & (0x7FU >> sequence.size());
+        return byteAt(sequence, /*index=*/0);
+    char32_t character = byteAt(sequence, /*index=*/0) & (0x7FU >> sequence.size());
     for (std::size_t i = 1; i < sequence.size(); ++i)
         character = (character << 6U) | (byteAt(sequence, i) & 0x3FU);
     return character;

@@ -8,7 +8,7 @@
 namespace tarvex::wire {
 
 /// The longest name a request can bring in, in bytes of its wire form.
-constexpr std::size_t maximumNameSize = 64 * 1024;
+constexpr std::size_t maximumNameSize = 64UL * 1024;
 
 /// A name as the store keeps it: the wire text as it came, braces tokens and all, without what XML 1.0 cannot
 /// carry (control characters other than tab, line feed and carriage return; U+FFFE, U+FFFF; bytes that are
