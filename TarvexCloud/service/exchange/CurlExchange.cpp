@@ -21,7 +21,6 @@ constexpr auto turnInterval = 10ms;
 constexpr long receiveBuffer = 64 * 1024;
 // Below the idle limit of services, so that a kept connection is rarely one they are about to close.
 constexpr long longestIdleSeconds = 20;
-constexpr long firstFinalStatus = 200;
 
 template<auto cleanUp>
 struct Deleter
@@ -143,13 +142,6 @@ public:
         return wait(turn);
     }
 
-    bool isFinalStatus() const
-    {
-        long status = 0;
-        curl_easy_getinfo(easy(), CURLINFO_RESPONSE_CODE, &status);
-        return status >= firstFinalStatus;
-    }
-
     QString detail(CURLcode code) const
     {
         return QString::fromLocal8Bit(m_detail[0] ? m_detail.data() : curl_easy_strerror(code));
@@ -220,7 +212,7 @@ TVXAnswer CurlExchange::post(const QByteArray &body)
         return failed(ExchangeError::AnswerTooLarge);
     if (code != CURLE_OK)
         return failed(exchangeErrorOfCurl(code), m_handles->detail(code));
-    if (!transfer.isHeaderComplete || !m_handles->isFinalStatus())
+    if (!transfer.isHeaderComplete)
         return failed(ExchangeError::ConnectionLost);
     return {transfer.answer, {}};
 }
