@@ -13,6 +13,7 @@
 
 namespace {
 Q_LOGGING_CATEGORY(tarvex, "tarvex")
+constexpr int millisecondsBetweenTries = 20;
 } // namespace
 
 DocumentController::DocumentController(TVXExchange &exchange, TVXAlert &alert)
@@ -80,19 +81,31 @@ bool DocumentController::isBusy() const
     return m_actionRunning || m_exchange.isBusy();
 }
 
-void DocumentController::runAction(TarvexDocument *document, const std::function<void()> &action,
-                                   const std::function<void()> &incompleteAnswer)
+void DocumentController::runAction(const std::function<void()> &action,
+                                   const std::function<void()> &endedEarly)
 {
     if (isBusy())
         return;
-    const std::shared_ptr<TarvexDocument> keptAlive = sharedOf(document);
+    const auto keptAlive = m_documents; // an action may close the document it belongs to
     const QScopedValueRollback running(m_actionRunning, true);
     try {
         action();
     } catch (const std::out_of_range &error) {
-        qCWarning(tarvex, "A user action ended early: %s", error.what());
-        incompleteAnswer();
+        qCWarning(tarvex, "An action ended early: %s", error.what());
+        endedEarly();
     }
+}
+
+void DocumentController::runWhenIdle(const std::function<void()> &action,
+                                     const std::function<void()> &endedEarly)
+{
+    const auto tryNow = [this, action, endedEarly] {
+        if (isBusy())
+            runWhenIdle(action, endedEarly);
+        else
+            runAction(action, endedEarly);
+    };
+    QTimer::singleShot(isBusy() ? millisecondsBetweenTries : 0, this, tryNow);
 }
 
 bool DocumentController::eventFilter(QObject *watched, QEvent *event)

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <functional>
+#include "WindowServices.h"
+
 #include <memory>
 #include <QObject>
 #include <QPointer>
@@ -8,12 +9,10 @@
 
 class QMainWindow;
 class TarvexDocument;
-class TVXAlert;
-class TVXExchange;
 
 /// The open documents, which of their windows is the application's main window, and the one way in which user
 /// actions run.
-class DocumentController : public QObject
+class DocumentController : public QObject, public WindowServices
 {
     Q_OBJECT
 public:
@@ -21,8 +20,8 @@ public:
     DocumentController(TVXExchange &exchange, TVXAlert &alert);
     ~DocumentController() override;
 
-    TVXExchange &exchange() const { return m_exchange; }
-    TVXAlert &alert() const { return m_alert; }
+    TVXExchange &exchange() const override { return m_exchange; }
+    TVXAlert &alert() const override { return m_alert; }
 
     /// Opens an untitled document and shows its window. The controller owns it until it is closed.
     TarvexDocument *openUntitledDocument();
@@ -38,13 +37,9 @@ public:
     /// The document of that window, or null.
     TarvexDocument *documentOfWindow(const QMainWindow *window) const;
 
-    /// Whether a request is in flight or a user action is still running.
-    bool isBusy() const;
-    /// Runs a user action of that document unless one is running already; then it does nothing.
-    /// An answer of the service that lacks part of its columns ends the action: it is logged and
-    /// `incompleteAnswer` is called. No exception leaves this function.
-    void runAction(TarvexDocument *document, const std::function<void()> &action,
-                   const std::function<void()> &incompleteAnswer);
+    bool isBusy() const override;
+    void runAction(const std::function<void()> &action, const std::function<void()> &endedEarly) override;
+    void runWhenIdle(const std::function<void()> &action, const std::function<void()> &endedEarly) override;
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 

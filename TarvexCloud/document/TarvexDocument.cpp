@@ -3,33 +3,13 @@
 #include "BusyIndicator.h"
 #include "DocumentController.h"
 #include "MessageLine.h"
+#include "SheetBusyScope.h"
 #include "SignInSheet.h"
 #include "TarvexView.h"
 #include "TVXManager.h"
 
 #include <QLineEdit>
 #include <QMainWindow>
-
-namespace {
-
-// Greys a sheet's controls out and spins its indicator until the scope ends, however it ends.
-class SheetBusyScope
-{
-public:
-    SheetBusyScope(SignInSheet *sheet, BusyIndicator *indicator) : m_spinning(indicator), m_sheet(sheet)
-    {
-        m_sheet->setControlsEnabled(/*enabled=*/false);
-    }
-    ~SheetBusyScope() { m_sheet->setControlsEnabled(/*enabled=*/true); }
-    SheetBusyScope(const SheetBusyScope &) = delete;
-    SheetBusyScope &operator=(const SheetBusyScope &) = delete;
-
-private:
-    BusyScope m_spinning;
-    SignInSheet *m_sheet;
-};
-
-} // namespace
 
 TarvexDocument::TarvexDocument(DocumentController &controller)
     : m_controller(controller), m_project(std::make_shared<TVXProject>())
@@ -85,7 +65,7 @@ void TarvexDocument::signIn()
         loadStartupDataForLogin(m_textUsername->text(), m_textPassword->text());
         m_wndSignIn->endSheet();
     };
-    m_controller.runAction(this, action, [this] {
+    m_controller.runAction(action, [this] {
         m_textSignInErrorMessage->setText(
             tr("The service's answer was incomplete, so not everything could be shown. Try again."));
     });

@@ -1,0 +1,68 @@
+#include "AlertSheet.h"
+
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QStyle>
+#include <QVBoxLayout>
+
+AlertSheet::AlertSheet(QWidget *ownWindow)
+    : Sheet(ownWindow), m_message(new QLabel), m_information(new QLabel)
+{
+    QFont bold = font();
+    bold.setBold(true);
+    m_message->setFont(bold);
+    for (QLabel *label : {m_message, m_information}) {
+        label->setTextFormat(Qt::PlainText);
+        label->setWordWrap(true);
+    }
+    m_information->setMinimumWidth(280);
+    auto *icon = new QLabel;
+    const int side = style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, this);
+    icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this).pixmap(side));
+
+    auto *texts = new QVBoxLayout;
+    texts->setSpacing(8);
+    texts->addWidget(m_message);
+    texts->addWidget(m_information);
+    texts->addStretch();
+    auto *matter = new QHBoxLayout;
+    matter->setSpacing(16);
+    matter->addWidget(icon, 0, Qt::AlignTop);
+    matter->addLayout(texts, 1);
+
+    auto *buttons = new QDialogButtonBox;
+    m_default = buttons->addButton(QString(), QDialogButtonBox::AcceptRole);
+    m_alternate = buttons->addButton(QString(), QDialogButtonBox::RejectRole);
+    m_default->setDefault(true);
+    m_alternate->setAutoDefault(false);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(24, 20, 24, 20);
+    layout->setSpacing(16);
+    layout->addLayout(matter);
+    layout->addWidget(buttons);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+
+    connect(m_default, &QPushButton::clicked, this, [this] { end(defaultReturn); });
+    connect(m_alternate, &QPushButton::clicked, this, [this] { end(alternateReturn); });
+    connect(this, &Sheet::cancelRequested, this, [this] { end(alternateReturn); });
+}
+
+void AlertSheet::setTexts(const QString &messageText, const QString &informativeText,
+                          const QString &defaultButton, const QString &alternateButton)
+{
+    m_message->setText(messageText);
+    m_information->setText(informativeText);
+    m_default->setText(defaultButton);
+    m_alternate->setText(alternateButton);
+    m_default->setFocus();
+}
+
+void AlertSheet::end(int returnCode)
+{
+    if (!isBegun())
+        return; // a second click on a sheet that is on its way down
+    endSheet();
+    Q_EMIT ended(returnCode);
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "BusyIndicator.h"
+
+#include <QList>
+#include <QPointer>
+
+class Sheet;
+
+/// Spins an indicator and greys out whatever in the sheet takes the keyboard, until the scope ends, however
+/// it ends. The focus then returns to where it was.
+class SheetBusyScope
+{
+public:
+    /// Neither is owned; the indicator may be null.
+    SheetBusyScope(Sheet *sheet, BusyIndicator *indicator);
+    ~SheetBusyScope();
+    SheetBusyScope(const SheetBusyScope &) = delete;
+    SheetBusyScope &operator=(const SheetBusyScope &) = delete;
+
+private:
+    BusyScope m_spinning;
+    QPointer<QWidget> m_focusBefore;
+    QList<QPointer<QWidget>> m_greyed;
+};
