@@ -218,8 +218,9 @@ void Session::serve()
     });
     auto guard = asio::make_work_guard(m_stream.get_executor());
     m_context.workers.submit(std::move(request), [self = shared_from_this(), turn = m_turn,
-                                                  guard](const requests::Answer &result) {
-        asio::post(guard.get_executor(), [self, turn, result] {
+                                                  guard](const requests::Answer &result) mutable {
+        // The session goes along: it must not end on the thread of a worker.
+        asio::post(guard.get_executor(), [self = std::move(self), turn, result] {
             if (turn == self->m_turn)
                 self->answer(result);
         });
