@@ -102,7 +102,7 @@ Counts countByExpat(const QByteArray &xml)
     return counts;
 }
 
-/// Kilobytes of peak resident memory that the reading adds in a process of its own, per byte of the answer.
+/// Peak resident memory that the reading adds in a process of its own, in bytes per byte of the answer.
 double peakPerInputByte(const QByteArray &xml)
 {
     int ends[2];

@@ -44,7 +44,7 @@ QString generatedText(QRandomGenerator &random)
                                     u"{_end_}"_s, u"{_dpp_}"_s, u"é日😀"_s, u" \n"_s, QString(QChar(0))};
     QString text;
     for (int left = random.bounded(1, 12); left > 0; --left) {
-        const qsizetype i = 2 * random.bounded(int(escapes.size() / 2));
+        const int i = 2 * random.bounded(int(escapes.size() / 2));
         const int choice = random.bounded(3);
         text += choice == 0 ? escapes[i] : choice == 1 ? token(i) : odd[random.bounded(int(odd.size()))];
     }

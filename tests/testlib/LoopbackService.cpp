@@ -173,7 +173,7 @@ void LoopbackService::serve(int connection)
 
 std::optional<QByteArray> LoopbackService::readRequest(int connection, QByteArray &unread)
 {
-    std::array<char, 64 * 1024> piece;
+    std::array<char, 65536> piece;
     qsizetype length = requestLength(unread);
     while (length < 0 || unread.size() < length) {
         const ssize_t got = recv(connection, piece.data(), piece.size(), 0);

@@ -18,7 +18,7 @@ namespace {
 constexpr qsizetype largestAnswer = qsizetype(128) * 1024 * 1024;
 constexpr auto longestPoll = 20ms;
 constexpr auto turnInterval = 10ms;
-constexpr long receiveBuffer = 64 * 1024;
+constexpr long receiveBuffer = 64L * 1024;
 // Below the idle limit of services, so that a kept connection is rarely one they are about to close.
 constexpr long longestIdleSeconds = 20;
 
@@ -48,27 +48,29 @@ int allowOneRequest(void *data, char *, char *, int, int)
     return std::exchange(transfer->isOnItsWay, true) ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
 }
 
-size_t takeAnswer(char *bytes, size_t size, size_t count, void *data)
+// libcurl counts in bytes here: the size of an item is always 1.
+
+size_t takeAnswer(char *bytes, size_t, size_t count, void *data)
 {
     auto *transfer = static_cast<Transfer *>(data);
-    const auto length = static_cast<qsizetype>(size * count);
-    if (length > largestAnswer - transfer->answer.size()) {
+    const QByteArrayView piece(bytes, static_cast<qsizetype>(count));
+    if (piece.size() > largestAnswer - transfer->answer.size()) {
         transfer->isTooLarge = true;
         return 0;
     }
-    transfer->answer.append(bytes, length);
-    return size * count;
+    transfer->answer.append(piece);
+    return count;
 }
 
 /// Told every header line, that of an interim answer included: only the last blank line counts.
-size_t takeHeaderLine(char *bytes, size_t size, size_t count, void *data)
+size_t takeHeaderLine(char *bytes, size_t, size_t count, void *data)
 {
-    const QByteArrayView line(bytes, static_cast<qsizetype>(size * count));
+    const QByteArrayView line(bytes, static_cast<qsizetype>(count));
     if (line.startsWith("HTTP/"))
         static_cast<Transfer *>(data)->isHeaderComplete = false;
     else if (line == "\r\n" || line == "\n")
         static_cast<Transfer *>(data)->isHeaderComplete = true;
-    return size * count;
+    return count;
 }
 
 /// The lines of our own, in the order services expect; only the first differs from request to request.

@@ -8,7 +8,7 @@ namespace {
 
 // What all texts together may hold: plain records stay far below the length of their document.
 constexpr std::size_t textPerByte = 4;
-constexpr std::size_t textAllowance = 64 * 1024;
+constexpr std::size_t textAllowance = std::size_t(64) * 1024;
 // Each declared default costs time at every element it applies to.
 constexpr int mostAttributeDeclarations = 64;
 

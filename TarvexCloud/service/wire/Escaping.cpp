@@ -36,7 +36,7 @@ constexpr std::array<WireToken, asciiCount> makeWireTokens()
 {
     std::array<WireToken, asciiCount> table;
     for (const Token &token : tokens) {
-        WireToken &entry = table[static_cast<std::size_t>(token.character)];
+        WireToken &entry = table[static_cast<unsigned char>(token.character)];
         std::size_t length = 0;
         for (const std::string_view piece : {std::string_view("{_"), token.word, std::string_view("_}")}) {
             for (const char c : piece)
@@ -53,9 +53,8 @@ constexpr std::array<WireToken, asciiCount> wireTokens = makeWireTokens();
 constexpr std::array<quint8, asciiCount> makeGrowths()
 {
     std::array<quint8, asciiCount> growths{};
-    for (const Token &token : tokens)
-        growths[static_cast<std::size_t>(token.character)] =
-            static_cast<quint8>(token.word.size() + braceCount - 1);
+    for (std::size_t c = 0; c < asciiCount; ++c)
+        growths[c] = static_cast<quint8>(wireTokens[c].length - 1);
     return growths;
 }
 
@@ -75,7 +74,7 @@ qsizetype growthOf(const QString &text)
     return growth;
 }
 
-/// The character of the token that [begin, end) starts with, and behind the token; or 0.
+/// Moves `begin` behind the token it points at and returns the token's character; 0 if it is at none.
 template<typename Char>
 char takeToken(const Char *&begin, const Char *end)
 {
