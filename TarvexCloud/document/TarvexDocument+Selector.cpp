@@ -8,7 +8,9 @@
 #include "TarvexView.h"
 #include "TVXManager.h"
 
+#include <QAction>
 #include <QLabel>
+#include <QMainWindow>
 
 void TarvexDocument::startGettingData()
 {
@@ -19,19 +21,12 @@ void TarvexDocument::startGettingData()
     manager.getAreasFormServeByUsingLogin(m_loginUserName, m_loginPassword, *m_project->areas());
 }
 
-void TarvexDocument::copyOutletsForNames()
+void TarvexDocument::setNamesForAreasOnWindow()
 {
-    if (m_wndProjectName)
-        return; // this is the document whose window loaded
-    if (const TarvexDocument *current = currentDocument()) {
+    if (const TarvexDocument *current = documentToBorrowFrom()) {
         m_labels = current->m_labels;
         m_project = current->m_project;
     }
-}
-
-void TarvexDocument::setNamesForAreasOnWindow()
-{
-    copyOutletsForNames();
     const TVXAreaList &areas = *m_project->areas();
     for (std::size_t k = 0; k < m_labels.size() && k < areas.size(); ++k)
         if (m_labels[k])
@@ -55,7 +50,7 @@ TVXSetsPtr TarvexDocument::selectedSet() const
 void TarvexDocument::updatePercentValues()
 {
     const TVXSetsPtr set = selectedSet();
-    if (!set)
+    if (!set || !m_labelMainPercent) // no labels: a document without a window that borrowed a selector
         return;
     m_currentSet = set;
     quint32 sum = 0; // the sum of the eight wraps at 32 bits
@@ -117,6 +112,7 @@ void TarvexDocument::showSelectedSet()
 {
     updatePercentValues();
     m_wheelView->display();
+    enableCommands();
 }
 
 void TarvexDocument::comboBoxSelectionDidChange()
@@ -134,20 +130,46 @@ void TarvexDocument::comboBoxSelectionIsChanging()
     showSelectedSet();
 }
 
+void TarvexDocument::showIncompleteAnswer()
+{
+    if (m_labelGuidance)
+        m_labelGuidance->setText(
+            tr("The service's answer was incomplete, so not everything could be shown. Try again."));
+}
+
 void TarvexDocument::showState()
 {
-    const std::size_t sets = m_project->sets()->size();
+    if (!m_window)
+        return;
+    const bool hasAreas = !m_project->areas()->empty();
+    const bool hasSets = !m_project->sets()->empty();
     QString guidance;
     if (!m_isLoaded)
         guidance = tr("Sign in to see your wheel.");
-    else if (m_project->areas()->empty())
+    else if (!hasAreas)
         guidance = tr("The service sent no wheel. Choose Sign In in the File menu to try again.");
-    else if (sets == 0)
-        guidance = tr("There are no sets yet, so there are no percentages to show.");
-    else if (sets > 1)
-        guidance = tr("The percentages belong to the set chosen above; choose another one to compare.");
+    else if (!hasSets)
+        guidance = tr("There are no sets yet. Choose New Set to begin with one.");
+    else
+        guidance = tr("Click an area to set its value and edit its goals.");
     m_labelGuidance->setText(guidance);
-    m_dialArea->setWheelShown(m_isLoaded && !m_project->areas()->empty());
-    m_listOfProjects->setPlaceholderText(m_isLoaded ? tr("No sets") : QString());
-    m_listOfProjects->setEnabled(sets > 0);
+    m_dialArea->setWheelShown(m_isLoaded && hasAreas);
+    m_listOfProjects->setPlaceholderText(!m_isLoaded ? QString()
+                                         : hasSets   ? tr("Choose a set")
+                                                     : tr("No sets"));
+    m_listOfProjects->setEnabled(hasSets);
+    enableCommands();
+}
+
+void TarvexDocument::enableCommands()
+{
+    const bool hasSet = selectedSet() != nullptr;
+    const auto enable = [this](const char *name, bool enabled) {
+        m_window->findChild<QAction *>(QString::fromLatin1(name))->setEnabled(enabled);
+    };
+    enable("actionNewSet", m_isLoaded);
+    enable("actionRenameAreas", m_isLoaded && !m_project->areas()->empty());
+    enable("actionRenameSet", hasSet);
+    enable("actionDeleteSet", !m_project->sets()->empty());
+    enable("actionRandomGoal", hasSet);
 }

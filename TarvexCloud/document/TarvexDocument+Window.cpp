@@ -1,6 +1,8 @@
+#include "AlertSheet.h"
 #include "BusyIndicator.h"
 #include "DocumentController.h"
 #include "MessageLine.h"
+#include "ProjectNameSheet.h"
 #include "SignInSheet.h"
 #include "TarvexDocument.h"
 #include "TarvexView.h"
@@ -53,9 +55,8 @@ void TarvexDocument::connectOutlets()
     m_listOfProjects = m_window->findChild<SourcedComboBox *>(QStringLiteral("listOfProjects"));
     m_listOfProjects->setDataSource(this);
 
-    // The set-name sheet has no contents before there are commands that open it. It stands here all the same:
-    // its absence is what marks a document whose window has not loaded.
-    m_wndProjectName = new Sheet(m_window.get());
+    m_wndProjectName = new ProjectNameSheet(m_window.get());
+    m_deleteAlert = new AlertSheet(m_window.get());
 
     m_wndSignIn = new SignInSheet(m_window.get());
     m_indicator = m_wndSignIn->findChild<BusyIndicator *>(QStringLiteral("indicator"));
@@ -75,15 +76,23 @@ void TarvexDocument::connectActions()
     connect(m_wndSignIn, &SignInSheet::signInRequested, this, &TarvexDocument::signIn);
     connect(m_wndSignIn, &Sheet::cancelRequested, this, &TarvexDocument::cancel);
 
-    const auto command = [this](const char *name, auto slot, QKeySequence::StandardKey key) {
+    connect(m_wndProjectName, &ProjectNameSheet::nameConfirmed, this,
+            &TarvexDocument::projectNameSheetClickedOk);
+    connect(m_wndProjectName, &Sheet::cancelRequested, this, &TarvexDocument::projectNameSheetClickedCancel);
+    connect(m_deleteAlert, &AlertSheet::ended, this,
+            [this](int code) { alertDeleteCurrentprojectEded(m_deleteAlert, code, /*context=*/nullptr); });
+
+    const auto command = [this](const char *name, auto slot) {
         auto *action = m_window->findChild<QAction *>(QString::fromLatin1(name));
-        action->setShortcuts(key);
         connect(action, &QAction::triggered, this, slot);
+        return action;
     };
-    command("actionSignIn", &TarvexDocument::signInAgain, QKeySequence::UnknownKey);
-    command("actionClose", &TarvexDocument::close, QKeySequence::Close);
-    command(
-        "actionQuit", [this] { m_controller.quit(); }, QKeySequence::Quit);
+    command("actionSignIn", &TarvexDocument::signInAgain);
+    command("actionClose", &TarvexDocument::close)->setShortcuts(QKeySequence::Close);
+    command("actionQuit", [this] { m_controller.quit(); })->setShortcuts(QKeySequence::Quit);
+    command("actionNewSet", &TarvexDocument::addNewProject);
+    command("actionRenameSet", &TarvexDocument::editCurrentProject);
+    command("actionDeleteSet", &TarvexDocument::deleteCurrentProject);
 }
 
 void TarvexDocument::windowControllerDidLoadNib()
@@ -123,7 +132,7 @@ Sheet *TarvexDocument::wndSignIn() const
     return m_wndSignIn;
 }
 
-Sheet *TarvexDocument::wndProjectName() const
+ProjectNameSheet *TarvexDocument::wndProjectName() const
 {
     return m_wndProjectName;
 }

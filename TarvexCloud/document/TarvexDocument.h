@@ -10,11 +10,13 @@
 #include <QPointer>
 #include <QTimer>
 
+class AlertSheet;
 class BusyIndicator;
 class DialArea;
 class DocumentController;
 class ElidedLabel;
 class MessageLine;
+class ProjectNameSheet;
 class QLabel;
 class QLineEdit;
 class QMainWindow;
@@ -28,7 +30,8 @@ class TarvexView;
 /// memory.
 ///
 /// Start-up and sign-in are defined in TarvexDocument.cpp, the loading and showing of the data and the set
-/// selector in TarvexDocument+Selector.cpp, the window's making and closing in TarvexDocument+Window.cpp.
+/// selector in TarvexDocument+Selector.cpp, the commands on sets in TarvexDocument+Sets.cpp, the other sheets
+/// in TarvexDocument+Sheets.cpp, the window's making and closing in TarvexDocument+Window.cpp.
 class TarvexDocument : public QObject, public WheelParent, public ComboBoxDataSource
 {
     Q_OBJECT
@@ -72,7 +75,7 @@ public:
     TarvexView *wheelView() const;
     SourcedComboBox *listOfProjects() const;
     Sheet *wndSignIn() const;
-    Sheet *wndProjectName() const;
+    ProjectNameSheet *wndProjectName() const;
     MessageLine *textSignInErrorMessage() const;
     const QString &loginUserName() const { return m_loginUserName; }
     const QString &loginPassword() const { return m_loginPassword; }
@@ -93,6 +96,20 @@ public Q_SLOTS:
     /// Shows the sign-in sheet again, with an empty message line.
     void signInAgain();
 
+    /// Opens the set-name sheet empty, for a new set.
+    void addNewProject();
+    /// Opens the set-name sheet with the current set's name; without a current set it does nothing.
+    void editCurrentProject();
+    /// Creates or renames on the service and fetches the sets anew. What the service refused shows up only as
+    /// an unchanged list.
+    void projectNameSheetClickedOk();
+    void projectNameSheetClickedCancel();
+    /// Asks whether to delete the current set.
+    void deleteCurrentProject();
+    /// The end of that question; only AlertSheet::defaultReturn deletes. Nothing selected means the first
+    /// set.
+    void alertDeleteCurrentprojectEded(AlertSheet *alert, int code, void *context);
+
     void comboBoxSelectionDidChange();
     void comboBoxWillDismiss();
     void comboBoxSelectionIsChanging();
@@ -101,11 +118,16 @@ private:
     void connectOutlets();
     void connectActions();
     void beginSheet(Sheet *sheet);
-    void copyOutletsForNames();
+    TarvexDocument *documentToBorrowFrom() const;
+    void createSet(const QString &name);
+    void renameSet(const QString &name, qint64 idOfSets);
+    void deleteSelectedSet();
+    void showIncompleteAnswer();
     void appendWheelPieces();
     /// What the window says about its own state: the line at the bottom, the ring, the selector's
     /// placeholder.
     void showState();
+    void enableCommands();
     void showSelectedSet();
     TVXSetsPtr selectedSet() const;
     std::shared_ptr<TVXSetsList> shownSets() const;
@@ -121,7 +143,8 @@ private:
     QPointer<QTimer> m_startGettingUserNameAndPassword;
 
     // Outlets, owned by the window; those of another document after a fallback to it.
-    QPointer<Sheet> m_wndProjectName;
+    QPointer<ProjectNameSheet> m_wndProjectName;
+    QPointer<AlertSheet> m_deleteAlert;
     QPointer<SignInSheet> m_wndSignIn;
     std::array<QPointer<ElidedLabel>, areaCount> m_labels;
     std::array<QPointer<RotatedLabel>, areaCount> m_percentLabels;

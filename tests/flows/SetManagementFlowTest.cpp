@@ -1,0 +1,259 @@
+#include "Client.h"
+
+#include "AlertSheet.h"
+#include "ProjectNameSheet.h"
+
+#include <QAction>
+
+namespace {
+
+const QByteArray getSets = "p1=get-sets" + annsDigests;
+
+QByteArray sets(const QList<QByteArray> &names)
+{
+    QList<QList<QByteArray>> rows;
+    for (qsizetype i = 0; i < names.size(); ++i)
+        rows += setRow(QByteArray::number(70 + i), names[i],
+                       QByteArray::number(i).append(' ').repeated(8).trimmed());
+    return setsAnswer(rows);
+}
+
+} // namespace
+
+class SetManagementFlowTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    static void trigger(const TarvexDocument *document, const char *name)
+    {
+        document->window()->findChild<QAction *>(QString::fromLatin1(name))->trigger();
+    }
+
+    static void typeName(const TarvexDocument *document, const QString &name, const QString &button)
+    {
+        auto *field = document->wndProjectName()->findChild<QLineEdit *>(QStringLiteral("textProjectName"));
+        field->selectAll();
+        QTest::keyClicks(field, name);
+        if (name.isEmpty())
+            QTest::keyClick(field, Qt::Key_Delete);
+        QTest::mouseClick(Client::button(document->wndProjectName(), button), Qt::LeftButton);
+    }
+
+    static AlertSheet *deleteAlert(const TarvexDocument *document)
+    {
+        return document->window()->findChild<AlertSheet *>();
+    }
+
+private Q_SLOTS:
+    void creatingSendsTheNameAndSelectsTheSecondItem_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QByteArray>("sent");
+        QTest::addColumn<QList<QByteArray>>("answer");
+        QTest::addColumn<QString>("selected");
+        const QList<QByteArray> three = {"First", "Newest", "Older"};
+        QTest::newRow("plain") << QStringLiteral("May 2026") << QByteArray("May 2026") << three
+                               << QStringLiteral("Newest");
+        QTest::newRow("empty") << QString() << QByteArray() << three << QStringLiteral("Newest");
+        QTest::newRow("all nineteen")
+            << QStringLiteral("?][&:;.,`><%/\\^$@~|")
+            << QByteArray(
+                   "{_quest_}{_cbc_}{_cbo_}{_amp_}{_dp_}{_dc_}{_d_}{_c_}{_bq1_}{_tbc_}{_tbo_}{_prcnt_}{_slr_}"
+                   "{_sll_}{_v_}{_buks_}{_woof_}{_-_}{_l_}")
+            << three << QStringLiteral("Newest");
+        QTest::newRow("refused, one set only")
+            << QStringLiteral("x") << QByteArray("x") << QList<QByteArray>{"First"} << QString();
+    }
+
+    void creatingSendsTheNameAndSelectsTheSecondItem()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QByteArray, sent);
+        QFETCH(QList<QByteArray>, answer);
+        QFETCH(QString, selected);
+        Client client;
+        const TarvexDocument *document = client.openSignedIn();
+        trigger(document, "actionNewSet");
+        QVERIFY(document->wndProjectName()->isVisible());
+        client.service.answer("get-sets", sets(answer));
+        typeName(document, typed, QStringLiteral("Create"));
+
+        QCOMPARE(client.service.bodies().mid(3),
+                 (QList<QByteArray>{"p1=create-sets" + annsDigests + "&p4=" + sent, getSets}));
+        QVERIFY(!document->wndProjectName()->isVisible());
+        QCOMPARE(document->listOfProjects()->currentText(), selected);
+        QCOMPARE(Client::average(document), selected.isEmpty() ? QStringLiteral("0%") : QStringLiteral("1%"));
+    }
+
+    void labelsFollowWhenTheSecondItemWasSelectedAlready()
+    {
+        Client client;
+        const TarvexDocument *document = client.openSignedIn();
+        document->listOfProjects()->selectItemAtIndex(1);
+        QCOMPARE(Client::average(document), QStringLiteral("87%"));
+        client.service.answer("get-sets", sets({"First", "Newest", "Second"}));
+        trigger(document, "actionNewSet");
+        typeName(document, QStringLiteral("Newest"), QStringLiteral("Create"));
+        QCOMPARE(Client::average(document), QStringLiteral("1%"));
+    }
+
+    void renamingSelectsTheFirstSetOfTheName()
+    {
+        Client client;
+        const TarvexDocument *document = client.openSignedIn();
+        document->listOfProjects()->selectItemAtIndex(1);
+        trigger(document, "actionRenameSet");
+        QCOMPARE(document->wndProjectName()->name(), QStringLiteral("Second"));
+        client.service.answer("get-sets", sets({"A", "Twin", "Twin"}));
+        typeName(document, QStringLiteral("Twin"), QStringLiteral("Rename"));
+
+        QCOMPARE(client.service.bodies().mid(3),
+                 (QList<QByteArray>{"p1=set-sets-name" + annsDigests + "&p4=Twin&p5=9", getSets}));
+        QCOMPARE(document->currentSet()->idOfSets(), 71);
+
+        trigger(document, "actionRenameSet");
+        client.service.answer("get-sets", sets({"A", "B"}));
+        typeName(document, QStringLiteral("Nobody"), QStringLiteral("Rename"));
+        QCOMPARE(document->listOfProjects()->currentText(), QStringLiteral("B")); // left to the selector
+    }
+
+    void aNameThatNobodyTouchedGoesBackAsItCame()
+    {
+        Client client;
+        client.service.answer("get-sets", sets({"two\nlines"}));
+        const TarvexDocument *document = client.openSignedIn();
+        trigger(document, "actionRenameSet");
+        QTest::keyClick(document->wndProjectName(), Qt::Key_Return);
+        QCOMPARE(client.service.bodies().value(3), "p1=set-sets-name" + annsDigests + "&p4=two\nlines&p5=70");
+    }
+
+    void deletingSelectsTheSetBefore_data()
+    {
+        QTest::addColumn<int>("selected");
+        QTest::addColumn<QByteArray>("deleted");
+        QTest::addColumn<QString>("then");
+        QTest::addColumn<QString>("average");
+        QTest::newRow("the first") << 0 << QByteArray("7") << QStringLiteral("x") << QStringLiteral("0%");
+        QTest::newRow("the second") << 1 << QByteArray("9") << QStringLiteral("x") << QStringLiteral("0%");
+        QTest::newRow("nothing selected") << -1 << QByteArray("7") << QString() << QStringLiteral("45%");
+    }
+
+    void deletingSelectsTheSetBefore()
+    {
+        QFETCH(int, selected);
+        QFETCH(QByteArray, deleted);
+        QFETCH(QString, then);
+        QFETCH(QString, average);
+        Client client;
+        const TarvexDocument *document = client.openSignedIn();
+        document->listOfProjects()->selectItemAtIndex(selected);
+        client.service.answer("get-sets", sets({"x", "y"}));
+        trigger(document, "actionDeleteSet");
+        QStringList texts;
+        for (const QLabel *label : deleteAlert(document)->findChildren<QLabel *>())
+            texts += label->text();
+        QVERIFY(texts.contains(QStringLiteral("Delete?")));
+        QVERIFY(texts.contains(QStringLiteral("Delete current Set of Goals?")));
+        QTest::keyClick(deleteAlert(document), Qt::Key_Return);
+
+        QCOMPARE(client.service.bodies().mid(3),
+                 (QList<QByteArray>{"p1=delete-sets" + annsDigests + "&p4=" + deleted, getSets}));
+        QCOMPARE(document->listOfProjects()->currentText(), then);
+        QCOMPARE(Client::average(document), average);
+    }
+
+    void cancellingSendsNothing()
+    {
+        Client client;
+        const TarvexDocument *document = client.openSignedIn();
+        trigger(document, "actionDeleteSet");
+        QTest::mouseClick(Client::button(deleteAlert(document), QStringLiteral("Cancel")), Qt::LeftButton);
+        for (const char *command : {"actionNewSet", "actionRenameSet"}) {
+            trigger(document, command);
+            QVERIFY(document->wndProjectName()->isVisible());
+            QTest::keyClick(document->wndProjectName(), Qt::Key_Escape);
+            QVERIFY(!document->wndProjectName()->isVisible());
+        }
+        trigger(document, "actionDeleteSet");
+        QTest::keyClick(deleteAlert(document), Qt::Key_Escape);
+        QCOMPARE(client.service.requests().size(), 3);
+    }
+
+    void commandsFollowWhatThereIs()
+    {
+        Client client;
+        client.service.answer("get-sets", setsAnswer({}));
+        const TarvexDocument *document = client.open();
+        const auto enabled = [&] {
+            QStringList names;
+            for (const char *name : {"NewSet", "RenameSet", "DeleteSet", "RandomGoal", "RenameAreas"})
+                if (document->window()
+                        ->findChild<QAction *>(QStringLiteral("action") + QString::fromLatin1(name))
+                        ->isEnabled())
+                    names += QString::fromLatin1(name);
+            return names.join(u' ');
+        };
+        QCOMPARE(enabled(), QString());
+        Client::signIn(document);
+        QCOMPARE(enabled(), QStringLiteral("NewSet RenameAreas"));
+        client.service.answer("get-sets", sets({"One"}));
+        trigger(document, "actionNewSet");
+        typeName(document, QStringLiteral("One"), QStringLiteral("Create"));
+        QCOMPARE(enabled(),
+                 QStringLiteral("NewSet DeleteSet RenameAreas")); // item 1 of one: nothing selected
+        document->listOfProjects()->selectItemAtIndex(0);
+        QCOMPARE(enabled(), QStringLiteral("NewSet RenameSet DeleteSet RandomGoal RenameAreas"));
+    }
+
+    void eachRequestWithoutAnAnswerRaisesItsAlertAndTheSheetCloses_data()
+    {
+        QTest::addColumn<QByteArrayList>("failing");
+        QTest::addColumn<int>("alerts");
+        QTest::addColumn<int>("sets");
+        QTest::newRow("write") << QByteArrayList{"create-sets"} << 1 << 2;
+        QTest::newRow("read") << QByteArrayList{"get-sets"} << 1 << 0;
+        QTest::newRow("both") << QByteArrayList{"create-sets", "get-sets"} << 2 << 0;
+    }
+
+    void eachRequestWithoutAnAnswerRaisesItsAlertAndTheSheetCloses()
+    {
+        QFETCH(QByteArrayList, failing);
+        QFETCH(int, alerts);
+        QFETCH(int, sets);
+        Client client;
+        const TarvexDocument *document = client.openSignedIn();
+        for (const QByteArray &kind : failing)
+            client.service.answer(kind, ServiceReply{"", /*closes=*/true});
+        trigger(document, "actionNewSet");
+        typeName(document, QStringLiteral("x"), QStringLiteral("Create"));
+        QCOMPARE(client.alert.errors.size(), alerts);
+        QCOMPARE(client.service.requests().size(), 5);
+        QCOMPARE(document->listOfProjects()->count(), sets);
+        QVERIFY(!document->wndProjectName()->isVisible());
+        QVERIFY(!client.controller.isBusy());
+    }
+
+    void actionsRoutedToAnotherInstanceUseTheCurrentDocument()
+    {
+        Client client;
+        const TarvexDocument *current = client.openSignedIn();
+        QVERIFY(QTest::qWaitForWindowActive(current->window()));
+        TarvexDocument adding(client.controller);
+        adding.addNewProject();
+        QVERIFY(current->wndProjectName()->isVisible());
+        QTest::keyClick(current->wndProjectName(), Qt::Key_Escape);
+        TarvexDocument editing(client.controller);
+        editing.editCurrentProject();
+        QCOMPARE(current->wndProjectName()->tag(), 7);
+        QTest::keyClick(current->wndProjectName(), Qt::Key_Escape);
+        TarvexDocument deleting(client.controller);
+        deleting.alertDeleteCurrentprojectEded(nullptr, AlertSheet::alternateReturn, nullptr);
+        QCOMPARE(client.service.requests().size(), 3);
+        deleting.alertDeleteCurrentprojectEded(nullptr, AlertSheet::defaultReturn, nullptr);
+        QCOMPARE(client.service.bodies().value(3), "p1=delete-sets" + annsDigests + "&p4=7");
+    }
+};
+
+QTEST_MAIN(SetManagementFlowTest)
+#include "SetManagementFlowTest.moc"
