@@ -30,6 +30,7 @@ public:
             throw std::runtime_error("no pipe");
         arguments.insert(arguments.begin(), TARVEX_SERVER_BINARY);
         std::vector<char *> argv;
+        argv.reserve(arguments.size() + 1);
         for (std::string &argument : arguments)
             argv.push_back(argument.data());
         argv.push_back(nullptr);

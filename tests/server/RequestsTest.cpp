@@ -89,8 +89,7 @@ TEST_F(Requests, SignUpIsRefusedWithAReason)
         {"b@example.org", longText, "n", "The name or the password is too long."},
     };
     for (const auto &[email, password, name, message] : rows)
-        EXPECT_EQ(post("p1=create-new-user&p2=" + email + "&p3=" + password + "&p4=" + name + "&type=json"),
-                  R"({"result":"Error","message":")" + message + R"("})");
+        EXPECT_EQ(signUp(email, password, name), R"({"result":"Error","message":")" + message + R"("})");
     EXPECT_EQ(post("p1=create-new-user&p2=b@example.org&p3=p&p4=n&type=jso"),
               R"({"result":"Error","message":"The sign-up could not be read."})");
 }
@@ -109,14 +108,15 @@ TEST_F(Requests, SetsAreCreatedRenamedAndDeleted)
 {
     EXPECT_EQ(postAsAnna("create-sets", "&p4= +\t\n<\xC3\xAB{_amp_}"), "OK");
     EXPECT_EQ(postAsAnna("create-sets", "&p4="), "OK");
+    EXPECT_EQ(postAsAnna("create-sets", "&p4=newest"), "OK");
     EXPECT_EQ(postAsAnna("set-sets-name", "&p4=First&p5=1"), "OK");
     EXPECT_EQ(postAsAnna("set-sets-name", "&p4=Other&p5=99"), "Error");
-    EXPECT_EQ(column(postAsAnna("get-sets"), "name"), "First|| +\t\n&lt;\xC3\xAB{_amp_}|");
+    EXPECT_EQ(column(postAsAnna("get-sets"), "name"), "First|newest|| +\t\n&lt;\xC3\xAB{_amp_}|");
     EXPECT_EQ(postAsAnna("delete-sets", "&p4=1"), "OK");
     EXPECT_EQ(postAsAnna("delete-sets", "&p4=1"), "Error");
     for (const char *id : {"02", "2 ", "-2", "4294967298", "two", ""})
         EXPECT_EQ(postAsAnna("delete-sets", std::string("&p4=") + id), "Error") << id;
-    EXPECT_EQ(column(postAsAnna("get-sets"), "id"), "2|3|");
+    EXPECT_EQ(column(postAsAnna("get-sets"), "id"), "2|4|3|");
 }
 
 TEST_F(Requests, ADeletedSetTakesItsGoalsOutOfReach)
@@ -179,7 +179,7 @@ TEST_F(Requests, TheRandomGoalIsAnUndoneOneInPureAscii)
 TEST_F(Requests, OneAccountNeverSeesAnother)
 {
     postAsAnna("create-some-goals", "&p4=" + goal("hers"));
-    post("p1=create-new-user&p2=ben@example.org&p3=b&p4=Ben&type=json");
+    signUp("ben@example.org", "b", "Ben");
     const std::string ben = credentials("ben@example.org", "b");
     EXPECT_EQ(post("p1=set-checked-area-percent" + ben + "&p5=1"), "");
     EXPECT_EQ(post("p1=delete-some-goals" + ben + "&p4=1;"), "OK");

@@ -42,7 +42,7 @@ TEST_F(Saves, ThatCameToNothingLeaveOtherPlacesAndOthersAlone)
     const std::string broken = "&p4=name:b;priority:5;checked:7;setsId:1;areaId:3;{_end_}";
     EXPECT_EQ(post("p1=create-some-goals" + credentials(m_login, "guessed") + broken), "Error");
     EXPECT_EQ(postAsAnna("delete-some-goals", "&p4=1;"), "OK"); // a stranger's refusal protects nothing
-    EXPECT_EQ(postAsAnna("create-some-goals", broken.c_str()), "Error");
+    EXPECT_EQ(postAsAnna("create-some-goals", broken), "Error");
     EXPECT_EQ(postAsAnna("delete-some-goals", "&p4=2;"), "OK");
 }
 

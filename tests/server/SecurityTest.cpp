@@ -1,6 +1,5 @@
 #include "FailureLimits.h"
 #include "Md5.h"
-#include "PasswordHash.h"
 #include "VerifiedCredentials.h"
 
 #include <gtest/gtest.h>
@@ -15,16 +14,6 @@ TEST(SignInDigest, IsUpperCaseMd5OfTheBytesBeforeAZero)
     EXPECT_TRUE(isSignInDigest("900150983CD24FB0D6963F7D28E17F72"));
     EXPECT_FALSE(isSignInDigest("900150983cd24fb0d6963f7d28e17f72"));
     EXPECT_FALSE(isSignInDigest("900150983CD24FB0D6963F7D28E17F7"));
-}
-
-TEST(PasswordHash, MatchesOnlyItsOwnDigestAndIsSalted)
-{
-    const std::string hash = hashPassword("digest");
-    EXPECT_TRUE(hash.starts_with("$argon2id$"));
-    EXPECT_TRUE(matchesPassword(hash, "digest"));
-    EXPECT_FALSE(matchesPassword(hash, "other"));
-    EXPECT_FALSE(matchesPassword("", ""));
-    EXPECT_NE(hashPassword("digest"), hash);
 }
 
 TEST(VerifiedCredentials, HoldForOneVersionOfOneAccount)

@@ -12,17 +12,20 @@
 class ServiceFixture : public testing::Test
 {
 protected:
-    ServiceFixture()
-    {
-        EXPECT_EQ(post("p1=create-new-user&p2=" + m_login + "&p3=" + m_password + "&p4=Anna&type=json"),
-                  R"({"result":"OK"})");
-    }
+    ServiceFixture() { EXPECT_EQ(signUp(m_login, m_password, "Anna"), R"({"result":"OK"})"); }
 
     tarvex::requests::Answer answerTo(const std::string &body, const std::string &peer = "")
     {
         return m_service.answer({.body = body, .peer = peer, .arrival = m_now});
     }
     std::string post(const std::string &body) { return answerTo(body).body; }
+
+    std::string signUp(const std::string &email, const std::string &password, const std::string &name)
+    {
+        std::string body = "p1=create-new-user&p2=";
+        body.append(email).append("&p3=").append(password).append("&p4=").append(name).append("&type=json");
+        return post(body);
+    }
 
     /// The body of a request that the account of the fixture makes.
     std::string asAnna(const std::string &kind, const std::string &rest = "") const

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
-#include <stdlib.h>
 #include <string>
 
 /// A folder of its own for each test, gone with it.

@@ -119,13 +119,6 @@ TEST(GoalRecords, AreReadInTimeThatGrowsWithTheirLengthOnly)
     EXPECT_TRUE(readGoalRecords(hostile).empty()); // minutes if it went back over the text
 }
 
-TEST(GoalRecords, TellTheirPlaceEvenWhenCutOff)
-{
-    EXPECT_EQ(goalPlaceHint("name:a;priority:x;checked:0;setsId:7;areaId:3;{_en"), (GoalPlace{7, 3}));
-    EXPECT_EQ(goalPlaceHint("name:a;priority:5;checked:0;setsId:7;are"), std::nullopt);
-    EXPECT_EQ(goalPlaceHint(""), std::nullopt);
-}
-
 TEST(AreaNameRecords, KeepTheSoundOnes)
 {
     const auto records =
