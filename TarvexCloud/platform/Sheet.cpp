@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <QApplication>
 #include <QEvent>
+#include <QLayout>
 #include <QTimer>
 #include <QWindow>
 
@@ -71,7 +72,18 @@ bool Sheet::event(QEvent *event)
     const bool handled = QDialog::event(event);
     if (event->type() == QEvent::WindowActivate)
         Q_EMIT didBecomeKey();
+    else if (event->type() == QEvent::LayoutRequest && layout())
+        growToFit();
     return handled;
+}
+
+void Sheet::growToFit()
+{
+    // The toolkit enforces a least height, but not that of wrapped text that has just appeared.
+    const int needed =
+        layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width()) : sizeHint().height();
+    if (needed > height())
+        resize(width(), needed);
 }
 
 void Sheet::reject()

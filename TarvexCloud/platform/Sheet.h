@@ -36,6 +36,7 @@ private:
     static QList<Sheet *> begunOn(const QWidget *window); // in the order of their beginning
     static bool hasSheet(const QWidget *window);
     void attach();
+    void growToFit();
 
     QPointer<QWidget> m_window;
     bool m_begun = false;

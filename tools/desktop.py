@@ -1,0 +1,115 @@
+"""Real programs in a virtual display: what the tour and the tests with real keyboard and mouse share."""
+
+import hashlib
+import html
+import os
+import signal
+import subprocess
+import time
+import urllib.request
+
+
+def wait_for(what, condition, seconds=15):
+    end = time.monotonic() + seconds
+    while time.monotonic() < end:
+        result = condition()
+        if result:
+            return result
+        time.sleep(0.02)
+    raise SystemExit(f"Waited in vain for {what}.")
+
+
+class Service:
+    """A tarvex-server with the sample account, on the address that the client was built for."""
+
+    def __init__(self, server, folder, address):
+        self.url = f"http://{address}/tarvex/"
+        database = f"sqlite:{folder}/service.db"
+        subprocess.run([server, "sample", "--database", database], check=True, stdout=subprocess.DEVNULL)
+        self.process = subprocess.Popen([server, "serve", "--listen", address, "--database", database],
+                                        stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        if not self.process.stdout.readline().startswith("READY"):
+            raise SystemExit(f"{self.url} is needed for a service of its own; is another one running there?")
+
+    def account(self, email, password):
+        self.post(f"p1=create-new-user&p2={email}&p3={password}&p4=Tour&type=json")
+
+    def ask(self, kind, login, password, more=""):
+        return self.post(f"p1={kind}&p2={md5(login)}&p3={md5(password)}{more}")
+
+    def texts(self, element, kind, login, password, more=""):
+        """The texts of all elements of that name in the answer, in order."""
+        parts = self.ask(kind, login, password, more).split(f"<{element}>")[1:]
+        return [html.unescape(part.split(f"</{element}>")[0]) for part in parts]
+
+    def post(self, body):
+        opener = urllib.request.build_opener(urllib.request.ProxyHandler({}))
+        with opener.open(self.url, body.encode(), timeout=10) as answer:
+            return answer.read().decode()
+
+    def stop(self):
+        self.process.send_signal(signal.SIGCONT)
+        self.process.terminate()
+        self.process.wait(timeout=20)
+
+
+def md5(text):
+    return hashlib.md5(text.encode()).hexdigest().upper()
+
+
+def wire(text):
+    for character, token in {"?": "quest", "]": "cbc", "[": "cbo", "&": "amp", ":": "dp", ";": "dc", ".": "d",
+                             ",": "c", "`": "bq1", ">": "tbc", "<": "tbo", "%": "prcnt", "/": "slr", "\\": "sll",
+                             "^": "v", "$": "buks", "@": "woof", "~": "-", "|": "l"}.items():
+        text = text.replace(character, f"{{_{token}_}}")
+    return text
+
+
+class Display:
+    """A virtual display with a window manager in it; `name` is what DISPLAY is set to."""
+
+    def __init__(self, width, height):
+        reading, writing = os.pipe()
+        self.server = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(writing), "-screen", "0", f"{width}x{height}x24", "-nolisten", "tcp", "-wr"],
+            pass_fds=[writing], stderr=subprocess.DEVNULL)
+        os.close(writing)
+        with os.fdopen(reading) as pipe:
+            self.name = f":{pipe.readline().strip()}"
+        self.manager = subprocess.Popen(["openbox"], env=self.environment(), stdout=subprocess.DEVNULL,
+                                        stderr=subprocess.DEVNULL)
+        wait_for("the window manager", lambda: b"window id" in subprocess.run(
+            ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], env=self.environment(), capture_output=True).stdout)
+
+    def environment(self, **more):
+        return {**os.environ, "DISPLAY": self.name, "QT_QPA_PLATFORM": "xcb", **more}
+
+    def window(self, title):
+        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{title}$"],
+                               env=self.environment(), capture_output=True, text=True).stdout.split()
+        return found[-1] if found else None
+
+    def active(self, title):
+        name = subprocess.run(["xdotool", "getactivewindow", "getwindowname"], env=self.environment(),
+                              capture_output=True, text=True).stdout.strip()
+        return name == title
+
+    def keys(self, *names):
+        subprocess.run(["xdotool", "key", "--delay", "30", *names], env=self.environment(), check=True)
+
+    def click(self, title, x, y, button=1):
+        """Clicks at a place inside the window of that title."""
+        subprocess.run(["xdotool", "mousemove", "--window", self.window(title), str(x), str(y), "click", str(button)],
+                       env=self.environment(), check=True)
+
+    def type(self, text):
+        subprocess.run(["xdotool", "type", "--delay", "8", text], env=self.environment(), check=True)
+
+    def picture(self, path):
+        subprocess.run(["import", "-window", "root", "-silent", str(path)], env=self.environment(), check=True)
+        subprocess.run(["mogrify", "-trim", "+repage", str(path)], check=True)
+
+    def stop(self):
+        for process in (self.manager, self.server):
+            process.terminate()
+            process.wait()
