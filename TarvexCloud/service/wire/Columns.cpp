@@ -6,6 +6,8 @@
 
 namespace {
 
+// Enough for most answers: the goals of an area, the areas, the sets.
+constexpr std::size_t usualCount = 64;
 // What all texts together may hold: plain records stay far below the length of their document.
 constexpr std::size_t textPerByte = 4;
 constexpr std::size_t textAllowance = std::size_t(64) * 1024;
@@ -28,6 +30,8 @@ public:
           m_parser(XML_ParserCreate(nullptr))
     {
         m_columns.m_columns.resize(names.size());
+        for (auto &slots : m_columns.m_columns)
+            slots.reserve(usualCount);
         m_columns.m_text.reserve(static_cast<std::size_t>(xml.size()) / 2);
     }
 
