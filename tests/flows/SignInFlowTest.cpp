@@ -206,6 +206,5 @@ private Q_SLOTS:
     }
 };
 
-Q_DECLARE_METATYPE(ServiceReply)
 QTEST_MAIN(SignInFlowTest)
 #include "SignInFlowTest.moc"
