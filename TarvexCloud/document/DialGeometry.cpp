@@ -45,7 +45,10 @@ QPointF nameAnchor(const DialGeometry::TextSizes &text, int index)
     const qreal angle = middleAngle(index);
     const bool nearPole = index % 4 == 0 || index % 4 == 3;
     if (nearPole) {
-        const qreal height = DialGeometry::wheelRadius + text.percent.height() / 2 + text.nameHeight / 2.0;
+        // Above the percent that leans most, whatever the size of the text.
+        const qreal rim = DialGeometry::wheelRadius + text.percent.height() / 2;
+        const qreal aboveLeaning = std::abs(radius * std::sin(angle)) + text.percent.height() * 0.6;
+        const qreal height = std::max(rim, aboveLeaning) + text.nameHeight / 2.0;
         return {std::abs(radius * std::cos(angle)) + gap + 4, std::copysign(height, std::sin(angle))};
     }
     const qreal beyond = std::max(turnedHalfWidth(text, index), turnedHalfWidth(text, 7 - index));
