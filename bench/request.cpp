@@ -83,9 +83,19 @@ void postByKeptHandle(benchmark::State &state)
     curl_slist_free_all(headers);
 }
 
-
-struct Src { const QByteArray *b; qsizetype at; };
-size_t give(char *buf, size_t, size_t n, void *d) { auto *s = static_cast<Src *>(d); size_t len = std::min<size_t>(n, size_t(s->b->size() - s->at)); memcpy(buf, s->b->constData() + s->at, len); s->at += qsizetype(len); return len; }
+struct Src
+{
+    const QByteArray *b;
+    qsizetype at;
+};
+size_t give(char *buf, size_t, size_t n, void *d)
+{
+    auto *s = static_cast<Src *>(d);
+    size_t len = std::min<size_t>(n, size_t(s->b->size() - s->at));
+    memcpy(buf, s->b->constData() + s->at, len);
+    s->at += qsizetype(len);
+    return len;
+}
 void postByCallback(benchmark::State &state)
 {
     LoopbackService service;

@@ -10,6 +10,7 @@ constexpr int margin = 16;
 constexpr int leastNameWidth = 120;
 constexpr int leastNameWidthBesideAverage = 90;
 constexpr int averageLeft = 24;
+constexpr int averageTop = 14;
 constexpr int gapToAverage = 12;
 
 // Clock angle of the middle of slice k, measured counter-clockwise from three o'clock.
@@ -58,9 +59,9 @@ QPointF nameAnchor(const DialGeometry::TextSizes &text, int index)
 } // namespace
 
 DialGeometry::DialGeometry(QSize area, const TextSizes &text)
+    : average(averageLeft, averageTop, text.average.width(), text.average.height()),
+      caption(averageLeft, average.bottom() + 1, text.captionWidth, text.captionHeight)
 {
-    average = QRect(averageLeft, 14, text.average.width(), text.average.height());
-    caption = QRect(averageLeft, average.bottom() + 1, text.captionWidth, text.captionHeight);
     const int left = (area.width() - wheelSide) / 2;
     const int top = (area.height() - wheelSide) / 2;
     wheel = QRect(left, top, wheelSide, wheelSide);
