@@ -80,25 +80,20 @@ private Q_SLOTS:
         QVERIFY(!document->wndSignIn()->isVisible());
     }
 
-    void cancelClosesTheDocumentAndSendsNothing_data()
+    void cancelAndEscapeCloseTheDocumentAndSendNothing()
     {
-        QTest::addColumn<QString>("way");
-        QTest::newRow("button") << QStringLiteral("Cancel");
-        QTest::newRow("Escape") << QString();
-    }
-
-    void cancelClosesTheDocumentAndSendsNothing()
-    {
-        QFETCH(QString, way);
-        Client client;
-        const QPointer<TarvexDocument> document = client.open();
-        if (way.isEmpty())
-            QTest::keyClick(document->wndSignIn(), Qt::Key_Escape);
-        else
-            QTest::mouseClick(Client::button(document->wndSignIn(), way), Qt::LeftButton);
-        QVERIFY(client.controller.documents().empty());
-        QTRY_VERIFY(document.isNull());
-        QVERIFY(client.service.requests().isEmpty());
+        for (const bool byKey : {false, true}) {
+            Client client;
+            const QPointer<TarvexDocument> document = client.open();
+            if (byKey)
+                QTest::keyClick(document->wndSignIn(), Qt::Key_Escape);
+            else
+                QTest::mouseClick(Client::button(document->wndSignIn(), QStringLiteral("Cancel")),
+                                  Qt::LeftButton);
+            QVERIFY(client.controller.documents().empty());
+            QTRY_VERIFY(document.isNull());
+            QVERIFY(client.service.requests().isEmpty());
+        }
     }
 
     void whatArrivedIsShownWhateverFails_data()
