@@ -52,6 +52,7 @@ AlertSheet::AlertSheet(QWidget *ownWindow)
 void AlertSheet::setTexts(const QString &messageText, const QString &informativeText,
                           const QString &defaultButton, const QString &alternateButton)
 {
+    setWindowTitle(messageText);
     m_message->setText(messageText);
     m_information->setText(informativeText);
     m_default->setText(defaultButton);
