@@ -1,0 +1,67 @@
+#include "XKJsonArena.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+namespace {
+
+// An answer of a few fields takes one allocation; a large text takes few, and wastes little of the last.
+constexpr std::size_t smallestRoom = 256;
+constexpr std::size_t largestFirstRoom = 64 * 1024;
+constexpr std::size_t largestChunk = 1024 * 1024;
+
+} // namespace
+
+XKJsonArena *XKJsonArena::make(const QString &text)
+{
+    static_assert(sizeof(XKJsonArena) % alignof(XKJsonNode) == 0);
+    const std::size_t bytes =
+        std::clamp(static_cast<std::size_t>(text.size()) * 2, smallestRoom, largestFirstRoom);
+    char *const memory = static_cast<char *>(::operator new(sizeof(XKJsonArena) + bytes));
+    return new (memory) XKJsonArena(text, memory + sizeof(XKJsonArena), bytes);
+}
+
+XKJsonArena::XKJsonArena(const QString &text, char *room, std::size_t bytes)
+    : m_text(text), m_next(room), m_limit(room + bytes), m_chunkSize(largestFirstRoom / 2)
+{
+    m_text.utf16(); // makes sure that a zero stands behind the text, whatever memory it was made from
+}
+
+XKJsonArena::~XKJsonArena()
+{
+    while (m_chunks) {
+        Chunk *const chunk = m_chunks;
+        m_chunks = chunk->previous;
+        ::operator delete(chunk);
+    }
+}
+
+void XKJsonArena::destroy() noexcept
+{
+    this->~XKJsonArena();
+    ::operator delete(this);
+}
+
+XKJsonNode *XKJsonArena::copy(const XKJsonNode *nodes, std::size_t count)
+{
+    auto *const copied = static_cast<XKJsonNode *>(allocate(count * sizeof(XKJsonNode)));
+    std::copy_n(nodes, count, copied);
+    return copied;
+}
+
+void *XKJsonArena::allocateInNewChunk(std::size_t bytes)
+{
+    m_chunkSize = std::min(m_chunkSize * 2, largestChunk);
+    const std::size_t room = std::max(bytes, m_chunkSize);
+    auto *const chunk = static_cast<Chunk *>(::operator new(sizeof(Chunk) + room));
+    chunk->previous = m_chunks;
+    m_chunks = chunk;
+    char *const memory = reinterpret_cast<char *>(chunk + 1);
+    // What does not fit the rest of a chunk must not cost that rest.
+    if (room - bytes > static_cast<std::size_t>(m_limit - m_next)) {
+        m_next = memory + bytes;
+        m_limit = memory + room;
+    }
+    return memory;
+}

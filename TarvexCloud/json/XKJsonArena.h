@@ -1,0 +1,45 @@
+#pragma once
+
+#include "XKJsonNode.h"
+#include "XKJsonShared.h"
+
+#include <QString>
+
+/// The memory of one parsed tree, given back as a whole. The text is part of it: strings without escapes
+/// and decimals point into it.
+class XKJsonArena final : public XKJsonShared
+{
+public:
+    static XKJsonArena *make(const QString &text);
+    void destroy() noexcept override;
+
+    const QString &text() const { return m_text; }
+
+    /// Room for some bytes, aligned for a node.
+    void *allocate(std::size_t bytes)
+    {
+        bytes = (bytes + alignof(XKJsonNode) - 1) & ~(alignof(XKJsonNode) - 1);
+        if (static_cast<std::size_t>(m_limit - m_next) < bytes)
+            return allocateInNewChunk(bytes);
+        char *const memory = m_next;
+        m_next += bytes;
+        return memory;
+    }
+    XKJsonNode *copy(const XKJsonNode *nodes, std::size_t count);
+
+private:
+    struct Chunk
+    {
+        Chunk *previous;
+    };
+
+    XKJsonArena(const QString &text, char *room, std::size_t bytes);
+    ~XKJsonArena() override;
+    void *allocateInNewChunk(std::size_t bytes);
+
+    QString m_text;
+    char *m_next;
+    char *m_limit;
+    std::size_t m_chunkSize = 0;
+    Chunk *m_chunks = nullptr; // beyond the first stretch, which lies behind the arena itself
+};

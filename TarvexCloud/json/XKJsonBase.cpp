@@ -1,0 +1,71 @@
+#include "XKJsonBase.h"
+
+#include <algorithm>
+#include <QStringList>
+
+using namespace Qt::StringLiterals;
+
+std::optional<XKJsonErrorList> XKJsonBase::errorTrace() const
+{
+    XKJsonError error;
+    {
+        const std::lock_guard lock(m_traceLock);
+        error = m_lastError;
+    }
+    if (error.isNone())
+        return std::nullopt;
+    XKJsonErrorList trace;
+    for (; !error.isNone(); error = error.underlyingError())
+        trace.append(error);
+    std::reverse(trace.begin(), trace.end());
+    return trace;
+}
+
+QString XKJsonBase::errorTraceDescription() const
+{
+    const std::optional<XKJsonErrorList> trace = errorTrace();
+    if (!trace)
+        return u"(null)"_s;
+    QStringList errors;
+    for (const XKJsonError &error : *trace)
+        errors.append("Error Domain=%1 Code=%2 \"%3\""_L1.arg(
+            XKJsonError::domain(), QString::number(error.code()), error.localizedDescription()));
+    return u'(' + errors.join(", "_L1) + u')';
+}
+
+void XKJsonBase::addErrorWithCode(XKJsonErrorCode code, const QString &description)
+{
+    changeTrace(XKJsonError(code, description, m_lastError));
+}
+
+void XKJsonBase::clearErrorTrace()
+{
+    if (!m_lastError.isNone() || !m_observers.empty())
+        changeTrace(XKJsonError());
+}
+
+void XKJsonBase::removeObserver(XKJsonObserver *observer)
+{
+    std::erase(m_observers, observer);
+}
+
+bool XKJsonBase::refuseDepth()
+{
+    addErrorWithCode(XKJsonErrorCode::Depth, u"Nested too deep"_s);
+    return false;
+}
+
+void XKJsonBase::changeTrace(const XKJsonError &newLastError)
+{
+    static const QString key = u"errorTrace"_s;
+    const auto observers = m_observers; // an observer may take itself off the list
+    for (XKJsonObserver *observer : observers)
+        observer->willChangeValueForKey(key);
+    XKJsonError old = newLastError;
+    {
+        const std::lock_guard lock(m_traceLock);
+        std::swap(m_lastError, old);
+    }
+    for (XKJsonObserver *observer : observers)
+        observer->didChangeValueForKey(key);
+}

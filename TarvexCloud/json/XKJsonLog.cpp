@@ -1,0 +1,3 @@
+#include "XKJsonLog.h"
+
+Q_LOGGING_CATEGORY(xkJson, "tarvex.json")

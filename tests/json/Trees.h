@@ -1,0 +1,38 @@
+#pragma once
+
+#include "XKJsonValue.h"
+
+#include <QStringList>
+
+/// A tree in one line, with the kind of every number told.
+inline QString described(const XKJsonValue &value)
+{
+    QStringList items;
+    switch (value.kind()) {
+    case XKJsonKind::None:
+        return QStringLiteral("none");
+    case XKJsonKind::Null:
+        return QStringLiteral("null");
+    case XKJsonKind::Boolean:
+        return value.toBoolean() ? QStringLiteral("true") : QStringLiteral("false");
+    case XKJsonKind::Integer:
+        return QStringLiteral("integer %1").arg(value.toInteger());
+    case XKJsonKind::Decimal:
+        return QStringLiteral("decimal ") + value.toDecimal()->text();
+    case XKJsonKind::Double:
+        return QStringLiteral("double %1").arg(value.toReal());
+    case XKJsonKind::String:
+        return u'"' + value.toString() + u'"';
+    case XKJsonKind::Array:
+        for (std::size_t i = 0; i < value.count(); ++i)
+            items.append(described(value.at(i)));
+        return u'[' + items.join(QStringLiteral(", ")) + u']';
+    case XKJsonKind::Dictionary:
+        for (std::size_t i = 0; i < value.count(); ++i)
+            items.append(described(value.keyAt(i)) + QStringLiteral(": ") + described(value.at(i)));
+        return u'{' + items.join(QStringLiteral(", ")) + u'}';
+    case XKJsonKind::Object:
+        break;
+    }
+    return QStringLiteral("object");
+}
