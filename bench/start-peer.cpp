@@ -1,6 +1,7 @@
 // A bare window with the same libraries, a wheel and the same number of controls of the same kinds.
 #include "FirstFrame.h"
 
+#include <array>
 #include <curl/curl.h>
 #include <expat.h>
 #include <QComboBox>
@@ -50,10 +51,13 @@ protected:
 
 void fill(QMainWindow &window)
 {
-    QMenu *menu = window.menuBar()->addMenu(QStringLiteral("File"));
-    for (const char *name : {"One", "Two", "Three"})
-        menu->addAction(QString::fromLatin1(name));
     QToolBar *bar = window.addToolBar(QStringLiteral("Bar"));
+    for (const char *name : {"File", "Set", "Wheel"}) {
+        QMenu *menu = window.menuBar()->addMenu(QString::fromLatin1(name));
+        for (const char *command : {"One", "Two", "Three"})
+            menu->addAction(QString::fromLatin1(command));
+        bar->addActions(menu->actions().mid(0, 2));
+    }
     bar->addWidget(new QLabel(QStringLiteral("Set")));
     bar->addWidget(new QComboBox);
 
@@ -95,7 +99,10 @@ int main(int argc, char *argv[])
     fill(window);
     QDialog sheet(&window);
     fill(sheet);
-    QDialog emptySheet(&window);
+    QDialog question(&window);
+    fill(question);
+    std::array<QDialog, 4> emptySheets{QDialog(&window), QDialog(&window), QDialog(&window),
+                                       QDialog(&window)};
     window.resize(860, 650);
     window.show();
     const FirstFrame frame(&window);
