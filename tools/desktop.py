@@ -1,5 +1,6 @@
 """Real programs in a virtual display: what the tour and the tests with real keyboard and mouse share."""
 
+import contextlib
 import hashlib
 import html
 import os
@@ -25,11 +26,28 @@ class Service:
     def __init__(self, server, folder, address):
         self.url = f"http://{address}/tarvex/"
         database = f"sqlite:{folder}/service.db"
+        self.command = [server, "serve", "--listen", address, "--database", database]
         subprocess.run([server, "sample", "--database", database], check=True, stdout=subprocess.DEVNULL)
-        self.process = subprocess.Popen([server, "serve", "--listen", address, "--database", database],
-                                        stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        self.start()
+
+    def start(self):
+        self.process = subprocess.Popen(self.command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
         if not self.process.stdout.readline().startswith("READY"):
             raise SystemExit(f"{self.url} is needed for a service of its own; is another one running there?")
+
+    @contextlib.contextmanager
+    def held(self):
+        """Requests are received and get no answer meanwhile."""
+        self.process.send_signal(signal.SIGSTOP)
+        yield
+        self.process.send_signal(signal.SIGCONT)
+
+    @contextlib.contextmanager
+    def gone(self):
+        """Nobody listens meanwhile."""
+        self.stop()
+        yield
+        self.start()
 
     def account(self, email, password):
         self.post(f"p1=create-new-user&p2={email}&p3={password}&p4=Tour&type=json")
@@ -48,9 +66,9 @@ class Service:
             return answer.read().decode()
 
     def stop(self):
-        self.process.send_signal(signal.SIGCONT)
         self.process.terminate()
         self.process.wait(timeout=20)
+        self.process.stdout.close()
 
 
 def md5(text):

@@ -5,8 +5,9 @@
 
 void MessageBoxAlertPresenter::showError(const QString &description)
 {
-    QMessageBox box(QMessageBox::Warning, QString(), description, QMessageBox::Close,
-                    QApplication::activeWindow());
+    QMessageBox box(QMessageBox::Warning, QCoreApplication::translate("Alert", "Tarvex Cloud"), description,
+                    QMessageBox::NoButton, QApplication::activeWindow());
+    box.addButton(QCoreApplication::translate("Alert", "Close"), QMessageBox::AcceptRole);
     box.setTextFormat(Qt::PlainText);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     box.setWindowModality(Qt::ApplicationModal);

@@ -46,44 +46,27 @@ private:
     }
 
 private Q_SLOTS:
-    void creatingSendsTheNameAndSelectsTheSecondItem_data()
-    {
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QByteArray>("sent");
-        QTest::addColumn<QList<QByteArray>>("answer");
-        QTest::addColumn<QString>("selected");
-        const QList<QByteArray> three = {"First", "Newest", "Older"};
-        QTest::newRow("plain") << QStringLiteral("May 2026") << QByteArray("May 2026") << three
-                               << QStringLiteral("Newest");
-        QTest::newRow("empty") << QString() << QByteArray() << three << QStringLiteral("Newest");
-        QTest::newRow("all nineteen")
-            << QStringLiteral("?][&:;.,`><%/\\^$@~|")
-            << QByteArray(
-                   "{_quest_}{_cbc_}{_cbo_}{_amp_}{_dp_}{_dc_}{_d_}{_c_}{_bq1_}{_tbc_}{_tbo_}{_prcnt_}{_slr_}"
-                   "{_sll_}{_v_}{_buks_}{_woof_}{_-_}{_l_}")
-            << three << QStringLiteral("Newest");
-        QTest::newRow("refused, one set only")
-            << QStringLiteral("x") << QByteArray("x") << QList<QByteArray>{"First"} << QString();
-    }
-
     void creatingSendsTheNameAndSelectsTheSecondItem()
     {
-        QFETCH(QString, typed);
-        QFETCH(QByteArray, sent);
-        QFETCH(QList<QByteArray>, answer);
-        QFETCH(QString, selected);
-        Client client;
-        const TarvexDocument *document = client.openSignedIn();
-        trigger(document, "actionNewSet");
-        QVERIFY(document->wndProjectName()->isVisible());
-        client.service.answer("get-sets", sets(answer));
-        typeName(document, typed, QStringLiteral("Create"));
+        const QByteArray nineteen =
+            "{_quest_}{_cbc_}{_cbo_}{_amp_}{_dp_}{_dc_}{_d_}{_c_}{_bq1_}{_tbc_}{_tbo_}"
+            "{_prcnt_}{_slr_}{_sll_}{_v_}{_buks_}{_woof_}{_-_}{_l_}";
+        for (const auto &[typed, sent] :
+             {std::pair("May 2026", QByteArray("May 2026")), std::pair("", QByteArray()),
+              std::pair("?][&:;.,`><%/\\^$@~|", nineteen)}) {
+            Client client;
+            const TarvexDocument *document = client.openSignedIn();
+            trigger(document, "actionNewSet");
+            QVERIFY(document->wndProjectName()->isVisible());
+            client.service.answer("get-sets", sets({"First", "Newest", "Older"}));
+            typeName(document, QString::fromLatin1(typed), QStringLiteral("Create"));
 
-        QCOMPARE(client.service.bodies().mid(3),
-                 (QList<QByteArray>{"p1=create-sets" + annsDigests + "&p4=" + sent, getSets}));
-        QVERIFY(!document->wndProjectName()->isVisible());
-        QCOMPARE(document->listOfProjects()->currentText(), selected);
-        QCOMPARE(Client::average(document), selected.isEmpty() ? QStringLiteral("0%") : QStringLiteral("1%"));
+            QCOMPARE(client.service.bodies().mid(3),
+                     (QList<QByteArray>{"p1=create-sets" + annsDigests + "&p4=" + sent, getSets}));
+            QVERIFY(!document->wndProjectName()->isVisible());
+            QCOMPARE(document->listOfProjects()->currentText(), QStringLiteral("Newest"));
+            QCOMPARE(Client::average(document), QStringLiteral("1%"));
+        }
     }
 
     void labelsFollowWhenTheSecondItemWasSelectedAlready()
@@ -128,39 +111,27 @@ private Q_SLOTS:
         QCOMPARE(client.service.bodies().value(3), "p1=set-sets-name" + annsDigests + "&p4=two\nlines&p5=70");
     }
 
-    void deletingSelectsTheSetBefore_data()
-    {
-        QTest::addColumn<int>("selected");
-        QTest::addColumn<QByteArray>("deleted");
-        QTest::addColumn<QString>("then");
-        QTest::addColumn<QString>("average");
-        QTest::newRow("the first") << 0 << QByteArray("7") << QStringLiteral("x") << QStringLiteral("0%");
-        QTest::newRow("the second") << 1 << QByteArray("9") << QStringLiteral("x") << QStringLiteral("0%");
-        QTest::newRow("nothing selected") << -1 << QByteArray("7") << QString() << QStringLiteral("45%");
-    }
-
     void deletingSelectsTheSetBefore()
     {
-        QFETCH(int, selected);
-        QFETCH(QByteArray, deleted);
-        QFETCH(QString, then);
-        QFETCH(QString, average);
-        Client client;
-        const TarvexDocument *document = client.openSignedIn();
-        document->listOfProjects()->selectItemAtIndex(selected);
-        client.service.answer("get-sets", sets({"x", "y"}));
-        trigger(document, "actionDeleteSet");
-        QStringList texts;
-        for (const QLabel *label : deleteAlert(document)->findChildren<QLabel *>())
-            texts += label->text();
-        QVERIFY(texts.contains(QStringLiteral("Delete?")));
-        QVERIFY(texts.contains(QStringLiteral("Delete current Set of Goals?")));
-        QTest::keyClick(deleteAlert(document), Qt::Key_Return);
+        for (const auto &[selected, deleted, then] :
+             {std::tuple(0, "7", "x"), std::tuple(1, "9", "x"), std::tuple(-1, "7", "")}) {
+            Client client;
+            const TarvexDocument *document = client.openSignedIn();
+            document->listOfProjects()->selectItemAtIndex(selected);
+            client.service.answer("get-sets", sets({"x", "y"}));
+            trigger(document, "actionDeleteSet");
+            QStringList texts;
+            for (const QLabel *label : deleteAlert(document)->findChildren<QLabel *>())
+                texts += label->text();
+            QVERIFY(texts.contains(QStringLiteral("Delete?")));
+            QVERIFY(texts.contains(QStringLiteral("Delete current Set of Goals?")));
+            QTest::keyClick(deleteAlert(document), Qt::Key_Return);
 
-        QCOMPARE(client.service.bodies().mid(3),
-                 (QList<QByteArray>{"p1=delete-sets" + annsDigests + "&p4=" + deleted, getSets}));
-        QCOMPARE(document->listOfProjects()->currentText(), then);
-        QCOMPARE(Client::average(document), average);
+            QCOMPARE(client.service.bodies().mid(3),
+                     (QList<QByteArray>{"p1=delete-sets" + annsDigests + "&p4=" + deleted, getSets}));
+            QCOMPARE(document->listOfProjects()->currentText(), QString::fromLatin1(then));
+            QCOMPARE(Client::average(document), *then ? QStringLiteral("0%") : QStringLiteral("45%"));
+        }
     }
 
     void cancellingSendsNothing()
@@ -206,32 +177,23 @@ private Q_SLOTS:
         QCOMPARE(enabled(), QStringLiteral("NewSet RenameSet DeleteSet RandomGoal RenameAreas"));
     }
 
-    void eachRequestWithoutAnAnswerRaisesItsAlertAndTheSheetCloses_data()
-    {
-        QTest::addColumn<QByteArrayList>("failing");
-        QTest::addColumn<int>("alerts");
-        QTest::addColumn<int>("sets");
-        QTest::newRow("write") << QByteArrayList{"create-sets"} << 1 << 2;
-        QTest::newRow("read") << QByteArrayList{"get-sets"} << 1 << 0;
-        QTest::newRow("both") << QByteArrayList{"create-sets", "get-sets"} << 2 << 0;
-    }
-
     void eachRequestWithoutAnAnswerRaisesItsAlertAndTheSheetCloses()
     {
-        QFETCH(QByteArrayList, failing);
-        QFETCH(int, alerts);
-        QFETCH(int, sets);
-        Client client;
-        const TarvexDocument *document = client.openSignedIn();
-        for (const QByteArray &kind : failing)
-            client.service.answer(kind, ServiceReply{"", /*closes=*/true});
-        trigger(document, "actionNewSet");
-        typeName(document, QStringLiteral("x"), QStringLiteral("Create"));
-        QCOMPARE(client.alert.errors.size(), alerts);
-        QCOMPARE(client.service.requests().size(), 5);
-        QCOMPARE(document->listOfProjects()->count(), sets);
-        QVERIFY(!document->wndProjectName()->isVisible());
-        QVERIFY(!client.controller.isBusy());
+        for (const auto &[failing, setsThen] :
+             {std::pair(QByteArrayList{"create-sets"}, 2), std::pair(QByteArrayList{"get-sets"}, 0),
+              std::pair(QByteArrayList{"create-sets", "get-sets"}, 0)}) {
+            Client client;
+            const TarvexDocument *document = client.openSignedIn();
+            for (const QByteArray &kind : failing)
+                client.service.answer(kind, ServiceReply{"", /*closes=*/true});
+            trigger(document, "actionNewSet");
+            typeName(document, QStringLiteral("x"), QStringLiteral("Create"));
+            QCOMPARE(client.alert.errors.size(), failing.size());
+            QCOMPARE(client.service.requests().size(), 5);
+            QCOMPARE(document->listOfProjects()->count(), setsThen);
+            QVERIFY(!document->wndProjectName()->isVisible());
+            QVERIFY(!client.controller.isBusy());
+        }
     }
 
     void actionsRoutedToAnotherInstanceUseTheCurrentDocument()
