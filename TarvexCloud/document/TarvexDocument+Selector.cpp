@@ -167,6 +167,8 @@ void TarvexDocument::enableCommands()
     const auto enable = [this](const char *name, bool enabled) {
         m_window->findChild<QAction *>(QString::fromLatin1(name))->setEnabled(enabled);
     };
+    // Cancelling the sheet closes the document, so it is offered again only where there is nothing to lose.
+    enable("actionSignIn", m_isLoaded && m_project->areas()->empty());
     enable("actionNewSet", m_isLoaded);
     enable("actionRenameAreas", m_isLoaded && !m_project->areas()->empty());
     enable("actionRenameSet", hasSet);

@@ -186,18 +186,19 @@ private Q_SLOTS:
         QVERIFY(document->window()->isVisible());
     }
 
-    void signingInAgainLoadsOnceMore()
+    void signingInAgainAfterAFailedLoadLoadsOnceMore()
     {
         Client client;
+        client.service.answer("get-areas", QByteArray("Error"));
         const TarvexDocument *document = client.openSignedIn();
-        client.service.answer("get-areas", areasAnswer({"other"}));
-        document->window()->findChild<QAction *>(QStringLiteral("actionSignIn"))->trigger();
-        QVERIFY(document->wndSignIn()->isVisible());
+        auto *again = document->window()->findChild<QAction *>(QStringLiteral("actionSignIn"));
+        client.service.answer("get-areas", areasAnswer({"only"}));
+        again->trigger();
+        QVERIFY(document->textSignInErrorMessage()->text().isEmpty());
         Client::signIn(document);
         QCOMPARE(document->wheelView()->piecesOfWheel()->size(), std::size_t(16));
-        QCOMPARE(Client::labels(document).value(0), QStringLiteral("other"));
-        QCOMPARE(Client::labels(document).value(1), QStringLiteral("Work"));
-        QCOMPARE(document->project()->areas()->size(), std::size_t(1));
+        QCOMPARE(Client::labels(document).value(0), QStringLiteral("only"));
+        QVERIFY(!again->isEnabled());
     }
 };
 
