@@ -1,40 +1,15 @@
 #include "LoopbackService.h"
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <array>
 #include <netinet/tcp.h>
 #include <stdexcept>
 #include <sys/socket.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
-
-sockaddr_in loopback(quint16 port)
-{
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    return address;
-}
-
-/// A bound socket on a free port, which is not listened at yet.
-int boundSocket(quint16 &port)
-{
-    const int fd = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address = loopback(/*port=*/0);
-    socklen_t length = sizeof(address);
-    if (fd < 0 || bind(fd, reinterpret_cast<sockaddr *>(&address), length) != 0 ||
-        getsockname(fd, reinterpret_cast<sockaddr *>(&address), &length) != 0)
-        throw std::runtime_error("no free port on loopback");
-    port = ntohs(address.sin_port);
-    return fd;
-}
-
-QByteArray urlOfPort(quint16 port)
-{
-    return "http://127.0.0.1:" + QByteArray::number(port) + "/tarvex/";
-}
 
 QByteArray bodyOf(const QByteArray &request)
 {
@@ -42,22 +17,17 @@ QByteArray bodyOf(const QByteArray &request)
     return headEnd < 0 ? QByteArray() : request.sliced(headEnd + 4);
 }
 
-/// How long the request that starts the bytes is, or -1 while its header is incomplete.
-qsizetype requestLength(const QByteArray &bytes)
+/// Whether all of a request is there, as far as its header tells.
+bool isComplete(const QByteArray &request)
 {
-    const qsizetype headEnd = bytes.indexOf("\r\n\r\n");
+    const qsizetype headEnd = request.indexOf("\r\n\r\n");
     if (headEnd < 0)
-        return -1;
+        return false;
     const QByteArray field = "\r\ncontent-length: ";
-    const qsizetype at = bytes.first(headEnd).toLower().indexOf(field);
-    const QByteArray value = at < 0 ? "0" : bytes.sliced(at + field.size());
-    return headEnd + 4 + value.first(value.indexOf('\r')).toLongLong();
-}
-
-QByteArray kindOf(const QByteArray &body)
-{
-    const QByteArray field = body.split('&').first();
-    return field.startsWith("p1=") ? field.sliced(3) : QByteArray();
+    const QByteArray head = request.first(headEnd).toLower();
+    const qsizetype at = head.indexOf(field);
+    const QByteArray length = at < 0 ? "0" : head.sliced(at + field.size()).split('\r').first();
+    return request.size() >= headEnd + 4 + length.toLongLong();
 }
 
 } // namespace
@@ -68,11 +38,18 @@ ServiceReply httpReply(const QByteArray &body, const QByteArray &status, const Q
             "\r\n\r\n" + body};
 }
 
-LoopbackService::LoopbackService() : m_listener(boundSocket(m_port))
+LoopbackService::LoopbackService() : m_listener(socket(AF_INET, SOCK_STREAM, 0))
 {
-    if (listen(m_listener, SOMAXCONN) != 0)
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    auto *anyAddress = reinterpret_cast<sockaddr *>(&address);
+    socklen_t length = sizeof(address);
+    if (bind(m_listener, anyAddress, length) != 0 || listen(m_listener, SOMAXCONN) != 0 ||
+        getsockname(m_listener, anyAddress, &length) != 0)
         throw std::runtime_error("cannot listen on loopback");
-    m_acceptor = std::thread([this] { acceptConnections(); });
+    m_port = ntohs(address.sin_port);
+    m_acceptor = std::jthread([this] { acceptConnections(); });
 }
 
 LoopbackService::~LoopbackService()
@@ -80,23 +57,18 @@ LoopbackService::~LoopbackService()
     {
         const std::lock_guard lock(m_mutex);
         m_isStopping = true;
-        for (const int connection : m_connections)
-            shutdown(connection, SHUT_RDWR);
+        for (const int open : m_connections)
+            shutdown(open, SHUT_RDWR);
+        shutdown(m_listener, SHUT_RDWR);
     }
     m_changed.notify_all();
-    const int waker = socket(AF_INET, SOCK_STREAM, 0); // makes the acceptor look up
-    const sockaddr_in address = loopback(m_port);
-    (void)connect(waker, reinterpret_cast<const sockaddr *>(&address), sizeof(address));
     m_acceptor.join();
-    for (std::thread &server : m_servers)
-        server.join();
-    close(waker);
     close(m_listener);
 }
 
 QByteArray LoopbackService::url() const
 {
-    return urlOfPort(m_port);
+    return "http://127.0.0.1:" + QByteArray::number(m_port) + "/tarvex/";
 }
 
 void LoopbackService::answer(const QByteArray &kind, const ServiceReply &reply)
@@ -105,18 +77,10 @@ void LoopbackService::answer(const QByteArray &kind, const ServiceReply &reply)
     m_script[kind] = reply;
 }
 
-void LoopbackService::hold()
+void LoopbackService::setHeld(bool held)
 {
     const std::lock_guard lock(m_mutex);
-    m_isHeld = true;
-}
-
-void LoopbackService::release()
-{
-    {
-        const std::lock_guard lock(m_mutex);
-        m_isHeld = false;
-    }
+    m_isHeld = held;
     m_changed.notify_all();
 }
 
@@ -128,9 +92,8 @@ QList<QByteArray> LoopbackService::requests() const
 
 QList<QByteArray> LoopbackService::bodies() const
 {
-    QList<QByteArray> bodies;
-    for (const QByteArray &request : requests())
-        bodies.append(bodyOf(request));
+    QList<QByteArray> bodies = requests();
+    std::transform(bodies.cbegin(), bodies.cend(), bodies.begin(), bodyOf);
     return bodies;
 }
 
@@ -142,85 +105,57 @@ std::size_t LoopbackService::openConnections() const
 
 void LoopbackService::acceptConnections()
 {
-    for (;;) {
-        const int connection = accept(m_listener, nullptr, nullptr);
-        const std::lock_guard lock(m_mutex);
-        if (connection < 0 || m_isStopping) {
-            close(connection);
-            return;
-        }
+    for (int connection = 0; (connection = accept(m_listener, nullptr, nullptr)) >= 0;) {
         const int noDelay = 1;
         (void)setsockopt(connection, IPPROTO_TCP, TCP_NODELAY, &noDelay, sizeof(noDelay));
+        const std::lock_guard lock(m_mutex);
+        if (m_isStopping)
+            shutdown(connection, SHUT_RDWR);
         m_connections.push_back(connection);
         m_servers.emplace_back([this, connection] { serve(connection); });
     }
 }
 
+// Clients send nothing more before they have their answer; if one did, it would show as part of the request.
 void LoopbackService::serve(int connection)
 {
-    QByteArray unread;
-    while (const std::optional<QByteArray> request = readRequest(connection, unread)) {
-        const ServiceReply reply = replyTo(*request);
-        if (!send(connection, reply) || reply.closes)
-            break;
+    QByteArray received;
+    std::array<char, 65536> piece;
+    bool isKept = true;
+    for (ssize_t got = 0; isKept && (got = recv(connection, piece.data(), piece.size(), 0)) > 0;) {
+        received.append(piece.data(), got);
+        if (isComplete(received))
+            isKept = send(connection, replyTo(std::exchange(received, {})));
     }
     const std::lock_guard lock(m_mutex);
     std::erase(m_connections, connection);
-    if (!unread.isEmpty())
-        m_requests.append(unread);
+    if (!received.isEmpty())
+        m_requests.append(received);
     close(connection);
-}
-
-std::optional<QByteArray> LoopbackService::readRequest(int connection, QByteArray &unread)
-{
-    std::array<char, 65536> piece;
-    qsizetype length = requestLength(unread);
-    while (length < 0 || unread.size() < length) {
-        const ssize_t got = recv(connection, piece.data(), piece.size(), 0);
-        if (got <= 0)
-            return std::nullopt;
-        unread.append(piece.data(), got);
-        length = requestLength(unread);
-    }
-    const QByteArray request = unread.first(length);
-    unread.remove(0, length);
-    const std::lock_guard lock(m_mutex);
-    m_requests.append(request);
-    return request;
 }
 
 ServiceReply LoopbackService::replyTo(const QByteArray &request)
 {
     std::unique_lock lock(m_mutex);
+    m_requests.append(request);
     m_changed.wait(lock, [this] { return !m_isHeld || m_isStopping; });
-    const auto script = m_script.find(kindOf(bodyOf(request)));
+    const QByteArray kind = bodyOf(request).split('&').first().mid(3); // behind "p1="
+    const auto script = m_script.find(kind);
     return script == m_script.end() ? httpReply("Error") : script->second;
 }
 
 bool LoopbackService::send(int connection, const ServiceReply &reply)
 {
-    const bool isDripping = reply.perByte.count() > 0;
     for (QByteArrayView unsent = reply.bytes; !unsent.isEmpty();) {
         std::unique_lock lock(m_mutex);
         if (m_changed.wait_for(lock, reply.perByte, [this] { return m_isStopping; }))
             return false;
         lock.unlock();
-        const auto length = isDripping ? size_t(1) : static_cast<size_t>(unsent.size());
+        const auto length = static_cast<size_t>(reply.perByte.count() > 0 ? 1 : unsent.size());
         const ssize_t count = ::send(connection, unsent.data(), length, MSG_NOSIGNAL);
         if (count <= 0)
             return false;
         unsent = unsent.sliced(count);
     }
-    return true;
-}
-
-QByteArray refusingUrl()
-{
-    // Bound and never listened at: nobody else can get the port while this process lives.
-    static const quint16 port = [] {
-        quint16 bound = 0;
-        boundSocket(bound);
-        return bound;
-    }();
-    return urlOfPort(port);
+    return !reply.closes;
 }

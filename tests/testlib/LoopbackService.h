@@ -4,7 +4,6 @@
 #include <condition_variable>
 #include <map>
 #include <mutex>
-#include <optional>
 #include <QByteArray>
 #include <QList>
 #include <thread>
@@ -39,8 +38,8 @@ public:
     void answer(const QByteArray &kind, const ServiceReply &reply);
 
     /// While held, requests are received and wait for their answer.
-    void hold();
-    void release();
+    void hold() { setHeld(true); }
+    void release() { setHeld(false); }
 
     /// Every request to the last byte, in the order they came; what came of a broken one too.
     QList<QByteArray> requests() const;
@@ -50,14 +49,15 @@ public:
     std::size_t openConnections() const;
 
 private:
+    void setHeld(bool held);
     void acceptConnections();
     void serve(int connection);
-    std::optional<QByteArray> readRequest(int connection, QByteArray &unread);
     ServiceReply replyTo(const QByteArray &request);
+    /// Whether the connection is still good for another request.
     bool send(int connection, const ServiceReply &reply);
 
+    const int m_listener;
     quint16 m_port = 0;
-    const int m_listener;       // sets m_port
     mutable std::mutex m_mutex; // guards all below
     std::condition_variable m_changed;
     bool m_isStopping = false;
@@ -65,9 +65,12 @@ private:
     std::map<QByteArray, ServiceReply> m_script;
     QList<QByteArray> m_requests;
     std::vector<int> m_connections;
-    std::vector<std::thread> m_servers;
-    std::thread m_acceptor;
+    std::vector<std::jthread> m_servers;
+    std::jthread m_acceptor;
 };
 
-/// An address on loopback that nobody listens at.
-QByteArray refusingUrl();
+/// An address on loopback that nobody listens at: the port belongs to a protocol long out of use.
+inline QByteArray refusingUrl()
+{
+    return "http://127.0.0.1:1/tarvex/";
+}
