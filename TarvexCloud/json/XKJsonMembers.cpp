@@ -12,6 +12,7 @@ namespace {
 //   slots, one node whose length is their number, members.
 // A slot is zero, or the position of a member plus one in its low bits and bits of the key's hash above.
 constexpr std::size_t indexedFrom = 65;
+constexpr std::size_t fewMembers = 4;
 constexpr int positionBits = 40;
 constexpr quint64 positionMask = (quint64(1) << positionBits) - 1;
 
@@ -43,6 +44,19 @@ XKJsonNode *findLinearly(XKJsonNode *members, std::size_t count, const XKJsonNod
         if (sameText(*member, key))
             return member;
     return nullptr;
+}
+
+// Whether all keys of a few members differ already in their lengths, or in their first units.
+bool differAtSight(const XKJsonNode *members, std::size_t count)
+{
+    for (std::size_t i = 1; i < count; ++i)
+        for (std::size_t j = 0; j < i; ++j) {
+            const XKJsonNode &key = members[2 * i];
+            const XKJsonNode &other = members[2 * j];
+            if (key.length() == other.length() && *key.text == *other.text)
+                return false;
+        }
+    return true;
 }
 
 std::size_t mergedSmall(XKJsonNode *members, std::size_t count)
@@ -148,7 +162,7 @@ XKJsonNode XKJsonMembers::dictionaryOf(XKJsonNode *members, std::size_t count, X
 {
     if (count >= indexedFrom)
         return indexed(members, count, arena);
-    if (count > 1)
+    if (count > 1 && (count > fewMembers || !differAtSight(members, count)))
         count = mergedSmall(members, count);
     return XKJsonNode(XKJsonKind::Dictionary, arena.copy(members, 2 * count), count, XKJsonNode::NoFlag);
 }

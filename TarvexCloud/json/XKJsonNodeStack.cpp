@@ -1,7 +1,7 @@
 #include "XKJsonNodeStack.h"
 
-#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 #include <type_traits>
 
@@ -19,7 +19,7 @@ void XKJsonNodeStack::grow()
     m_memory.reset(memory);
     m_nodes = static_cast<XKJsonNode *>(memory);
     if (isFirst)
-        std::copy_n(m_first.data(), count, m_nodes);
+        std::memcpy(memory, m_first.data(), sizeof(m_first));
     m_top = m_nodes + count;
     m_limit = m_nodes + 2 * count;
 }

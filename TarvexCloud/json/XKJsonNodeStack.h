@@ -14,15 +14,17 @@ public:
     XKJsonNodeStack(const XKJsonNodeStack &) = delete;
     XKJsonNodeStack &operator=(const XKJsonNodeStack &) = delete;
 
-    void push(const XKJsonNode &node)
+    /// Where the next node is to be made; it is none of the stack's before keep(). Made in place because a
+    /// copy would wait for the stores of its two halves.
+    XKJsonNode &next()
     {
         if (m_top == m_limit)
             grow();
-        *m_top++ = node;
+        return *m_top;
     }
+    void keep() { ++m_top; }
     std::size_t size() const { return static_cast<std::size_t>(m_top - m_nodes); }
     XKJsonNode &operator[](std::size_t place) { return m_nodes[place]; }
-    XKJsonNode &top() { return m_top[-1]; }
     void shrinkTo(std::size_t size) { m_top = m_nodes + size; }
 
 private:
@@ -33,9 +35,10 @@ private:
         void operator()(void *memory) const { std::free(memory); }
     };
 
-    std::array<XKJsonNode, 64> m_first;
+    static constexpr std::size_t firstCount = 64;
+    alignas(XKJsonNode) std::array<std::byte, firstCount * sizeof(XKJsonNode)> m_first; // not set on purpose
     std::unique_ptr<void, Free> m_memory; // in use once m_first is outgrown
-    XKJsonNode *m_nodes = m_first.data();
+    XKJsonNode *m_nodes = reinterpret_cast<XKJsonNode *>(m_first.data());
     XKJsonNode *m_top = m_nodes;
-    XKJsonNode *m_limit = m_nodes + m_first.size();
+    XKJsonNode *m_limit = m_nodes + firstCount;
 };

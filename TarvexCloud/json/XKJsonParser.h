@@ -22,27 +22,30 @@ private:
 
     XKJsonValue treeOf(const QString &text);
     bool scanDocument();
-    Step scanValue();
-    bool scanRestOfTrue(XKJsonNode &value);
-    bool scanRestOfFalse(XKJsonNode &value);
-    bool scanRestOfNull(XKJsonNode &value);
     // These two go on with the innermost open container: to its end, or to where another opens inside it.
     Step scanRestOfArray(bool isAfterValue);
     Step scanRestOfDictionary(bool isAfterValue);
-    bool scanRestOfString(XKJsonNode &string);
+    // What takes the cursor as an argument does so for it to stay in a register of these two.
+    Step scanValue(const char16_t *&c);
+    bool scanKey(const char16_t *&c);
+    bool scanComma(const char16_t *&c);
+    bool scanRestOfTrue(const char16_t *&c, XKJsonNode &value);
+    bool scanRestOfFalse(const char16_t *&c, XKJsonNode &value);
+    bool scanRestOfNull(const char16_t *&c, XKJsonNode &value);
+    template<std::size_t size>
+    bool scanLiteral(const char16_t *&c, const char16_t (&rest)[size]);
+    bool scanNumber(const char16_t *&c, XKJsonNode &number);
+    bool scanRestOfString(const char16_t *&c, XKJsonNode &string);
     bool scanRestOfStringWithEscapes(XKJsonNode &string);
     bool scanEscape();
-    bool scanNumber(XKJsonNode &number);
     bool scanUnicodeChar(char16_t &unit);
     bool scanLowSurrogate(char16_t &unit);
     bool scanHexQuad(char16_t &quad);
     bool scanIsAtEnd();
+    void skipSpaces(const char16_t *&c) const;
 
-    bool scanLiteral(std::u16string_view rest);
-    bool scanKey();
     Step open(XKJsonKind kind);
     void close(const XKJsonNode &container);
-    void skipSpaces();
     void addErrorsOfOpenContainers();
     void addErrorOfMember(std::size_t keyPlace);
     bool refuse(XKJsonErrorCode code, const char *description);

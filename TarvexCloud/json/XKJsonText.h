@@ -43,13 +43,12 @@ public:
     explicit Eight(const char16_t *units) : m_units(_mm_loadu_si128(reinterpret_cast<const __m128i *>(units)))
     {
     }
-    void store(char16_t *units) const { _mm_storeu_si128(reinterpret_cast<__m128i *>(units), m_units); }
 
     unsigned notSpaces() const
     {
-        const __m128i blank = _mm_cmpeq_epi16(m_units, _mm_set1_epi16(u' '));
+        const __m128i blanks = _mm_cmpeq_epi16(m_units, _mm_set1_epi16(u' '));
         const __m128i fromTab = _mm_sub_epi16(m_units, _mm_set1_epi16(u'\t'));
-        return 0xFFFF ^ bits(_mm_or_si128(blank, atMost(fromTab, u'\r' - u'\t')));
+        return 0xFFFF ^ bits(_mm_or_si128(blanks, atMost(fromTab, u'\r' - u'\t')));
     }
     unsigned notDigits() const
     {
@@ -57,15 +56,20 @@ public:
     }
     unsigned stops() const
     {
-        const __m128i quotes = _mm_cmpeq_epi16(m_units, _mm_set1_epi16(u'"'));
+        // Flipping the bit that parts a quote from a blank puts it next to the control characters.
+        const __m128i flipped = _mm_xor_si128(m_units, _mm_set1_epi16(u'"' ^ u' '));
         const __m128i backslashes = _mm_cmpeq_epi16(m_units, _mm_set1_epi16(u'\\'));
-        return bits(_mm_or_si128(_mm_or_si128(quotes, backslashes), atMost(m_units, /*highest=*/0x1F)));
+        return bits(_mm_or_si128(atMost(flipped, /*highest=*/0x20), backslashes));
     }
     unsigned surrogates() const
     {
         const __m128i high = _mm_and_si128(m_units, _mm_set1_epi16(static_cast<short>(0xF800)));
         return bits(_mm_cmpeq_epi16(high, _mm_set1_epi16(static_cast<short>(0xD800))));
     }
+
+    void addTo(__m128i &all) const { all = _mm_or_si128(all, m_units); }
+    /// Whether any unit was beyond 0x7FFF, as surrogates are.
+    static bool hasHigh(__m128i all) { return (bits(all) & 0xAAAA) != 0; }
 
 private:
     static __m128i atMost(__m128i units, short highest)
@@ -77,23 +81,33 @@ private:
     __m128i m_units;
 };
 
-/// The first unit that a test of eight holds for, or one near enough to the end to go on singly.
-template<auto Test>
-inline const char16_t *firstByEights(const char16_t *c, const char16_t *end)
+/// The unit that the lowest bit of a test's answer stands for. Two bits are a unit as two bytes are.
+inline const char16_t *firstOf(unsigned found, const char16_t *c)
 {
-    for (; end - c >= Eight::size; c += Eight::size)
-        if (const unsigned found = (Eight(c).*Test)())
-            return c + std::countr_zero(found) / 2;
-    return c;
+    return reinterpret_cast<const char16_t *>(reinterpret_cast<const char *>(c) + std::countr_zero(found));
+}
+
+/// Moves on to the first unit that a test of eight holds for; false if it came near the text's end first,
+/// where units must be looked at singly.
+template<auto Test>
+inline bool findByEights(const char16_t *&c, const char16_t *end)
+{
+    for (qptrdiff left = end - c; left >= Eight::size; left -= Eight::size, c += Eight::size)
+        if (const unsigned found = (Eight(c).*Test)()) {
+            c = firstOf(found, c);
+            return true;
+        }
+    return false;
 }
 #endif
 
 inline const char16_t *afterSpaces(const char16_t *c, [[maybe_unused]] const char16_t *end)
 {
-    if (!isSpace(*c) || !isSpace(*++c))
+    if (*c > u' ' || !isSpace(*c) || !isSpace(*++c))
         return c;
 #ifdef __SSE2__
-    c = firstByEights<&Eight::notSpaces>(c, end);
+    if (findByEights<&Eight::notSpaces>(c, end))
+        return c;
 #endif
     while (isSpace(*c))
         ++c;
@@ -103,42 +117,49 @@ inline const char16_t *afterSpaces(const char16_t *c, [[maybe_unused]] const cha
 inline const char16_t *afterDigits(const char16_t *c, [[maybe_unused]] const char16_t *end)
 {
 #ifdef __SSE2__
-    c = firstByEights<&Eight::notDigits>(c, end);
+    if (findByEights<&Eight::notDigits>(c, end))
+        return c;
 #endif
     while (isDigit(*c))
         ++c;
     return c;
 }
 
-/// The end of a run of string text; tells whether there are surrogates in the run.
-inline const char16_t *afterRun(const char16_t *c, [[maybe_unused]] const char16_t *end, bool &surrogates)
+/// The end of a run of string text. Also tells whether the run may hold surrogates; it may be wrong in that.
+inline const char16_t *afterRun(const char16_t *c, [[maybe_unused]] const char16_t *end,
+                                bool &mayHaveSurrogates)
 {
-    unsigned seen = 0;
+    mayHaveSurrogates = false;
 #ifdef __SSE2__
-    for (; end - c >= Eight::size; c += Eight::size) {
+    __m128i all = _mm_setzero_si128();
+    for (qptrdiff left = end - c; left >= Eight::size; left -= Eight::size, c += Eight::size) {
         const Eight units(c);
-        const unsigned stops = units.stops();
-        if (stops) {
-            surrogates = (seen | (units.surrogates() & (stops ^ (stops - 1)))) != 0;
-            return c + std::countr_zero(stops) / 2;
+        units.addTo(all);
+        if (const unsigned stops = units.stops()) {
+            mayHaveSurrogates = Eight::hasHigh(all);
+            return firstOf(stops, c);
         }
-        seen |= units.surrogates();
     }
+    mayHaveSurrogates = Eight::hasHigh(all);
 #endif
     for (; !isStop(*c); ++c)
-        seen |= isSurrogate(*c);
-    surrogates = seen != 0;
+        mayHaveSurrogates |= isSurrogate(*c);
     return c;
 }
 
 /// Whether every surrogate of the text belongs to a pair, that is, whether the text has a UTF-8 form.
 inline bool isPaired(const char16_t *c, const char16_t *end)
 {
-    for (; c != end; ++c) {
-        if (!isSurrogate(*c))
-            continue;
-        if (*c >= 0xDC00 || c + 1 == end || (c[1] & 0xFC00) != 0xDC00)
-            return false;
+    while (c != end) {
+#ifdef __SSE2__
+        if (!findByEights<&Eight::surrogates>(c, end) && c == end)
+            break;
+#endif
+        if (isSurrogate(*c)) {
+            if (*c >= 0xDC00 || c + 1 == end || (c[1] & 0xFC00) != 0xDC00)
+                return false;
+            ++c;
+        }
         ++c;
     }
     return true;

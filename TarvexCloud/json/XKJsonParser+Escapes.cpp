@@ -1,0 +1,128 @@
+#include "XKJsonArena.h"
+#include "XKJsonParser.h"
+#include "XKJsonText.h"
+
+using Code = XKJsonErrorCode;
+
+namespace {
+
+constexpr int hexDigit(char16_t unit)
+{
+    if (unit >= u'0' && unit <= u'9')
+        return unit - u'0';
+    if (unit >= u'A' && unit <= u'F')
+        return unit - u'A' + 10;
+    return unit >= u'a' && unit <= u'f' ? unit - u'a' + 10 : -1;
+}
+
+} // namespace
+
+bool XKJsonParser::scanRestOfStringWithEscapes(XKJsonNode &string)
+{
+    m_unescaped.clear();
+    for (;;) {
+        bool surrogates = false;
+        const char16_t *const end = XKJsonText::afterRun(m_c, m_end, surrogates);
+        if (surrogates && !XKJsonText::isPaired(m_c, end))
+            return refuse(Code::Unicode, "Broken unicode character");
+        m_unescaped.append(m_c, end);
+        m_c = end;
+        if (*m_c == u'"')
+            break;
+        if (*m_c != u'\\')
+            return refuseUnit(Code::ControlCharacter, "Unescaped control character '0x%1'", *m_c);
+        ++m_c;
+        if (!scanEscape())
+            return false;
+        if (*m_c == u'\0')
+            return refuse(Code::EndOfInput, "Unexpected EOF while parsing string");
+    }
+    ++m_c;
+    const std::size_t length = m_unescaped.size();
+    auto *const text = static_cast<char16_t *>(m_arena->allocate(length * sizeof(char16_t)));
+    m_unescaped.copy(text, length);
+    string = XKJsonNode(XKJsonKind::String, text, length, XKJsonNode::NoFlag);
+    return true;
+}
+
+bool XKJsonParser::scanEscape()
+{
+    char16_t unit = *m_c;
+    switch (unit) {
+    case u'"':
+    case u'\\':
+    case u'/':
+        break;
+    case u'b':
+        unit = u'\b';
+        break;
+    case u'f':
+        unit = u'\f';
+        break;
+    case u'n':
+        unit = u'\n';
+        break;
+    case u'r':
+        unit = u'\r';
+        break;
+    case u't':
+        unit = u'\t';
+        break;
+    case u'u':
+        ++m_c;
+        if (!scanUnicodeChar(unit))
+            return refuse(Code::Unicode, "Broken unicode character");
+        m_unescaped += unit;
+        return true;
+    default:
+        return refuseUnit(Code::Escape, "Illegal escape sequence '0x%1'", XKJsonText::firstByte(m_c));
+    }
+    m_unescaped += unit;
+    ++m_c;
+    return true;
+}
+
+bool XKJsonParser::scanUnicodeChar(char16_t &unit)
+{
+    if (!scanHexQuad(unit))
+        return refuse(Code::Unicode, "Missing hex quad");
+    if (!XKJsonText::isSurrogate(unit))
+        return true;
+    if (unit >= 0xDC00)
+        return refuse(Code::Unicode, "Invalid high character in surrogate pair");
+    return scanLowSurrogate(unit);
+}
+
+// A pair makes one unit, never a character beyond the first plane: the codec has always read it so.
+bool XKJsonParser::scanLowSurrogate(char16_t &unit)
+{
+    char16_t low = 0;
+    const bool isEscape = *m_c == u'\\' && m_c[1] == u'u';
+    m_c += isEscape ? 2 : 0;
+    if (!isEscape || !scanHexQuad(low))
+        return refuse(Code::Unicode, "Missing low character in surrogate pair");
+    constexpr char16_t firstLow = 0xDC00;
+    constexpr char16_t lastAccepted = 0xDFFE;
+    if (low < firstLow || low > lastAccepted)
+        return refuse(Code::Unicode, "Invalid low surrogate char");
+    unit = static_cast<char16_t>((unit << 10) + (low - firstLow));
+    return true;
+}
+
+bool XKJsonParser::scanHexQuad(char16_t &quad)
+{
+    quad = 0;
+    for (int i = 0; i < 4; ++i, ++m_c) {
+        const int digit = hexDigit(*m_c);
+        if (digit < 0)
+            return refuse(Code::Unicode, "Missing hex digit in quad");
+        quad = static_cast<char16_t>(quad << 4 | digit);
+    }
+    return true;
+}
+
+bool XKJsonParser::refuseUnit(XKJsonErrorCode code, const char *description, unsigned value)
+{
+    addErrorWithCode(code, QLatin1StringView(description).arg(QString::number(value, /*base=*/16)));
+    return false;
+}
