@@ -54,16 +54,14 @@ LoopbackService::LoopbackService() : m_listener(socket(AF_INET, SOCK_STREAM, 0))
 
 LoopbackService::~LoopbackService()
 {
-    {
-        const std::lock_guard lock(m_mutex);
-        m_isStopping = true;
-        for (const int open : m_connections)
-            shutdown(open, SHUT_RDWR);
-        shutdown(m_listener, SHUT_RDWR);
-    }
-    m_changed.notify_all();
+    shutdown(m_listener, SHUT_RDWR);
     m_acceptor.join();
     close(m_listener);
+    const std::lock_guard lock(m_mutex);
+    m_isStopping = true;
+    for (const int connection : m_connections)
+        shutdown(connection, SHUT_RDWR);
+    m_changed.notify_all();
 }
 
 QByteArray LoopbackService::url() const
@@ -77,7 +75,7 @@ void LoopbackService::answer(const QByteArray &kind, const ServiceReply &reply)
     m_script[kind] = reply;
 }
 
-void LoopbackService::setHeld(bool held)
+void LoopbackService::hold(bool held)
 {
     const std::lock_guard lock(m_mutex);
     m_isHeld = held;
@@ -109,8 +107,6 @@ void LoopbackService::acceptConnections()
         const int noDelay = 1;
         (void)setsockopt(connection, IPPROTO_TCP, TCP_NODELAY, &noDelay, sizeof(noDelay));
         const std::lock_guard lock(m_mutex);
-        if (m_isStopping)
-            shutdown(connection, SHUT_RDWR);
         m_connections.push_back(connection);
         m_servers.emplace_back([this, connection] { serve(connection); });
     }

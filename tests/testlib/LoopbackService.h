@@ -38,8 +38,8 @@ public:
     void answer(const QByteArray &kind, const ServiceReply &reply);
 
     /// While held, requests are received and wait for their answer.
-    void hold() { setHeld(true); }
-    void release() { setHeld(false); }
+    void hold(bool held = true);
+    void release() { hold(/*held=*/false); }
 
     /// Every request to the last byte, in the order they came; what came of a broken one too.
     QList<QByteArray> requests() const;
@@ -49,7 +49,6 @@ public:
     std::size_t openConnections() const;
 
 private:
-    void setHeld(bool held);
     void acceptConnections();
     void serve(int connection);
     ServiceReply replyTo(const QByteArray &request);

@@ -1,64 +1,112 @@
-#include "WheelOnScreen.h"
+#include "TarvexView.h"
+
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A wheel with areas "a" to "h" in a window on the screen. It writes down what it reports to its parent, an
+/// area and its index, and what it announces to assistive tools.
+class WheelOnScreen : public TarvexView, public WheelParent
+{
+public:
+    explicit WheelOnScreen(std::size_t pieceCount = WheelGeometry::sliceCount)
+    {
+        for (const QChar name : u"abcdefgh"_s) {
+            project->areas()->push_back(std::make_shared<TVXArea>());
+            project->areas()->back()->setName(name);
+        }
+        while (pieces->size() < pieceCount)
+            pieces->push_back(std::make_shared<WheelPiece>());
+        setMainData(project);
+        setPiecesOfWheel(pieces);
+        setTheParent(this);
+        setGeometry(40, 30, 501, 431);
+        show();
+        if (!QTest::qWaitForWindowActive(this))
+            qFatal("the wheel does not appear");
+    }
+
+    /// The pixel that far from the centre, at an angle that counts from three o'clock against the clock.
+    QPoint at(qreal radius, qreal angle) const
+    {
+        return (QPointF(249.5, 215.5) + QLineF::fromPolar(radius, angle).p2()).toPoint();
+    }
+    QColor seenAt(qreal radius, qreal angle) const
+    {
+        return screen()->grabWindow(winId()).toImage().pixelColor(at(radius, angle));
+    }
+    void click(qreal radius, qreal angle) { QTest::mouseClick(this, Qt::LeftButton, {}, at(radius, angle)); }
+
+    void showAreaDetails(const TVXAreaPtr &area, int ofIndex) override
+    {
+        reports += (area ? area->name() : u"-"_s) + QString::number(ofIndex) + u' ';
+    }
+    void updatePercentValues() override {}
+    void announce(QAccessibleEvent &event) override
+    {
+        announcements.emplace_back(event.type(), event.child());
+    }
+
+    TVXProjectPtr project = std::make_shared<TVXProject>();
+    std::shared_ptr<WheelPieceList> pieces = std::make_shared<WheelPieceList>();
+    QAccessibleInterface *graphic = QAccessible::queryAccessibleInterface(this);
+    QString reports;
+    QList<std::pair<QAccessible::Event, int>> announcements;
+};
+
+} // namespace
 
 class TarvexViewTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void releasingTheLeftButtonReportsTheSliceUnderIt()
+    void releasingTheLeftButtonReportsTheLowestSliceUnderIt()
     {
         WheelOnScreen wheel;
-        for (const QPoint &point : {QPoint(100, 10), QPoint(100, -10), QPoint(10, 100), QPoint(-10, 100),
-                                    QPoint(-209, 1), QPoint(211, 0), QPoint(-200, -195)})
-            wheel.click(point);
-        QCOMPARE(wheel.reports, QStringLiteral("Area 1/1 Area 2/2 Area 0/0 Area 7/7 Area 6/6 "));
-        wheel.reports.clear();
-        QTest::mouseClick(&wheel, Qt::RightButton, {}, wheel.at(100, 10));
-        QTest::mousePress(&wheel, Qt::LeftButton, {}, wheel.at(100, 10));
-        QCOMPARE(wheel.reports, QString());
-        QTest::mouseRelease(&wheel, Qt::LeftButton, {}, wheel.at(100, -10));
-        QCOMPARE(wheel.reports, QStringLiteral("Area 2/2 "));
+        for (int hour = 0; hour < 12; ++hour)
+            wheel.click(208, 80 - 30 * hour);
+        wheel.click(211, 0);
+        QTest::mouseClick(&wheel, Qt::RightButton, {}, wheel.at(100, 20));
+        QTest::mousePress(&wheel, Qt::LeftButton, {}, wheel.at(100, 20));
+        wheel.pieces->at(1)->append(WheelGeometry::sliceOutline({250, 215}, /*index=*/2));
+        QTest::mouseRelease(&wheel, Qt::LeftButton, {}, wheel.at(100, -20));
+        QCOMPARE(wheel.reports, u"a0 a0 b1 c2 c2 d3 e4 e4 f5 g6 g6 h7 b1 "_s);
     }
 
-    void sharedPointsGoToTheLowestSliceThatHasThem()
+    void keysWalkRoundTheDialAndChoose()
     {
+        using enum Qt::Key;
         WheelOnScreen wheel;
-        QString expected;
-        for (const QPoint &shared :
-             {QPoint(0, 0), QPoint(0, 90), QPoint(90, 0), QPoint(0, -90), QPoint(-90, 0)}) {
-            std::size_t lowest = 0;
-            while (!wheel.pieces->at(lowest)->contains(QPointF(250, 215) + shared))
-                ++lowest;
-            expected += QStringLiteral("Area %1/%1 ").arg(lowest);
-            wheel.click(shared);
-        }
-        QCOMPARE(wheel.reports, expected);
+        wheel.setLayoutDirection(Qt::RightToLeft); // the dial is not mirrored
+        for (const Qt::Key key : {Key_Return, Key_Right, Key_Down, Key_Enter, Key_Home, Key_Left, Key_Up,
+                                  Key_Space, Key_End, Key_A, Key_Right, Key_Return})
+            QTest::keyClick(&wheel, key);
+        QCOMPARE(wheel.reports, u"a0 c2 g6 a0 "_s);
     }
 
     void whateverIsMissingIsSkipped()
     {
         WheelOnScreen wheel(/*pieceCount=*/5);
+        wheel.pieces->front() = std::make_shared<WheelPiece>(); // not drawn yet
+        wheel.click(100, 80);
         wheel.project->areas()->resize(2);
         wheel.display();
-        wheel.click({-10, 100});
-        wheel.click({10, -100});
+        for (const int angle : {80, -80, 100})
+            wheel.click(100, angle);
+        QAccessibleInterface *slice = wheel.graphic->child(1);
         wheel.setMainData(nullptr);
-        wheel.click({100, 10});
+        for (const Qt::Key key : {Qt::Key_Right, Qt::Key_End, Qt::Key_Return})
+            QTest::keyClick(&wheel, key);
+        slice->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        QVERIFY(!slice->isValid() && wheel.graphic->childCount() == 0);
+        wheel.click(100, 20);
         wheel.setPiecesOfWheel(nullptr);
         wheel.display();
-        wheel.click({100, 10});
-        QCOMPARE(wheel.reports, QStringLiteral("none/3 none/1 "));
-    }
-
-    void nothingIsHitBeforeItIsDrawn()
-    {
-        WheelOnScreen wheel;
-        wheel.pieces->front() = std::make_shared<WheelPiece>();
-        wheel.click({10, 100});
-        QCOMPARE(wheel.reports, QString());
-        wheel.display();
-        wheel.click({10, 100});
-        QCOMPARE(wheel.reports, QStringLiteral("Area 0/0 "));
+        wheel.click(100, 20);
+        QCOMPARE(wheel.reports, u"a0 -3 -1 "_s);
     }
 
     void everyDrawOnScreenAddsACopyToTheFirstEightPieces()
@@ -67,47 +115,87 @@ private Q_SLOTS:
         const qint64 drawn = wheel.pieces->front()->copies();
         for (int draw = 0; draw < 10; ++draw)
             wheel.display();
-        const QImage grabbed = wheel.grab().toImage(); // off screen: nothing is drawn
-        QImage plain(grabbed);
-        plain.fill(wheel.palette().window().color());
-        QCOMPARE(grabbed, plain);
-        for (std::size_t piece = 0; piece < 16; ++piece) {
+        QCOMPARE(wheel.grab().toImage().pixelColor(wheel.at(100, 20)), wheel.palette().window().color());
+        for (std::size_t piece = 0; piece < 16; ++piece)
             QCOMPARE(wheel.pieces->at(piece)->copies(), piece < 8 ? drawn + 10 : 0);
-            QCOMPARE(wheel.pieces->at(piece)->outlines().size(), std::size_t(piece < 8));
-        }
     }
 
-    void paleSectorReachesAsFarAsTheValue_data()
-    {
-        QTest::addColumn<qint32>("value");
-        QTest::addColumn<QString>("picture"); // 30, 60, 150 and 225 from the centre, in slices 3 and 7
-        QTest::newRow("smallest sector") << 0 << QStringLiteral("33307770");
-        QTest::newRow("within the slice") << 5 << QStringLiteral("3330PP70");
-        QTest::newRow("full slice") << 9 << QStringLiteral("3330PPP0");
-        QTest::newRow("past the rim") << 1000 << QStringLiteral("3330PPPP");
-        QTest::newRow("opposite side") << -5 << QStringLiteral("PP307770");
-        QTest::newRow("largest") << 2147483647 << QStringLiteral("PPPP7770");
-    }
     void paleSectorReachesAsFarAsTheValue()
     {
-        QFETCH(qint32, value);
         WheelOnScreen wheel;
-        wheel.setPalette(QPalette(Qt::darkBlue));
-        for (const TVXAreaPtr &area : *wheel.project->areas())
-            area->setValueOfArea(area == wheel.project->areas()->back() ? value : 0);
-        wheel.display();
-
-        QString picture;
-        for (const int distance : {-30, -60, -150, -225, 30, 60, 150, 225}) {
-            const bool beyond = std::abs(distance) > 210;
-            const QChar name = beyond ? u'0' : distance < 0 ? u'3' : u'7';
-            const QColor bare =
-                beyond ? wheel.palette().window().color() : wheel.colors()[distance < 0 ? 3 : 7];
-            const QRgb seen = wheel.screenshot().pixel(wheel.at(-distance * 4 / 10, distance * 9 / 10));
-            const int pale = qRound(0.7 * 255 + 0.3 * bare.green());
-            picture += seen == bare.rgb() ? name : std::abs(qGreen(seen) - pale) < 3 ? u'P' : u'?';
+        wheel.project->areas()->at(3)->setValueOfArea(-1); // no sector at all
+        QStringList pictures; // pale or not from the rim of slice 3 through the centre and out of slice 7
+        for (const qint32 value : {-1, 0, 5, 9, 1000, 102'261'125, -5, 102'261'126}) {
+            wheel.project->areas()->back()->setValueOfArea(value);
+            wheel.display();
+            pictures += QString();
+            for (const int radius : {-225, -150, -60, -30, -15, 15, 30, 60, 150, 225}) {
+                const QColor slice = wheel.colors()[radius < 0 ? 3 : 7];
+                const QColor bare = std::abs(radius) > 210 ? wheel.palette().window().color() : slice;
+                const QColor seen = wheel.seenAt(radius, /*angle=*/114);
+                const bool isPale = std::abs(seen.green() - 0.7 * 255 - 0.3 * bare.green()) < 3;
+                pictures.back() += seen.rgb() == bare.rgb() ? u'.' : isPale ? u'P' : u'?';
+            }
         }
-        QTEST(picture, "picture");
+        QCOMPARE(pictures, u".......... .....P.... .....PPP.. .....PPPP. .....PPPPP .....PPPPP "
+                           "..PPP..... PPPPP....."_s.split(u' '));
+    }
+
+    void ringMarksTheSliceReachedByKeyboardOnly()
+    {
+        WheelOnScreen wheel;
+        const auto isRinged = [&](int slice) { // by a dark line just within the rim
+            wheel.display();
+            return wheel.seenAt(203, 67.5 - 45 * slice).lightness() < 40;
+        };
+        wheel.clearFocus();
+        wheel.setFocus(Qt::TabFocusReason);
+        QVERIFY(isRinged(0));
+        wheel.click(100, -20);
+        QVERIFY(!isRinged(0) && !isRinged(2));
+        QTest::keyClick(&wheel, Qt::Key_Right);
+        QTest::keyClick(&wheel, Qt::Key_Left);
+        QVERIFY(!isRinged(0) && isRinged(2));
+    }
+
+    void assistiveToolsHearOfChangesAndReadThem()
+    {
+        WheelOnScreen wheel;
+        wheel.clearFocus();
+        QCoreApplication::processEvents();
+        wheel.announcements.clear();
+        wheel.project->areas()->at(2)->setName(u"Health"_s);
+        wheel.project->areas()->at(4)->setValueOfArea(9);
+        wheel.display();
+        wheel.setPercentTexts({u"75"_s});
+        wheel.setFocus(Qt::TabFocusReason);
+        QCoreApplication::processEvents();
+        QTest::keyClick(&wheel, Qt::Key_Right);
+        using enum QAccessible::Event;
+        const decltype(wheel.announcements) expected = {
+            {NameChanged, 2}, {ValueChanged, 4}, {DescriptionChanged, 0}, {Focus, 0}, {Focus, 1}};
+        QCOMPARE(wheel.announcements, expected);
+        const auto slice = [&](int index) { return wheel.graphic->child(index); };
+        QCOMPARE(slice(2)->text(QAccessible::Name), u"Health"_s);
+        QCOMPARE(slice(4)->text(QAccessible::Value), u"9"_s);
+        QCOMPARE(slice(0)->text(QAccessible::Description), u"75 percent of goals done"_s);
+        QCOMPARE(wheel.graphic->focusChild(), slice(1));
+        QVERIFY(slice(1)->state().focused && !slice(0)->state().focused);
+    }
+
+    void eachAreaIsAChildThatLiesAndActsLikeItsSlice()
+    {
+        WheelOnScreen wheel;
+        for (int index = 0; index < 8; ++index) {
+            QAccessibleInterface *slice = wheel.graphic->child(index);
+            slice->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+            const QRect rect = slice->rect();
+            for (const QPoint &point :
+                 {rect.topLeft(), rect.topRight(), rect.bottomLeft(), rect.bottomRight()})
+                QCOMPARE(wheel.graphic->childAt(point.x(), point.y()), slice);
+        }
+        QVERIFY(!wheel.graphic->childAt(wheel.x() + 3, wheel.y() + 3));
+        QCOMPARE(wheel.reports, u"a0 b1 c2 d3 e4 f5 g6 h7 "_s);
     }
 };
 
