@@ -113,7 +113,8 @@ class Display:
         return name == title
 
     def keys(self, *names):
-        subprocess.run(["xdotool", "key", "--delay", "30", *names], env=self.environment(), check=True)
+        """Presses keys one after the other, as fast as a person would: a button shows its press for a moment."""
+        subprocess.run(["xdotool", "key", "--delay", "120", *names], env=self.environment(), check=True)
 
     def click(self, title, x, y, button=1):
         """Clicks at a place inside the window of that title."""

@@ -67,12 +67,6 @@ void TarvexDocument::updatePercentValues()
     m_wheelView->setPercentTexts(texts);
 }
 
-void TarvexDocument::showAreaDetails(const TVXAreaPtr &, int)
-{
-    if (const TVXProjectPtr mainData = m_wheelView->mainData())
-        mainData->goals()->clear();
-}
-
 TarvexDocument *TarvexDocument::currentDocument() const
 {
     return m_controller.documentOfWindow(m_controller.mainWindow());

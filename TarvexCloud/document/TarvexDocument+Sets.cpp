@@ -17,7 +17,7 @@ void TarvexDocument::addNewProject()
 {
     if (const TarvexDocument *current = documentToBorrowFrom())
         m_wndProjectName = current->m_wndProjectName;
-    if (!m_wndProjectName || m_controller.isBusy())
+    if (!m_wndProjectName || !mayOpenSheet())
         return;
     m_wndProjectName->askForName(QStringLiteral(""), ProjectNameSheet::tagOfNewSet);
     beginSheet(m_wndProjectName);
@@ -30,7 +30,7 @@ void TarvexDocument::editCurrentProject()
         m_wheelView = current->m_wheelView;
         m_listOfProjects = current->m_listOfProjects;
     }
-    if (!m_wndProjectName || m_controller.isBusy())
+    if (!m_wndProjectName || !mayOpenSheet())
         return;
     m_wndProjectName->askForName(QStringLiteral(""), ProjectNameSheet::tagOfNewSet);
     const TVXSetsPtr set = selectedSet();
@@ -96,7 +96,7 @@ void TarvexDocument::projectNameSheetClickedCancel()
 
 void TarvexDocument::deleteCurrentProject()
 {
-    if (!m_deleteAlert || m_controller.isBusy())
+    if (!m_deleteAlert || !mayOpenSheet())
         return;
     m_deleteAlert->setTexts(QStringLiteral("Delete?"), QStringLiteral("Delete current Set of Goals?"),
                             QStringLiteral("Delete"), QStringLiteral("Cancel"));

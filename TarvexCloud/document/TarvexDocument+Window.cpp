@@ -57,6 +57,7 @@ void TarvexDocument::connectOutlets()
 
     m_wndProjectName = new ProjectNameSheet(m_window.get());
     m_deleteAlert = new AlertSheet(m_window.get());
+    makeSheetControllers();
 
     m_wndSignIn = new SignInSheet(m_window.get());
     m_indicator = m_wndSignIn->findChild<BusyIndicator *>(QStringLiteral("indicator"));
@@ -93,6 +94,8 @@ void TarvexDocument::connectActions()
     command("actionNewSet", &TarvexDocument::addNewProject);
     command("actionRenameSet", &TarvexDocument::editCurrentProject);
     command("actionDeleteSet", &TarvexDocument::deleteCurrentProject);
+    command("actionRandomGoal", &TarvexDocument::getRandomGoal);
+    command("actionRenameAreas", &TarvexDocument::renameAreas);
 }
 
 void TarvexDocument::windowControllerDidLoadNib()
@@ -125,6 +128,21 @@ TarvexView *TarvexDocument::wheelView() const
 SourcedComboBox *TarvexDocument::listOfProjects() const
 {
     return m_listOfProjects;
+}
+
+Sheet *TarvexDocument::wndAreaDetails() const
+{
+    return m_wndAreaDetails;
+}
+
+Sheet *TarvexDocument::wndRenameAreas() const
+{
+    return m_wndRenameAreas;
+}
+
+Sheet *TarvexDocument::wndNextGoals() const
+{
+    return m_wndNextGoals;
 }
 
 Sheet *TarvexDocument::wndSignIn() const

@@ -34,7 +34,7 @@ void TarvexDocument::getUserNameAndPassword()
 
 void TarvexDocument::signInAgain()
 {
-    if (m_controller.isBusy() || m_wndSignIn->isBegun())
+    if (!mayOpenSheet())
         return;
     m_textSignInErrorMessage->setText(QStringLiteral(""));
     beginSheet(m_wndSignIn);

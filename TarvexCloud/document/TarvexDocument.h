@@ -1,5 +1,6 @@
 #pragma once
 
+#include "RenameAreasWindowController.h"
 #include "SourcedComboBox.h"
 #include "TVXProject.h"
 #include "WheelParent.h"
@@ -11,6 +12,7 @@
 #include <QTimer>
 
 class AlertSheet;
+class AreaWindowController;
 class BusyIndicator;
 class DialArea;
 class DocumentController;
@@ -20,6 +22,7 @@ class ProjectNameSheet;
 class QLabel;
 class QLineEdit;
 class QMainWindow;
+class RandomGoalWindowController;
 class RotatedLabel;
 class Sheet;
 class SignInSheet;
@@ -32,7 +35,7 @@ class TarvexView;
 /// Start-up and sign-in are defined in TarvexDocument.cpp, the loading and showing of the data and the set
 /// selector in TarvexDocument+Selector.cpp, the commands on sets in TarvexDocument+Sets.cpp, the other sheets
 /// in TarvexDocument+Sheets.cpp, the window's making and closing in TarvexDocument+Window.cpp.
-class TarvexDocument : public QObject, public WheelParent, public ComboBoxDataSource
+class TarvexDocument : public QObject, public WheelParent, public ComboBoxDataSource, public RenameAreasParent
 {
     Q_OBJECT
 public:
@@ -57,10 +60,11 @@ public:
     /// Fetches the project's sets, then its areas.
     void startGettingData();
     /// Puts the area names into their labels; labels without an area keep what they show.
-    void setNamesForAreasOnWindow();
+    void setNamesForAreasOnWindow() override;
     /// Shows the selected set's percents and their average; with no set selected nothing changes.
     void updatePercentValues() override;
-    /// Takes a click on a slice. The area may be empty.
+    /// Takes a click on a slice and opens the area's details; nothing happens while another sheet is up. The
+    /// area may be empty.
     void showAreaDetails(const TVXAreaPtr &area, int ofIndex) override;
     /// The document of the application's main window, or null.
     TarvexDocument *currentDocument() const;
@@ -72,9 +76,12 @@ public:
     /// The first set whose name is the very same string object, not an equal one; 0 where there is none.
     int comboBoxIndexOfItemWithStringValue(const SourcedComboBox *comboBox, const QString &string) const;
 
-    TarvexView *wheelView() const;
+    TarvexView *wheelView() const override;
     SourcedComboBox *listOfProjects() const;
     Sheet *wndSignIn() const;
+    Sheet *wndAreaDetails() const;
+    Sheet *wndRenameAreas() const;
+    Sheet *wndNextGoals() const;
     ProjectNameSheet *wndProjectName() const;
     MessageLine *textSignInErrorMessage() const;
     const QString &loginUserName() const { return m_loginUserName; }
@@ -109,6 +116,10 @@ public Q_SLOTS:
     /// The end of that question; only AlertSheet::defaultReturn deletes. Nothing selected means the first
     /// set.
     void alertDeleteCurrentprojectEded(AlertSheet *alert, int code, void *context);
+    /// Opens the rename-areas sheet for the wheel on show.
+    void renameAreas();
+    /// Opens the random-goal sheet for the current set; without one it does nothing.
+    void getRandomGoal();
 
     void comboBoxSelectionDidChange();
     void comboBoxWillDismiss();
@@ -117,6 +128,8 @@ public Q_SLOTS:
 private:
     void connectOutlets();
     void connectActions();
+    void makeSheetControllers();
+    bool mayOpenSheet() const;
     void beginSheet(Sheet *sheet);
     TarvexDocument *documentToBorrowFrom() const;
     void createSet(const QString &name);
@@ -145,6 +158,12 @@ private:
     // Outlets, owned by the window; those of another document after a fallback to it.
     QPointer<ProjectNameSheet> m_wndProjectName;
     QPointer<AlertSheet> m_deleteAlert;
+    QPointer<Sheet> m_wndAreaDetails;
+    QPointer<AreaWindowController> m_areaController;
+    QPointer<Sheet> m_wndRenameAreas;
+    QPointer<RenameAreasWindowController> m_renameController;
+    QPointer<Sheet> m_wndNextGoals;
+    QPointer<RandomGoalWindowController> m_randomGoalController;
     QPointer<SignInSheet> m_wndSignIn;
     std::array<QPointer<ElidedLabel>, areaCount> m_labels;
     std::array<QPointer<RotatedLabel>, areaCount> m_percentLabels;

@@ -39,6 +39,10 @@ public:
 
     /// The same eight texts by area index, 0 to 7; any other index throws std::out_of_range.
     const QString &percentOfArea(int index) const { return m_percents.at(static_cast<std::size_t>(index)); }
+    void setPercentOfArea(int index, const QString &percent)
+    {
+        m_percents.at(static_cast<std::size_t>(index)) = percent;
+    }
 
 private:
     static QString emptyText() { return QStringLiteral(""); }

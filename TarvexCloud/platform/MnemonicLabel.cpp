@@ -1,9 +1,6 @@
 #include "MnemonicLabel.h"
 
-MnemonicLabel::MnemonicLabel(QWidget *parent) : QLabel(parent)
-{
-    setTextFormat(Qt::PlainText);
-}
+MnemonicLabel::MnemonicLabel(QWidget *parent) : ElidedLabel(parent) {}
 
 void MnemonicLabel::setTitleWithMnemonic(const QString &title)
 {

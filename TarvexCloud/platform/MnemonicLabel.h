@@ -1,10 +1,10 @@
 #pragma once
 
-#include <QLabel>
+#include "ElidedLabel.h"
 
 /// A plain label whose title goes through mnemonic processing: "&&" shows one ampersand and a single "&"
 /// none. It underlines nothing and is nobody's shortcut. It also carries a number for its owner, its tag.
-class MnemonicLabel : public QLabel
+class MnemonicLabel : public ElidedLabel
 {
     Q_OBJECT
 public:

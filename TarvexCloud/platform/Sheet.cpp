@@ -51,6 +51,11 @@ void Sheet::attach()
     if (m_window && m_window->windowHandle())
         windowHandle()->setTransientParent(m_window->windowHandle());
     open();
+    // A sheet that comes up again at once may still count as active, and is then not told of it anew.
+    QTimer::singleShot(0, this, [this] {
+        if (isVisible() && isActiveWindow())
+            Q_EMIT didBecomeKey();
+    });
 }
 
 void Sheet::endSheet()

@@ -26,7 +26,8 @@ public:
 
 Q_SIGNALS:
     void cancelRequested();
-    /// The sheet has become the active window: at its showing, and whenever the focus comes back to it.
+    /// The sheet has become the active window: at its showing, perhaps twice, and whenever the focus comes
+    /// back to it.
     void didBecomeKey();
 
 protected:

@@ -24,9 +24,10 @@ class User:
     def sees(self, title):
         wait_for(f"the window {title!r} to be active", lambda: self.display.active(title))
 
-    def expects(self, expected, element, kind, more=""):
+    def expects(self, expected, element, kind, more="", last=False):
         def arrived():
-            found.append(self.service.texts(element, kind, *SAMPLE, more))
+            texts = self.service.texts(element, kind, *SAMPLE, more)
+            found.append(texts[-1] if last else texts)
             return found[-1] == expected
 
         found = []
@@ -42,6 +43,21 @@ class User:
         self.display.type(SAMPLE[1])
         self.display.keys("Return")
         self.sees(MAIN)
+
+    def edits_an_area(self):
+        where = "&p4=%s&p5=%s" % (self.service.texts("id", "get-sets", *SAMPLE)[0],
+                                  self.service.texts("id", "get-areas", *SAMPLE)[1])
+        names = self.service.texts("name", "get-goals", *SAMPLE, where)
+        values = self.service.texts("value", "get-areas", *SAMPLE)
+        self.display.click(MAIN, 530, 300)  # the second slice
+        self.sees("Area")
+        self.display.keys("alt+a", "F2")
+        self.display.type("Learn to juggle")
+        self.display.keys("Return", "space", "alt+v", "End", "alt+s")
+        self.sees(MAIN)
+        self.expects([*names, "Learn to juggle"], "name", "get-goals", where)
+        self.expects("y", "checked", "get-goals", where, last=True)
+        self.expects([values[0], "8", *values[2:]], "value", "get-areas")
 
     def manages_sets(self):
         names = self.service.texts("name", "get-sets", *SAMPLE)
@@ -64,6 +80,29 @@ class User:
         self.sees(MAIN)
         self.expects(names, "name", "get-sets")
 
+    def renames_an_area(self):
+        names = self.service.texts("name", "get-areas", *SAMPLE)
+        self.display.keys("ctrl+shift+r")
+        self.sees("Rename Areas")
+        self.display.keys("Tab", "Tab", "ctrl+a")
+        self.display.type("Money: all of it")
+        self.display.keys("Return")
+        self.sees(MAIN)
+        self.expects([*names[:2], "Money{_dp_} all of it", *names[3:]], "name", "get-areas")
+
+    def marks_a_random_goal_done(self):
+        def goals_of_first_set(element):
+            first = self.service.texts("id", "get-sets", *SAMPLE)[0]
+            return self.service.texts(element, "get-complex-goals-for-sets", *SAMPLE, f"&p4={first}")
+
+        before = goals_of_first_set("checked").count("y")
+        self.display.keys("ctrl+g")
+        self.sees("Random Goal")
+        self.display.keys("alt+d")
+        wait_for("the goal to be done", lambda: goals_of_first_set("checked").count("y") == before + 1)
+        self.display.keys("Escape")
+        self.sees(MAIN)
+
 
 def main():
     server, client = sys.argv[1:]
@@ -74,7 +113,10 @@ def main():
         try:
             user = User(display, service)
             user.signs_in()
+            user.edits_an_area()
             user.manages_sets()
+            user.renames_an_area()
+            user.marks_a_random_goal_done()
             display.keys("ctrl+q")
             if process.wait(timeout=10) != 0:
                 raise SystemExit("The client did not end well.")

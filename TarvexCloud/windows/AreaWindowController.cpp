@@ -1,0 +1,321 @@
+#include "AreaWindowController.h"
+
+#include "AreaValueSlider.h"
+#include "BusyIndicator.h"
+#include "GoalTableModel.h"
+#include "GoalTableView.h"
+#include "MnemonicLabel.h"
+#include "Sheet.h"
+#include "SheetBusyScope.h"
+#include "SheetStyle.h"
+#include "TarvexView.h"
+#include "TVXAlert.h"
+#include "TVXManager.h"
+#include "WindowServices.h"
+#include "Words.h"
+
+#include "ui_AreaSheet.h"
+
+#include <QPushButton>
+
+/// Shows alerts and notes that it did: the only sign of a request that got no answer.
+class AreaWindowController::NotingAlert : public TVXAlert
+{
+public:
+    explicit NotingAlert(TVXAlert &shown) : m_shown(shown) {}
+
+    void showError(const QString &description) override
+    {
+        wasShown = true;
+        m_shown.showError(description);
+    }
+
+    bool wasShown = false;
+
+private:
+    TVXAlert &m_shown;
+};
+
+AreaWindowController::AreaWindowController(WindowServices &services, Sheet *thisWindow)
+    : m_services(services), m_thisWindow(thisWindow)
+{
+    connect(thisWindow, &Sheet::didBecomeKey, this, &AreaWindowController::windowDidBecomeKey);
+    connect(thisWindow, &Sheet::cancelRequested, this, &AreaWindowController::closeAreaDetailsWindow);
+}
+
+AreaWindowController::~AreaWindowController() = default;
+
+void AreaWindowController::buildContents()
+{
+    if (m_save)
+        return;
+    Ui::AreaSheet ui;
+    ui.setupUi(m_thisWindow);
+    m_labelAreaName = ui.labelAreaName;
+    m_labelSetName = ui.labelSetName;
+    m_sliderOfArea = ui.sliderOfArea;
+    m_labelRating = ui.labelRating;
+    m_tableViewTargets = ui.tableViewTargets;
+    m_labelState = ui.labelState;
+    m_downloadIndicator = ui.downloadIndicator;
+    m_areaIndicator = ui.areaIndicator;
+    m_addGoal = ui.buttonAddGoal;
+    m_removeGoal = ui.buttonRemoveGoal;
+    SheetStyle::makeTitle(m_labelAreaName);
+    m_goalModel = new GoalTableModel([this] { return goals(); }, this);
+    m_tableViewTargets->setGoals(m_goalModel);
+    m_save = ui.areaButtons->addButton(tr("&Save"), QDialogButtonBox::AcceptRole);
+    QPushButton *cancel = ui.areaButtons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
+    m_save->setDefault(true);
+    for (QPushButton *other : {m_addGoal, m_removeGoal, cancel})
+        other->setAutoDefault(false);
+    // A button that takes the focus by a click would commit the cell that is still being typed into.
+    for (QPushButton *button : {m_save, cancel, m_addGoal, m_removeGoal})
+        button->setFocusPolicy(Qt::TabFocus);
+    SheetStyle::setTabOrderAsShown(ui.areaButtons);
+    connectControls(cancel);
+}
+
+void AreaWindowController::connectControls(QPushButton *cancel)
+{
+    connect(m_save, &QPushButton::clicked, this, &AreaWindowController::closeAndSavedetailsWindow);
+    connect(cancel, &QPushButton::clicked, this, &AreaWindowController::closeAreaDetailsWindow);
+    connect(m_addGoal, &QPushButton::clicked, this, &AreaWindowController::addNewGoal);
+    connect(m_removeGoal, &QPushButton::clicked, this, &AreaWindowController::removeSelectedGoal);
+    connect(m_tableViewTargets, &GoalTableView::removalRequested, this, [this] {
+        if (m_removeGoal->isEnabled())
+            removeSelectedGoal();
+    });
+    connect(m_tableViewTargets, &GoalTableView::editingChanged, this, &AreaWindowController::showState);
+    connect(m_tableViewTargets->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &AreaWindowController::showState);
+    connect(m_goalModel, &GoalTableModel::dataChanged, this, &AreaWindowController::showState);
+    connect(m_sliderOfArea, &QSlider::valueChanged, this, &AreaWindowController::showRating);
+}
+
+TarvexView *AreaWindowController::wheelView() const
+{
+    return m_wheelView;
+}
+
+void AreaWindowController::setWheelView(TarvexView *view)
+{
+    m_wheelView = view;
+}
+
+TVXProjectPtr AreaWindowController::mainData() const
+{
+    return m_wheelView ? m_wheelView->mainData() : nullptr;
+}
+
+std::shared_ptr<TVXGoalList> AreaWindowController::goals() const
+{
+    const TVXProjectPtr project = mainData();
+    return project ? project->goals() : nullptr;
+}
+
+void AreaWindowController::setIsAlreadyLoadedDatas(bool loaded)
+{
+    m_isAlreadyLoadedDatas = loaded;
+    if (loaded)
+        return;
+    m_isLoadedWell = false;
+    m_hasLoadFailed = false;
+    if (!m_save)
+        return;
+    m_goalModel->reloadData();
+    m_labelSetName->clear();
+    showState();
+}
+
+void AreaWindowController::windowDidBecomeKey()
+{
+    if (m_isAlreadyLoadedDatas || !mainData())
+        return;
+    m_isAlreadyLoadedDatas = true;
+    const QPointer self(this); // the document may be gone by then
+    m_services.runWhenIdle(
+        [self] {
+            if (self && self->m_thisWindow->isBegun())
+                self->load();
+        },
+        [self] {
+            if (!self)
+                return;
+            self->m_hasLoadFailed = true;
+            self->m_goalModel->reloadData();
+            self->showState();
+        });
+}
+
+void AreaWindowController::load()
+{
+    TVXGoalList &list = *goals();
+    list.clear();
+    m_goalModel->reloadData();
+    NotingAlert alert(m_services.alert());
+    TVXAreaPtr area;
+    {
+        const SheetBusyScope busy(m_thisWindow, m_downloadIndicator);
+        area = mainData()->areas()->at(static_cast<std::size_t>(m_areaIndex));
+        const TVXSetsPtr set = mainData()->sets()->at(static_cast<std::size_t>(m_setsIndex));
+        m_labelSetName->setText(set->name());
+        TVXManager manager(m_services.exchange(), alert);
+        manager.getGoalsFormServeByUsingLogin(m_loginUserName, m_loginPassword,
+                                              /*forArea=*/area->idOfArea(), /*forSets=*/set->idOfSets(),
+                                              list);
+        m_idsForRemove.clear();
+        for (const TVXGoalPtr &goal : list)
+            m_idsForRemove.push_back(static_cast<qint32>(goal->idOfGoal()));
+    }
+    m_hasLoadFailed = alert.wasShown;
+    m_isLoadedWell = !alert.wasShown;
+    showArea(area);
+}
+
+void AreaWindowController::showArea(const TVXAreaPtr &area)
+{
+    m_tableViewTargets->setHidden(false);
+    m_sliderOfArea->setIntegerValue(area->valueOfArea());
+    QString title = area->name();
+    m_labelAreaName->setTitleWithMnemonic(title.replace(u'&', QStringLiteral("&&")));
+    m_labelAreaName->setTag(m_areaIndex);
+    m_goalModel->reloadData();
+    showRating();
+    showState();
+    if (m_goalModel->rowCount() > 0)
+        m_tableViewTargets->showRow(/*row=*/0);
+    m_tableViewTargets->setFocus();
+}
+
+void AreaWindowController::closeAndSavedetailsWindow()
+{
+    m_services.runAction(
+        [this] {
+            if (m_thisWindow->isBegun())
+                save();
+        },
+        [this] {
+            m_hasLoadFailed = true;
+            showState();
+        });
+}
+
+void AreaWindowController::save()
+{
+    m_tableViewTargets->abortEditing();
+    {
+        const SheetBusyScope busy(m_thisWindow, m_areaIndicator);
+        const TVXProjectPtr project = mainData();
+        const TVXAreaPtr area = project->areas()->at(static_cast<std::size_t>(m_labelAreaName->tag()));
+        const qint32 value = m_sliderOfArea->integerValue();
+        area->setValueOfArea(value);
+        TVXManager manager(m_services.exchange(), m_services.alert());
+        manager.setAreaValueOnServerByUsingLogin(m_loginUserName, m_loginPassword,
+                                                 /*forArea=*/area->idOfArea(), /*newValue=*/value);
+        const TVXSetsPtr set = project->sets()->at(static_cast<std::size_t>(m_setsIndex));
+        manager.createGoalsUsingLogin(m_loginUserName, m_loginPassword, *project->goals(),
+                                      /*forSetsId=*/set->idOfSets(), /*forAreaId=*/area->idOfArea());
+        manager.deleteGoalsByIdUsingLogin(m_loginUserName, m_loginPassword, m_idsForRemove);
+        storePercent(*set);
+    }
+    emptyAndClose();
+    if (WheelParent *document = m_wheelView->theParent())
+        document->updatePercentValues();
+    m_wheelView->display();
+}
+
+void AreaWindowController::storePercent(TVXSets &set) const
+{
+    const TVXGoalList &list = *goals();
+    std::size_t done = 0;
+    for (const TVXGoalPtr &goal : list)
+        done += goal->isChecked() ? 1U : 0U;
+    const std::size_t percent = list.empty() ? 100 : done * 100 / list.size();
+    const qint64 index = m_labelAreaName->tag();
+    if (index >= 0 && index < TVXSets::areaCount)
+        set.setPercentOfArea(static_cast<int>(index), QString::number(percent));
+}
+
+void AreaWindowController::closeAreaDetailsWindow()
+{
+    m_services.runAction(
+        [this] {
+            m_tableViewTargets->abortEditing();
+            emptyAndClose();
+            if (m_wheelView)
+                m_wheelView->display();
+        },
+        [] {});
+}
+
+void AreaWindowController::emptyAndClose()
+{
+    if (const auto list = goals())
+        list->clear();
+    m_goalModel->reloadData();
+    m_thisWindow->endSheet();
+}
+
+void AreaWindowController::addNewGoal()
+{
+    const std::shared_ptr<TVXGoalList> list = goals();
+    if (!list || m_services.isBusy())
+        return;
+    m_tableViewTargets->commitEditing();
+    auto goal = std::make_shared<TVXGoal>();
+    goal->setIdOfGoal(static_cast<qint64>(list->size()) + 1); // a placeholder that is never sent
+    goal->setNameOfGoal(QStringLiteral("New Goal"));
+    goal->setPriorityOfGoal(*Words::priorityOfWord(QStringLiteral("Normal")));
+    m_goalModel->addGoal(goal);
+    m_tableViewTargets->showRow(m_goalModel->rowCount() - 1);
+    m_tableViewTargets->setFocus();
+    showState();
+}
+
+void AreaWindowController::removeSelectedGoal()
+{
+    m_services.runAction(
+        [this] {
+            if (!goals())
+                return;
+            m_tableViewTargets->abortEditing();
+            const int row = m_tableViewTargets->selectedRow();
+            m_goalModel->removeGoalAtRow(row);
+            if (m_goalModel->rowCount() > 0)
+                m_tableViewTargets->showRow(row);
+            showState();
+        },
+        [] {});
+}
+
+void AreaWindowController::showRating()
+{
+    const qint32 value = m_sliderOfArea->integerValue();
+    const QString word = Words::rating(value);
+    m_labelRating->setText(word.isEmpty() ? QString::number(value)
+                                          : QString::number(value) + QStringLiteral(" - ") + word);
+}
+
+void AreaWindowController::showState()
+{
+    const bool isLoading = !m_isLoadedWell && !m_hasLoadFailed;
+    const int count = m_goalModel->rowCount();
+    QString state;
+    if (m_hasLoadFailed)
+        state =
+            tr("The goals could not be loaded, so nothing can be saved. Cancel, then open the area again.");
+    else if (isLoading)
+        state = tr("Loading the goals…");
+    else if (m_tableViewTargets->isEditingText())
+        state = tr("Return keeps the text, Escape drops it.");
+    else if (count > 0)
+        state = tr("%1 of %2 done").arg(m_goalModel->doneCount()).arg(count);
+    m_labelState->setText(state);
+    m_tableViewTargets->setPlaceholder(m_isLoadedWell ? tr("No goals yet") : QString());
+    m_save->setEnabled(m_isLoadedWell);
+    m_save->setToolTip(m_hasLoadFailed ? state : QString());
+    m_addGoal->setEnabled(m_isLoadedWell);
+    m_sliderOfArea->setEnabled(m_isLoadedWell);
+    m_removeGoal->setEnabled(m_isLoadedWell && m_tableViewTargets->selectedRowCount() > 0);
+}

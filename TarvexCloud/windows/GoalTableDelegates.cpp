@@ -1,0 +1,140 @@
+#include "GoalTableDelegates.h"
+
+#include "ElidedLabel.h"
+#include "Words.h"
+
+#include <limits>
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QHelpEvent>
+#include <QLineEdit>
+#include <QPainter>
+#include <QTimer>
+#include <QToolTip>
+
+namespace {
+
+const QStyle *styleOf(const QStyleOptionViewItem &option)
+{
+    return option.widget ? option.widget->style() : QApplication::style();
+}
+
+} // namespace
+
+void GoalCheckDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                              const QModelIndex &index) const
+{
+    QStyleOptionViewItem cell = option;
+    initStyleOption(&cell, index);
+    cell.features &= ~QStyleOptionViewItem::HasCheckIndicator;
+    const QStyle *style = styleOf(cell);
+    style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
+
+    const QSize size(style->pixelMetric(QStyle::PM_IndicatorWidth, &cell, cell.widget),
+                     style->pixelMetric(QStyle::PM_IndicatorHeight, &cell, cell.widget));
+    cell.rect = QStyle::alignedRect(cell.direction, Qt::AlignCenter, size, option.rect);
+    cell.state.setFlag(QStyle::State_HasFocus, false);
+    cell.state.setFlag(QStyle::State_On, cell.checkState == Qt::Checked);
+    cell.state.setFlag(QStyle::State_Off, cell.checkState != Qt::Checked);
+    style->drawPrimitive(QStyle::PE_IndicatorItemViewItemCheck, &cell, painter, cell.widget);
+}
+
+bool GoalCheckDelegate::editorEvent(QEvent *event, QAbstractItemModel *model, const QStyleOptionViewItem &,
+                                    const QModelIndex &index)
+{
+    if (event->type() != QEvent::MouseButtonRelease)
+        return false;
+    const auto *mouse = static_cast<QMouseEvent *>(event);
+    if (mouse->button() != Qt::LeftButton || mouse->modifiers() != Qt::NoModifier)
+        return false;
+    return model->setData(index, {}, Qt::CheckStateRole);
+}
+
+QWidget *GoalTextDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &,
+                                        const QModelIndex &) const
+{
+    auto *field = new QLineEdit(parent);
+    field->setMaxLength(std::numeric_limits<int>::max());
+    field->setAccessibleName(tr("Goal text"));
+    return field;
+}
+
+void GoalTextDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
+{
+    static_cast<QLineEdit *>(editor)->setText(index.data(Qt::EditRole).toString());
+}
+
+void GoalTextDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,
+                                    const QModelIndex &index) const
+{
+    const auto *field = static_cast<QLineEdit *>(editor);
+    if (field->isModified())
+        model->setData(index, field->text());
+}
+
+bool GoalTextDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
+                                 const QStyleOptionViewItem &option, const QModelIndex &index)
+{
+    if (event->type() != QEvent::ToolTip || !index.isValid())
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    const QString text = index.data(Qt::EditRole).toString();
+    const bool isWhole =
+        !text.contains(u'\n') && sizeHint(option, index).width() <= view->visualRect(index).width();
+    QToolTip::showText(event->globalPos(), isWhole ? QString() : plainToolTip(text), view);
+    return true;
+}
+
+GoalPriorityPopUp::GoalPriorityPopUp(QWidget *parent) : QComboBox(parent)
+{
+    addItems(Words::priorities());
+    // The list can be left in many ways; all of them hide its frame.
+    view()->parentWidget()->installEventFilter(this);
+    QTimer::singleShot(0, this, [this] {
+        if (isVisible())
+            showPopup();
+    });
+}
+
+bool GoalPriorityPopUp::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Hide)
+        QTimer::singleShot(0, this, &GoalPriorityPopUp::dismissed); // a choice is reported after the hiding
+    return QComboBox::eventFilter(watched, event);
+}
+
+QWidget *GoalPriorityDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &,
+                                            const QModelIndex &) const
+{
+    auto *popUp = new GoalPriorityPopUp(parent);
+    popUp->setAccessibleName(tr("Priority"));
+    auto *self = const_cast<GoalPriorityDelegate *>(this); // the toolkit makes editors in const delegates
+    connect(popUp, &QComboBox::activated, self, [self, popUp] { self->commitAndClose(popUp); });
+    connect(popUp, &GoalPriorityPopUp::dismissed, self, [self, popUp] { self->dismiss(popUp); });
+    return popUp;
+}
+
+void GoalPriorityDelegate::commitAndClose(QWidget *popUp)
+{
+    Q_EMIT commitData(popUp);
+    Q_EMIT closeEditor(popUp);
+}
+
+void GoalPriorityDelegate::dismiss(QWidget *popUp)
+{
+    if (popUp->isVisible())
+        Q_EMIT closeEditor(popUp, RevertModelCache);
+}
+
+void GoalPriorityDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
+{
+    auto *popUp = static_cast<QComboBox *>(editor);
+    popUp->setCurrentIndex(popUp->findText(index.data(Qt::EditRole).toString()));
+}
+
+void GoalPriorityDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,
+                                        const QModelIndex &index) const
+{
+    const auto *popUp = static_cast<const QComboBox *>(editor);
+    if (popUp->currentIndex() >= 0)
+        model->setData(index, popUp->currentText());
+}

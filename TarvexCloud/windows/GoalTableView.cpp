@@ -1,0 +1,191 @@
+#include "GoalTableView.h"
+
+#include "GoalTableDelegates.h"
+#include "GoalTableModel.h"
+
+#include <algorithm>
+#include <QApplication>
+#include <QClipboard>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QPainter>
+
+namespace {
+constexpr int spaceInRow = 14;
+constexpr int spaceInColumn = 24;
+constexpr float placeholderStrength = 0.66F; // a contrast of more than 4.5 to 1 on black and white alike
+} // namespace
+
+GoalTableView::GoalTableView(QWidget *parent) : QTableView(parent)
+{
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(ExtendedSelection);
+    setEditTriggers(EditKeyPressed | AnyKeyPressed | DoubleClicked);
+    setTabKeyNavigation(false);
+    setShowGrid(false);
+    setWordWrap(false);
+    setVerticalScrollMode(ScrollPerPixel);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setSectionsClickable(false);
+    horizontalHeader()->setMinimumSectionSize(1);
+    setItemDelegateForColumn(GoalTableModel::CheckColumn, new GoalCheckDelegate(this));
+    setItemDelegateForColumn(GoalTableModel::GoalColumn, new GoalTextDelegate(this));
+    setItemDelegateForColumn(GoalTableModel::PriorityColumn, new GoalPriorityDelegate(this));
+    connect(this, &QTableView::clicked, this, &GoalTableView::openPopUp);
+}
+
+void GoalTableView::setGoals(GoalTableModel *goals)
+{
+    setModel(goals);
+    horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    horizontalHeader()->setSectionResizeMode(GoalTableModel::GoalColumn, QHeaderView::Stretch);
+    fitRowsAndColumns();
+}
+
+void GoalTableView::fitRowsAndColumns()
+{
+    // Rows of one height cost nothing to lay out, however many there are.
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + spaceInRow);
+    const QComboBox sample; // the room a word needs beside its arrow
+    const int words = std::max(fontMetrics().horizontalAdvance(QStringLiteral("Normal")),
+                               horizontalHeader()->sectionSizeHint(GoalTableModel::PriorityColumn));
+    setColumnWidth(GoalTableModel::PriorityColumn, words + sample.sizeHint().width() / 2);
+    setColumnWidth(GoalTableModel::CheckColumn,
+                   style()->pixelMetric(QStyle::PM_IndicatorWidth, nullptr, this) + spaceInColumn);
+}
+
+int GoalTableView::selectedRow() const
+{
+    int last = -1;
+    for (const QItemSelectionRange &range : selectionModel()->selection())
+        last = std::max(last, range.bottom());
+    return last;
+}
+
+int GoalTableView::selectedRowCount() const
+{
+    int count = 0;
+    for (const QItemSelectionRange &range : selectionModel()->selection())
+        count += range.height();
+    return count;
+}
+
+void GoalTableView::showRow(int row)
+{
+    const QModelIndex index =
+        model()->index(std::clamp(row, 0, model()->rowCount() - 1), GoalTableModel::GoalColumn);
+    setCurrentIndex(index);
+    selectRow(index.row());
+    scrollTo(index);
+}
+
+QWidget *GoalTableView::openEditor() const
+{
+    return state() == EditingState ? indexWidget(currentIndex()) : nullptr;
+}
+
+bool GoalTableView::isEditingText() const
+{
+    return openEditor() && currentIndex().column() == GoalTableModel::GoalColumn;
+}
+
+void GoalTableView::abortEditing()
+{
+    if (QWidget *editor = openEditor())
+        closeEditor(editor, QAbstractItemDelegate::RevertModelCache);
+}
+
+void GoalTableView::commitEditing()
+{
+    QWidget *editor = openEditor();
+    if (!editor)
+        return;
+    commitData(editor);
+    closeEditor(editor, QAbstractItemDelegate::NoHint);
+}
+
+void GoalTableView::setPlaceholder(const QString &text)
+{
+    m_placeholder = text;
+    viewport()->update();
+}
+
+bool GoalTableView::edit(const QModelIndex &index, EditTrigger trigger, QEvent *event)
+{
+    const bool isByKey = trigger == EditKeyPressed || trigger == AnyKeyPressed;
+    QModelIndex cell = index;
+    if (isByKey && index.column() == GoalTableModel::CheckColumn) {
+        cell = index.siblingAtColumn(GoalTableModel::GoalColumn); // a row's text is what keys edit
+        selectionModel()->setCurrentIndex(cell, QItemSelectionModel::NoUpdate);
+    }
+    const bool isHandled = QTableView::edit(cell, trigger, event);
+    if (openEditor())
+        Q_EMIT editingChanged();
+    return isHandled;
+}
+
+void GoalTableView::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint hint)
+{
+    // Tab ends the editing of this cell and opens no other.
+    const bool isTab =
+        hint == QAbstractItemDelegate::EditNextItem || hint == QAbstractItemDelegate::EditPreviousItem;
+    QTableView::closeEditor(editor, isTab ? QAbstractItemDelegate::NoHint : hint);
+    Q_EMIT editingChanged();
+}
+
+void GoalTableView::openPopUp(const QModelIndex &index)
+{
+    const bool isPlainClick = QApplication::keyboardModifiers() == Qt::NoModifier;
+    if (index.column() == GoalTableModel::PriorityColumn && isPlainClick && !openEditor())
+        edit(index, AllEditTriggers, /*event=*/nullptr);
+}
+
+void GoalTableView::copySelectedTexts() const
+{
+    QModelIndexList rows = selectionModel()->selectedRows(GoalTableModel::GoalColumn);
+    std::sort(rows.begin(), rows.end());
+    QStringList texts;
+    for (const QModelIndex &row : rows)
+        texts += row.data(Qt::EditRole).toString();
+    if (!texts.isEmpty())
+        QApplication::clipboard()->setText(texts.join(u'\n'));
+}
+
+void GoalTableView::keyPressEvent(QKeyEvent *event)
+{
+    const bool isEditing = state() == EditingState;
+    const QModelIndex current = currentIndex();
+    if (event->matches(QKeySequence::Copy)) {
+        copySelectedTexts();
+    } else if (!isEditing && event->key() == Qt::Key_Delete && event->modifiers() == Qt::NoModifier) {
+        Q_EMIT removalRequested();
+    } else if (!isEditing && event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier &&
+               current.isValid()) {
+        model()->setData(current.siblingAtColumn(GoalTableModel::CheckColumn), {}, Qt::CheckStateRole);
+    } else {
+        QTableView::keyPressEvent(event);
+    }
+}
+
+void GoalTableView::paintEvent(QPaintEvent *event)
+{
+    QTableView::paintEvent(event);
+    if (!model() || model()->rowCount() > 0)
+        return;
+    QPainter painter(viewport());
+    QColor color = palette().color(QPalette::Text);
+    color.setAlphaF(placeholderStrength);
+    painter.setPen(color);
+    painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, m_placeholder);
+}
+
+void GoalTableView::changeEvent(QEvent *event)
+{
+    QTableView::changeEvent(event);
+    if (model() && (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange))
+        fitRowsAndColumns();
+}

@@ -1,0 +1,245 @@
+#include "RandomGoalWindowController.h"
+
+#include "BusyIndicator.h"
+#include "Sheet.h"
+#include "SheetBusyScope.h"
+#include "SheetStyle.h"
+#include "SliceMark.h"
+#include "TarvexView.h"
+#include "TVXManager.h"
+#include "WindowServices.h"
+#include "WrappedLabel.h"
+
+#include "ui_RandomGoalSheet.h"
+
+#include <algorithm>
+#include <array>
+#include <QPushButton>
+
+namespace {
+
+using PercentSetter = void (TVXSets::*)(const QString &);
+constexpr std::array<PercentSetter, TVXSets::areaCount> percentSetters = {
+    &TVXSets::setPercent1, &TVXSets::setPercent2, &TVXSets::setPercent3, &TVXSets::setPercent4,
+    &TVXSets::setPercent5, &TVXSets::setPercent6, &TVXSets::setPercent7, &TVXSets::setPercent8};
+
+/// Where the first area with that id stands in the project.
+std::optional<std::size_t> indexOfArea(const TVXProjectPtr &project, qint64 id)
+{
+    if (!project)
+        return std::nullopt;
+    const TVXAreaList &areas = *project->areas();
+    const auto found = std::find_if(areas.begin(), areas.end(),
+                                    [&](const TVXAreaPtr &area) { return area->idOfArea() == id; });
+    if (found == areas.end())
+        return std::nullopt;
+    return static_cast<std::size_t>(found - areas.begin());
+}
+
+// A goal that is missing counts as one with the ids 0.
+qint64 idOf(const TVXGoalPtr &goal)
+{
+    return goal ? goal->idOfGoal() : 0;
+}
+
+qint64 idOfAreaOf(const TVXGoalPtr &goal)
+{
+    return goal ? goal->idOfArea() : 0;
+}
+
+} // namespace
+
+RandomGoalWindowController::RandomGoalWindowController(WindowServices &services, Sheet *myWindow)
+    : m_services(services), m_myWindow(myWindow)
+{
+    connect(myWindow, &Sheet::didBecomeKey, this, &RandomGoalWindowController::windowDidBecomeKey);
+    connect(myWindow, &Sheet::cancelRequested, this, &RandomGoalWindowController::closeWindow);
+}
+
+void RandomGoalWindowController::buildContents()
+{
+    if (m_labelGoal)
+        return;
+    Ui::RandomGoalSheet ui;
+    ui.setupUi(m_myWindow);
+    m_labelSet = ui.labelSet;
+    m_sliceMark = ui.sliceMark;
+    m_labelArea = ui.labelArea;
+    m_labelGoal = ui.labelGoal;
+    m_labelHint = ui.labelRandomGoalHint;
+    m_progress = ui.progress;
+    SheetStyle::makeTitle(ui.labelRandomGoalTitle);
+    QFont large = m_labelGoal->font();
+    large.setPixelSize(qRound(QFontInfo(large).pixelSize() * 1.25));
+    m_labelGoal->setFont(large);
+    m_labelGoal->setLines(/*least=*/5, /*most=*/5);
+    m_labelArea->setLines(/*least=*/1, /*most=*/2);
+
+    // Return asks for another goal: it must not mark one done by accident.
+    QPushButton *next = ui.randomGoalButtons->addButton(tr("Next Goal"), QDialogButtonBox::AcceptRole);
+    m_done = ui.randomGoalButtons->addButton(tr("Mark as &Done"), QDialogButtonBox::ActionRole);
+    QPushButton *close = ui.randomGoalButtons->addButton(tr("Close"), QDialogButtonBox::RejectRole);
+    m_done->setAutoDefault(false);
+    close->setAutoDefault(false);
+    next->setDefault(true);
+    next->setFocus();
+    SheetStyle::setTabOrderAsShown(ui.randomGoalButtons);
+    connect(next, &QPushButton::clicked, this, &RandomGoalWindowController::nextGoal);
+    connect(m_done, &QPushButton::clicked, this, &RandomGoalWindowController::done);
+    connect(close, &QPushButton::clicked, this, &RandomGoalWindowController::closeWindow);
+    showState();
+}
+
+TarvexView *RandomGoalWindowController::wheelView() const
+{
+    return m_wheelView;
+}
+
+void RandomGoalWindowController::setWheelView(TarvexView *view)
+{
+    m_wheelView = view;
+}
+
+void RandomGoalWindowController::setIsAlreadyLoaded(bool loaded)
+{
+    m_isAlreadyLoaded = loaded;
+    if (loaded)
+        return;
+    m_isWaiting = true;
+    m_wasAreaNamed = false;
+    m_indexOfArea.reset();
+    if (m_labelGoal)
+        showState();
+}
+
+void RandomGoalWindowController::windowDidBecomeKey()
+{
+    if (m_isAlreadyLoaded)
+        return;
+    const QPointer self(this); // the document may be gone by then
+    m_services.runWhenIdle(
+        [self] {
+            if (self)
+                self->loadFirstGoal();
+        },
+        [self] {
+            if (self)
+                self->showIncompleteAnswer();
+        });
+}
+
+void RandomGoalWindowController::loadFirstGoal()
+{
+    if (m_isAlreadyLoaded || !m_myWindow->isBegun())
+        return;
+    runBusy([this] {
+        showRandomGoal();
+        m_isAlreadyLoaded = true;
+    });
+}
+
+void RandomGoalWindowController::nextGoal()
+{
+    m_services.runAction([this] { runBusy([this] { showRandomGoal(); }); },
+                         [this] { showIncompleteAnswer(); });
+}
+
+void RandomGoalWindowController::done()
+{
+    const auto requests = [this] {
+        markCurrentGoalDone();
+        showRandomGoal();
+    };
+    m_services.runAction([&] { runBusy(requests); }, [this] { showIncompleteAnswer(); });
+}
+
+void RandomGoalWindowController::closeWindow()
+{
+    const auto action = [this] {
+        m_myWindow->endSheet();
+        if (!m_wheelView)
+            return;
+        if (WheelParent *parent = m_wheelView->theParent())
+            parent->updatePercentValues();
+        m_wheelView->display();
+    };
+    m_services.runAction(action, [] {});
+}
+
+void RandomGoalWindowController::runBusy(const std::function<void()> &requests)
+{
+    buildContents();
+    {
+        const SheetBusyScope busy(m_myWindow, m_progress);
+        m_myWindow->repaint(); // seen before the request leaves, however soon it is answered
+        requests();
+    }
+    showState();
+}
+
+void RandomGoalWindowController::markCurrentGoalDone()
+{
+    TVXManager manager(m_services.exchange(), m_services.alert());
+    const QString percent =
+        manager.setCheckedUsingLogin(m_loginUserName, m_loginPassword, /*goal=*/idOf(m_currentGoal));
+    if (!m_currentProject)
+        return;
+    const TVXGoalList &goals = *m_currentProject->goals();
+    const auto goal = std::find_if(goals.begin(), goals.end(), [this](const TVXGoalPtr &candidate) {
+        return candidate->idOfGoal() == idOf(m_currentGoal);
+    });
+    if (goal != goals.end())
+        (*goal)->setIsChecked(true);
+    if (percent.isEmpty() || !m_currentSet)
+        return;
+    const std::optional<std::size_t> index = indexOfArea(m_currentProject, idOfAreaOf(m_currentGoal));
+    if (index && *index < percentSetters.size())
+        (m_currentSet.get()->*percentSetters.at(*index))(percent);
+}
+
+void RandomGoalWindowController::showRandomGoal()
+{
+    TVXManager manager(m_services.exchange(), m_services.alert());
+    m_currentGoal =
+        manager.getRandomGoalUsingLogin(m_loginUserName, m_loginPassword,
+                                        /*forSetsId=*/m_currentSet ? m_currentSet->idOfSets() : 0);
+    m_labelGoal->setTitleWithMnemonic(m_currentGoal ? m_currentGoal->nameOfGoal() : QString());
+    m_isWaiting = false;
+    const TVXProjectPtr project = m_wheelView ? m_wheelView->mainData() : nullptr;
+    m_indexOfArea = indexOfArea(project, idOfAreaOf(m_currentGoal));
+    if (!m_indexOfArea)
+        return;
+    m_labelArea->setTitleWithMnemonic(project->areas()->at(*m_indexOfArea)->name());
+    m_wasAreaNamed = true;
+}
+
+bool RandomGoalWindowController::hasGoal() const
+{
+    return !m_isWaiting && m_currentGoal && !m_currentGoal->nameOfGoal().isNull();
+}
+
+void RandomGoalWindowController::showState()
+{
+    m_labelSet->setText(m_currentSet ? m_currentSet->name() : QString());
+    m_done->setEnabled(hasGoal());
+    m_labelGoal->setVisible(m_isWaiting || hasGoal());
+    // A name kept from an earlier goal stays, in grey; the words of the wait go with the wait.
+    m_labelArea->setVisible(m_isWaiting || m_wasAreaNamed);
+    m_labelArea->setEnabled(m_isWaiting || m_indexOfArea);
+    m_sliceMark->setIndex(m_indexOfArea);
+    QString hint;
+    if (!m_isWaiting && !hasGoal())
+        hint = tr("No goal to show: all may be done, or the service did not answer.");
+    else if (hasGoal() && m_currentGoal->nameOfGoal().isEmpty())
+        hint = tr("This goal has no text.");
+    m_labelHint->setText(hint);
+}
+
+void RandomGoalWindowController::showIncompleteAnswer()
+{
+    if (m_isWaiting)
+        m_currentGoal.reset(); // whatever an earlier showing left
+    m_isWaiting = false;
+    showState();
+    m_labelHint->setText(tr("The service's answer was incomplete. Choose Next Goal to try again."));
+}

@@ -1,0 +1,145 @@
+#include "RenameAreasWindowController.h"
+
+#include "BusyIndicator.h"
+#include "Sheet.h"
+#include "SheetBusyScope.h"
+#include "SheetStyle.h"
+#include "SliceMark.h"
+#include "TarvexView.h"
+#include "TVXManager.h"
+#include "WindowServices.h"
+
+#include "ui_RenameAreasSheet.h"
+
+#include <algorithm>
+#include <limits>
+#include <QPushButton>
+
+RenameAreasWindowController::RenameAreasWindowController(WindowServices &services, Sheet *myWindow)
+    : m_services(services), m_myWindow(myWindow)
+{
+    connect(myWindow, &Sheet::didBecomeKey, this, &RenameAreasWindowController::windowDidBecomeKey);
+    connect(myWindow, &Sheet::cancelRequested, this, &RenameAreasWindowController::clickCancel);
+}
+
+void RenameAreasWindowController::buildContents()
+{
+    if (m_save)
+        return;
+    Ui::RenameAreasSheet ui;
+    ui.setupUi(m_myWindow);
+    m_labelHint = ui.labelRenameAreasHint;
+    m_uploadIndicator = ui.uploadIndicator;
+    for (std::size_t k = 0; k < fieldCount; ++k) {
+        m_fields[k].textName = m_myWindow->findChild<QLineEdit *>(QStringLiteral("textName%1").arg(k + 1));
+        m_fields[k].textName->setMaxLength(std::numeric_limits<int>::max()); // cut nothing off in silence
+        m_myWindow->findChild<SliceMark *>(QStringLiteral("sliceMark%1").arg(k + 1))->setIndex(k);
+    }
+    SheetStyle::makeTitle(ui.labelRenameAreasTitle);
+    m_save = ui.renameAreasButtons->addButton(tr("Save"), QDialogButtonBox::AcceptRole);
+    QPushButton *cancel = ui.renameAreasButtons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
+    m_save->setDefault(true);
+    cancel->setAutoDefault(false);
+    SheetStyle::setTabOrderAsShown(ui.renameAreasButtons);
+    connect(m_save, &QPushButton::clicked, this, &RenameAreasWindowController::clickSaveAndClose);
+    connect(cancel, &QPushButton::clicked, this, &RenameAreasWindowController::clickCancel);
+    setIsAlreadyLoadedDatas(m_isAlreadyLoadedDatas);
+}
+
+void RenameAreasWindowController::setIsAlreadyLoadedDatas(bool loaded)
+{
+    m_isAlreadyLoadedDatas = loaded;
+    if (m_save)
+        m_save->setEnabled(loaded && areaCount() > 0);
+}
+
+std::size_t RenameAreasWindowController::areaCount() const
+{
+    return m_project ? std::min(m_project->areas()->size(), fieldCount) : 0;
+}
+
+void RenameAreasWindowController::windowDidBecomeKey()
+{
+    if (m_isAlreadyLoadedDatas)
+        return;
+    buildContents();
+    setIsAlreadyLoadedDatas(/*loaded=*/true);
+    fillFields();
+}
+
+void RenameAreasWindowController::fillFields()
+{
+    for (std::size_t k = 0; k < fieldCount; ++k) {
+        Field &field = m_fields[k];
+        const bool hasArea = k < areaCount();
+        field.filledIn = hasArea ? m_project->areas()->at(k)->name() : QString();
+        field.textName->setText(field.filledIn);
+        field.textName->setCursorPosition(0); // a long name shows its beginning
+        field.textName->setEnabled(hasArea);
+        field.shown = field.textName->text();
+    }
+    if (areaCount() == 0)
+        m_labelHint->setText(tr("The service sent no areas, so there is nothing to rename."));
+    else
+        m_labelHint->setText(tr("Areas run clockwise round the wheel, from the top."));
+    QLineEdit *first = textName1();
+    first->setFocus();
+    first->setSelection(static_cast<int>(first->text().size()), -static_cast<int>(first->text().size()));
+}
+
+void RenameAreasWindowController::clickSaveAndClose()
+{
+    const auto action = [this] {
+        buildContents();
+        {
+            const SheetBusyScope busy(m_myWindow, m_uploadIndicator);
+            saveNames();
+        }
+        m_myWindow->endSheet();
+    };
+    m_services.runAction(action, [this] { showIncompleteAnswer(); });
+}
+
+void RenameAreasWindowController::saveNames()
+{
+    if (!m_project)
+        return;
+    nameAreasAsTyped();
+    TVXAreaList &areas = *m_project->areas();
+    TVXManager manager(m_services.exchange(), m_services.alert());
+    manager.renameAreasUsingLogin(m_loginUserName, m_loginPassword, areas);
+    areas.clear();
+    manager.getAreasFormServeByUsingLogin(m_loginUserName, m_loginPassword, areas);
+    showAreasOnWindow();
+}
+
+void RenameAreasWindowController::nameAreasAsTyped()
+{
+    for (std::size_t k = 0; k < areaCount(); ++k) {
+        const Field &field = m_fields[k];
+        // A field of one line may not hold a name as it is; one that was left alone must not change it.
+        const QString typed = field.textName->text();
+        m_project->areas()->at(k)->setName(typed == field.shown ? field.filledIn : typed);
+    }
+}
+
+void RenameAreasWindowController::showAreasOnWindow()
+{
+    if (!m_parent)
+        return;
+    m_parent->setNamesForAreasOnWindow();
+    if (TarvexView *wheel = m_parent->wheelView())
+        wheel->display();
+}
+
+void RenameAreasWindowController::clickCancel()
+{
+    m_services.runAction([this] { m_myWindow->endSheet(); }, [] {});
+}
+
+void RenameAreasWindowController::showIncompleteAnswer()
+{
+    showAreasOnWindow(); // the areas that did come
+    m_labelHint->setText(tr("The names were sent, but the service's answer was incomplete and areas are "
+                            "missing. Save again to fetch them."));
+}

@@ -1,0 +1,24 @@
+#include "SheetStyle.h"
+
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QLayout>
+
+void SheetStyle::makeTitle(QLabel *label)
+{
+    QFont title = label->font();
+    title.setBold(true);
+    title.setPixelSize(qRound(QFontInfo(label->font()).pixelSize() * 1.25));
+    label->setFont(title);
+}
+
+void SheetStyle::setTabOrderAsShown(const QDialogButtonBox *buttons)
+{
+    QWidget *previous = nullptr;
+    for (int i = 0; i < buttons->layout()->count(); ++i) {
+        QWidget *button = buttons->layout()->itemAt(i)->widget();
+        if (previous && button)
+            QWidget::setTabOrder(previous, button);
+        previous = button ? button : previous;
+    }
+}

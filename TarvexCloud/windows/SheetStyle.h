@@ -1,0 +1,12 @@
+#pragma once
+
+class QDialogButtonBox;
+class QLabel;
+
+/// What the sheets of this folder have in common.
+namespace SheetStyle {
+/// Gives a sheet's title line its weight and size.
+void makeTitle(QLabel *label);
+/// Lets the Tab key reach the buttons in the order in which the platform shows them.
+void setTabOrderAsShown(const QDialogButtonBox *buttons);
+} // namespace SheetStyle

@@ -1,0 +1,41 @@
+#include "SliceMark.h"
+
+#include "WheelGeometry.h"
+
+#include <QPainter>
+
+SliceMark::SliceMark(QWidget *parent) : QWidget(parent)
+{
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+void SliceMark::setIndex(std::optional<std::size_t> index)
+{
+    m_index = index;
+    update();
+}
+
+QSize SliceMark::sizeHint() const
+{
+    const int side = fontMetrics().height() * 4 / 3;
+    return {side, side};
+}
+
+void SliceMark::paintEvent(QPaintEvent *)
+{
+    if (!m_index || *m_index >= WheelGeometry::sliceCount)
+        return;
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const qreal scale = (qMin(width(), height()) / 2.0 - 1) / WheelGeometry::sliceRadius;
+    painter.translate(rect().toRectF().center());
+    painter.scale(scale, -scale); // the wheel's y axis points upward
+    QColor rest = palette().color(QPalette::WindowText);
+    rest.setAlphaF(0.15F);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(rest);
+    painter.drawEllipse(QPointF(), WheelGeometry::sliceRadius, WheelGeometry::sliceRadius);
+    painter.setBrush(WheelGeometry::colors().at(*m_index));
+    painter.drawPath(WheelGeometry::sliceOutline(QPointF(), static_cast<int>(*m_index)));
+}

@@ -1,0 +1,73 @@
+#include "WrappedLabel.h"
+
+#include "MnemonicLabel.h"
+
+#include <QAccessible>
+#include <QScrollBar>
+#include <QTextBlock>
+
+namespace {
+constexpr qsizetype shownCharacters = 50'000;
+} // namespace
+
+WrappedLabel::WrappedLabel(QWidget *parent) : QPlainTextEdit(parent)
+{
+    setReadOnly(true);
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    viewport()->setAutoFillBackground(false);
+    document()->setDocumentMargin(0);
+    setFocusPolicy(Qt::ClickFocus);
+    connect(verticalScrollBar(), &QScrollBar::rangeChanged, this,
+            [this](int, int last) { setFocusPolicy(last > 0 ? Qt::StrongFocus : Qt::ClickFocus); });
+}
+
+void WrappedLabel::setText(const QString &text)
+{
+    m_text = text.isNull() ? QStringLiteral("") : text;
+    const bool cut = m_text.size() > shownCharacters;
+    setPlainText(cut ? m_text.left(shownCharacters) + u'\u2026' : m_text);
+    updateGeometry();
+    QAccessibleEvent event(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&event);
+}
+
+void WrappedLabel::setTitleWithMnemonic(const QString &title)
+{
+    setText(titleWithoutMnemonics(title));
+}
+
+void WrappedLabel::setLines(int least, int most)
+{
+    m_leastLines = least;
+    m_mostLines = most;
+    updateGeometry();
+}
+
+int WrappedLabel::heightOfText() const
+{
+    int lines = 0;
+    for (QTextBlock block = document()->firstBlock(); block.isValid() && lines < m_mostLines;
+         block = block.next())
+        lines += qMax(1, block.layout()->lineCount());
+    return qBound(m_leastLines, lines, m_mostLines) * fontMetrics().lineSpacing() + 2;
+}
+
+QSize WrappedLabel::sizeHint() const
+{
+    return {fontMetrics().averageCharWidth() * 40, heightOfText()};
+}
+
+QSize WrappedLabel::minimumSizeHint() const
+{
+    return {fontMetrics().averageCharWidth() * 10, heightOfText()};
+}
+
+void WrappedLabel::resizeEvent(QResizeEvent *event)
+{
+    QPlainTextEdit::resizeEvent(event);
+    if (event->size().width() != event->oldSize().width())
+        updateGeometry(); // another width may wrap into another number of lines
+}

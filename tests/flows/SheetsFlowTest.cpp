@@ -1,0 +1,94 @@
+#include "Client.h"
+
+#include <QAction>
+
+// What the sheets do by themselves is tested beside them; here, what the document hands them and hears of
+// them.
+class SheetsFlowTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    static void trigger(const TarvexDocument *document, const char *name)
+    {
+        document->window()->findChild<QAction *>(QString::fromLatin1(name))->trigger();
+    }
+
+private Q_SLOTS:
+    void renamingAreasShowsTheServicesNames()
+    {
+        Client client;
+        const TarvexDocument *document = client.openSignedIn();
+        client.service.answer("get-areas", areasAnswer({"A", "B", "C", "D", "E", "F", "G", "H"}));
+        trigger(document, "actionRenameAreas");
+        auto *field = document->wndRenameAreas()->findChild<QLineEdit *>(QStringLiteral("textName1"));
+        QTRY_COMPARE(field->text(), QStringLiteral("Health"));
+        field->selectAll();
+        QTest::keyClicks(field, QStringLiteral("Body"));
+        QTest::keyClick(field, Qt::Key_Return);
+
+        QCOMPARE(
+            client.service.bodies().mid(3),
+            (QList<QByteArray>{"p1=set-area-names" + annsDigests +
+                                   "&p4=id:1;name:Body;{_end_}id:2;name:Work;{_end_}id:3;name:Money;{_end_}"
+                                   "id:4;name:Family;{_end_}id:5;name:Growth;{_end_}id:6;name:Fun;{_end_}"
+                                   "id:7;name:Home;{_end_}id:8;name:Love;{_end_}",
+                               "p1=get-areas" + annsDigests}));
+        QCOMPARE(Client::labels(document).join(QString()), QStringLiteral("ABCDEFGH"));
+        QVERIFY(!document->wndRenameAreas()->isVisible());
+    }
+
+    void aRandomGoalMarkedDoneReachesThePercentsWhenTheSheetCloses()
+    {
+        Client client;
+        client.service.answer("get-random-goal",
+                              QByteArray("<g><id>44</id><name>Run</name><area>3</area></g>"));
+        client.service.answer("set-checked-area-percent", QByteArray("90"));
+        const TarvexDocument *document = client.openSignedIn();
+        trigger(document, "actionRandomGoal");
+        QTRY_COMPARE(client.service.bodies().size(), 4);
+        QTest::mouseClick(Client::button(document->wndNextGoals(), QStringLiteral("Mark as Done")),
+                          Qt::LeftButton);
+        QCOMPARE(client.service.bodies().mid(3),
+                 (QList<QByteArray>{"p1=get-random-goal" + annsDigests + "&p4=7",
+                                    "p1=set-checked-area-percent" + annsDigests + "&p5=44",
+                                    "p1=get-random-goal" + annsDigests + "&p4=7"}));
+        QCOMPARE(Client::percents(document).value(2), QStringLiteral("30%"));
+        QTest::keyClick(document->wndNextGoals(), Qt::Key_Escape);
+        QCOMPARE(Client::percents(document).value(2), QStringLiteral("90%"));
+        QCOMPARE(Client::average(document), QStringLiteral("52%"));
+        QVERIFY(!document->wndNextGoals()->isVisible());
+    }
+
+    void oneSheetAtATimeAndNoneAfterTheEnd()
+    {
+        Client client;
+        const QPointer<TarvexDocument> document = client.openSignedIn();
+        trigger(document, "actionRandomGoal");
+        trigger(document, "actionRenameAreas"); // as a native menu might, past the sheet
+        trigger(document, "actionNewSet");
+        QVERIFY(document->wndNextGoals()->isVisible());
+        QVERIFY(!document->wndRenameAreas()->isBegun());
+        document->close(); // before the sheet's first request
+        QTRY_VERIFY(document.isNull());
+        QCoreApplication::processEvents();
+        QCOMPARE(client.service.requests().size(), 3);
+    }
+
+    void commandsRoutedToAnotherInstanceUseTheCurrentDocument()
+    {
+        Client client;
+        const TarvexDocument *current = client.openSignedIn();
+        QVERIFY(QTest::qWaitForWindowActive(current->window()));
+        TarvexDocument renaming(client.controller);
+        renaming.renameAreas();
+        QVERIFY(current->wndRenameAreas()->isVisible());
+        QTest::keyClick(current->wndRenameAreas(), Qt::Key_Escape);
+        TarvexDocument drawing(client.controller);
+        drawing.getRandomGoal();
+        QTRY_COMPARE(client.service.bodies().value(3), "p1=get-random-goal" + annsDigests + "&p4=7");
+    }
+};
+
+QTEST_MAIN(SheetsFlowTest)
+#include "SheetsFlowTest.moc"
