@@ -44,6 +44,8 @@ public:
     {
     }
 
+    void store(char16_t *units) const { _mm_storeu_si128(reinterpret_cast<__m128i *>(units), m_units); }
+
     unsigned notSpaces() const
     {
         const __m128i blanks = _mm_cmpeq_epi16(m_units, _mm_set1_epi16(u' '));

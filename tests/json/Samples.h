@@ -42,14 +42,16 @@ inline void addSamplesOf(const QFileInfo &info)
     }
 }
 
-/// The rows of all sample files in a folder.
-inline void addSamples(const char *folder)
+/// The rows of all sample files in some folders.
+inline void addSamples(std::initializer_list<QLatin1StringView> folders)
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("expected");
-    const QDir samples(QStringLiteral(JSON_SAMPLES) + u'/' + QString::fromLatin1(folder));
-    const QFileInfoList files = samples.entryInfoList({QStringLiteral("*.txt")}, QDir::Files);
-    QVERIFY2(!files.isEmpty(), "no samples");
-    for (const QFileInfo &file : files)
-        addSamplesOf(file);
+    for (const QLatin1StringView folder : folders) {
+        const QDir samples(QStringLiteral(JSON_SAMPLES) + u'/' + folder);
+        const QFileInfoList files = samples.entryInfoList({QStringLiteral("*.txt")}, QDir::Files);
+        QVERIFY2(!files.isEmpty(), "no samples");
+        for (const QFileInfo &file : files)
+            addSamplesOf(file);
+    }
 }
