@@ -7,7 +7,7 @@
 inline QByteArray sampleFile(const char *name)
 {
     QFile file(QFINDTESTDATA(QLatin1String("samples/") + QLatin1String(name)));
-    const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     if (bytes.isEmpty())
         qFatal("the samples of %s are missing", name);
     return bytes;
