@@ -63,29 +63,6 @@ private Q_SLOTS:
         QCOMPARE(Client::average(current), QStringLiteral("45%"));
     }
 
-    void withoutAnyMainWindowThereIsNoCurrentDocument()
-    {
-        Client client;
-        TarvexDocument *document = client.openSignedIn();
-        document->close();
-        TarvexDocument routed(client.controller);
-        QVERIFY(!routed.currentDocument());
-        routed.setNamesForAreasOnWindow();
-        QVERIFY(routed.project()->areas()->empty());
-    }
-
-    void aClickOnASliceEmptiesTheGoalsAndSendsNothing()
-    {
-        Client client;
-        TarvexDocument *document = client.openSignedIn();
-        QVERIFY(QTest::qWaitForWindowExposed(document->window()));
-        document->project()->goals()->push_back(std::make_shared<TVXGoal>());
-        const QPoint centre = document->wheelView()->rect().center();
-        QTest::mouseClick(document->wheelView(), Qt::LeftButton, {}, centre + QPoint(100, -10));
-        QVERIFY(document->project()->goals()->empty());
-        QCOMPARE(client.service.requests().size(), 3);
-    }
-
     void everythingThatTakesTheFocusHasAName()
     {
         Client client;

@@ -69,18 +69,6 @@ private Q_SLOTS:
         }
     }
 
-    void labelsFollowWhenTheSecondItemWasSelectedAlready()
-    {
-        Client client;
-        const TarvexDocument *document = client.openSignedIn();
-        document->listOfProjects()->selectItemAtIndex(1);
-        QCOMPARE(Client::average(document), QStringLiteral("87%"));
-        client.service.answer("get-sets", sets({"First", "Newest", "Second"}));
-        trigger(document, "actionNewSet");
-        typeName(document, QStringLiteral("Newest"), QStringLiteral("Create"));
-        QCOMPARE(Client::average(document), QStringLiteral("1%"));
-    }
-
     void renamingSelectsTheFirstSetOfTheName()
     {
         Client client;

@@ -15,20 +15,6 @@ private:
     }
 
 private Q_SLOTS:
-    void renamingAreasShowsTheServicesNames()
-    {
-        Client client;
-        const TarvexDocument *document = client.openSignedIn();
-        client.service.answer("get-areas", areasAnswer({"A", "B", "C", "D", "E", "F", "G", "H"}));
-        trigger(document, "actionRenameAreas");
-        auto *field = document->wndRenameAreas()->findChild<QLineEdit *>(QStringLiteral("textName1"));
-        QTRY_COMPARE(field->text(), QStringLiteral("Health"));
-        QTest::keyClick(field, Qt::Key_Return);
-        QCOMPARE(client.service.bodies().value(4), "p1=get-areas" + annsDigests);
-        QCOMPARE(Client::labels(document).join(QString()), QStringLiteral("ABCDEFGH"));
-        QVERIFY(!document->wndRenameAreas()->isVisible());
-    }
-
     void aRandomGoalMarkedDoneReachesThePercentsWhenTheSheetCloses()
     {
         Client client;

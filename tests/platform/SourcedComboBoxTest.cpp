@@ -35,30 +35,6 @@ class SourcedComboBoxTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void reloadKeepsTheIndexAndTellsOnlyOfAnotherRecord()
-    {
-        Names names({QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")});
-        SourcedComboBox box;
-        box.setDataSource(&names);
-        box.selectItemAtIndex(1);
-        QSignalSpy changes(&box, &SourcedComboBox::selectionDidChange);
-
-        box.reloadData();
-        QCOMPARE(box.indexOfSelectedItem(), 1);
-        QCOMPARE(changes.count(), 0);
-
-        names.records[1] = std::make_shared<QString>(QStringLiteral("other"));
-        box.reloadData();
-        QCOMPARE(box.indexOfSelectedItem(), 1);
-        QCOMPARE(box.currentText(), QStringLiteral("other"));
-        QCOMPARE(changes.count(), 1);
-
-        names.records.resize(1);
-        box.reloadData();
-        QCOMPARE(box.indexOfSelectedItem(), -1);
-        QCOMPARE(changes.count(), 2);
-    }
-
     void anotherRecordAtAReusedAddressIsStillAnother()
     {
         Names names({QStringLiteral("a")});
