@@ -1,59 +1,67 @@
 #include "XKJsonOutput.h"
 
 #include <algorithm>
+#include <string_view>
 
-void XKJsonOutput::putEscaped(const char16_t *units, std::size_t length)
+namespace {
+
+constexpr std::size_t longestEscape = 6;
+
+char16_t *putEscape(char16_t *to, char16_t unit)
 {
-    constexpr std::size_t longestEscape = 6;
-    const char16_t *const end = units + length;
-    reserve(length);
-    while (units != end) {
+    static constexpr std::u16string_view shortEscapes = u"\"\"\\\\\bb\tt\nn\ff\rr";
+    *to++ = u'\\';
+    for (std::size_t i = 0; i < shortEscapes.size(); i += 2) {
+        if (unit == shortEscapes[i]) {
+            *to++ = shortEscapes[i + 1];
+            return to;
+        }
+    }
+    static constexpr char16_t digits[] = u"0123456789abcdef";
+    for (const char16_t escaped : {u'u', u'0', u'0', digits[unit >> 4], digits[unit & 0xF]})
+        *to++ = escaped;
+    return to;
+}
+
+} // namespace
+
+char16_t *XKJsonOutput::putEscaped(char16_t *to, const char16_t *units, std::size_t length)
+{
+    const char16_t *const unitsEnd = units + length;
+    reserve(to, length + longestEscape);
+    while (units != unitsEnd) {
 #ifdef __SSE2__
-        if (end - units >= XKJsonText::Eight::size) {
+        if (unitsEnd - units >= XKJsonText::Eight::size) {
             const XKJsonText::Eight eight(units);
             const unsigned stops = eight.stops();
-            const qptrdiff plain =
-                stops ? XKJsonText::firstOf(stops, units) - units : XKJsonText::Eight::size;
-            eight.store(m_next);
-            m_next += plain;
-            units += plain;
+            eight.store(to);
+            const char16_t *const plain = stops ? XKJsonText::firstOf(stops, units) : units + eight.size;
+            to += plain - units;
+            units = plain;
             if (!stops)
                 continue;
         }
 #endif
         if (!XKJsonText::isStop(*units)) {
-            put(*units++);
+            *to++ = *units++;
             continue;
         }
-        reserve(longestEscape + static_cast<std::size_t>(end - units));
-        putEscape(*units++);
+        to = putEscape(to, *units++);
+        reserve(to, longestEscape + static_cast<std::size_t>(unitsEnd - units));
     }
-}
-
-void XKJsonOutput::putEscape(char16_t unit)
-{
-    static constexpr char shortEscapes[] = "\"\"\\\\\bb\tt\nn\ff\rr";
-    put(u'\\');
-    for (const char *escape = shortEscapes; *escape; escape += 2)
-        if (unit == static_cast<unsigned char>(*escape))
-            return put(static_cast<unsigned char>(escape[1]));
-    static constexpr char digits[] = "0123456789abcdef";
-    for (const char digit : {'u', '0', '0', digits[unit >> 4], digits[unit & 0xF]})
-        put(static_cast<unsigned char>(digit));
+    return to;
 }
 
 QString XKJsonOutput::take()
 {
-    m_text.resize(m_next - begin());
-    if (m_text.capacity() > m_text.size() + m_text.size() / 8)
-        m_text.squeeze();
+    m_text.resize(m_end - begin());
     return std::move(m_text);
 }
 
-void XKJsonOutput::grow(std::size_t units)
+char16_t *XKJsonOutput::grow(char16_t *end, std::size_t units)
 {
-    const qsizetype used = m_next - begin();
-    m_text.resize(std::max(2 * m_text.size(), used + static_cast<qsizetype>(units)));
-    m_next = begin() + used;
+    const qsizetype used = end - begin();
+    m_text.resize(std::max(m_text.size() + m_text.size() / 2, used + static_cast<qsizetype>(units)));
     m_limit = begin() + m_text.size();
+    return begin() + used;
 }

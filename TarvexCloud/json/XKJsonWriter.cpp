@@ -54,84 +54,118 @@ QString XKJsonWriter::stringWithObject(const XKJsonValue &object, XKJsonError *e
     return text;
 }
 
-inline XKJsonWriter::Step XKJsonWriter::appendValue(const XKJsonNode &value, XKJsonOutput &into)
+inline void XKJsonWriter::open(const XKJsonNode &container)
 {
-    const auto stepOf = [](bool isDone, Step done) { return isDone ? done : Step::Failed; };
+    Frame &frame = m_frames.emplace_back();
+    frame.isDictionary = container.kind() == XKJsonKind::Dictionary;
+    frame.sortedBegin = frame.sortedNext = m_sorted.size();
+    std::size_t items = 0;
+    if (container.is(XKJsonNode::Editable)) {
+        static_assert(std::is_standard_layout_v<XKJsonValue>); // a value begins with its node
+        frame.itemSize = sizeof(XKJsonValue);
+        items = container.container->items().size();
+        frame.next = items ? &container.container->node(0) : nullptr;
+    } else {
+        frame.itemSize = sizeof(XKJsonNode);
+        items = container.length() * (frame.isDictionary ? 2 : 1);
+        frame.next = container.items;
+    }
+    frame.end = after(frame.next, items * frame.itemSize);
+}
+
+Q_ALWAYS_INLINE XKJsonWriter::Step XKJsonWriter::appendArray(const XKJsonNode &array, XKJsonOutput &into,
+                                                             char16_t *&end)
+{
+    if (!enterContainer())
+        return Step::Failed;
+    open(array);
+    into.reserve(end, /*units=*/1);
+    *end++ = u'[';
+    return Step::Opened;
+}
+
+Q_ALWAYS_INLINE XKJsonWriter::Step XKJsonWriter::appendDictionary(const XKJsonNode &dictionary,
+                                                                  XKJsonOutput &into, char16_t *&end)
+{
+    if (!enterContainer())
+        return Step::Failed;
+    open(dictionary);
+    if (m_sortKeys)
+        sortKeysOfInnermost();
+    into.reserve(end, /*units=*/1);
+    *end++ = u'{';
+    return Step::Opened;
+}
+
+Q_ALWAYS_INLINE XKJsonWriter::Step XKJsonWriter::appendString(const XKJsonNode &string, XKJsonOutput &into,
+                                                              char16_t *&end)
+{
+    const std::size_t length = string.length();
+    into.reserve(end, length + 2);
+    *end++ = u'"';
+    if (string.is(XKJsonNode::Plain)) {
+        end = XKJsonOutput::put(end, string.text, length);
+    } else {
+        end = into.putEscaped(end, string.text, length);
+        into.reserve(end, /*units=*/1);
+    }
+    *end++ = u'"';
+    return Step::Appended;
+}
+
+Q_ALWAYS_INLINE XKJsonWriter::Step XKJsonWriter::appendValue(const XKJsonNode &value, XKJsonOutput &into,
+                                                             char16_t *&end)
+{
     switch (value.kind()) {
     case XKJsonKind::Dictionary:
-        return stepOf(appendDictionary(value, into), Step::Opened);
+        return appendDictionary(value, into, end);
     case XKJsonKind::Array:
-        return stepOf(appendArray(value, into), Step::Opened);
+        return appendArray(value, into, end);
     case XKJsonKind::String:
-        appendString(value, into);
-        return Step::Appended;
+        return appendString(value, into, end);
     case XKJsonKind::Boolean:
-        appendWord(value.boolean ? "true"_L1 : "false"_L1, into);
+        into.reserve(end, /*units=*/5);
+        end = value.boolean ? XKJsonOutput::put(end, u"true") : XKJsonOutput::put(end, u"false");
         return Step::Appended;
     case XKJsonKind::Integer:
-        appendInteger(value.integer, into);
+        into.reserve(end, /*units=*/20);
+        end = XKJsonOutput::putInteger(end, value.integer);
         return Step::Appended;
     case XKJsonKind::Decimal:
-        return stepOf(appendDecimal(value, into), Step::Appended);
-    case XKJsonKind::Double:
-        return stepOf(appendDouble(value.real, into), Step::Appended);
-    case XKJsonKind::Null:
-        appendWord("null"_L1, into);
+        if (!value.is(XKJsonNode::Plain) && std::isinf(value.view().toDouble()))
+            return refuse(u"Infinity is not a valid number in JSON"_s);
+        into.reserve(end, value.length());
+        end = XKJsonOutput::put(end, value.text, value.length());
         return Step::Appended;
-    case XKJsonKind::Object:
-        return appendObject(*value.object, into);
+    case XKJsonKind::Double:
+        return appendDouble(value.real, into, end);
+    case XKJsonKind::Null:
+        into.reserve(end, /*units=*/4);
+        end = XKJsonOutput::put(end, u"null");
+        return Step::Appended;
+    case XKJsonKind::Object: {
+        into.commit(end);
+        const Step step = appendObject(*value.object, into);
+        end = into.end();
+        return step;
+    }
     case XKJsonKind::None:
         break;
     }
-    refuseClass(u"(null)"_s);
-    return Step::Failed;
+    return refuseClass(u"(null)"_s);
 }
 
-inline void XKJsonWriter::appendString(const XKJsonNode &string, XKJsonOutput &into)
-{
-    const std::size_t length = string.length();
-    into.reserve(length + 2);
-    into.put(u'"');
-    if (string.is(XKJsonNode::Plain))
-        into.put(string.text, length);
-    else
-        into.putEscaped(string.text, length);
-    into.reserve(1);
-    into.put(u'"');
-}
-
-inline void XKJsonWriter::appendWord(QLatin1StringView word, XKJsonOutput &into)
-{
-    into.reserve(static_cast<std::size_t>(word.size()));
-    into.putAscii(word.begin(), word.end());
-}
-
-inline void XKJsonWriter::appendInteger(qint64 integer, XKJsonOutput &into)
-{
-    std::array<char, 20> digits;
-    const auto [end, error] = std::to_chars(digits.begin(), digits.end(), integer);
-    appendWord({digits.begin(), end}, into);
-}
-
-inline bool XKJsonWriter::appendDecimal(const XKJsonNode &decimal, XKJsonOutput &into)
-{
-    if (!decimal.is(XKJsonNode::Plain) && std::isinf(decimal.view().toDouble()))
-        return refuse(u"Infinity is not a valid number in JSON"_s);
-    into.reserve(decimal.length());
-    into.put(decimal.text, decimal.length());
-    return true;
-}
-
-bool XKJsonWriter::appendDouble(double real, XKJsonOutput &into)
+XKJsonWriter::Step XKJsonWriter::appendDouble(double real, XKJsonOutput &into, char16_t *&end)
 {
     if (std::isnan(real))
         return refuse(u"NaN is not a valid number in JSON"_s);
     if (std::isinf(real))
         return refuse(u"Infinity is not a valid number in JSON"_s);
     std::array<char, 32> digits; // the shortest form takes 24 at most
-    const auto [end, error] = std::to_chars(digits.begin(), digits.end(), real);
-    appendWord({digits.begin(), end}, into);
-    return true;
+    const char *const digitsEnd = std::to_chars(digits.data(), digits.data() + digits.size(), real).ptr;
+    into.reserve(end, digits.size());
+    end = std::copy(std::as_const(digits).data(), digitsEnd, end);
+    return Step::Appended;
 }
 
 // A chain of objects, each the proxy of the one before, is followed in a loop, whatever its length. What
@@ -139,10 +173,8 @@ bool XKJsonWriter::appendDouble(double real, XKJsonOutput &into)
 XKJsonWriter::Step XKJsonWriter::appendObject(const XKJsonObject &object, XKJsonOutput &into)
 {
     std::optional<XKJsonValue> proxy = object.proxyForJson();
-    if (!proxy) {
-        refuseClass(object.className());
-        return Step::Failed;
-    }
+    if (!proxy)
+        return refuseClass(object.className());
     const std::size_t proxiesBefore = m_proxies.size();
     const XKJsonObject *offering = &object;
     while (proxy && enterProxy(*offering, *proxy)) {
@@ -159,8 +191,7 @@ XKJsonWriter::Step XKJsonWriter::appendObject(const XKJsonObject &object, XKJson
 
 XKJsonWriter::Step XKJsonWriter::appendProxy(std::size_t chain, XKJsonOutput &into)
 {
-    const XKJsonNode value = m_proxies.back().second.m_node;
-    if (appendValue(value, into) == Step::Opened) {
+    if (appendAnyValue(m_proxies.back().second.m_node, into) == Step::Opened) {
         m_frames.back().proxies = chain;
         return Step::Opened;
     }
@@ -168,112 +199,13 @@ XKJsonWriter::Step XKJsonWriter::appendProxy(std::size_t chain, XKJsonOutput &in
     return Step::Appended;
 }
 
-bool XKJsonWriter::appendArray(const XKJsonNode &array, XKJsonOutput &into)
-{
-    return open(array, u'[', into);
-}
-
-bool XKJsonWriter::appendDictionary(const XKJsonNode &dictionary, XKJsonOutput &into)
-{
-    if (!open(dictionary, u'{', into))
-        return false;
-    if (m_sortKeys) {
-        Frame &frame = m_frames.back();
-        for (; frame.next != frame.end; frame.next = after(frame.next, 2 * frame.itemSize))
-            m_sorted.push_back(frame.next);
-        std::sort(m_sorted.begin() + static_cast<std::ptrdiff_t>(frame.sortedBegin), m_sorted.end(),
-                  comesBefore);
-    }
-    return true;
-}
-
-XKJsonWriter::Step XKJsonWriter::appendElements(XKJsonOutput &into)
-{
-    Frame &frame = m_frames.back();
-    while (frame.next != frame.end) {
-        appendSeparator(frame, into);
-        const XKJsonNode &element = *frame.next;
-        frame.next = after(frame.next, frame.itemSize);
-        const Step step = appendValue(element, into);
-        if (step != Step::Appended)
-            return step; // the frame may have moved
-    }
-    close(u']', into);
-    return Step::Appended;
-}
-
-XKJsonWriter::Step XKJsonWriter::appendMembers(XKJsonOutput &into)
-{
-    Frame &frame = m_frames.back();
-    while (const XKJsonNode *const key = nextKey(frame)) {
-        appendSeparator(frame, into);
-        if (key->kind() != XKJsonKind::String) {
-            refuse(u"JSON object key must be string"_s);
-            return Step::Failed;
-        }
-        frame.key = key;
-        appendString(*key, into);
-        appendWord(m_humanReadable ? " : "_L1 : ":"_L1, into);
-        const Step step = appendValue(*after(key, frame.itemSize), into);
-        if (step == Step::Failed)
-            refuseMember(*key);
-        if (step != Step::Appended)
-            return step; // the frame may have moved
-    }
-    close(u'}', into);
-    return Step::Appended;
-}
-
-inline void XKJsonWriter::appendSeparator(Frame &frame, XKJsonOutput &into)
-{
-    into.reserve(1);
-    if (!std::exchange(frame.isAtFirst, false))
-        into.put(u',');
-    if (m_humanReadable)
-        into.putLine(spacesOfIndent());
-}
-
-bool XKJsonWriter::open(const XKJsonNode &container, char16_t bracket, XKJsonOutput &into)
-{
-    if (!enterContainer())
-        return false;
-    Frame frame;
-    frame.isDictionary = container.kind() == XKJsonKind::Dictionary;
-    frame.sortedBegin = frame.sortedNext = m_sorted.size();
-    std::size_t items = 0;
-    if (container.is(XKJsonNode::Editable)) {
-        static_assert(std::is_standard_layout_v<XKJsonValue>); // a value begins with its node
-        frame.itemSize = sizeof(XKJsonValue);
-        items = container.container->items().size();
-        frame.next = items ? &container.container->node(0) : nullptr;
-    } else {
-        frame.itemSize = sizeof(XKJsonNode);
-        items = container.length() * (frame.isDictionary ? 2 : 1);
-        frame.next = container.items;
-    }
-    frame.end = after(frame.next, items * frame.itemSize);
-    m_frames.push_back(frame);
-    into.reserve(1);
-    into.put(bracket);
-    return true;
-}
-
-inline void XKJsonWriter::close(char16_t bracket, XKJsonOutput &into)
-{
-    leaveContainer();
-    if (m_humanReadable && !m_frames.back().isAtFirst)
-        into.putLine(spacesOfIndent());
-    into.reserve(1);
-    into.put(bracket);
-    leave();
-}
-
 inline void XKJsonWriter::leave()
 {
     const Frame &frame = m_frames.back();
     if (frame.proxies > 0)
         leaveProxies(frame.proxies);
-    m_sorted.resize(frame.sortedBegin);
+    if (m_sorted.size() > frame.sortedBegin)
+        m_sorted.resize(frame.sortedBegin);
     m_frames.pop_back();
 }
 
@@ -286,6 +218,85 @@ inline const XKJsonNode *XKJsonWriter::nextKey(Frame &frame)
         return nullptr;
     frame.next = after(key, 2 * frame.itemSize);
     return key;
+}
+
+inline void XKJsonWriter::close(char16_t bracket, XKJsonOutput &into, char16_t *&end)
+{
+    leaveContainer();
+    const std::size_t spaces = spacesOfIndent();
+    into.reserve(end, spaces + 2);
+    if (m_humanReadable && !m_frames.back().isAtFirst)
+        end = XKJsonOutput::putLine(end, spaces);
+    *end++ = bracket;
+    leave();
+}
+
+Q_ALWAYS_INLINE XKJsonWriter::Step XKJsonWriter::appendMember(const XKJsonNode &key, const XKJsonNode &value,
+                                                              XKJsonOutput &into, char16_t *&end)
+{
+    if (key.kind() != XKJsonKind::String)
+        return refuse(u"JSON object key must be string"_s);
+    m_frames.back().key = &key;
+    appendString(key, into, end);
+    into.reserve(end, /*units=*/3);
+    end = m_humanReadable ? XKJsonOutput::put(end, u" : ") : XKJsonOutput::put(end, u":");
+    const Step step = appendValue(value, into, end);
+    if (step == Step::Failed)
+        refuseMember(key);
+    return step;
+}
+
+Q_ALWAYS_INLINE void XKJsonWriter::appendSeparator(Frame &frame, XKJsonOutput &into, char16_t *&end)
+{
+    const std::size_t spaces = spacesOfIndent();
+    into.reserve(end, spaces + 2);
+    if (!std::exchange(frame.isAtFirst, false))
+        *end++ = u',';
+    if (m_humanReadable)
+        end = XKJsonOutput::putLine(end, spaces);
+}
+
+XKJsonWriter::Step XKJsonWriter::appendElements(XKJsonOutput &into)
+{
+    Frame &frame = m_frames.back();
+    char16_t *end = into.end();
+    Step step = Step::Appended;
+    while (step == Step::Appended && frame.next != frame.end) {
+        appendSeparator(frame, into, end);
+        const XKJsonNode &element = *frame.next;
+        frame.next = after(frame.next, frame.itemSize);
+        step = appendValue(element, into, end); // which may move the frame, if it opens another
+    }
+    if (step == Step::Appended)
+        close(u']', into, end);
+    into.commit(end);
+    return step;
+}
+
+XKJsonWriter::Step XKJsonWriter::appendMembers(XKJsonOutput &into)
+{
+    Frame &frame = m_frames.back();
+    char16_t *end = into.end();
+    Step step = Step::Appended;
+    while (step == Step::Appended) {
+        const XKJsonNode *const key = nextKey(frame);
+        if (!key) {
+            close(u'}', into, end);
+            break;
+        }
+        appendSeparator(frame, into, end);
+        step = appendMember(*key, *after(key, frame.itemSize), into, end);
+    }
+    into.commit(end);
+    return step;
+}
+
+void XKJsonWriter::sortKeysOfInnermost()
+{
+    const Frame &frame = m_frames.back();
+    for (const XKJsonNode *key = frame.next; key != frame.end; key = after(key, 2 * frame.itemSize))
+        m_sorted.push_back(key);
+    std::sort(m_sorted.begin() + static_cast<std::ptrdiff_t>(frame.sortedBegin), m_sorted.end(), comesBefore);
 }
 
 // After a failure in the innermost open container: gives up all containers out to the one that a proxy led
@@ -323,15 +334,15 @@ void XKJsonWriter::leaveProxies(std::size_t count)
     }
 }
 
-bool XKJsonWriter::refuse(const QString &description)
+XKJsonWriter::Step XKJsonWriter::refuse(const QString &description)
 {
     addErrorWithCode(Code::Unsupported, description);
-    return false;
+    return Step::Failed;
 }
 
-void XKJsonWriter::refuseClass(const QString &className)
+XKJsonWriter::Step XKJsonWriter::refuseClass(const QString &className)
 {
-    refuse("JSON serialisation not supported for %1"_L1.arg(className));
+    return refuse("JSON serialisation not supported for %1"_L1.arg(className));
 }
 
 void XKJsonWriter::refuseMember(const XKJsonNode &key)
@@ -344,13 +355,21 @@ QString XKJsonWriter::indent() const
     return u'\n' + QString(static_cast<qsizetype>(spacesOfIndent()), u' ');
 }
 
+XKJsonWriter::Step XKJsonWriter::appendAnyValue(const XKJsonNode &value, XKJsonOutput &into)
+{
+    char16_t *end = into.end();
+    const Step step = appendValue(value, into, end);
+    into.commit(end);
+    return step;
+}
+
 QString XKJsonWriter::textOf(const XKJsonValue &container)
 {
     XKJsonOutput output;
     resetDepth();
     m_frames.clear();
     m_sorted.clear();
-    if (appendValue(container.m_node, output) == Step::Failed || !appendOpenContainers(output))
+    if (appendAnyValue(container.m_node, output) == Step::Failed || !appendOpenContainers(output))
         return {};
     return output.take();
 }

@@ -54,28 +54,29 @@ private:
     Step appendElements(XKJsonOutput &into);
     Step appendMembers(XKJsonOutput &into);
 
-    Step appendValue(const XKJsonNode &value, XKJsonOutput &into);
-    bool appendArray(const XKJsonNode &array, XKJsonOutput &into);
-    bool appendDictionary(const XKJsonNode &dictionary, XKJsonOutput &into);
-    void appendString(const XKJsonNode &string, XKJsonOutput &into);
-    void appendWord(QLatin1StringView word, XKJsonOutput &into);
-    void appendInteger(qint64 integer, XKJsonOutput &into);
-    bool appendDecimal(const XKJsonNode &decimal, XKJsonOutput &into);
-    bool appendDouble(double real, XKJsonOutput &into);
+    // What takes the text's end as an argument does so for it to stay in a register of these two.
+    Step appendMember(const XKJsonNode &key, const XKJsonNode &value, XKJsonOutput &into, char16_t *&end);
+    Step appendValue(const XKJsonNode &value, XKJsonOutput &into, char16_t *&end);
+    Step appendArray(const XKJsonNode &array, XKJsonOutput &into, char16_t *&end);
+    Step appendDictionary(const XKJsonNode &dictionary, XKJsonOutput &into, char16_t *&end);
+    Step appendString(const XKJsonNode &string, XKJsonOutput &into, char16_t *&end);
+    Step appendDouble(double real, XKJsonOutput &into, char16_t *&end);
+    void appendSeparator(Frame &frame, XKJsonOutput &into, char16_t *&end);
+    Step appendAnyValue(const XKJsonNode &value, XKJsonOutput &into);
     Step appendObject(const XKJsonObject &object, XKJsonOutput &into);
     Step appendProxy(std::size_t chain, XKJsonOutput &into);
-    void appendSeparator(Frame &frame, XKJsonOutput &into);
 
-    bool open(const XKJsonNode &container, char16_t bracket, XKJsonOutput &into);
-    void close(char16_t bracket, XKJsonOutput &into);
+    void open(const XKJsonNode &container);
+    void close(char16_t bracket, XKJsonOutput &into, char16_t *&end);
     void leave();
+    void sortKeysOfInnermost();
     const XKJsonNode *nextKey(Frame &frame);
     bool goOnBehindProxy();
     bool enterProxy(const XKJsonObject &object, const XKJsonValue &proxy);
     void leaveProxies(std::size_t count);
     std::size_t spacesOfIndent() const { return depth() > 0 ? 2 * static_cast<std::size_t>(depth()) : 0; }
-    bool refuse(const QString &description);
-    void refuseClass(const QString &className);
+    Step refuse(const QString &description);
+    Step refuseClass(const QString &className);
     void refuseMember(const XKJsonNode &key);
 
     bool m_humanReadable = false;
