@@ -14,6 +14,8 @@
 
 namespace {
 
+constexpr float outlineStrength = 0.55F;
+
 const QStyle *styleOf(const QStyleOptionViewItem &option)
 {
     return option.widget ? option.widget->style() : QApplication::style();
@@ -37,6 +39,16 @@ void GoalCheckDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opt
     cell.state.setFlag(QStyle::State_On, cell.checkState == Qt::Checked);
     cell.state.setFlag(QStyle::State_Off, cell.checkState != Qt::Checked);
     style->drawPrimitive(QStyle::PE_IndicatorItemViewItemCheck, &cell, painter, cell.widget);
+
+    // On a dark base some styles leave the box of an open goal all but invisible.
+    const bool isSelected = option.state.testFlag(QStyle::State_Selected);
+    QColor outline = option.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text);
+    outline.setAlphaF(outlineStrength);
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(outline);
+    painter->drawRoundedRect(QRectF(cell.rect).adjusted(0.5, 0.5, -0.5, -0.5), /*xRadius=*/2, /*yRadius=*/2);
+    painter->restore();
 }
 
 bool GoalCheckDelegate::editorEvent(QEvent *event, QAbstractItemModel *model, const QStyleOptionViewItem &,
