@@ -13,15 +13,9 @@
 #include "ui_RandomGoalSheet.h"
 
 #include <algorithm>
-#include <array>
 #include <QPushButton>
 
 namespace {
-
-using PercentSetter = void (TVXSets::*)(const QString &);
-constexpr std::array<PercentSetter, TVXSets::areaCount> percentSetters = {
-    &TVXSets::setPercent1, &TVXSets::setPercent2, &TVXSets::setPercent3, &TVXSets::setPercent4,
-    &TVXSets::setPercent5, &TVXSets::setPercent6, &TVXSets::setPercent7, &TVXSets::setPercent8};
 
 /// Where the first area with that id stands in the project.
 std::optional<std::size_t> indexOfArea(const TVXProjectPtr &project, qint64 id)
@@ -74,6 +68,7 @@ void RandomGoalWindowController::buildContents()
     m_labelGoal->setFont(large);
     m_labelGoal->setLines(/*least=*/5, /*most=*/5);
     m_labelArea->setLines(/*least=*/1, /*most=*/2);
+    ui.areaRow->addStrut(m_sliceMark->sizeHint().height()); // as high without the mark
 
     // Return asks for another goal: it must not mark one done by accident.
     QPushButton *next = ui.randomGoalButtons->addButton(tr("Next Goal"), QDialogButtonBox::AcceptRole);
@@ -87,6 +82,7 @@ void RandomGoalWindowController::buildContents()
     connect(next, &QPushButton::clicked, this, &RandomGoalWindowController::nextGoal);
     connect(m_done, &QPushButton::clicked, this, &RandomGoalWindowController::done);
     connect(close, &QPushButton::clicked, this, &RandomGoalWindowController::closeWindow);
+    setCurrentSet(m_currentSet);
     showState();
 }
 
@@ -98,6 +94,13 @@ TarvexView *RandomGoalWindowController::wheelView() const
 void RandomGoalWindowController::setWheelView(TarvexView *view)
 {
     m_wheelView = view;
+}
+
+void RandomGoalWindowController::setCurrentSet(const TVXSetsPtr &set)
+{
+    m_currentSet = set;
+    if (m_labelSet)
+        m_labelSet->setText(set ? set->name() : QString());
 }
 
 void RandomGoalWindowController::setIsAlreadyLoaded(bool loaded)
@@ -193,8 +196,8 @@ void RandomGoalWindowController::markCurrentGoalDone()
     if (percent.isEmpty() || !m_currentSet)
         return;
     const std::optional<std::size_t> index = indexOfArea(m_currentProject, idOfAreaOf(m_currentGoal));
-    if (index && *index < percentSetters.size())
-        (m_currentSet.get()->*percentSetters.at(*index))(percent);
+    if (index && *index < TVXSets::areaCount)
+        m_currentSet->setPercentOfArea(static_cast<int>(*index), percent);
 }
 
 void RandomGoalWindowController::showRandomGoal()
@@ -220,13 +223,13 @@ bool RandomGoalWindowController::hasGoal() const
 
 void RandomGoalWindowController::showState()
 {
-    m_labelSet->setText(m_currentSet ? m_currentSet->name() : QString());
     m_done->setEnabled(hasGoal());
     m_labelGoal->setVisible(m_isWaiting || hasGoal());
     // A name kept from an earlier goal stays, in grey; the words of the wait go with the wait.
     m_labelArea->setVisible(m_isWaiting || m_wasAreaNamed);
     m_labelArea->setEnabled(m_isWaiting || m_indexOfArea);
     m_sliceMark->setIndex(m_indexOfArea);
+    m_sliceMark->setVisible(m_indexOfArea.has_value());
     QString hint;
     if (!m_isWaiting && !hasGoal())
         hint = tr("No goal to show: all may be done, or the service did not answer.");

@@ -46,7 +46,7 @@ public:
 
     /// The set whose goals are drawn from, and whose percentages follow.
     const TVXSetsPtr &currentSet() const { return m_currentSet; }
-    void setCurrentSet(const TVXSetsPtr &set) { m_currentSet = set; }
+    void setCurrentSet(const TVXSetsPtr &set);
 
     /// Not owned. Its project's areas name the goal's area; its parent is told when the sheet closes.
     TarvexView *wheelView() const;

@@ -18,7 +18,7 @@ void SliceMark::setIndex(std::optional<std::size_t> index)
 
 QSize SliceMark::sizeHint() const
 {
-    const int side = fontMetrics().height() * 4 / 3;
+    const int side = fontMetrics().height() * 3 / 2;
     return {side, side};
 }
 
@@ -31,10 +31,12 @@ void SliceMark::paintEvent(QPaintEvent *)
     const qreal scale = (qMin(width(), height()) / 2.0 - 1) / WheelGeometry::sliceRadius;
     painter.translate(rect().toRectF().center());
     painter.scale(scale, -scale); // the wheel's y axis points upward
-    QColor rest = palette().color(QPalette::WindowText);
-    rest.setAlphaF(0.15F);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(rest);
+    // Pale slices need an edge on a pale window.
+    QColor edge = palette().color(QPalette::WindowText);
+    edge.setAlphaF(0.4F);
+    QPen pen(edge, 1);
+    pen.setCosmetic(true);
+    painter.setPen(pen);
     painter.drawEllipse(QPointF(), WheelGeometry::sliceRadius, WheelGeometry::sliceRadius);
     painter.setBrush(WheelGeometry::colors().at(*m_index));
     painter.drawPath(WheelGeometry::sliceOutline(QPointF(), static_cast<int>(*m_index)));

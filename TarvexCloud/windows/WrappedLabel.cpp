@@ -7,7 +7,7 @@
 #include <QTextBlock>
 
 namespace {
-constexpr qsizetype shownCharacters = 50'000;
+constexpr qsizetype shownCharacters = 20'000;
 } // namespace
 
 WrappedLabel::WrappedLabel(QWidget *parent) : QPlainTextEdit(parent)

@@ -11,7 +11,7 @@ class WrappedLabel : public QPlainTextEdit
 public:
     explicit WrappedLabel(QWidget *parent = nullptr);
 
-    /// The whole text; the view shows at most its first some ten thousand characters.
+    /// The whole text; the view shows at most its first twenty thousand characters.
     const QString &text() const { return m_text; }
     void setText(const QString &text);
     /// Undoubles "&&" and drops a single "&". A null title gives an empty text.

@@ -1,6 +1,5 @@
 #include "RenameAreasWindowController.h"
 
-#include "BusyIndicator.h"
 #include "WindowHost.h"
 
 #include <QLabel>
@@ -9,13 +8,10 @@
 namespace {
 
 const QByteArray getAreas = "p1=get-areas" + annsDigests;
+const QByteArray setNames = "p1=set-area-names" + annsDigests + "&p4=";
+const ServiceReply noAnswer{.bytes = {}, .closes = true};
 
-QByteArray setNames(const QByteArray &records)
-{
-    return "p1=set-area-names" + annsDigests + "&p4=" + records;
-}
-
-QByteArray areasAnswer(const QByteArrayList &names)
+QByteArray areas(const QByteArrayList &names)
 {
     QList<QByteArrayList> rows;
     for (qsizetype i = 0; i < names.size(); ++i)
@@ -30,8 +26,7 @@ public:
     explicit Showing(const QStringList &names)
     {
         host.addAreas(names);
-        host.service.answer("set-area-names", QByteArray("OK"));
-        host.service.answer("get-areas", areasAnswer({"From", "the", "service"}));
+        host.service.answer("get-areas", areas({"From", "the", "service"}));
         controller.buildContents();
         begin();
     }
@@ -53,16 +48,11 @@ public:
     void setNamesForAreasOnWindow() override { namesOnWindow = names(); }
     TarvexView *wheelView() const override { return &host.wheelView; }
 
-    QLineEdit *field(int number) const
+    void type(QLineEdit *field, const char *name) const
     {
-        return host.control<QLineEdit>(qPrintable(QStringLiteral("textName%1").arg(number)));
-    }
-
-    void type(int number, const QString &name) const
-    {
-        field(number)->selectAll();
-        QTest::keyClick(field(number), Qt::Key_Delete);
-        QTest::keyClicks(field(number), name);
+        field->selectAll();
+        QTest::keyClick(field, Qt::Key_Delete);
+        QTest::keyClicks(field, QString::fromLatin1(name));
     }
 
     void click(const char *button) const { QTest::mouseClick(host.button(button), Qt::LeftButton); }
@@ -88,63 +78,42 @@ class RenameAreasFlowTest : public QObject
     Q_OBJECT
 
 private:
-    static QStringList eight() { return QStringLiteral("a b c d e f g h").split(u' '); }
-    static QByteArray record(int id, const QByteArray &name)
-    {
-        return "id:" + QByteArray::number(id) + ";name:" + name + ";{_end_}";
-    }
+    const QStringList eight = QStringLiteral("a b c d e f g h").split(u' ');
 
 private Q_SLOTS:
     void savingSendsEveryNameAsTypedAndShowsWhatTheServiceHolds()
     {
-        Showing showing(QStringList{QStringLiteral("two\r\nlines\u2028\t"), QStringLiteral("gone"),
-                                    QStringLiteral("Love & Family"), QStringLiteral("  "),
-                                    QString(40'000, u'x')} +
-                        eight().mid(5) + QStringList{QStringLiteral("ninth")});
-        showing.type(2, QString());
-        showing.type(4, QStringLiteral("  R&D; "));
-        showing.click("Save");
-
-        QCOMPARE(
-            showing.host.service.bodies(),
-            (QList<QByteArray>{setNames(record(1, "two\r\nlines\u2028\t") + record(2, "") +
-                                        record(3, "Love {_amp_} Family") + record(4, "  R{_amp_}D{_dc_} ") +
-                                        record(5, QByteArray(40'000, 'x')) + record(6, "f") + record(7, "g") +
-                                        record(8, "h") + record(9, "ninth")),
-                               getAreas}));
+        const QString lines = QStringLiteral("two\r\nlines\u2028\t");
+        Showing showing({lines, eight[1], QStringLiteral("L & F"), eight[3], QString(40'000, u'x')});
+        showing.type(showing.controller.textName2(), "");
+        showing.type(showing.controller.textName4(), "  R&D; ");
+        QVERIFY(!showing.controller.textName6()->isEnabled());
+        QTest::keyClick(showing.controller.textName4(), Qt::Key_Return);
+        QCOMPARE(showing.host.service.bodies(),
+                 (QList<QByteArray>{setNames + "id:1;name:" + lines.toUtf8() +
+                                        ";{_end_}id:2;name:;{_end_}id:3;name:L {_amp_} F;{_end_}"
+                                        "id:4;name:  R{_amp_}D{_dc_} ;{_end_}id:5;name:" +
+                                        QByteArray(40'000, 'x') + ";{_end_}",
+                                    getAreas}));
         QVERIFY(!showing.host.sheet.isVisible());
-        QVERIFY(!showing.controller.uploadIndicator()->isAnimating());
         QCOMPARE(showing.names(), QStringLiteral("From,the,service"));
         QCOMPARE(showing.namesOnWindow, showing.names());
     }
 
     void editsOutliveALossOfFocusButNotACancel()
     {
-        Showing showing(eight());
-        showing.type(8, QStringLiteral("edited"));
+        Showing showing(eight);
+        QLineEdit *last = showing.controller.textName8();
+        showing.type(last, "edited");
         showing.controller.windowDidBecomeKey();
-        QCOMPARE(showing.field(8)->text(), QStringLiteral("edited"));
-        QTest::keyClick(showing.field(8), Qt::Key_Escape);
+        QCOMPARE(last->text(), QStringLiteral("edited"));
+        QTest::keyClick(last, Qt::Key_Escape);
         QVERIFY(!showing.host.sheet.isVisible());
         showing.begin();
-        QCOMPARE(showing.field(8)->text(), QStringLiteral("h"));
+        QCOMPARE(last->text(), QStringLiteral("h"));
         showing.click("Cancel");
         QVERIFY(showing.host.service.bodies().isEmpty());
-        QCOMPARE(showing.names(), eight().join(u','));
-        QVERIFY(showing.namesOnWindow.isNull());
-    }
-
-    void surplusFieldsAreEmptyAndWithoutAreasNothingCanBeSaved()
-    {
-        Showing showing(eight());
-        showing.click("Save"); // three areas are left
-        showing.begin();
-        QVERIFY(showing.field(3)->isEnabled());
-        QVERIFY(!showing.field(4)->isEnabled());
-        QCOMPARE(showing.field(4)->text(), QString());
-        showing.click("Save");
-        QCOMPARE(showing.host.service.bodies()[2],
-                 setNames(record(1, "From") + record(2, "the") + record(3, "service")));
+        QCOMPARE(showing.names(), eight.join(u','));
 
         showing.host.project->areas()->clear();
         showing.begin();
@@ -154,40 +123,35 @@ private Q_SLOTS:
     void failuresLeaveWhatTheReloadBrought_data()
     {
         QTest::addColumn<ServiceReply>("saved");
-        QTest::addColumn<ServiceReply>("areas");
+        QTest::addColumn<ServiceReply>("reloaded");
         QTest::addColumn<QString>("names");
-        QTest::addColumn<int>("alerts");
-        QTest::addColumn<bool>("closes");
-        const ServiceReply none{.bytes = {}, .closes = true};
-        const ServiceReply old = httpReply(areasAnswer({"a", "b"}));
+        QTest::addColumn<qsizetype>("alerts");
+        const auto row = [](const char *name, const ServiceReply &saved, const ServiceReply &reloaded,
+                            const char *names, qsizetype alerts) {
+            QTest::newRow(name) << saved << reloaded << QString::fromLatin1(names) << alerts;
+        };
+        row("refused", httpReply("Error"), httpReply(areas({"a", "b"})), "a,b", /*alerts=*/0);
+        row("not sent", noAnswer, httpReply(areas({"a", "b"})), "a,b", /*alerts=*/1);
         const QByteArray incomplete = "<x><id>1</id><id>2</id><name>a</name><color/><value/></x>";
-        QTest::newRow("refused") << httpReply("Error") << old << QStringLiteral("a,b") << 0 << true;
-        QTest::newRow("not sent") << none << old << QStringLiteral("a,b") << 1 << true;
-        QTest::newRow("not reloaded") << httpReply("OK") << none << QStringLiteral("") << 1 << true;
-        QTest::newRow("reloaded in part")
-            << httpReply("OK") << httpReply(incomplete) << QStringLiteral("a") << 0 << false;
+        row("reloaded in part", httpReply("OK"), httpReply(incomplete), "a", /*alerts=*/0);
+        row("not reloaded", httpReply("OK"), noAnswer, "", /*alerts=*/1);
     }
 
     void failuresLeaveWhatTheReloadBrought()
     {
         QFETCH(ServiceReply, saved);
-        QFETCH(ServiceReply, areas);
-        QFETCH(bool, closes);
-        Showing showing(eight());
+        QFETCH(ServiceReply, reloaded);
+        Showing showing(eight);
         showing.host.service.answer("set-area-names", saved);
-        showing.host.service.answer("get-areas", areas);
-        showing.type(1, QStringLiteral("new"));
+        showing.host.service.answer("get-areas", reloaded);
+        showing.type(showing.controller.textName1(), "new");
         showing.click("Save");
         QTEST(showing.names(), "names");
         QCOMPARE(showing.namesOnWindow, showing.names());
-        QTEST(static_cast<int>(showing.host.recordedAlert.errors.size()), "alerts");
-        QCOMPARE(showing.host.sheet.isVisible(), !closes);
-        QVERIFY(!showing.controller.uploadIndicator()->isAnimating());
-        if (closes)
-            return;
-        QVERIFY(showing.host.control<QLabel>("labelRenameAreasHint")->text().contains(u"incomplete"));
-        showing.click("Save");
-        QCOMPARE(showing.host.service.bodies()[2], setNames(record(1, "new")));
+        QTEST(showing.host.recordedAlert.errors.size(), "alerts");
+        const QString hint = showing.host.control<QLabel>("labelRenameAreasHint")->text();
+        QCOMPARE(showing.host.sheet.isVisible(), hint.contains(u"incomplete"));
+        QCOMPARE(showing.host.sheet.isVisible(), showing.host.endedEarlyCount == 1);
     }
 };
 
