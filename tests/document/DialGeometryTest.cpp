@@ -61,19 +61,6 @@ private Q_SLOTS:
         }
     }
 
-    void namesStandOnTheirSlicesSide()
-    {
-        const DialGeometry dial(QSize(860, 560), scaled(1));
-        const int centre = dial.wheel.center().x();
-        for (std::size_t k = 0; k < 8; ++k)
-            QCOMPARE(dial.names[k].left() > centre, k < 4);
-        // Clockwise from the top right, mirrored left and right, top and bottom.
-        QVERIFY(dial.names[0].top() < dial.names[1].top() && dial.names[1].top() < dial.names[2].top());
-        QVERIFY(dial.names[2].top() < dial.names[3].top());
-        for (std::size_t k = 0; k < 4; ++k)
-            QCOMPARE(dial.names[k].top(), dial.names[7 - k].top());
-    }
-
 private:
     static DialGeometry::TextSizes scaled(qreal scale)
     {

@@ -51,20 +51,6 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         QCOMPARE(client.service.requests().size(), 3);
     }
-
-    void commandsRoutedToAnotherInstanceUseTheCurrentDocument()
-    {
-        Client client;
-        const TarvexDocument *current = client.openSignedIn();
-        QVERIFY(QTest::qWaitForWindowActive(current->window()));
-        TarvexDocument renaming(client.controller);
-        renaming.renameAreas();
-        QVERIFY(current->wndRenameAreas()->isVisible());
-        QTest::keyClick(current->wndRenameAreas(), Qt::Key_Escape);
-        TarvexDocument drawing(client.controller);
-        drawing.getRandomGoal();
-        QTRY_COMPARE(client.service.bodies().value(3), "p1=get-random-goal" + annsDigests + "&p4=7");
-    }
 };
 
 QTEST_MAIN(SheetsFlowTest)

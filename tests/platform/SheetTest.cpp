@@ -70,24 +70,6 @@ private Q_SLOTS:
         QVERIFY(sheet.isVisible());
         QCOMPARE(sheet.windowModality(), Qt::WindowModal);
     }
-
-    void theWindowOfASheetThatIsUpMayGo()
-    {
-        QMainWindow own;
-        own.show();
-        Sheet sheet(&own);
-        {
-            QMainWindow other;
-            other.show();
-            sheet.beginOn(&other);
-            QVERIFY(sheet.isVisible());
-        }
-        QVERIFY(sheet.isBegun());
-        sheet.endSheet();
-        QCoreApplication::processEvents();
-        sheet.beginOn(&own);
-        QTRY_VERIFY(sheet.isVisible());
-    }
 };
 
 QTEST_MAIN(SheetTest)
