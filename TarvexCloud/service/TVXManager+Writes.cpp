@@ -40,9 +40,9 @@ void TVXManager::createSestUsingLogin(const QString &login, const QString &andPa
 void TVXManager::createGoalsUsingLogin(const QString &login, const QString &andPassword,
                                        const TVXGoalList &theGoals, qint64 forSetsId, qint64 forAreaId)
 {
-    write(FormString("create-some-goals"_L1)
-              .credentials(login, andPassword)
-              .raw("p4"_L1, goalRecords(theGoals, forSetsId, forAreaId)));
+    FormString form("create-some-goals"_L1);
+    appendGoalRecords(form.credentials(login, andPassword).open("p4"_L1), theGoals, forSetsId, forAreaId);
+    write(form);
 }
 
 void TVXManager::createGoalUsingLogin(const QString &login, const QString &andPassword,

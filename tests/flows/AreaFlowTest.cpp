@@ -8,6 +8,8 @@
 
 #include <QAbstractItemModelTester>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QByteArray goals(const QList<QList<QByteArray>> &rows)
@@ -46,7 +48,7 @@ struct OpenArea : Client
     }
     QList<QByteArray> written() const { return service.bodies().mid(4); }
     QModelIndex cell(int row, int column) const { return table->model()->index(row, column); }
-    QString state() const { return sheet->findChild<QLabel *>(QStringLiteral("labelState"))->text(); }
+    QString state() const { return sheet->findChild<QLabel *>(u"labelState"_s)->text(); }
     void click(const char *text) const
     {
         QTest::mouseClick(button(sheet, QString::fromLatin1(text)), Qt::LeftButton);
@@ -76,25 +78,24 @@ private Q_SLOTS:
     {
         OpenArea area;
         const QAbstractItemModelTester tester(area.table->model());
-        QCOMPARE(area.labelThen, QStringLiteral("Please Wait..."));
+        QCOMPARE(area.labelThen, u"Please Wait..."_s);
         QCOMPARE(area.service.bodies().last(), getGoals);
-        QCOMPARE(area.controller->labelAreaName()->text(), QStringLiteral("Money"));
+        QCOMPARE(area.controller->labelAreaName()->text(), u"Money"_s);
         QCOMPARE(area.controller->idsForRemove(), (std::vector<qint64>{101, 102, 2147483647}));
-        QCOMPARE(area.state(), QStringLiteral("1 of 3 done"));
+        QCOMPARE(area.state(), u"1 of 3 done"_s);
         QCOMPARE(area.cell(1, GoalTableModel::PriorityColumn).data().toString(), QString());
 
         QTest::keyClick(area.table, Qt::Key_Space); // the first goal is not done after all
         QTest::mouseClick(area.table->viewport(), Qt::LeftButton, {},
                           area.table->visualRect(area.cell(1, 0)).center());
         QLineEdit *editor = area.openEditor(2);
-        QTest::keyClicks(editor, QStringLiteral("a;b:c"));
+        QTest::keyClicks(editor, u"a;b:c"_s);
         QTest::keyClick(editor, Qt::Key_Return);
-        QTRY_COMPARE(area.cell(2, GoalTableModel::GoalColumn).data().toString(), QStringLiteral("a;b:c"));
-        area.table->model()->setData(area.cell(2, GoalTableModel::PriorityColumn), QStringLiteral("Hight"));
+        QTRY_COMPARE(area.cell(2, GoalTableModel::GoalColumn).data().toString(), u"a;b:c"_s);
+        area.table->model()->setData(area.cell(2, GoalTableModel::PriorityColumn), u"Hight"_s);
         area.click("Add Goal");
         area.controller->sliderOfArea()->setValue(8);
-        QVERIFY(area.sheet->findChild<QLabel *>(QStringLiteral("labelRating"))->text() ==
-                QStringLiteral("8 - Excellent"));
+        QVERIFY(area.sheet->findChild<QLabel *>(u"labelRating"_s)->text() == u"8 - Excellent"_s);
         area.click("Save");
 
         const QByteArray place = ";setsId:7;areaId:3;{_end_}";
@@ -109,8 +110,8 @@ private Q_SLOTS:
         QVERIFY(!area.sheet->isVisible());
         QVERIFY(area.document->project()->goals()->empty());
         QCOMPARE(area.document->project()->areas()->at(2)->valueOfArea(), 8);
-        QCOMPARE(Client::percents(area.document).value(2), QStringLiteral("25%"));
-        QCOMPARE(Client::average(area.document), QStringLiteral("44%"));
+        QCOMPARE(Client::percents(area.document).value(2), u"25%"_s);
+        QCOMPARE(Client::average(area.document), u"44%"_s);
     }
 
     void cancelSendsNothingAndKeepsEverything()
@@ -122,7 +123,7 @@ private Q_SLOTS:
         QVERIFY(!area.sheet->isVisible());
         QVERIFY(area.written().isEmpty());
         QCOMPARE(area.document->project()->areas()->at(2)->valueOfArea(), 2);
-        QCOMPARE(Client::percents(area.document).value(2), QStringLiteral("30%"));
+        QCOMPARE(Client::percents(area.document).value(2), u"30%"_s);
         QVERIFY(area.document->project()->goals()->empty());
     }
 
@@ -137,7 +138,7 @@ private Q_SLOTS:
         QCOMPARE(area.written().mid(1),
                  (QList<QByteArray>{sent("create-some-goals", "&p4="),
                                     sent("delete-some-goals", "&p4=101;102;2147483647;")}));
-        QCOMPARE(Client::percents(area.document).value(2), QStringLiteral("100%"));
+        QCOMPARE(Client::percents(area.document).value(2), u"100%"_s);
     }
 
     void aHalfTypedCellIsDroppedBySavingInAnyWay()
@@ -145,8 +146,8 @@ private Q_SLOTS:
         for (const bool byKey : {false, true}) {
             OpenArea area;
             QLineEdit *editor = area.openEditor(0);
-            QTest::keyClicks(editor, QStringLiteral("half"));
-            QCOMPARE(area.state(), QStringLiteral("Return keeps the text, Escape drops it."));
+            QTest::keyClicks(editor, u"half"_s);
+            QCOMPARE(area.state(), u"Return keeps the text, Escape drops it."_s);
             if (byKey)
                 QTest::keyClick(area.sheet, Qt::Key_S, Qt::AltModifier);
             else
@@ -163,7 +164,7 @@ private Q_SLOTS:
             xmlAnswer({"id", "name", "color", "value"},
                       {{"1", "a", "", "0"}, {"2", "b", "", "0"}, {"3", "R&amp;D", "", "-2000000000"}});
         OpenArea area(httpReply(goals({{"1", "two\nlines {_end_}", "-4", "y"}})), areas);
-        QCOMPARE(area.controller->labelAreaName()->text(), QStringLiteral("R&D"));
+        QCOMPARE(area.controller->labelAreaName()->text(), u"R&D"_s);
         QLineEdit *editor = area.openEditor(0);
         QTest::keyClick(editor, Qt::Key_Return);
         area.click("Save");
@@ -187,7 +188,7 @@ private Q_SLOTS:
             QCOMPARE(area.alert.errors.size(), failing.size());
             QCOMPARE(area.written().size(), 3);
             QVERIFY(!area.sheet->isVisible());
-            QCOMPARE(Client::percents(area.document).value(2), QStringLiteral("33%"));
+            QCOMPARE(Client::percents(area.document).value(2), u"33%"_s);
         }
     }
 
@@ -200,8 +201,8 @@ private Q_SLOTS:
         for (const auto &[reply, areas, alerts] : loads) {
             OpenArea area(reply, areas);
             QCOMPARE(area.alert.errors.size(), alerts);
-            QVERIFY(!Client::button(area.sheet, QStringLiteral("Save"))->isEnabled());
-            QVERIFY(area.state().contains(QStringLiteral("could not be loaded")));
+            QVERIFY(!Client::button(area.sheet, u"Save"_s)->isEnabled());
+            QVERIFY(area.state().contains(u"could not be loaded"_s));
             area.click("Cancel");
             QVERIFY(!area.sheet->isVisible() && area.written().isEmpty());
         }
@@ -211,7 +212,7 @@ private Q_SLOTS:
         document->wheelView()->theParent()->showAreaDetails(nullptr, 2);
         auto *controller = document->wndAreaDetails()->findChild<AreaWindowController *>();
         QTRY_VERIFY(controller->isAlreadyLoadedDatas() && !client.controller.isBusy());
-        QVERIFY(!Client::button(document->wndAreaDetails(), QStringLiteral("Save"))->isEnabled());
+        QVERIFY(!Client::button(document->wndAreaDetails(), u"Save"_s)->isEnabled());
         QCOMPARE(client.service.bodies().size(), 3);
     }
 
@@ -224,7 +225,7 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         QCOMPARE(area.table->model()->rowCount(), 4);
         QVERIFY(area.written().isEmpty());
-        QTest::mouseDClick(Client::button(area.sheet, QStringLiteral("Save")), Qt::LeftButton);
+        QTest::mouseDClick(Client::button(area.sheet, u"Save"_s), Qt::LeftButton);
         area.controller->closeAndSavedetailsWindow();
         QCOMPARE(area.written().size(), 3);
     }

@@ -17,6 +17,8 @@
 #include <QPushButton>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 /// An answer of the service: records of `fields`, one row of texts for each record.
 inline QByteArray xmlAnswer(const QList<QByteArray> &fields, const QList<QList<QByteArray>> &rows)
 {
@@ -85,13 +87,13 @@ public:
     }
 
     /// Types the credentials and clicks the button.
-    static void signIn(const TarvexDocument *document, const QString &login = QStringLiteral("ann"),
-                       const QString &password = QStringLiteral("secret"))
+    static void signIn(const TarvexDocument *document, const QString &login = u"ann"_s,
+                       const QString &password = u"secret"_s)
     {
         Sheet *sheet = document->wndSignIn();
-        sheet->findChild<QLineEdit *>(QStringLiteral("textUsername"))->setText(login);
-        sheet->findChild<QLineEdit *>(QStringLiteral("textPassword"))->setText(password);
-        QTest::mouseClick(button(sheet, QStringLiteral("Sign In")), Qt::LeftButton);
+        sheet->findChild<QLineEdit *>(u"textUsername"_s)->setText(login);
+        sheet->findChild<QLineEdit *>(u"textPassword"_s)->setText(password);
+        QTest::mouseClick(button(sheet, u"Sign In"_s), Qt::LeftButton);
     }
 
     static QPushButton *button(const QWidget *window, const QString &text)
@@ -108,25 +110,20 @@ public:
     {
         QStringList texts;
         for (int k = 1; k <= 8; ++k)
-            texts += document->window()
-                         ->findChild<QLabel *>(QStringLiteral("label%1%2").arg(k).arg(suffix))
-                         ->text();
+            texts += document->window()->findChild<QLabel *>(u"label%1%2"_s.arg(k).arg(suffix))->text();
         return texts;
     }
 
-    static QStringList percents(const TarvexDocument *document)
-    {
-        return labels(document, QStringLiteral("Percent"));
-    }
+    static QStringList percents(const TarvexDocument *document) { return labels(document, u"Percent"_s); }
 
     static QString average(const TarvexDocument *document)
     {
-        return document->window()->findChild<QLabel *>(QStringLiteral("labelMainPercent"))->text();
+        return document->window()->findChild<QLabel *>(u"labelMainPercent"_s)->text();
     }
 
     static QString guidance(const TarvexDocument *document)
     {
-        return document->window()->findChild<QLabel *>(QStringLiteral("labelGuidance"))->text();
+        return document->window()->findChild<QLabel *>(u"labelGuidance"_s)->text();
     }
 
     LoopbackService service;

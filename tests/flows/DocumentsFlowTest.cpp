@@ -2,6 +2,8 @@
 
 #include <QSignalSpy>
 
+using namespace Qt::StringLiterals;
+
 class DocumentsFlowTest : public QObject
 {
     Q_OBJECT
@@ -14,12 +16,12 @@ private Q_SLOTS:
         client.service.answer("get-sets", setsAnswer({setRow("3", "Bens", "8 8 8 8 8 8 8 8")}));
         TarvexDocument *two = client.controller.openUntitledDocument();
         QTRY_VERIFY(two->wndSignIn()->isVisible());
-        Client::signIn(two, QStringLiteral("ben"));
+        Client::signIn(two, u"ben"_s);
 
-        QCOMPARE(one->loginUserName(), QStringLiteral("ann"));
-        QCOMPARE(two->loginUserName(), QStringLiteral("ben"));
-        QCOMPARE(Client::average(one), QStringLiteral("45%"));
-        QCOMPARE(Client::average(two), QStringLiteral("8%"));
+        QCOMPARE(one->loginUserName(), u"ann"_s);
+        QCOMPARE(two->loginUserName(), u"ben"_s);
+        QCOMPARE(Client::average(one), u"45%"_s);
+        QCOMPARE(Client::average(two), u"8%"_s);
         QCOMPARE(one->window()->windowTitle(), two->window()->windowTitle());
 
         QSignalSpy last(&client.controller, &DocumentController::lastDocumentClosed);
@@ -55,12 +57,12 @@ private Q_SLOTS:
 
         TarvexDocument routed(client.controller);
         QVERIFY(!routed.wndProjectName());
-        current->project()->areas()->at(2)->setName(QStringLiteral("Renamed"));
+        current->project()->areas()->at(2)->setName(u"Renamed"_s);
         routed.setNamesForAreasOnWindow();
-        QCOMPARE(Client::labels(current).value(2), QStringLiteral("Renamed"));
+        QCOMPARE(Client::labels(current).value(2), u"Renamed"_s);
         QCOMPARE(routed.project(), current->project());
         routed.updatePercentValues(); // no selector, so nothing is selected
-        QCOMPARE(Client::average(current), QStringLiteral("45%"));
+        QCOMPARE(Client::average(current), u"45%"_s);
     }
 
     void everythingThatTakesTheFocusHasAName()

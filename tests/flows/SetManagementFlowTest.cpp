@@ -5,6 +5,8 @@
 
 #include <QAction>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 const QByteArray getSets = "p1=get-sets" + annsDigests;
@@ -32,7 +34,7 @@ private:
 
     static void typeName(const TarvexDocument *document, const QString &name, const QString &button)
     {
-        auto *field = document->wndProjectName()->findChild<QLineEdit *>(QStringLiteral("textProjectName"));
+        auto *field = document->wndProjectName()->findChild<QLineEdit *>(u"textProjectName"_s);
         field->selectAll();
         QTest::keyClicks(field, name);
         if (name.isEmpty())
@@ -59,13 +61,13 @@ private Q_SLOTS:
             trigger(document, "actionNewSet");
             QVERIFY(document->wndProjectName()->isVisible());
             client.service.answer("get-sets", sets({"First", "Newest", "Older"}));
-            typeName(document, QString::fromLatin1(typed), QStringLiteral("Create"));
+            typeName(document, QString::fromLatin1(typed), u"Create"_s);
 
             QCOMPARE(client.service.bodies().mid(3),
                      (QList<QByteArray>{"p1=create-sets" + annsDigests + "&p4=" + sent, getSets}));
             QVERIFY(!document->wndProjectName()->isVisible());
-            QCOMPARE(document->listOfProjects()->currentText(), QStringLiteral("Newest"));
-            QCOMPARE(Client::average(document), QStringLiteral("1%"));
+            QCOMPARE(document->listOfProjects()->currentText(), u"Newest"_s);
+            QCOMPARE(Client::average(document), u"1%"_s);
         }
     }
 
@@ -75,9 +77,9 @@ private Q_SLOTS:
         const TarvexDocument *document = client.openSignedIn();
         document->listOfProjects()->selectItemAtIndex(1);
         trigger(document, "actionRenameSet");
-        QCOMPARE(document->wndProjectName()->name(), QStringLiteral("Second"));
+        QCOMPARE(document->wndProjectName()->name(), u"Second"_s);
         client.service.answer("get-sets", sets({"A", "Twin", "Twin"}));
-        typeName(document, QStringLiteral("Twin"), QStringLiteral("Rename"));
+        typeName(document, u"Twin"_s, u"Rename"_s);
 
         QCOMPARE(client.service.bodies().mid(3),
                  (QList<QByteArray>{"p1=set-sets-name" + annsDigests + "&p4=Twin&p5=9", getSets}));
@@ -85,8 +87,8 @@ private Q_SLOTS:
 
         trigger(document, "actionRenameSet");
         client.service.answer("get-sets", sets({"A", "B"}));
-        typeName(document, QStringLiteral("Nobody"), QStringLiteral("Rename"));
-        QCOMPARE(document->listOfProjects()->currentText(), QStringLiteral("B")); // left to the selector
+        typeName(document, u"Nobody"_s, u"Rename"_s);
+        QCOMPARE(document->listOfProjects()->currentText(), u"B"_s); // left to the selector
     }
 
     void aNameThatNobodyTouchedGoesBackAsItCame()
@@ -111,14 +113,14 @@ private Q_SLOTS:
             QStringList texts;
             for (const QLabel *label : deleteAlert(document)->findChildren<QLabel *>())
                 texts += label->text();
-            QVERIFY(texts.contains(QStringLiteral("Delete?")));
-            QVERIFY(texts.contains(QStringLiteral("Delete current Set of Goals?")));
+            QVERIFY(texts.contains(u"Delete?"_s));
+            QVERIFY(texts.contains(u"Delete current Set of Goals?"_s));
             QTest::keyClick(deleteAlert(document), Qt::Key_Return);
 
             QCOMPARE(client.service.bodies().mid(3),
                      (QList<QByteArray>{"p1=delete-sets" + annsDigests + "&p4=" + deleted, getSets}));
             QCOMPARE(document->listOfProjects()->currentText(), QString::fromLatin1(then));
-            QCOMPARE(Client::average(document), *then ? QStringLiteral("0%") : QStringLiteral("45%"));
+            QCOMPARE(Client::average(document), *then ? u"0%"_s : u"45%"_s);
         }
     }
 
@@ -127,7 +129,7 @@ private Q_SLOTS:
         Client client;
         const TarvexDocument *document = client.openSignedIn();
         trigger(document, "actionDeleteSet");
-        QTest::mouseClick(Client::button(deleteAlert(document), QStringLiteral("Cancel")), Qt::LeftButton);
+        QTest::mouseClick(Client::button(deleteAlert(document), u"Cancel"_s), Qt::LeftButton);
         for (const char *command : {"actionNewSet", "actionRenameSet"}) {
             trigger(document, command);
             QVERIFY(document->wndProjectName()->isVisible());
@@ -148,21 +150,21 @@ private Q_SLOTS:
             QStringList names;
             for (const char *name : {"NewSet", "RenameSet", "DeleteSet", "RandomGoal", "RenameAreas"})
                 if (document->window()
-                        ->findChild<QAction *>(QStringLiteral("action") + QString::fromLatin1(name))
+                        ->findChild<QAction *>(u"action"_s + QString::fromLatin1(name))
                         ->isEnabled())
                     names += QString::fromLatin1(name);
             return names.join(u' ');
         };
         QCOMPARE(enabled(), QString());
         Client::signIn(document);
-        QCOMPARE(enabled(), QStringLiteral("NewSet RenameAreas"));
+        QCOMPARE(enabled(), u"NewSet RenameAreas"_s);
         client.service.answer("get-sets", sets({"One"}));
         trigger(document, "actionNewSet");
-        typeName(document, QStringLiteral("One"), QStringLiteral("Create"));
+        typeName(document, u"One"_s, u"Create"_s);
         QCOMPARE(enabled(),
-                 QStringLiteral("NewSet DeleteSet RenameAreas")); // item 1 of one: nothing selected
+                 u"NewSet DeleteSet RenameAreas"_s); // item 1 of one: nothing selected
         document->listOfProjects()->selectItemAtIndex(0);
-        QCOMPARE(enabled(), QStringLiteral("NewSet RenameSet DeleteSet RandomGoal RenameAreas"));
+        QCOMPARE(enabled(), u"NewSet RenameSet DeleteSet RandomGoal RenameAreas"_s);
     }
 
     void eachRequestWithoutAnAnswerRaisesItsAlertAndTheSheetCloses()
@@ -175,7 +177,7 @@ private Q_SLOTS:
             for (const QByteArray &kind : failing)
                 client.service.answer(kind, ServiceReply{"", /*closes=*/true});
             trigger(document, "actionNewSet");
-            typeName(document, QStringLiteral("x"), QStringLiteral("Create"));
+            typeName(document, u"x"_s, u"Create"_s);
             QCOMPARE(client.alert.errors.size(), failing.size());
             QCOMPARE(client.service.requests().size(), 5);
             QCOMPARE(document->listOfProjects()->count(), setsThen);

@@ -2,6 +2,8 @@
 
 #include <QAbstractItemView>
 
+using namespace Qt::StringLiterals;
+
 class SetSelectorFlowTest : public QObject
 {
     Q_OBJECT
@@ -12,8 +14,8 @@ private Q_SLOTS:
         Client client;
         const TarvexDocument *document = client.openSignedIn();
         QTest::keyClick(document->listOfProjects(), Qt::Key_Down);
-        QCOMPARE(Client::percents(document).join(u' '), QStringLiteral("99% 99% 99% 99% 99% 99% 99% 6%"));
-        QCOMPARE(Client::average(document), QStringLiteral("87%"));
+        QCOMPARE(Client::percents(document).join(u' '), u"99% 99% 99% 99% 99% 99% 99% 6%"_s);
+        QCOMPARE(Client::average(document), u"87%"_s);
         QCOMPARE(document->currentSet()->idOfSets(), 9);
         QCOMPARE(client.service.requests().size(), 3);
     }
@@ -27,9 +29,9 @@ private Q_SLOTS:
         QTest::keyClick(selector, Qt::Key_Down, Qt::AltModifier);
         QTRY_VERIFY(selector->view()->isVisible());
         QTest::keyClick(selector->view(), Qt::Key_Down);
-        QCOMPARE(Client::average(document), QStringLiteral("87%"));
+        QCOMPARE(Client::average(document), u"87%"_s);
         QTest::keyClick(selector->view(), Qt::Key_Escape);
-        QTRY_COMPARE(Client::average(document), QStringLiteral("45%"));
+        QTRY_COMPARE(Client::average(document), u"45%"_s);
         QCOMPARE(document->currentSet()->idOfSets(), 7);
     }
 
@@ -43,7 +45,7 @@ private Q_SLOTS:
             client.service.answer("get-sets", setsAnswer({setRow("1", "One", percents)}));
             const TarvexDocument *document = client.openSignedIn();
             QCOMPARE(Client::percents(document).join(u' '),
-                     QString::fromLatin1(percents).replace(u' ', QStringLiteral("% ")) + u'%');
+                     QString::fromLatin1(percents).replace(u' ', u"% "_s) + u'%');
             QCOMPARE(Client::average(document), QString::fromLatin1(average));
         }
     }
@@ -56,14 +58,14 @@ private Q_SLOTS:
                                                       setRow("9", "Second", "2 2 2 2 2 2 2 2")}));
         document->startGettingData();
         document->listOfProjects()->reloadData();
-        QCOMPARE(document->listOfProjects()->currentText(), QStringLiteral("Other"));
-        QCOMPARE(Client::average(document), QStringLiteral("1%"));
+        QCOMPARE(document->listOfProjects()->currentText(), u"Other"_s);
+        QCOMPARE(Client::average(document), u"1%"_s);
 
         client.service.answer("get-sets", setsAnswer({}));
         document->startGettingData();
         document->listOfProjects()->reloadData();
         QCOMPARE(document->listOfProjects()->indexOfSelectedItem(), -1);
-        QCOMPARE(Client::average(document), QStringLiteral("1%")); // nothing selected, nothing changed
+        QCOMPARE(Client::average(document), u"1%"_s); // nothing selected, nothing changed
     }
 
     void aNameResolvesByIdentityAndElseToTheFirst()
@@ -74,10 +76,10 @@ private Q_SLOTS:
         const TarvexDocument *document = client.openSignedIn();
         SourcedComboBox *selector = document->listOfProjects();
         selector->selectItemAtIndex(1); // both of one name can be reached
-        QCOMPARE(Client::average(document), QStringLiteral("2%"));
+        QCOMPARE(Client::average(document), u"2%"_s);
         QCOMPARE(document->comboBoxIndexOfItemWithStringValue(selector, selector->currentText()), 1);
-        QCOMPARE(document->comboBoxIndexOfItemWithStringValue(selector, QStringLiteral("Twin")), 0);
-        QCOMPARE(document->comboBoxIndexOfItemWithStringValue(selector, QStringLiteral("nobody")), 0);
+        QCOMPARE(document->comboBoxIndexOfItemWithStringValue(selector, u"Twin"_s), 0);
+        QCOMPARE(document->comboBoxIndexOfItemWithStringValue(selector, u"nobody"_s), 0);
 
         const SourcedComboBox another;
         QCOMPARE(document->numberOfItemsInComboBox(&another), 0);

@@ -2,6 +2,8 @@
 
 #include <QAction>
 
+using namespace Qt::StringLiterals;
+
 // What the sheets do by themselves is tested beside them; here, what the document hands them and hears of
 // them.
 class SheetsFlowTest : public QObject
@@ -24,16 +26,15 @@ private Q_SLOTS:
         const TarvexDocument *document = client.openSignedIn();
         trigger(document, "actionRandomGoal");
         QTRY_COMPARE(client.service.bodies().size(), 4);
-        QTest::mouseClick(Client::button(document->wndNextGoals(), QStringLiteral("Mark as Done")),
-                          Qt::LeftButton);
+        QTest::mouseClick(Client::button(document->wndNextGoals(), u"Mark as Done"_s), Qt::LeftButton);
         QCOMPARE(client.service.bodies().mid(3),
                  (QList<QByteArray>{"p1=get-random-goal" + annsDigests + "&p4=7",
                                     "p1=set-checked-area-percent" + annsDigests + "&p5=44",
                                     "p1=get-random-goal" + annsDigests + "&p4=7"}));
-        QCOMPARE(Client::percents(document).value(2), QStringLiteral("30%"));
+        QCOMPARE(Client::percents(document).value(2), u"30%"_s);
         QTest::keyClick(document->wndNextGoals(), Qt::Key_Escape);
-        QCOMPARE(Client::percents(document).value(2), QStringLiteral("90%"));
-        QCOMPARE(Client::average(document), QStringLiteral("52%"));
+        QCOMPARE(Client::percents(document).value(2), u"90%"_s);
+        QCOMPARE(Client::average(document), u"52%"_s);
         QVERIFY(!document->wndNextGoals()->isVisible());
     }
 

@@ -3,6 +3,8 @@
 #include <QTimer>
 #include <QWindow>
 
+using namespace Qt::StringLiterals;
+
 class SignInFlowTest : public QObject
 {
     Q_OBJECT
@@ -15,7 +17,7 @@ private Q_SLOTS:
         QVERIFY(document->window()->isVisible());
         QVERIFY(!document->wndSignIn()->isVisible());
         QCOMPARE(document->findChild<QTimer *>()->interval(), 500);
-        QCOMPARE(document->window()->windowTitle(), QStringLiteral("Tarvex Cloud - Client for Mac OS X"));
+        QCOMPARE(document->window()->windowTitle(), u"Tarvex Cloud - Client for Mac OS X"_s);
         QCOMPARE(Client::labels(document), QStringList(8, QString()));
 
         QTRY_VERIFY(document->wndSignIn()->isVisible());
@@ -33,15 +35,14 @@ private Q_SLOTS:
                                     "p1=get-areas" + annsDigests}));
 
         QVERIFY(!document->wndSignIn()->isVisible());
-        QCOMPARE(Client::labels(document).join(u' '),
-                 QStringLiteral("Health Work Money Family Growth Fun Home Love"));
-        QCOMPARE(Client::percents(document).join(u' '), QStringLiteral("10% 20% 30% 40% 50% 60% 70% 80%"));
-        QCOMPARE(Client::average(document), QStringLiteral("45%"));
-        QCOMPARE(document->listOfProjects()->currentText(), QStringLiteral("First"));
-        QCOMPARE(document->textSignInErrorMessage()->text(), QStringLiteral("Checking..."));
+        QCOMPARE(Client::labels(document).join(u' '), u"Health Work Money Family Growth Fun Home Love"_s);
+        QCOMPARE(Client::percents(document).join(u' '), u"10% 20% 30% 40% 50% 60% 70% 80%"_s);
+        QCOMPARE(Client::average(document), u"45%"_s);
+        QCOMPARE(document->listOfProjects()->currentText(), u"First"_s);
+        QCOMPARE(document->textSignInErrorMessage()->text(), u"Checking..."_s);
 
-        QCOMPARE(document->loginUserName(), QStringLiteral("ann"));
-        QCOMPARE(document->loginPassword(), QStringLiteral("secret"));
+        QCOMPARE(document->loginUserName(), u"ann"_s);
+        QCOMPARE(document->loginPassword(), u"secret"_s);
         QCOMPARE(document->currentSet(), document->project()->sets()->front());
         QCOMPARE(document->wheelView()->piecesOfWheel()->size(), std::size_t(8));
         QCOMPARE(document->wheelView()->mainData(), document->project());
@@ -53,13 +54,13 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("answer");
         QTest::addColumn<QString>("shown");
         QTest::newRow("words") << QByteArray("Unknown login or wrong password.")
-                               << QStringLiteral("Unknown login or wrong password.");
-        QTest::newRow("lower case") << QByteArray("ok") << QStringLiteral("ok");
-        QTest::newRow("line break behind") << QByteArray("OK\n") << QStringLiteral("OK\n");
+                               << u"Unknown login or wrong password."_s;
+        QTest::newRow("lower case") << QByteArray("ok") << u"ok"_s;
+        QTest::newRow("line break behind") << QByteArray("OK\n") << u"OK\n"_s;
         QTest::newRow("markup") << QByteArray("<b>No</b> &amp; <img src=x>")
-                                << QStringLiteral("<b>No</b> &amp; <img src=x>");
-        QTest::newRow("not ASCII") << QByteArray("\xC3\xA9") << QStringLiteral("Error");
-        QTest::newRow("empty") << QByteArray("") << QStringLiteral("");
+                                << u"<b>No</b> &amp; <img src=x>"_s;
+        QTest::newRow("not ASCII") << QByteArray("\xC3\xA9") << u"Error"_s;
+        QTest::newRow("empty") << QByteArray("") << u""_s;
     }
 
     void anyOtherAnswerIsShownAndTheSheetStays()
@@ -88,8 +89,7 @@ private Q_SLOTS:
             if (byKey)
                 QTest::keyClick(document->wndSignIn(), Qt::Key_Escape);
             else
-                QTest::mouseClick(Client::button(document->wndSignIn(), QStringLiteral("Cancel")),
-                                  Qt::LeftButton);
+                QTest::mouseClick(Client::button(document->wndSignIn(), u"Cancel"_s), Qt::LeftButton);
             QVERIFY(client.controller.documents().empty());
             QTRY_VERIFY(document.isNull());
             QVERIFY(client.service.requests().isEmpty());
@@ -131,8 +131,8 @@ private Q_SLOTS:
         QCOMPARE(client.service.requests().size(), 3);
         QVERIFY(!document->wndSignIn()->isVisible());
         QCOMPARE(document->listOfProjects()->count(), sets);
-        QCOMPARE(Client::labels(document).filter(QRegularExpression(QStringLiteral("."))).size(), areas);
-        QCOMPARE(Client::average(document), sets > 0 ? QStringLiteral("45%") : QString());
+        QCOMPARE(Client::labels(document).filter(QRegularExpression(u"."_s)).size(), areas);
+        QCOMPARE(Client::average(document), sets > 0 ? u"45%"_s : QString());
         QVERIFY(sets > 0 && areas > 0 ? true : !Client::guidance(document).isEmpty());
 
         QTest::keyClick(document->wheelView(), Qt::Key_Right);
@@ -146,13 +146,13 @@ private Q_SLOTS:
         client.service.answer("get-sets", QByteArray("<a><id>1</id><id>2</id><name>only</name></a>"));
         const TarvexDocument *document = client.openSignedIn();
         QVERIFY(document->wndSignIn()->isVisible());
-        QVERIFY(document->textSignInErrorMessage()->text().contains(QStringLiteral("incomplete")));
+        QVERIFY(document->textSignInErrorMessage()->text().contains(u"incomplete"_s));
         QVERIFY(!client.controller.isBusy());
 
         client.service.answer("get-sets", setsAnswer({setRow("1", "Good", "1 2 3 4 5 6 7 8")}));
         Client::signIn(document);
         QVERIFY(!document->wndSignIn()->isVisible());
-        QCOMPARE(document->listOfProjects()->currentText(), QStringLiteral("Good"));
+        QCOMPARE(document->listOfProjects()->currentText(), u"Good"_s);
     }
 
     void inputDuringARequestIsDropped()
@@ -170,7 +170,7 @@ private Q_SLOTS:
             meanwhile.stop();
             shownMeanwhile = document->textSignInErrorMessage()->text();
             busyMeanwhile = client.controller.isBusy();
-            QTest::mouseClick(Client::button(sheet, QStringLiteral("Sign In")), Qt::LeftButton);
+            QTest::mouseClick(Client::button(sheet, u"Sign In"_s), Qt::LeftButton);
             QTest::keyClick(sheet, Qt::Key_Escape);
             QMetaObject::invokeMethod(document, "signIn"); // what gets past any filter
             sheet->windowHandle()->close();
@@ -179,7 +179,7 @@ private Q_SLOTS:
         });
         meanwhile.start(5);
         Client::signIn(document);
-        QCOMPARE(shownMeanwhile, QStringLiteral("Checking..."));
+        QCOMPARE(shownMeanwhile, u"Checking..."_s);
         QVERIFY(busyMeanwhile);
         QCOMPARE(client.service.requests().size(), 3);
         QCOMPARE(client.controller.documents().size(), std::size_t(1));
@@ -191,13 +191,13 @@ private Q_SLOTS:
         Client client;
         client.service.answer("get-areas", QByteArray("Error"));
         const TarvexDocument *document = client.openSignedIn();
-        auto *again = document->window()->findChild<QAction *>(QStringLiteral("actionSignIn"));
+        auto *again = document->window()->findChild<QAction *>(u"actionSignIn"_s);
         client.service.answer("get-areas", areasAnswer({"only"}));
         again->trigger();
         QVERIFY(document->textSignInErrorMessage()->text().isEmpty());
         Client::signIn(document);
         QCOMPARE(document->wheelView()->piecesOfWheel()->size(), std::size_t(16));
-        QCOMPARE(Client::labels(document).value(0), QStringLiteral("only"));
+        QCOMPARE(Client::labels(document).value(0), u"only"_s);
         QVERIFY(!again->isEnabled());
     }
 };

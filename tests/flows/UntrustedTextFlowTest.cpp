@@ -1,5 +1,7 @@
 #include "Client.h"
 
+using namespace Qt::StringLiterals;
+
 class UntrustedTextFlowTest : public QObject
 {
     Q_OBJECT
@@ -7,13 +9,13 @@ class UntrustedTextFlowTest : public QObject
 private:
     static QString untrusted(int index)
     {
-        const QStringList texts = {QStringLiteral("<b>bold</b><img src=x>"),
-                                   QStringLiteral("R&D &amp; &lt;"),
-                                   QStringLiteral("two\nlines\tand"),
-                                   QStringLiteral("\u05E2\u05D1\u05E8\u05D9\u05EA"),
-                                   QStringLiteral("\U0001F3AF goal"),
+        const QStringList texts = {u"<b>bold</b><img src=x>"_s,
+                                   u"R&D &amp; &lt;"_s,
+                                   u"two\nlines\tand"_s,
+                                   u"\u05E2\u05D1\u05E8\u05D9\u05EA"_s,
+                                   u"\U0001F3AF goal"_s,
                                    QString(500, u'W'),
-                                   QStringLiteral("  blanks  "),
+                                   u"  blanks  "_s,
                                    QString(200'000, u'x')};
         return texts[index];
     }
@@ -53,7 +55,7 @@ private Q_SLOTS:
         client.service.answer("sign-in", huge.trimmed());
         const TarvexDocument *document = client.openSignedIn();
         QCOMPARE(document->textSignInErrorMessage()->text().size(), huge.trimmed().size());
-        QVERIFY(document->textSignInErrorMessage()->toPlainText().startsWith(QStringLiteral("<i>no</i>")));
+        QVERIFY(document->textSignInErrorMessage()->toPlainText().startsWith(u"<i>no</i>"_s));
         QVERIFY(document->wndSignIn()->height() < 500);
     }
 };

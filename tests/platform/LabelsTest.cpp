@@ -4,6 +4,8 @@
 
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 class LabelsTest : public QObject
 {
     Q_OBJECT
@@ -11,12 +13,11 @@ class LabelsTest : public QObject
 private Q_SLOTS:
     void textFromOutsideIsOneBoundedLine()
     {
-        const QString line = singleLineOf(QStringLiteral("a\nb\tc\u2028d\u0000e") + QString(5000, u'x'));
-        QVERIFY(line.startsWith(QStringLiteral("a b c d")));
+        const QString line = singleLineOf(u"a\nb\tc\u2028d\u0000e"_s + QString(5000, u'x'));
+        QVERIFY(line.startsWith(u"a b c d"_s));
         QVERIFY(!line.contains(u'\n'));
         QVERIFY(line.size() <= 1000);
-        QVERIFY(
-            plainToolTip(QStringLiteral("<img src=x>&")).contains(QStringLiteral("&lt;img src=x&gt;&amp;")));
+        QVERIFY(plainToolTip(u"<img src=x>&"_s).contains(u"&lt;img src=x&gt;&amp;"_s));
     }
 
     void aLabelTurnsAboutTheCentreItIsGiven()
@@ -36,11 +37,11 @@ private Q_SLOTS:
         MessageLine line;
         line.resize(300, 100);
         line.show();
-        const QString huge = QStringLiteral("<b>no</b> ").repeated(1'000'000);
+        const QString huge = u"<b>no</b> "_s.repeated(1'000'000);
         line.setText(huge);
         QCOMPARE(line.text(), huge);
         QVERIFY(line.toPlainText().size() < 5000);
-        QVERIFY(line.toPlainText().startsWith(QStringLiteral("<b>no</b>")));
+        QVERIFY(line.toPlainText().startsWith(u"<b>no</b>"_s));
         QVERIFY(line.sizeHint().height() < 12 * line.fontMetrics().height());
     }
 };

@@ -3,6 +3,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 struct Names : ComboBoxDataSource
@@ -37,13 +39,13 @@ class SourcedComboBoxTest : public QObject
 private Q_SLOTS:
     void anotherRecordAtAReusedAddressIsStillAnother()
     {
-        Names names({QStringLiteral("a")});
+        Names names({u"a"_s});
         SourcedComboBox box;
         box.setDataSource(&names);
         QSignalSpy changes(&box, &SourcedComboBox::selectionDidChange);
         box.selectItemAtIndex(0);
         for (int round = 2; round <= 20; ++round) {
-            names = Names({QStringLiteral("again")});
+            names = Names({u"again"_s});
             box.reloadData();
             QCOMPARE(changes.count(), round);
         }
@@ -51,7 +53,7 @@ private Q_SLOTS:
 
     void scrollingPastWithoutFocusSelectsNothing()
     {
-        const Names names({QStringLiteral("a"), QStringLiteral("b")});
+        const Names names({u"a"_s, u"b"_s});
         QWidget window;
         SourcedComboBox box(&window);
         box.setDataSource(&names);

@@ -32,3 +32,9 @@ QString formNumber(qint64 value)
 {
     return QString::number(static_cast<qint32>(value));
 }
+
+QString &FormString::open(QLatin1StringView field)
+{
+    raw(field, {});
+    return m_string;
+}

@@ -19,6 +19,9 @@ public:
     /// A value that is complete already: an assembled list, or a text that must go out as typed.
     FormString &raw(QLatin1StringView field, const QString &value);
 
+    /// Begins a field whose value the caller appends; large lists are built in place.
+    QString &open(QLatin1StringView field);
+
     const QString &string() const { return m_string; }
     /// UTF-8; a lone surrogate becomes a question mark.
     QByteArray body() const { return m_string.toUtf8(); }

@@ -3,6 +3,9 @@
 #include "Escaping.h"
 #include "FormString.h"
 
+#include <array>
+#include <charconv>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -11,21 +14,21 @@ constexpr QLatin1StringView endMark = ";{_end_}"_L1;
 
 } // namespace
 
-QString goalRecords(const TVXGoalList &goals, qint64 setsId, qint64 areaId)
+void appendGoalRecords(QString &text, const TVXGoalList &goals, qint64 setsId, qint64 areaId)
 {
     const QString place = u";setsId:"_s + formNumber(setsId) + u";areaId:"_s + formNumber(areaId) + endMark;
     constexpr qsizetype usualNameAndNumbers = 80;
-    QString records;
-    records.reserve(static_cast<qsizetype>(goals.size()) * (place.size() + usualNameAndNumbers));
+    text.reserve(text.size() + static_cast<qsizetype>(goals.size()) * (place.size() + usualNameAndNumbers));
     for (const TVXGoalPtr &goal : goals) {
-        records += "name:"_L1;
-        records += escapedForWire(goal->nameOfGoal());
-        records += ";priority:"_L1;
-        records += formNumber(goal->priorityOfGoal());
-        records += goal->isChecked() ? ";checked:1"_L1 : ";checked:0"_L1;
-        records += place;
+        std::array<char, 12> digits;
+        const auto end = std::to_chars(digits.begin(), digits.end(), goal->priorityOfGoal()).ptr;
+        text += "name:"_L1;
+        text += escapedForWire(goal->nameOfGoal());
+        text += ";priority:"_L1;
+        text += QLatin1StringView(digits.data(), end - digits.data());
+        text += goal->isChecked() ? ";checked:1"_L1 : ";checked:0"_L1;
+        text += place;
     }
-    return records;
 }
 
 QString areaNameRecords(const TVXAreaList &areas)

@@ -8,7 +8,7 @@
 /// that holds it goes out as it is.
 
 /// "name:...;priority:...;checked:...;setsId:...;areaId:...;{_end_}", the same set and area for every goal.
-QString goalRecords(const TVXGoalList &goals, qint64 setsId, qint64 areaId);
+void appendGoalRecords(QString &text, const TVXGoalList &goals, qint64 setsId, qint64 areaId);
 /// "id:...;name:...;{_end_}"
 QString areaNameRecords(const TVXAreaList &areas);
 /// "12;15;"
