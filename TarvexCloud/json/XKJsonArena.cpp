@@ -8,8 +8,8 @@ namespace {
 
 // An answer of a few fields takes one allocation; a large text takes few, and wastes little of the last.
 constexpr std::size_t smallestRoom = 256;
-constexpr std::size_t largestFirstRoom = 64 * 1024;
-constexpr std::size_t largestChunk = 1024 * 1024;
+constexpr std::size_t largestFirstRoom = std::size_t(64) * 1024;
+constexpr std::size_t largestChunk = std::size_t(1024) * 1024;
 
 } // namespace
 
@@ -35,12 +35,6 @@ XKJsonArena::~XKJsonArena()
         m_chunks = chunk->previous;
         ::operator delete(chunk);
     }
-}
-
-void XKJsonArena::destroy() noexcept
-{
-    this->~XKJsonArena();
-    ::operator delete(this);
 }
 
 XKJsonNode *XKJsonArena::copy(const XKJsonNode *nodes, std::size_t count)

@@ -11,7 +11,9 @@ class XKJsonArena final : public XKJsonShared
 {
 public:
     static XKJsonArena *make(const QString &text);
-    void destroy() noexcept override;
+    ~XKJsonArena() override;
+    void destroy() noexcept override { delete this; }
+    static void operator delete(void *memory) { ::operator delete(memory); } // of more than the size
 
     const QString &text() const { return m_text; }
 
@@ -34,7 +36,6 @@ private:
     };
 
     XKJsonArena(const QString &text, char *room, std::size_t bytes);
-    ~XKJsonArena() override;
     void *allocateInNewChunk(std::size_t bytes);
 
     QString m_text;

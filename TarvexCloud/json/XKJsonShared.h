@@ -6,6 +6,7 @@
 class XKJsonShared
 {
 public:
+    virtual ~XKJsonShared() = default;
     XKJsonShared(const XKJsonShared &) = delete;
     XKJsonShared &operator=(const XKJsonShared &) = delete;
 
@@ -23,7 +24,6 @@ public:
 
 protected:
     XKJsonShared() = default;
-    virtual ~XKJsonShared() = default;
 
 private:
     std::atomic<int> m_holders = 1; // whoever makes it

@@ -11,12 +11,37 @@
 using namespace Qt::StringLiterals;
 using Code = XKJsonErrorCode;
 
-namespace {
-
-const XKJsonNode *after(const XKJsonNode *item, std::size_t bytes)
+/// What a container holds, wherever it lives.
+struct XKJsonWriter::Items
 {
-    return reinterpret_cast<const XKJsonNode *>(reinterpret_cast<const std::byte *>(item) + bytes);
-}
+    explicit Items(const XKJsonNode &container) : isDictionary(container.kind() == XKJsonKind::Dictionary)
+    {
+        static_assert(std::is_standard_layout_v<XKJsonValue>); // a value begins with its node
+        if (container.is(XKJsonNode::Editable)) {
+            const XKJsonContainer &editable = *container.container;
+            itemSize = sizeof(XKJsonValue);
+            count = editable.count();
+            first = count ? &editable.node(0) : nullptr;
+        } else {
+            count = container.length();
+            first = container.items;
+        }
+    }
+    /// Of a dictionary the keys have even places, and each value is at the next one.
+    const XKJsonNode &at(std::size_t place) const { return *after(first, place); }
+    const XKJsonNode *after(const XKJsonNode *item, std::size_t places) const
+    {
+        return reinterpret_cast<const XKJsonNode *>(reinterpret_cast<const std::byte *>(item) +
+                                                    places * itemSize);
+    }
+
+    bool isDictionary;
+    std::size_t itemSize = sizeof(XKJsonNode); // in bytes
+    std::size_t count = 0;                     // elements or members
+    const XKJsonNode *first = nullptr;
+};
+
+namespace {
 
 // Keys that are no strings come first: the sooner the writing ends at them.
 bool comesBefore(const XKJsonNode *key, const XKJsonNode *other)
@@ -54,31 +79,12 @@ QString XKJsonWriter::stringWithObject(const XKJsonValue &object, XKJsonError *e
     return text;
 }
 
-inline void XKJsonWriter::open(const XKJsonNode &container)
-{
-    Frame &frame = m_frames.emplace_back();
-    frame.isDictionary = container.kind() == XKJsonKind::Dictionary;
-    frame.sortedBegin = frame.sortedNext = m_sorted.size();
-    std::size_t items = 0;
-    if (container.is(XKJsonNode::Editable)) {
-        static_assert(std::is_standard_layout_v<XKJsonValue>); // a value begins with its node
-        frame.itemSize = sizeof(XKJsonValue);
-        items = container.container->items().size();
-        frame.next = items ? &container.container->node(0) : nullptr;
-    } else {
-        frame.itemSize = sizeof(XKJsonNode);
-        items = container.length() * (frame.isDictionary ? 2 : 1);
-        frame.next = container.items;
-    }
-    frame.end = after(frame.next, items * frame.itemSize);
-}
-
 Q_ALWAYS_INLINE XKJsonWriter::Step XKJsonWriter::appendArray(const XKJsonNode &array, XKJsonOutput &into,
                                                              char16_t *&end)
 {
     if (!enterContainer())
         return Step::Failed;
-    open(array);
+    m_frames.push_back({&array, 0});
     into.reserve(end, /*units=*/1);
     *end++ = u'[';
     return Step::Opened;
@@ -89,9 +95,9 @@ Q_ALWAYS_INLINE XKJsonWriter::Step XKJsonWriter::appendDictionary(const XKJsonNo
 {
     if (!enterContainer())
         return Step::Failed;
-    open(dictionary);
-    if (m_sortKeys)
-        sortKeysOfInnermost();
+    m_frames.push_back({&dictionary, 0});
+    if (m_isSorting)
+        pushSortedKeys(Items(dictionary));
     into.reserve(end, /*units=*/1);
     *end++ = u'{';
     return Step::Opened;
@@ -192,32 +198,37 @@ XKJsonWriter::Step XKJsonWriter::appendObject(const XKJsonObject &object, XKJson
 XKJsonWriter::Step XKJsonWriter::appendProxy(std::size_t chain, XKJsonOutput &into)
 {
     if (appendAnyValue(m_proxies.back().second.m_node, into) == Step::Opened) {
-        m_frames.back().proxies = chain;
+        m_proxyFrames.push_back({m_frames.size() - 1, chain});
         return Step::Opened;
     }
     leaveProxies(chain);
     return Step::Appended;
 }
 
-inline void XKJsonWriter::leave()
+void XKJsonWriter::pushSortedKeys(const Items &members)
 {
-    const Frame &frame = m_frames.back();
-    if (frame.proxies > 0)
-        leaveProxies(frame.proxies);
-    if (m_sorted.size() > frame.sortedBegin)
-        m_sorted.resize(frame.sortedBegin);
-    m_frames.pop_back();
+    const std::size_t before = m_sorted.size();
+    for (std::size_t i = 0; i < members.count; ++i)
+        m_sorted.push_back(&members.at(2 * i));
+    std::sort(m_sorted.begin() + static_cast<std::ptrdiff_t>(before), m_sorted.end(), comesBefore);
 }
 
-inline const XKJsonNode *XKJsonWriter::nextKey(Frame &frame)
+inline const XKJsonNode &XKJsonWriter::keyAt(const Items &members, std::size_t index) const
 {
-    if (m_sortKeys)
-        return frame.sortedNext < m_sorted.size() ? m_sorted[frame.sortedNext++] : nullptr;
-    const XKJsonNode *const key = frame.next;
-    if (key == frame.end)
-        return nullptr;
-    frame.next = after(key, 2 * frame.itemSize);
-    return key;
+    return m_isSorting ? *m_sorted[m_sorted.size() - members.count + index] : members.at(2 * index);
+}
+
+inline void XKJsonWriter::leave()
+{
+    if (m_isSorting) {
+        const Items items(*m_frames.back().container);
+        m_sorted.resize(m_sorted.size() - (items.isDictionary ? items.count : 0));
+    }
+    m_frames.pop_back();
+    if (!m_proxyFrames.empty() && m_proxyFrames.back().frame == m_frames.size()) {
+        leaveProxies(m_proxyFrames.back().chain);
+        m_proxyFrames.pop_back();
+    }
 }
 
 inline void XKJsonWriter::close(char16_t bracket, XKJsonOutput &into, char16_t *&end)
@@ -225,7 +236,7 @@ inline void XKJsonWriter::close(char16_t bracket, XKJsonOutput &into, char16_t *
     leaveContainer();
     const std::size_t spaces = spacesOfIndent();
     into.reserve(end, spaces + 2);
-    if (m_humanReadable && !m_frames.back().isAtFirst)
+    if (m_humanReadable && m_frames.back().done > 0)
         end = XKJsonOutput::putLine(end, spaces);
     *end++ = bracket;
     leave();
@@ -236,7 +247,6 @@ Q_ALWAYS_INLINE XKJsonWriter::Step XKJsonWriter::appendMember(const XKJsonNode &
 {
     if (key.kind() != XKJsonKind::String)
         return refuse(u"JSON object key must be string"_s);
-    m_frames.back().key = &key;
     appendString(key, into, end);
     into.reserve(end, /*units=*/3);
     end = m_humanReadable ? XKJsonOutput::put(end, u" : ") : XKJsonOutput::put(end, u":");
@@ -246,11 +256,11 @@ Q_ALWAYS_INLINE XKJsonWriter::Step XKJsonWriter::appendMember(const XKJsonNode &
     return step;
 }
 
-Q_ALWAYS_INLINE void XKJsonWriter::appendSeparator(Frame &frame, XKJsonOutput &into, char16_t *&end)
+Q_ALWAYS_INLINE void XKJsonWriter::appendSeparator(bool isFirst, XKJsonOutput &into, char16_t *&end)
 {
     const std::size_t spaces = spacesOfIndent();
     into.reserve(end, spaces + 2);
-    if (!std::exchange(frame.isAtFirst, false))
+    if (!isFirst)
         *end++ = u',';
     if (m_humanReadable)
         end = XKJsonOutput::putLine(end, spaces);
@@ -259,12 +269,12 @@ Q_ALWAYS_INLINE void XKJsonWriter::appendSeparator(Frame &frame, XKJsonOutput &i
 XKJsonWriter::Step XKJsonWriter::appendElements(XKJsonOutput &into)
 {
     Frame &frame = m_frames.back();
+    const Items elements(*frame.container);
     char16_t *end = into.end();
     Step step = Step::Appended;
-    while (step == Step::Appended && frame.next != frame.end) {
-        appendSeparator(frame, into, end);
-        const XKJsonNode &element = *frame.next;
-        frame.next = after(frame.next, frame.itemSize);
+    while (step == Step::Appended && frame.done < elements.count) {
+        appendSeparator(frame.done == 0, into, end);
+        const XKJsonNode &element = elements.at(frame.done++);
         step = appendValue(element, into, end); // which may move the frame, if it opens another
     }
     if (step == Step::Appended)
@@ -276,27 +286,18 @@ XKJsonWriter::Step XKJsonWriter::appendElements(XKJsonOutput &into)
 XKJsonWriter::Step XKJsonWriter::appendMembers(XKJsonOutput &into)
 {
     Frame &frame = m_frames.back();
+    const Items members(*frame.container);
     char16_t *end = into.end();
     Step step = Step::Appended;
-    while (step == Step::Appended) {
-        const XKJsonNode *const key = nextKey(frame);
-        if (!key) {
-            close(u'}', into, end);
-            break;
-        }
-        appendSeparator(frame, into, end);
-        step = appendMember(*key, *after(key, frame.itemSize), into, end);
+    while (step == Step::Appended && frame.done < members.count) {
+        appendSeparator(frame.done == 0, into, end);
+        const XKJsonNode &key = keyAt(members, frame.done++);
+        step = appendMember(key, *members.after(&key, /*places=*/1), into, end);
     }
+    if (step == Step::Appended)
+        close(u'}', into, end);
     into.commit(end);
     return step;
-}
-
-void XKJsonWriter::sortKeysOfInnermost()
-{
-    const Frame &frame = m_frames.back();
-    for (const XKJsonNode *key = frame.next; key != frame.end; key = after(key, 2 * frame.itemSize))
-        m_sorted.push_back(key);
-    std::sort(m_sorted.begin() + static_cast<std::ptrdiff_t>(frame.sortedBegin), m_sorted.end(), comesBefore);
 }
 
 // After a failure in the innermost open container: gives up all containers out to the one that a proxy led
@@ -304,14 +305,15 @@ void XKJsonWriter::sortKeysOfInnermost()
 bool XKJsonWriter::goOnBehindProxy()
 {
     for (;;) {
-        const bool isOfProxy = m_frames.back().proxies > 0;
+        const bool isOfProxy = !m_proxyFrames.empty() && m_proxyFrames.back().frame + 1 == m_frames.size();
         leave();
         if (isOfProxy)
             return true;
         if (m_frames.empty())
             return false;
-        if (m_frames.back().isDictionary)
-            refuseMember(*m_frames.back().key);
+        const Items items(*m_frames.back().container);
+        if (items.isDictionary)
+            refuseMember(keyAt(items, m_frames.back().done - 1));
     }
 }
 
@@ -369,6 +371,8 @@ QString XKJsonWriter::textOf(const XKJsonValue &container)
     resetDepth();
     m_frames.clear();
     m_sorted.clear();
+    m_proxyFrames.clear();
+    m_isSorting = m_sortKeys;
     if (appendAnyValue(container.m_node, output) == Step::Failed || !appendOpenContainers(output))
         return {};
     return output.take();
@@ -377,7 +381,8 @@ QString XKJsonWriter::textOf(const XKJsonValue &container)
 bool XKJsonWriter::appendOpenContainers(XKJsonOutput &into)
 {
     while (!m_frames.empty()) {
-        const Step step = m_frames.back().isDictionary ? appendMembers(into) : appendElements(into);
+        const bool isDictionary = m_frames.back().container->kind() == XKJsonKind::Dictionary;
+        const Step step = isDictionary ? appendMembers(into) : appendElements(into);
         if (step == Step::Failed && !goOnBehindProxy())
             return false;
     }

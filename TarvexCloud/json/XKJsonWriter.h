@@ -4,6 +4,7 @@
 #include "XKJsonOutput.h"
 #include "XKJsonValue.h"
 
+#include <list>
 #include <unordered_set>
 #include <vector>
 
@@ -34,19 +35,19 @@ public:
 private:
     enum class Step { Failed, Appended, Opened };
 
-    // A container being written.
+    // A container being written. Small, since there is one for each level of nesting.
     struct Frame
     {
-        const XKJsonNode *next = nullptr; // item
-        const XKJsonNode *end = nullptr;
-        std::size_t itemSize = 0;        // in bytes: values of a container stand wider than nodes of an arena
-        const XKJsonNode *key = nullptr; // of the member being written
-        std::size_t sortedBegin = 0;     // in m_sorted
-        std::size_t sortedNext = 0;
-        std::size_t proxies = 0; // that led to this container
-        bool isDictionary = false;
-        bool isAtFirst = true;
+        const XKJsonNode *container;
+        std::size_t done; // elements or members, the one being written included
     };
+    // The way to a container that proxies led to.
+    struct ProxyFrame
+    {
+        std::size_t frame; // of that container
+        std::size_t chain; // proxies, each of the one before
+    };
+    struct Items;
 
     QString textOf(const XKJsonValue &container);
     bool appendOpenContainers(XKJsonOutput &into);
@@ -61,16 +62,15 @@ private:
     Step appendDictionary(const XKJsonNode &dictionary, XKJsonOutput &into, char16_t *&end);
     Step appendString(const XKJsonNode &string, XKJsonOutput &into, char16_t *&end);
     Step appendDouble(double real, XKJsonOutput &into, char16_t *&end);
-    void appendSeparator(Frame &frame, XKJsonOutput &into, char16_t *&end);
+    void appendSeparator(bool isFirst, XKJsonOutput &into, char16_t *&end);
     Step appendAnyValue(const XKJsonNode &value, XKJsonOutput &into);
     Step appendObject(const XKJsonObject &object, XKJsonOutput &into);
     Step appendProxy(std::size_t chain, XKJsonOutput &into);
 
-    void open(const XKJsonNode &container);
     void close(char16_t bracket, XKJsonOutput &into, char16_t *&end);
     void leave();
-    void sortKeysOfInnermost();
-    const XKJsonNode *nextKey(Frame &frame);
+    void pushSortedKeys(const Items &members);
+    const XKJsonNode &keyAt(const Items &members, std::size_t index) const;
     bool goOnBehindProxy();
     bool enterProxy(const XKJsonObject &object, const XKJsonValue &proxy);
     void leaveProxies(std::size_t count);
@@ -81,8 +81,10 @@ private:
 
     bool m_humanReadable = false;
     bool m_sortKeys = false;
+    bool m_isSorting = false; // as m_sortKeys was when the writing began
     std::vector<Frame> m_frames;
-    std::vector<const XKJsonNode *> m_sorted;                            // keys, of all open dictionaries
-    std::vector<std::pair<const XKJsonObject *, XKJsonValue>> m_proxies; // being written
-    std::unordered_set<const XKJsonObject *> m_proxied;                  // the objects of these
+    std::vector<const XKJsonNode *> m_sorted; // keys of all open dictionaries, the innermost's last
+    std::list<std::pair<const XKJsonObject *, XKJsonValue>> m_proxies; // being written; frames point at them
+    std::unordered_set<const XKJsonObject *> m_proxied;                // the objects of these
+    std::vector<ProxyFrame> m_proxyFrames;
 };
