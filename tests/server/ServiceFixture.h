@@ -43,27 +43,22 @@ protected:
                "&p3=" + tarvex::security::signInDigest(password);
     }
 
-    static std::string goal(const std::string &name, int set = 1, int area = 3, bool isChecked = false)
+    /// A goal of the account's first set, as a list of goals carries it.
+    static std::string goal(const std::string &name)
     {
-        return "name:" + name + ";priority:5;checked:" + (isChecked ? "1" : "0") +
-               ";setsId:" + std::to_string(set) + ";areaId:" + std::to_string(area) + ";{_end_}";
+        return "name:" + name + ";priority:5;checked:0;setsId:1;areaId:3;{_end_}";
     }
 
-    /// The texts of all elements of that name in an answer, each followed by a bar.
+    /// The texts of all elements of that name in an answer, each in brackets.
     static std::string column(const std::string &xml, const std::string &name)
     {
         const std::string open = "<" + name + ">";
         std::string texts;
         for (auto start = xml.find(open); start != std::string::npos; start = xml.find(open, start + 1)) {
             const auto text = start + open.size();
-            texts += xml.substr(text, xml.find("</" + name + ">", text) - text) + "|";
+            texts += "[" + xml.substr(text, xml.find("</" + name + ">", text) - text) + "]";
         }
         return texts;
-    }
-    std::string goalNames(int set = 1, int area = 3)
-    {
-        return column(postAsAnna("get-goals", "&p4=" + std::to_string(set) + "&p5=" + std::to_string(area)),
-                      "name");
     }
 
     std::string m_login = "Anna@Example.org";
