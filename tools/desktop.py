@@ -1,5 +1,6 @@
 """Real programs in a virtual display: what the tour and the tests with real keyboard and mouse share."""
 
+import atexit
 import contextlib
 import hashlib
 import html
@@ -20,6 +21,13 @@ def wait_for(what, condition, seconds=15):
     raise SystemExit(f"Waited in vain for {what}.")
 
 
+def begin(*arguments, **keywords):
+    """A process that does not outlive this one, however this one ends by itself."""
+    process = subprocess.Popen(*arguments, **keywords)
+    atexit.register(process.kill)
+    return process
+
+
 class Service:
     """A tarvex-server with the sample account, on the address that the client was built for."""
 
@@ -31,7 +39,7 @@ class Service:
         self.start()
 
     def start(self):
-        self.process = subprocess.Popen(self.command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        self.process = begin(self.command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
         if not self.process.stdout.readline().startswith("READY"):
             raise SystemExit(f"{self.url} is needed for a service of its own; is another one running there?")
 
@@ -88,14 +96,16 @@ class Display:
 
     def __init__(self, width, height):
         reading, writing = os.pipe()
-        self.server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(writing), "-screen", "0", f"{width}x{height}x24", "-nolisten", "tcp", "-wr"],
+        # Without -noreset the first client that leaves would reset the display under the window manager's start.
+        self.server = begin(
+            ["Xvfb", "-displayfd", str(writing), "-screen", "0", f"{width}x{height}x24", "-nolisten", "tcp", "-wr",
+             "-noreset"],
             pass_fds=[writing], stderr=subprocess.DEVNULL)
         os.close(writing)
         with os.fdopen(reading) as pipe:
             self.name = f":{pipe.readline().strip()}"
-        self.manager = subprocess.Popen(["openbox"], env=self.environment(), stdout=subprocess.DEVNULL,
-                                        stderr=subprocess.DEVNULL)
+        self.manager = begin(["openbox"], env=self.environment(), stdout=subprocess.DEVNULL,
+                             stderr=subprocess.DEVNULL)
         wait_for("the window manager", lambda: b"window id" in subprocess.run(
             ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], env=self.environment(), capture_output=True).stdout)
 
