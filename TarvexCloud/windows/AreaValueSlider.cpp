@@ -5,6 +5,10 @@
 #include <algorithm>
 #include <QWheelEvent>
 
+namespace {
+constexpr QSize roomForHandle(0, 4); // some styles cut the handle's upper edge where there are tick marks
+} // namespace
+
 AreaValueSlider::AreaValueSlider(QWidget *parent) : QSlider(Qt::Horizontal, parent)
 {
     setFocusPolicy(Qt::StrongFocus);
@@ -19,6 +23,16 @@ void AreaValueSlider::setIntegerValue(qint32 value)
     setTickPosition(isRated ? TicksBelow : NoTicks); // a mark per value would be millions
     setRange(std::min(value, Words::lowestRatedValue), std::max(value, Words::highestRatedValue));
     setValue(value);
+}
+
+QSize AreaValueSlider::sizeHint() const
+{
+    return QSlider::sizeHint() + roomForHandle;
+}
+
+QSize AreaValueSlider::minimumSizeHint() const
+{
+    return QSlider::minimumSizeHint() + roomForHandle;
 }
 
 void AreaValueSlider::wheelEvent(QWheelEvent *event)

@@ -13,6 +13,9 @@ public:
     qint32 integerValue() const { return value(); }
     void setIntegerValue(qint32 value);
 
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
 protected:
     /// Scrolling the sheet must not change what nobody chose: only a slider with the focus follows the wheel.
     void wheelEvent(QWheelEvent *event) override;

@@ -36,6 +36,19 @@ private:
     TVXAlert &m_shown;
 };
 
+namespace {
+
+constexpr int spaceInButton = 16;
+
+/// The name as a title with mnemonics has to be given it.
+QString titleOf(const TVXArea &area)
+{
+    QString title = area.name();
+    return title.replace(u'&', QStringLiteral("&&"));
+}
+
+} // namespace
+
 AreaWindowController::AreaWindowController(WindowServices &services, Sheet *thisWindow)
     : m_services(services), m_thisWindow(thisWindow)
 {
@@ -69,6 +82,8 @@ void AreaWindowController::buildContents()
     m_save->setDefault(true);
     for (QPushButton *other : {m_addGoal, m_removeGoal, cancel})
         other->setAutoDefault(false);
+    for (QPushButton *button : {m_addGoal, m_removeGoal}) // as large as those of the button box
+        button->setMinimumSize(button->sizeHint().width() + spaceInButton, m_save->sizeHint().height());
     // A button that takes the focus by a click would commit the cell that is still being typed into.
     for (QPushButton *button : {m_save, cancel, m_addGoal, m_removeGoal})
         button->setFocusPolicy(Qt::TabFocus);
@@ -140,11 +155,8 @@ void AreaWindowController::windowDidBecomeKey()
                 self->load();
         },
         [self] {
-            if (!self)
-                return;
-            self->m_hasLoadFailed = true;
-            self->m_goalModel->reloadData();
-            self->showState();
+            if (self)
+                self->loadEndedEarly();
         });
 }
 
@@ -160,6 +172,7 @@ void AreaWindowController::load()
         area = mainData()->areas()->at(static_cast<std::size_t>(m_areaIndex));
         const TVXSetsPtr set = mainData()->sets()->at(static_cast<std::size_t>(m_setsIndex));
         m_labelSetName->setText(set->name());
+        m_thisWindow->repaint(); // seen before the request leaves, however soon it is answered
         TVXManager manager(m_services.exchange(), alert);
         manager.getGoalsFormServeByUsingLogin(m_loginUserName, m_loginPassword,
                                               /*forArea=*/area->idOfArea(), /*forSets=*/set->idOfSets(),
@@ -173,12 +186,23 @@ void AreaWindowController::load()
     showArea(area);
 }
 
+void AreaWindowController::loadEndedEarly()
+{
+    m_hasLoadFailed = true;
+    const TVXProjectPtr project = mainData();
+    const auto index = static_cast<std::size_t>(m_areaIndex); // a negative one is past every end
+    const bool hasArea = project && index < project->areas()->size();
+    m_labelAreaName->setTitleWithMnemonic(hasArea ? titleOf(*(*project->areas())[index])
+                                                  : tr("No such area"));
+    m_goalModel->reloadData();
+    showState();
+}
+
 void AreaWindowController::showArea(const TVXAreaPtr &area)
 {
     m_tableViewTargets->setHidden(false);
     m_sliderOfArea->setIntegerValue(area->valueOfArea());
-    QString title = area->name();
-    m_labelAreaName->setTitleWithMnemonic(title.replace(u'&', QStringLiteral("&&")));
+    m_labelAreaName->setTitleWithMnemonic(titleOf(*area));
     m_labelAreaName->setTag(m_areaIndex);
     m_goalModel->reloadData();
     showRating();
@@ -192,7 +216,7 @@ void AreaWindowController::closeAndSavedetailsWindow()
 {
     m_services.runAction(
         [this] {
-            if (m_thisWindow->isBegun())
+            if (m_thisWindow->isBegun() && m_isLoadedWell)
                 save();
         },
         [this] {
@@ -295,27 +319,33 @@ void AreaWindowController::showRating()
     const QString word = Words::rating(value);
     m_labelRating->setText(word.isEmpty() ? QString::number(value)
                                           : QString::number(value) + QStringLiteral(" - ") + word);
+    m_sliderOfArea->setAccessibleDescription(word);
+}
+
+QString AreaWindowController::stateText() const
+{
+    const int count = m_goalModel->rowCount();
+    if (m_hasLoadFailed)
+        return tr(
+            "The goals could not be loaded, so nothing can be saved. Cancel, then open the area again.");
+    if (!m_isLoadedWell)
+        return tr("Loading the goals…");
+    if (m_tableViewTargets->isEditingText())
+        return tr("Return keeps the text, Escape drops it.");
+    return count > 0 ? tr("%1 of %2 done").arg(m_goalModel->doneCount()).arg(count)
+                     : tr("An area without goals counts as 100% done");
 }
 
 void AreaWindowController::showState()
 {
-    const bool isLoading = !m_isLoadedWell && !m_hasLoadFailed;
-    const int count = m_goalModel->rowCount();
-    QString state;
-    if (m_hasLoadFailed)
-        state =
-            tr("The goals could not be loaded, so nothing can be saved. Cancel, then open the area again.");
-    else if (isLoading)
-        state = tr("Loading the goals…");
-    else if (m_tableViewTargets->isEditingText())
-        state = tr("Return keeps the text, Escape drops it.");
-    else if (count > 0)
-        state = tr("%1 of %2 done").arg(m_goalModel->doneCount()).arg(count);
+    const QString state = stateText();
     m_labelState->setText(state);
     m_tableViewTargets->setPlaceholder(m_isLoadedWell ? tr("No goals yet") : QString());
     m_save->setEnabled(m_isLoadedWell);
     m_save->setToolTip(m_hasLoadFailed ? state : QString());
     m_addGoal->setEnabled(m_isLoadedWell);
     m_sliderOfArea->setEnabled(m_isLoadedWell);
-    m_removeGoal->setEnabled(m_isLoadedWell && m_tableViewTargets->selectedRowCount() > 0);
+    const int selected = m_tableViewTargets->selectedRowCount();
+    m_removeGoal->setEnabled(m_isLoadedWell && selected == 1);
+    m_removeGoal->setToolTip(selected > 1 ? tr("Goals are removed one at a time.") : QString());
 }

@@ -77,11 +77,13 @@ private:
     std::shared_ptr<TVXGoalList> goals() const;
     void connectControls(QPushButton *cancel);
     void load();
+    void loadEndedEarly();
     void showArea(const TVXAreaPtr &area);
     void save();
     void storePercent(TVXSets &set) const;
     void emptyAndClose();
     void showRating();
+    QString stateText() const;
     void showState();
 
     WindowServices &m_services;

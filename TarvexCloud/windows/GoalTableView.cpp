@@ -11,7 +11,7 @@
 #include <QPainter>
 
 namespace {
-constexpr int spaceInRow = 14;
+constexpr int spaceInRow = 16;
 constexpr int spaceInColumn = 24;
 constexpr float placeholderStrength = 0.66F; // a contrast of more than 4.5 to 1 on black and white alike
 } // namespace
