@@ -1,0 +1,89 @@
+#include "TVXPrintView.h"
+
+#include <algorithm>
+#include <cmath>
+#include <QFontMetricsF>
+
+// Outside any namespace, as the macro wants it: a static library's resources are linked only when asked for.
+static void initResources()
+{
+    Q_INIT_RESOURCE(printing);
+}
+
+namespace {
+constexpr qreal lineHeightPerCapHeight = 2.2;
+constexpr qreal leastSpacing = 1.0 / 64; // what the toolkit tells apart from none
+
+// One unit of the painter is one point, hence pixels: point sizes would follow the device's resolution.
+QFont fontOf(const QString &family, QFont::StyleHint kind, int size)
+{
+    QFont font(family);
+    font.setStyleHint(kind);
+    font.setPixelSize(size);
+    font.setHintingPreference(QFont::PreferNoHinting);
+    // Spaced letters form no ligatures, so that "office" is found in the file as it was written.
+    font.setLetterSpacing(QFont::AbsoluteSpacing, leastSpacing);
+    return font;
+}
+
+float lineHeightOf(const TextAttributes &attributes)
+{
+    return static_cast<float>(lineHeightPerCapHeight * QFontMetricsF(attributes.font).capHeight());
+}
+} // namespace
+
+TVXPrintView::TVXPrintView(QWidget *parent) : QWidget(parent)
+{
+    initResources();
+    const QString sans = QStringLiteral("Futura");
+    const QString serif = QStringLiteral("Big Caslon");
+    QFont::insertSubstitution(sans, QStringLiteral("URW Gothic"));
+    QFont::insertSubstitutions(serif, {QStringLiteral("EB Garamond 12"), QStringLiteral("EB Garamond")});
+    m_attributesDefault = {fontOf(sans, QFont::SansSerif, /*size=*/11)};
+    m_attributesDefaultRight = {m_attributesDefault.font, Qt::AlignRight};
+    m_attributesTitle = {fontOf(sans, QFont::SansSerif, /*size=*/18)};
+    m_attributesAreas = {fontOf(serif, QFont::Serif, /*size=*/14)};
+    m_lineHeights = {lineHeightOf(m_attributesTitle), lineHeightOf(m_attributesAreas),
+                     lineHeightOf(m_attributesDefault)};
+}
+
+void TVXPrintView::setProject(const TVXProjectPtr &project)
+{
+    m_project = project ? project : std::make_shared<TVXProject>();
+    m_layout.reset();
+}
+
+void TVXPrintView::setTitleOfDocument(const QString &title)
+{
+    m_titleOfDocument = title;
+    m_layout.reset();
+}
+
+bool TVXPrintView::knowsPageRange(PageRange *range)
+{
+    const PrintInfo info = m_printInfo ? *m_printInfo : PrintInfo();
+    const auto countGoals = static_cast<qint64>(m_project->goals() ? m_project->goals()->size() : 0);
+    m_pageRect = info.imageablePageBounds;
+    m_pageHeight = ReportPages::pageHeight(m_pageRect);
+    m_documentHeight = ReportPages::documentHeight(m_lineHeights, countGoals);
+    m_frame = QRectF(0, 0, info.paperSize.width(), static_cast<qreal>(m_documentHeight));
+    const QSizeF largest(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+    resize(m_frame.size().boundedTo(largest).toSize());
+    m_countPages = ReportPages::countPages(m_documentHeight, m_pageHeight);
+    m_layout.reset();
+    *range = {/*location=*/1, m_countPages};
+    return true;
+}
+
+QRectF TVXPrintView::rectForPage(qint64 page)
+{
+    m_currentPage = page - 1;
+    return ReportPages::rectForPage(m_pageRect, page);
+}
+
+const ReportLayout &TVXPrintView::layoutOfReport()
+{
+    if (!m_layout)
+        m_layout.emplace(*m_project, m_titleOfDocument, m_lineHeights);
+    return *m_layout;
+}
