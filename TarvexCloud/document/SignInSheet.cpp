@@ -1,5 +1,7 @@
 #include "SignInSheet.h"
 
+#include "SheetStyle.h"
+
 #include "ui_SignInSheet.h"
 
 #include <QPushButton>
@@ -13,11 +15,10 @@ SignInSheet::SignInSheet(QWidget *ownWindow) : Sheet(ownWindow)
     auto *cancel = ui.signInButtons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
     signIn->setDefault(true);
     cancel->setAutoDefault(false);
-    QFont title = font();
-    title.setBold(true);
-    title.setPixelSize(qRound(QFontInfo(font()).pixelSize() * 1.25));
-    ui.labelSignInTitle->setFont(title);
+    SheetStyle::setTabOrderAsShown(ui.signInButtons);
+    SheetStyle::makeTitle(ui.labelSignInTitle);
     ui.textUsername->setFocus();
     connect(signIn, &QPushButton::clicked, this, &SignInSheet::signInRequested);
     connect(cancel, &QPushButton::clicked, this, &Sheet::cancelRequested);
+    connect(ui.registerButton, &QPushButton::clicked, this, &SignInSheet::registerRequested);
 }

@@ -14,6 +14,7 @@ public:
 
 Q_SIGNALS:
     void signInRequested();
+    void registerRequested();
 
 private:
     QWidget *m_hint;

@@ -13,6 +13,7 @@
 
 void TarvexDocument::makeSheetControllers()
 {
+    makeSignUpSheet();
     m_wndAreaDetails = new Sheet(m_window.get());
     m_areaController = new AreaWindowController(m_controller, m_wndAreaDetails);
     m_areaController->setParent(m_wndAreaDetails);

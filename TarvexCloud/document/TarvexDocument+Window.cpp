@@ -75,6 +75,7 @@ void TarvexDocument::connectActions()
             &TarvexDocument::comboBoxSelectionIsChanging);
     connect(m_listOfProjects, &SourcedComboBox::willDismiss, this, &TarvexDocument::comboBoxWillDismiss);
     connect(m_wndSignIn, &SignInSheet::signInRequested, this, &TarvexDocument::signIn);
+    connect(m_wndSignIn, &SignInSheet::registerRequested, this, &TarvexDocument::registerClicked);
     connect(m_wndSignIn, &Sheet::cancelRequested, this, &TarvexDocument::cancel);
 
     connect(m_wndProjectName, &ProjectNameSheet::nameConfirmed, this,
@@ -148,6 +149,11 @@ Sheet *TarvexDocument::wndNextGoals() const
 Sheet *TarvexDocument::wndSignIn() const
 {
     return m_wndSignIn;
+}
+
+Sheet *TarvexDocument::wndSignUp() const
+{
+    return m_wndSignUp;
 }
 
 ProjectNameSheet *TarvexDocument::wndProjectName() const

@@ -23,6 +23,7 @@ class QLabel;
 class QLineEdit;
 class QMainWindow;
 class RandomGoalWindowController;
+class RegisterViewController;
 class RotatedLabel;
 class Sheet;
 class SignInSheet;
@@ -33,8 +34,9 @@ class TarvexView;
 /// memory.
 ///
 /// Start-up and sign-in are defined in TarvexDocument.cpp, the loading and showing of the data and the set
-/// selector in TarvexDocument+Selector.cpp, the commands on sets in TarvexDocument+Sets.cpp, the other sheets
-/// in TarvexDocument+Sheets.cpp, the window's making and closing in TarvexDocument+Window.cpp.
+/// selector in TarvexDocument+Selector.cpp, sign-up in TarvexDocument+SignUp.cpp, the commands on sets in
+/// TarvexDocument+Sets.cpp, the other sheets in TarvexDocument+Sheets.cpp, the window's making and closing in
+/// TarvexDocument+Window.cpp.
 class TarvexDocument : public QObject, public WheelParent, public ComboBoxDataSource, public RenameAreasParent
 {
     Q_OBJECT
@@ -79,6 +81,7 @@ public:
     TarvexView *wheelView() const override;
     SourcedComboBox *listOfProjects() const;
     Sheet *wndSignIn() const;
+    Sheet *wndSignUp() const;
     Sheet *wndAreaDetails() const;
     Sheet *wndRenameAreas() const;
     Sheet *wndNextGoals() const;
@@ -102,6 +105,16 @@ public Q_SLOTS:
     void close();
     /// Shows the sign-in sheet again, with an empty message line.
     void signInAgain();
+
+    /// Changes from the sign-in sheet to the sign-up sheet.
+    void registerClicked();
+    /// Changes back; nothing is sent.
+    void cancelRegister();
+    /// Checks the sign-up sheet's fields, has the service create the account and, if it did, signs in with
+    /// the e-mail address. The name is spelt so.
+    void cickRegister();
+    /// Does nothing.
+    void checkRegister();
 
     /// Opens the set-name sheet empty, for a new set.
     void addNewProject();
@@ -129,6 +142,9 @@ private:
     void connectOutlets();
     void connectActions();
     void makeSheetControllers();
+    void makeSignUpSheet();
+    bool mayRegister();
+    void createAccount();
     bool mayOpenSheet() const;
     void beginSheet(Sheet *sheet);
     TarvexDocument *documentToBorrowFrom() const;
@@ -165,6 +181,8 @@ private:
     QPointer<Sheet> m_wndNextGoals;
     QPointer<RandomGoalWindowController> m_randomGoalController;
     QPointer<SignInSheet> m_wndSignIn;
+    QPointer<Sheet> m_wndSignUp;
+    QPointer<RegisterViewController> m_registerController;
     std::array<QPointer<ElidedLabel>, areaCount> m_labels;
     std::array<QPointer<RotatedLabel>, areaCount> m_percentLabels;
     QPointer<QLabel> m_labelMainPercent;

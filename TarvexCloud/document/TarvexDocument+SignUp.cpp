@@ -1,0 +1,127 @@
+#include "DocumentController.h"
+#include "MessageLine.h"
+#include "RegisterViewController.h"
+#include "SheetBusyScope.h"
+#include "SignInSheet.h"
+#include "TarvexDocument.h"
+#include "TVXManager.h"
+#include "XKJsonParser.h"
+
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QScopeGuard>
+
+namespace {
+
+/// What counts in the service's answer. What is absent, or no string, is empty.
+struct SignUpAnswer
+{
+    QString result = QStringLiteral("");
+    QString message = QStringLiteral("");
+};
+
+SignUpAnswer signUpAnswer(const QString &json)
+{
+    XKJsonParser parser;
+    const XKJsonValue dictionary = parser.objectWithString(json);
+    SignUpAnswer answer;
+    answer.result += dictionary.value(u"result").stringView();
+    answer.message += dictionary.value(u"message").stringView();
+    return answer;
+}
+
+} // namespace
+
+void TarvexDocument::makeSignUpSheet()
+{
+    m_wndSignUp = new Sheet(m_window.get());
+    m_registerController = new RegisterViewController(m_wndSignUp);
+    connect(m_registerController, &RegisterViewController::confirmed, this, &TarvexDocument::cickRegister);
+    connect(m_wndSignUp, &Sheet::cancelRequested, this, &TarvexDocument::cancelRegister);
+}
+
+void TarvexDocument::registerClicked()
+{
+    const auto action = [this] {
+        m_registerController->buildContents();
+        QLineEdit *const empty = m_registerController->firstEmptyField();
+        (empty ? empty : m_registerController->loginName())->setFocus();
+        m_wndSignIn->endSheet();
+        beginSheet(m_wndSignUp);
+    };
+    m_controller.runAction(action, [] {});
+}
+
+void TarvexDocument::cancelRegister()
+{
+    const auto action = [this] {
+        m_wndSignUp->endSheet();
+        beginSheet(m_wndSignIn);
+    };
+    m_controller.runAction(action, [] {});
+}
+
+void TarvexDocument::checkRegister() {}
+
+void TarvexDocument::cickRegister()
+{
+    const auto action = [this] {
+        m_registerController->buildContents();
+        m_registerController->setHintShown(/*shown=*/false);
+        if (mayRegister())
+            createAccount();
+    };
+    m_controller.runAction(action, [this] {
+        m_registerController->labelErrorMessage()->setText(
+            tr("Your account was created, but the service's answer was incomplete, so not everything could "
+               "be shown. Cancel, and sign in with your e-mail address."));
+    });
+}
+
+bool TarvexDocument::mayRegister()
+{
+    const auto refuse = [this](const QString &message, QLineEdit *field) {
+        m_registerController->labelErrorMessage()->setText(message);
+        field->setFocus();
+        return false;
+    };
+    if (QLineEdit *const empty = m_registerController->firstEmptyField())
+        return refuse(QStringLiteral("You must fill in all fields."), empty);
+    const TVXManager manager(m_controller.exchange(), m_controller.alert());
+    if (!manager.isItValidEmail(m_registerController->loginEmail()->text()))
+        return refuse(QStringLiteral("The email address you entered isn't valid."),
+                      m_registerController->loginEmail());
+    QLineEdit *const confirmation = m_registerController->loginConfirmPassword();
+    if (confirmation->text() != m_registerController->loginPassword()->text())
+        return refuse(QStringLiteral("Your password and confirmation password don't match."), confirmation);
+    return true;
+}
+
+void TarvexDocument::createAccount()
+{
+    const SheetBusyScope busy(m_wndSignUp, /*indicator=*/nullptr);
+    const auto idle = qScopeGuard([this] { m_registerController->setStatus(QString()); });
+    const QString email = m_registerController->loginEmail()->text();
+    const QString password = m_registerController->loginPassword()->text();
+    MessageLine *const line = m_registerController->labelErrorMessage();
+    SignUpAnswer answer;
+    {
+        line->hide();
+        line->setText(QStringLiteral(""));
+        const BusyScope spinning(m_indicator);
+        const auto shown = qScopeGuard([line] { line->show(); });
+        m_registerController->setStatus(tr("Creating the account…"));
+        m_wndSignUp->repaint(); // seen before the request leaves, however soon it is answered
+        TVXManager manager(m_controller.exchange(), m_controller.alert());
+        answer =
+            signUpAnswer(manager.createNewUser(m_registerController->loginName()->text(), email, password));
+    }
+    if (answer.result != QStringLiteral("OK")) {
+        line->setText(answer.message);
+        m_registerController->setHintShown(answer.message.isEmpty());
+        return;
+    }
+    m_registerController->setStatus(tr("Fetching the wheel…"));
+    loadStartupDataForLogin(email, password);
+    m_wndSignUp->endSheet();
+}
