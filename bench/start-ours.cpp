@@ -2,6 +2,7 @@
 #include "CurlExchange.h"
 #include "DocumentController.h"
 #include "FirstFrame.h"
+#include "LinkOpener.h"
 #include "ServiceAdapters.h"
 #include "TarvexDocument.h"
 
@@ -14,7 +15,8 @@ int main(int argc, char *argv[])
     CurlExchange exchange("http://127.0.0.1:1/tarvex/", std::chrono::seconds(1), wait);
     MessageBoxAlertPresenter presenter;
     ServiceAlert alert(presenter);
-    DocumentController controller(exchange, alert);
+    BrowserLinkOpener links;
+    DocumentController controller(exchange, alert, links);
     const FirstFrame frame(controller.openUntitledDocument()->window());
     return QApplication::exec();
 }

@@ -1,10 +1,12 @@
 #include "DocumentController.h"
 
 #include "TarvexDocument.h"
+#include "TVXAlert.h"
 #include "TVXExchange.h"
 
 #include <algorithm>
 #include <QApplication>
+#include <QFileDialog>
 #include <QLoggingCategory>
 #include <QMainWindow>
 #include <QScopedValueRollback>
@@ -14,10 +16,12 @@
 namespace {
 Q_LOGGING_CATEGORY(tarvex, "tarvex")
 constexpr int millisecondsBetweenTries = 20;
+// Documents take nothing from their file, so its beginning is as good as the whole of it.
+constexpr qint64 mostBytesRead = 65536;
 } // namespace
 
-DocumentController::DocumentController(TVXExchange &exchange, TVXAlert &alert)
-    : m_exchange(exchange), m_alert(alert)
+DocumentController::DocumentController(TVXExchange &exchange, TVXAlert &alert, LinkOpener &links)
+    : m_exchange(exchange), m_alert(alert), m_links(links)
 {
     qApp->installEventFilter(this);
 }
@@ -29,11 +33,46 @@ DocumentController::~DocumentController()
 
 TarvexDocument *DocumentController::openUntitledDocument()
 {
-    m_documents.push_back(std::make_shared<TarvexDocument>(*this));
-    TarvexDocument *document = m_documents.back().get();
+    return show(std::make_shared<TarvexDocument>(*this));
+}
+
+TarvexDocument *DocumentController::openFile(const QString &path)
+{
+    const QFileInfo information(path);
+    QFile file(path);
+    const auto document = std::make_shared<TarvexDocument>(*this);
+    if (information.isFile() && file.open(QIODevice::ReadOnly) &&
+        document->readFromData(file.read(mostBytesRead), information.suffix()))
+        return show(document);
+    m_alert.showError(
+        tr("\u201C%1\u201D could not be opened. Check that the file is still there and that you may read it.")
+            .arg(information.fileName()));
+    return nullptr;
+}
+
+TarvexDocument *DocumentController::show(const std::shared_ptr<TarvexDocument> &document)
+{
+    m_documents.push_back(document);
     document->makeWindow();
     document->window()->show();
-    return document;
+    return document.get();
+}
+
+void DocumentController::newDocument()
+{
+    if (!isBusy())
+        openUntitledDocument();
+}
+
+void DocumentController::openDocument()
+{
+    if (isBusy())
+        return;
+    auto *dialog = new QFileDialog(mainWindow(), tr("Open"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(QFileDialog::ExistingFile);
+    connect(dialog, &QFileDialog::fileSelected, this, &DocumentController::openFile);
+    dialog->open();
 }
 
 std::shared_ptr<TarvexDocument> DocumentController::sharedOf(const TarvexDocument *document) const

@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <vector>
 
+class LinkOpener;
 class QMainWindow;
 class TarvexDocument;
 
@@ -16,19 +17,20 @@ class DocumentController : public QObject, public WindowServices
 {
     Q_OBJECT
 public:
-    /// Both are shared by all documents and must outlive the controller.
-    DocumentController(TVXExchange &exchange, TVXAlert &alert);
+    /// All are shared by the documents and must outlive the controller.
+    DocumentController(TVXExchange &exchange, TVXAlert &alert, LinkOpener &links);
     ~DocumentController() override;
 
     TVXExchange &exchange() const override { return m_exchange; }
     TVXAlert &alert() const override { return m_alert; }
+    LinkOpener &links() const { return m_links; }
 
     /// Opens an untitled document and shows its window. The controller owns it until it is closed.
     TarvexDocument *openUntitledDocument();
+    /// The same for a document that has read a file; null after an alert if the file cannot be read.
+    TarvexDocument *openFile(const QString &path);
     /// Forgets the document; it is destroyed once the event that closed it has been handled.
     void documentDidClose(TarvexDocument *document);
-    /// Closes every document, then ends the application.
-    void quit();
     const std::vector<std::shared_ptr<TarvexDocument>> &documents() const { return m_documents; }
 
     /// The document window the user worked in last, also while a sheet or an alert is in front of it; null
@@ -43,14 +45,23 @@ public:
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
+public Q_SLOTS:
+    void newDocument();
+    /// Asks for a file to open.
+    void openDocument();
+    /// Closes every document, then ends the application.
+    void quit();
+
 Q_SIGNALS:
     void lastDocumentClosed();
 
 private:
+    TarvexDocument *show(const std::shared_ptr<TarvexDocument> &document);
     std::shared_ptr<TarvexDocument> sharedOf(const TarvexDocument *document) const;
 
     TVXExchange &m_exchange;
     TVXAlert &m_alert;
+    LinkOpener &m_links;
     std::vector<std::shared_ptr<TarvexDocument>> m_documents;
     QList<QPointer<QMainWindow>> m_activated; // least recently active first
     bool m_actionRunning = false;

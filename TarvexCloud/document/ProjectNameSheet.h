@@ -28,7 +28,9 @@ public:
 
     /// Null before the first showing.
     QLineEdit *textProjectName() const { return m_textProjectName; }
+    void setTextProjectName(QLineEdit *field) { m_textProjectName = field; }
     BusyIndicator *projectNameIndicator() const { return m_projectNameIndicator; }
+    void setProjectNameIndicator(BusyIndicator *indicator) { m_projectNameIndicator = indicator; }
 
 Q_SIGNALS:
     void nameConfirmed();

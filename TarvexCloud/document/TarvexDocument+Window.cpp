@@ -26,7 +26,7 @@ void TarvexDocument::makeWindow()
     m_window = std::make_unique<QMainWindow>();
     Ui::TarvexDocument ui;
     ui.setupUi(m_window.get());
-    m_window->setWindowTitle(QStringLiteral("Tarvex Cloud - Client for Mac OS X"));
+    m_window->setWindowTitle(windowTitleForDocumentDisplayName(displayName()));
     m_window->installEventFilter(this);
 
     auto *space = new QWidget(ui.toolBar);
@@ -89,14 +89,21 @@ void TarvexDocument::connectActions()
         connect(action, &QAction::triggered, this, slot);
         return action;
     };
+    command("actionNew", [this] { m_controller.newDocument(); })->setShortcuts(QKeySequence::New);
+    command("actionOpen", [this] { m_controller.openDocument(); })->setShortcuts(QKeySequence::Open);
     command("actionSignIn", &TarvexDocument::signInAgain);
     command("actionClose", &TarvexDocument::close)->setShortcuts(QKeySequence::Close);
+    command("actionSave", &TarvexDocument::saveDocument)->setShortcuts(QKeySequence::Save);
     command("actionQuit", [this] { m_controller.quit(); })->setShortcuts(QKeySequence::Quit);
     command("actionNewSet", &TarvexDocument::addNewProject);
     command("actionRenameSet", &TarvexDocument::editCurrentProject);
     command("actionDeleteSet", &TarvexDocument::deleteCurrentProject);
     command("actionRandomGoal", &TarvexDocument::getRandomGoal);
     command("actionRenameAreas", &TarvexDocument::renameAreas);
+    command("actionWebSite", &TarvexDocument::gotoWebSite);
+    command("actionTwitter", &TarvexDocument::gotoTwitter);
+    command("actionFacebook", &TarvexDocument::gotoFacebook);
+    command("actionAbout", &TarvexDocument::showAbout);
 }
 
 void TarvexDocument::windowControllerDidLoadNib()
@@ -119,51 +126,6 @@ void TarvexDocument::close()
         sheet->endSheet();
     m_window->hide();
     m_controller.documentDidClose(this);
-}
-
-TarvexView *TarvexDocument::wheelView() const
-{
-    return m_wheelView;
-}
-
-SourcedComboBox *TarvexDocument::listOfProjects() const
-{
-    return m_listOfProjects;
-}
-
-Sheet *TarvexDocument::wndAreaDetails() const
-{
-    return m_wndAreaDetails;
-}
-
-Sheet *TarvexDocument::wndRenameAreas() const
-{
-    return m_wndRenameAreas;
-}
-
-Sheet *TarvexDocument::wndNextGoals() const
-{
-    return m_wndNextGoals;
-}
-
-Sheet *TarvexDocument::wndSignIn() const
-{
-    return m_wndSignIn;
-}
-
-Sheet *TarvexDocument::wndSignUp() const
-{
-    return m_wndSignUp;
-}
-
-ProjectNameSheet *TarvexDocument::wndProjectName() const
-{
-    return m_wndProjectName;
-}
-
-MessageLine *TarvexDocument::textSignInErrorMessage() const
-{
-    return m_textSignInErrorMessage;
 }
 
 bool TarvexDocument::eventFilter(QObject *watched, QEvent *event)

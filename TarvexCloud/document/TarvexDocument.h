@@ -1,5 +1,7 @@
 #pragma once
 
+#include "DocumentError.h"
+#include "ElidedLabel.h"
 #include "RenameAreasWindowController.h"
 #include "SourcedComboBox.h"
 #include "TVXProject.h"
@@ -7,6 +9,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
@@ -16,7 +19,6 @@ class AreaWindowController;
 class BusyIndicator;
 class DialArea;
 class DocumentController;
-class ElidedLabel;
 class MessageLine;
 class ProjectNameSheet;
 class QLabel;
@@ -29,6 +31,10 @@ class Sheet;
 class SignInSheet;
 class TarvexView;
 
+/// The name of a notification that a document changed. It is published for others; the product neither posts
+/// nor observes it. The name is spelt so.
+inline constexpr QLatin1String QRVDocumentCangedNotification("QRVDocumentChanged");
+
 /// The application's controller and one of its windows: it signs in, loads the wheel and the sets, and shows
 /// them. A document only in form: nothing is read from or written to disk, and the credentials live in
 /// memory.
@@ -36,7 +42,7 @@ class TarvexView;
 /// Start-up and sign-in are defined in TarvexDocument.cpp, the loading and showing of the data and the set
 /// selector in TarvexDocument+Selector.cpp, sign-up in TarvexDocument+SignUp.cpp, the commands on sets in
 /// TarvexDocument+Sets.cpp, the other sheets in TarvexDocument+Sheets.cpp, the window's making and closing in
-/// TarvexDocument+Window.cpp.
+/// TarvexDocument+Window.cpp, what makes it a document in TarvexDocument+Shell.cpp.
 class TarvexDocument : public QObject, public WheelParent, public ComboBoxDataSource, public RenameAreasParent
 {
     Q_OBJECT
@@ -54,6 +60,23 @@ public:
     /// Turns the percent labels and starts the delay before the sign-in sheet.
     void windowControllerDidLoadNib();
     QMainWindow *window() const { return m_window.get(); }
+
+    /// @name A document in form
+    /// Nothing is kept in files: writing always fails, reading always succeeds and takes nothing.
+    /// @{
+    /// None; `error`, if given, says that the operation does not exist.
+    std::optional<QByteArray> dataOfType(const QString &typeName, DocumentError *error = nullptr) const;
+    /// True, and yet `error`, if given, says that the operation does not exist.
+    bool readFromData(const QByteArray &data, const QString &ofType, DocumentError *error = nullptr);
+    QString displayName() const;
+    /// The same for every document: untitled ones are not numbered.
+    QString windowTitleForDocumentDisplayName(const QString &displayName) const;
+    /// @}
+
+    /// Folders below the user's home, the same on every platform. Each is made unless something, be it a
+    /// file, stands in its place; a failure of that is not reported.
+    QString pathForApplicationSupportDirectory() const;
+    QString pathForDocuments() const;
 
     /// The start-up load after a sign-in or sign-up: everything is fetched and shown, and from here on every
     /// request uses these credentials. Failures have been alerted when it returns; what arrived is shown.
@@ -78,20 +101,59 @@ public:
     /// The first set whose name is the very same string object, not an equal one; 0 where there is none.
     int comboBoxIndexOfItemWithStringValue(const SourcedComboBox *comboBox, const QString &string) const;
 
+    /// @name Outlets and data
+    /// The setters only set: nothing is connected, shown or loaded. Outlets are not owned.
+    /// @{
     TarvexView *wheelView() const override;
+    void setWheelView(TarvexView *wheelView);
     SourcedComboBox *listOfProjects() const;
-    Sheet *wndSignIn() const;
+    void setListOfProjects(SourcedComboBox *listOfProjects);
+    SignInSheet *wndSignIn() const;
+    void setWndSignIn(SignInSheet *wndSignIn);
     Sheet *wndSignUp() const;
+    void setWndSignUp(Sheet *wndSignUp);
     Sheet *wndAreaDetails() const;
     Sheet *wndRenameAreas() const;
+    void setWndRenameAreas(Sheet *wndRenameAreas);
     Sheet *wndNextGoals() const;
+    void setWndNextGoals(Sheet *wndNextGoals);
     ProjectNameSheet *wndProjectName() const;
+    void setWndProjectName(ProjectNameSheet *wndProjectName);
+    /// The controls of wndProjectName; null before its first showing.
+    QLineEdit *textProjectName() const;
+    void setTextProjectName(QLineEdit *textProjectName);
+    BusyIndicator *projectNameIndicator() const;
+    void setProjectNameIndicator(BusyIndicator *projectNameIndicator);
     MessageLine *textSignInErrorMessage() const;
+    void setTextSignInErrorMessage(MessageLine *textSignInErrorMessage);
+    ElidedLabel *label1() const { return m_labels[0]; }
+    void setLabel1(ElidedLabel *label) { m_labels[0] = label; }
+    ElidedLabel *label2() const { return m_labels[1]; }
+    void setLabel2(ElidedLabel *label) { m_labels[1] = label; }
+    ElidedLabel *label3() const { return m_labels[2]; }
+    void setLabel3(ElidedLabel *label) { m_labels[2] = label; }
+    ElidedLabel *label4() const { return m_labels[3]; }
+    void setLabel4(ElidedLabel *label) { m_labels[3] = label; }
+    ElidedLabel *label5() const { return m_labels[4]; }
+    void setLabel5(ElidedLabel *label) { m_labels[4] = label; }
+    ElidedLabel *label6() const { return m_labels[5]; }
+    void setLabel6(ElidedLabel *label) { m_labels[5] = label; }
+    ElidedLabel *label7() const { return m_labels[6]; }
+    void setLabel7(ElidedLabel *label) { m_labels[6] = label; }
+    ElidedLabel *label8() const { return m_labels[7]; }
+    void setLabel8(ElidedLabel *label) { m_labels[7] = label; }
+
     const QString &loginUserName() const { return m_loginUserName; }
+    void setLoginUserName(const QString &loginUserName) { m_loginUserName = loginUserName; }
     const QString &loginPassword() const { return m_loginPassword; }
+    void setLoginPassword(const QString &loginPassword) { m_loginPassword = loginPassword; }
     const TVXProjectPtr &project() const { return m_project; }
-    /// The set that updatePercentValues() showed last; empty when it is gone from the project.
+    void setProject(const TVXProjectPtr &project) { m_project = project; }
+    /// The set that updatePercentValues() showed last; empty when it is gone from the project, which alone
+    /// owns it.
     TVXSetsPtr currentSet() const { return m_currentSet.lock(); }
+    void setCurrentSet(const TVXSetsPtr &currentSet) { m_currentSet = currentSet; }
+    /// @}
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
@@ -103,6 +165,13 @@ public Q_SLOTS:
     void cancel();
     /// Ends its sheets, hides the window and has the controller destroy the document.
     void close();
+    /// Tries to save and says in words why that is impossible.
+    void saveDocument();
+    /// These open a page in the user's browser and do nothing else.
+    void gotoWebSite();
+    void gotoTwitter();
+    void gotoFacebook();
+    void showAbout();
     /// Shows the sign-in sheet again, with an empty message line.
     void signInAgain();
 
@@ -174,6 +243,7 @@ private:
     // Outlets, owned by the window; those of another document after a fallback to it.
     QPointer<ProjectNameSheet> m_wndProjectName;
     QPointer<AlertSheet> m_deleteAlert;
+    QPointer<AlertSheet> m_saveAlert; // made when it is first needed
     QPointer<Sheet> m_wndAreaDetails;
     QPointer<AreaWindowController> m_areaController;
     QPointer<Sheet> m_wndRenameAreas;

@@ -1,5 +1,7 @@
+#include "ApplicationMenuBar.h"
 #include "CurlExchange.h"
 #include "DocumentController.h"
+#include "LinkOpener.h"
 #include "ServiceAdapters.h"
 
 #include <QApplication>
@@ -13,8 +15,11 @@ int main(int argc, char *argv[])
     CurlExchange exchange(QByteArrayLiteral(TARVEX_SERVICE_URL), 30s, wait);
     MessageBoxAlertPresenter presenter;
     ServiceAlert alert(presenter);
-    DocumentController controller(exchange, alert);
-#ifndef Q_OS_MACOS
+    BrowserLinkOpener links;
+    DocumentController controller(exchange, alert, links);
+#ifdef Q_OS_MACOS
+    const ApplicationMenuBar menuBar(controller);
+#else
     // Without a menu bar of its own an application with no window could not be reached.
     QObject::connect(&controller, &DocumentController::lastDocumentClosed, &application, &QApplication::quit,
                      Qt::QueuedConnection);

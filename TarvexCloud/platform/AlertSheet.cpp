@@ -57,6 +57,7 @@ void AlertSheet::setTexts(const QString &messageText, const QString &informative
     m_information->setText(informativeText);
     m_default->setText(defaultButton);
     m_alternate->setText(alternateButton);
+    m_alternate->setVisible(!alternateButton.isEmpty());
     m_default->setFocus();
 }
 

@@ -16,7 +16,8 @@ public:
 
     explicit AlertSheet(QWidget *ownWindow);
 
-    /// All four are shown as they stand. Begin the sheet afterwards.
+    /// All are shown as they stand; without a text for it there is no alternate button. Begin the sheet
+    /// afterwards.
     void setTexts(const QString &messageText, const QString &informativeText, const QString &defaultButton,
                   const QString &alternateButton);
 

@@ -2,11 +2,12 @@
 
 #include "CurlExchange.h"
 #include "DocumentController.h"
+#include "LinkOpener.h"
 #include "LoopbackService.h"
 #include "MessageLine.h"
 #include "ServiceAdapters.h"
 #include "ServiceFakes.h"
-#include "Sheet.h"
+#include "SignInSheet.h"
 #include "SourcedComboBox.h"
 #include "TarvexDocument.h"
 #include "TarvexView.h"
@@ -16,6 +17,7 @@
 #include <QMainWindow>
 #include <QPushButton>
 #include <QTest>
+#include <QUrl>
 
 using namespace Qt::StringLiterals;
 
@@ -56,13 +58,22 @@ inline QByteArray areasAnswer(const QList<QByteArray> &names)
 inline const QList<QByteArray> eightNames = {"Health", "Work", "Money", "Family",
                                              "Growth", "Fun",  "Home",  "Love"};
 
+/// Keeps the addresses that would have been opened.
+class RecordingLinks : public LinkOpener
+{
+public:
+    void openLink(const QUrl &address) override { opened.append(address.toString()); }
+
+    QStringList opened;
+};
+
 /// The client as the application assembles it, against a scripted service; alerts are written down, not
 /// shown.
 class Client
 {
 public:
     explicit Client(std::chrono::milliseconds deadline = std::chrono::seconds(20))
-        : exchange(service.url(), deadline, wait), controller(exchange, alert)
+        : exchange(service.url(), deadline, wait), controller(exchange, alert, links)
     {
         service.answer("sign-in", QByteArray("OK"));
         service.answer("get-areas", areasAnswer(eightNames));
@@ -129,6 +140,7 @@ public:
     LoopbackService service;
     HeldInputWait wait;
     RecordingAlert alert;
+    RecordingLinks links;
     CurlExchange exchange;
     DocumentController controller;
 };

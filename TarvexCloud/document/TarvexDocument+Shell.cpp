@@ -1,0 +1,99 @@
+#include "AboutBox.h"
+#include "AlertSheet.h"
+#include "DocumentController.h"
+#include "LinkOpener.h"
+#include "TarvexDocument.h"
+#include "WebAddresses.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QMainWindow>
+#include <QUrl>
+
+namespace {
+
+constexpr int unimplemented = -4; // the platform's status for an operation that does not exist
+
+void report(DocumentError *error)
+{
+    if (error)
+        *error = {.domain = NSOSStatusErrorDomain, .code = unimplemented};
+}
+
+/// The path below the user's home, with a folder made there if nothing at all stands in its place.
+QString pathInHome(const QString &path)
+{
+    QString expanded = QDir::homePath() + path;
+    if (!QFileInfo::exists(expanded))
+        QDir().mkpath(expanded);
+    return expanded;
+}
+
+} // namespace
+
+std::optional<QByteArray> TarvexDocument::dataOfType(const QString &, DocumentError *error) const
+{
+    report(error);
+    return {};
+}
+
+bool TarvexDocument::readFromData(const QByteArray &, const QString &, DocumentError *error)
+{
+    report(error);
+    return true;
+}
+
+QString TarvexDocument::displayName() const
+{
+    return QStringLiteral("Tarvex Cloud - Client for Mac OS X");
+}
+
+QString TarvexDocument::windowTitleForDocumentDisplayName(const QString &) const
+{
+    return QStringLiteral("Tarvex Cloud - Client for Mac OS X");
+}
+
+QString TarvexDocument::pathForApplicationSupportDirectory() const
+{
+    return pathInHome(QStringLiteral("/Library/Application Support/Tarvex Cloud/"));
+}
+
+QString TarvexDocument::pathForDocuments() const
+{
+    return pathInHome(QStringLiteral("/Documents"));
+}
+
+void TarvexDocument::gotoWebSite()
+{
+    m_controller.links().openLink(QUrl(WebAddresses::webSite));
+}
+
+void TarvexDocument::gotoTwitter()
+{
+    m_controller.links().openLink(QUrl(WebAddresses::twitter));
+}
+
+void TarvexDocument::gotoFacebook()
+{
+    m_controller.links().openLink(QUrl(WebAddresses::facebook));
+}
+
+void TarvexDocument::saveDocument()
+{
+    if (!m_window || !mayOpenSheet() || dataOfType(/*typeName=*/QString()))
+        return;
+    if (!m_saveAlert) {
+        m_saveAlert = new AlertSheet(m_window.get());
+        m_saveAlert->setObjectName(QStringLiteral("saveAlert"));
+    }
+    m_saveAlert->setTexts(tr("The document could not be saved."),
+                          tr("Tarvex Cloud does not save to files. There is no need to: every change you "
+                             "confirmed has already gone to the service."),
+                          tr("Close"), /*alternateButton=*/QString());
+    beginSheet(m_saveAlert);
+}
+
+void TarvexDocument::showAbout()
+{
+    showAboutBox(m_window.get());
+}
