@@ -169,21 +169,27 @@ private Q_SLOTS:
 
     void eachRequestWithoutAnAnswerRaisesItsAlertAndTheSheetCloses()
     {
-        for (const auto &[failing, setsThen] :
-             {std::pair(QByteArrayList{"create-sets"}, 2), std::pair(QByteArrayList{"get-sets"}, 0),
-              std::pair(QByteArrayList{"create-sets", "get-sets"}, 0)}) {
-            Client client;
-            const TarvexDocument *document = client.openSignedIn();
-            for (const QByteArray &kind : failing)
-                client.service.answer(kind, ServiceReply{"", /*closes=*/true});
-            trigger(document, "actionNewSet");
-            typeName(document, u"x"_s, u"Create"_s);
-            QCOMPARE(client.alert.errors.size(), failing.size());
-            QCOMPARE(client.service.requests().size(), 5);
-            QCOMPARE(document->listOfProjects()->count(), setsThen);
-            QVERIFY(!document->wndProjectName()->isVisible());
-            QVERIFY(!client.controller.isBusy());
-        }
+        for (const auto &[command, kind] : {std::pair("actionNewSet", QByteArray("create-sets")),
+                                            std::pair("actionRenameSet", QByteArray("set-sets-name")),
+                                            std::pair("actionDeleteSet", QByteArray("delete-sets"))})
+            for (const auto &[failing, setsThen] :
+                 {std::pair(QByteArrayList{kind}, 2), std::pair(QByteArrayList{"get-sets"}, 0),
+                  std::pair(QByteArrayList{kind, "get-sets"}, 0)}) {
+                Client client;
+                const TarvexDocument *document = client.openSignedIn();
+                for (const QByteArray &failed : failing)
+                    client.service.answer(failed, ServiceReply{"", /*closes=*/true});
+                trigger(document, command);
+                if (kind == "delete-sets")
+                    QTest::keyClick(deleteAlert(document), Qt::Key_Return);
+                else
+                    typeName(document, u"x"_s, kind == "create-sets" ? u"Create"_s : u"Rename"_s);
+                QCOMPARE(client.alert.errors.size(), failing.size());
+                QCOMPARE(client.service.requests().size(), 5);
+                QCOMPARE(document->listOfProjects()->count(), setsThen);
+                QVERIFY(!document->wndProjectName()->isVisible());
+                QVERIFY(!client.controller.isBusy());
+            }
     }
 
     void actionsRoutedToAnotherInstanceUseTheCurrentDocument()
