@@ -4,12 +4,17 @@
 #include <QApplication>
 #include <QEvent>
 #include <QLayout>
-#include <QTimer>
 #include <QWindow>
 
 Sheet::Sheet(QWidget *ownWindow) : QDialog(ownWindow, Qt::Sheet)
 {
     setWindowModality(Qt::WindowModal);
+    // A sheet that comes up again at once may still count as active, and is then not told of it anew.
+    m_attached.setSingleShot(true);
+    connect(&m_attached, &QTimer::timeout, this, [this] {
+        if (isVisible() && isActiveWindow())
+            Q_EMIT didBecomeKey();
+    });
 }
 
 QList<Sheet *> Sheet::begunOn(const QWidget *window)
@@ -51,11 +56,7 @@ void Sheet::attach()
     if (m_window && m_window->windowHandle())
         windowHandle()->setTransientParent(m_window->windowHandle());
     open();
-    // A sheet that comes up again at once may still count as active, and is then not told of it anew.
-    QTimer::singleShot(0, this, [this] {
-        if (isVisible() && isActiveWindow())
-            Q_EMIT didBecomeKey();
-    });
+    m_attached.start();
 }
 
 void Sheet::endSheet()

@@ -2,6 +2,7 @@
 
 #include <QDialog>
 #include <QPointer>
+#include <QTimer>
 
 /// A dialog attached to a document window, made once and reused for every showing.
 ///
@@ -42,4 +43,5 @@ private:
     QPointer<QWidget> m_window;
     bool m_begun = false;
     quint64 m_turn = 0;
+    QTimer m_attached; // fires once the sheet stands on its window
 };
