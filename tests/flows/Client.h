@@ -12,6 +12,7 @@
 #include "TarvexDocument.h"
 #include "TarvexView.h"
 
+#include <QAction>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
@@ -105,6 +106,12 @@ public:
         sheet->findChild<QLineEdit *>(u"textUsername"_s)->setText(login);
         sheet->findChild<QLineEdit *>(u"textPassword"_s)->setText(password);
         QTest::mouseClick(button(sheet, u"Sign In"_s), Qt::LeftButton);
+    }
+
+    /// Chooses a command of the menu, whatever is up.
+    static void trigger(const TarvexDocument *document, const char *command)
+    {
+        document->window()->findChild<QAction *>(QString::fromLatin1(command))->trigger();
     }
 
     static QPushButton *button(const QWidget *window, const QString &text)

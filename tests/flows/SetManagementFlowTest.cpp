@@ -27,11 +27,6 @@ class SetManagementFlowTest : public QObject
     Q_OBJECT
 
 private:
-    static void trigger(const TarvexDocument *document, const char *name)
-    {
-        document->window()->findChild<QAction *>(QString::fromLatin1(name))->trigger();
-    }
-
     static void typeName(const TarvexDocument *document, const QString &name, const QString &button)
     {
         auto *field = document->wndProjectName()->findChild<QLineEdit *>(u"textProjectName"_s);
@@ -58,7 +53,7 @@ private Q_SLOTS:
               std::pair("?][&:;.,`><%/\\^$@~|", nineteen)}) {
             Client client;
             const TarvexDocument *document = client.openSignedIn();
-            trigger(document, "actionNewSet");
+            Client::trigger(document, "actionNewSet");
             QVERIFY(document->wndProjectName()->isVisible());
             client.service.answer("get-sets", sets({"First", "Newest", "Older"}));
             typeName(document, QString::fromLatin1(typed), u"Create"_s);
@@ -76,7 +71,7 @@ private Q_SLOTS:
         Client client;
         const TarvexDocument *document = client.openSignedIn();
         document->listOfProjects()->selectItemAtIndex(1);
-        trigger(document, "actionRenameSet");
+        Client::trigger(document, "actionRenameSet");
         QCOMPARE(document->wndProjectName()->name(), u"Second"_s);
         client.service.answer("get-sets", sets({"A", "Twin", "Twin"}));
         typeName(document, u"Twin"_s, u"Rename"_s);
@@ -85,7 +80,7 @@ private Q_SLOTS:
                  (QList<QByteArray>{"p1=set-sets-name" + annsDigests + "&p4=Twin&p5=9", getSets}));
         QCOMPARE(document->currentSet()->idOfSets(), 71);
 
-        trigger(document, "actionRenameSet");
+        Client::trigger(document, "actionRenameSet");
         client.service.answer("get-sets", sets({"A", "B"}));
         typeName(document, u"Nobody"_s, u"Rename"_s);
         QCOMPARE(document->listOfProjects()->currentText(), u"B"_s); // left to the selector
@@ -96,7 +91,7 @@ private Q_SLOTS:
         Client client;
         client.service.answer("get-sets", sets({"two\nlines"}));
         const TarvexDocument *document = client.openSignedIn();
-        trigger(document, "actionRenameSet");
+        Client::trigger(document, "actionRenameSet");
         QTest::keyClick(document->wndProjectName(), Qt::Key_Return);
         QCOMPARE(client.service.bodies().value(3), "p1=set-sets-name" + annsDigests + "&p4=two\nlines&p5=70");
     }
@@ -109,7 +104,7 @@ private Q_SLOTS:
             const TarvexDocument *document = client.openSignedIn();
             document->listOfProjects()->selectItemAtIndex(selected);
             client.service.answer("get-sets", sets({"x", "y"}));
-            trigger(document, "actionDeleteSet");
+            Client::trigger(document, "actionDeleteSet");
             QStringList texts;
             for (const QLabel *label : deleteAlert(document)->findChildren<QLabel *>())
                 texts += label->text();
@@ -128,15 +123,15 @@ private Q_SLOTS:
     {
         Client client;
         const TarvexDocument *document = client.openSignedIn();
-        trigger(document, "actionDeleteSet");
+        Client::trigger(document, "actionDeleteSet");
         QTest::mouseClick(Client::button(deleteAlert(document), u"Cancel"_s), Qt::LeftButton);
         for (const char *command : {"actionNewSet", "actionRenameSet"}) {
-            trigger(document, command);
+            Client::trigger(document, command);
             QVERIFY(document->wndProjectName()->isVisible());
             QTest::keyClick(document->wndProjectName(), Qt::Key_Escape);
             QVERIFY(!document->wndProjectName()->isVisible());
         }
-        trigger(document, "actionDeleteSet");
+        Client::trigger(document, "actionDeleteSet");
         QTest::keyClick(deleteAlert(document), Qt::Key_Escape);
         QCOMPARE(client.service.requests().size(), 3);
     }
@@ -159,7 +154,7 @@ private Q_SLOTS:
         Client::signIn(document);
         QCOMPARE(enabled(), u"NewSet RenameAreas"_s);
         client.service.answer("get-sets", sets({"One"}));
-        trigger(document, "actionNewSet");
+        Client::trigger(document, "actionNewSet");
         typeName(document, u"One"_s, u"Create"_s);
         QCOMPARE(enabled(),
                  u"NewSet DeleteSet RenameAreas"_s); // item 1 of one: nothing selected
@@ -179,7 +174,7 @@ private Q_SLOTS:
                 const TarvexDocument *document = client.openSignedIn();
                 for (const QByteArray &failed : failing)
                     client.service.answer(failed, ServiceReply{"", /*closes=*/true});
-                trigger(document, command);
+                Client::trigger(document, command);
                 if (kind == "delete-sets")
                     QTest::keyClick(deleteAlert(document), Qt::Key_Return);
                 else

@@ -1,0 +1,194 @@
+#include "Client.h"
+
+#include "BusyIndicator.h"
+#include "RandomGoalWindowController.h"
+#include "WrappedLabel.h"
+
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QByteArray getGoal = "p1=get-random-goal" + annsDigests + "&p4=7";
+const QByteArray setChecked = "p1=set-checked-area-percent" + annsDigests + "&p5=";
+const ServiceReply noAnswer{.bytes = {}, .closes = true};
+
+QByteArray goal(const QByteArray &id, const QByteArray &name, const QByteArray &area)
+{
+    return xmlAnswer({"id", "name", "area"}, {{id, name, area}});
+}
+
+// A signed-in client of nine areas, whose random-goal sheet was opened.
+struct OpenGoal : Client
+{
+    explicit OpenGoal(const ServiceReply &first = httpReply(goal("12", "Run", "3")))
+    {
+        service.answer("get-areas",
+                       areasAnswer({"Health", "R &amp; D", "Fun", "Home", "5", "6", "7", "8", "9"}));
+        service.answer("get-random-goal", first);
+        document = openSignedIn();
+        sheet = document->wndNextGoals();
+        random = sheet->findChild<RandomGoalWindowController *>();
+        trigger(document, "actionRandomGoal");
+        if (!QTest::qWaitFor([this] { return service.bodies().size() > 3 && !controller.isBusy(); }))
+            qFatal("nothing was fetched");
+    }
+
+    QList<QByteArray> sent() const { return service.bodies().mid(3); }
+    void click(const char *text) const { QTest::mouseClick(button(text), Qt::LeftButton); }
+    QPushButton *button(const char *text) const { return Client::button(sheet, QString::fromLatin1(text)); }
+    QString hint() const { return sheet->findChild<QLabel *>(u"labelRandomGoalHint"_s)->text(); }
+
+    TarvexDocument *document;
+    Sheet *sheet;
+    RandomGoalWindowController *random;
+};
+
+} // namespace
+
+class RandomGoalFlowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aGoalIsShownOrItsAbsenceExplained_data()
+    {
+        QTest::addColumn<ServiceReply>("reply");
+        QTest::addColumn<QString>("shown");
+        QTest::addColumn<bool>("mayBeDone");
+        const auto row = [](const char *name, const ServiceReply &reply, const char *shown, bool mayBeDone) {
+            QTest::newRow(name) << reply << QString::fromLatin1(shown) << mayBeDone;
+        };
+        const char *none = "Please wait...||No goal to show: all may be done, or the service did not answer.";
+        row("a goal", httpReply(goal("12", "5{_d_}5 km", "1")), "Health|5.5 km|", true);
+        row("ampersands", httpReply(goal("12", "A{_amp_}B {_amp_}{_amp_} &lt;b>", "2")), "R  D|AB & <b>|",
+            true);
+        row("unknown area", httpReply(goal("12", "Run", "99")), "Please wait...|Run|", true);
+        row("no text", httpReply(goal("12", "", "3")), "Fun||This goal has no text.", true);
+        row("none left", httpReply("Error"), none, false);
+        row("no answer", noAnswer, none, false);
+        row("not XML", httpReply("oops"), none, false);
+        row("an element missing", httpReply("<a><id>1</id><name>x</name></a>"),
+            "Please wait...|Please wait...|The service's answer was incomplete. Choose Next Goal to try "
+            "again.",
+            false);
+    }
+
+    void aGoalIsShownOrItsAbsenceExplained()
+    {
+        QFETCH(ServiceReply, reply);
+        QFETCH(bool, mayBeDone);
+        OpenGoal open(reply);
+        QCOMPARE(open.sent(), QList<QByteArray>{getGoal});
+        const WrappedLabel *labelGoal = open.random->labelGoal();
+        QTEST(QStringList({open.random->labelArea()->text(), labelGoal->text(), open.hint()}).join(u'|'),
+              "shown");
+        QCOMPARE(labelGoal->isVisible(), mayBeDone);
+        QCOMPARE(open.button("Mark as Done")->isEnabled(), mayBeDone);
+        QVERIFY(!open.random->progress()->isAnimating());
+    }
+
+    void onlyTheUserFetchesAgainAndAnIncompleteAnswerChangesNothing()
+    {
+        OpenGoal open;
+        const QSize size = open.sheet->size();
+        open.random->windowDidBecomeKey();
+        open.service.answer("get-random-goal", goal("12", QByteArray(10'000, 'x'), "3"));
+        open.button("Mark as Done")->setFocus();
+        QTest::keyClick(open.button("Mark as Done"), Qt::Key_Return); // which only asks for another
+        QCoreApplication::processEvents();
+        QCOMPARE(open.sheet->size(), size);
+        open.service.answer("get-random-goal", QByteArray("<a/>"));
+        open.click("Next Goal");
+        QCOMPARE(open.random->labelGoal()->text().size(), 10'000);
+        QVERIFY(open.hint().contains(u"incomplete"));
+
+        open.service.answer("get-random-goal", QByteArray("Error"));
+        open.click("Mark as Done");
+        QCOMPARE(open.random->labelGoal()->text() + open.random->labelArea()->text(), QStringLiteral("Fun"));
+        open.random->done();
+        QCOMPARE(open.sent(), (QList<QByteArray>{getGoal, getGoal, getGoal, setChecked + "12", getGoal,
+                                                 setChecked + "0", getGoal}));
+    }
+
+    void doneStoresThePercentageForWhenTheSheetCloses_data()
+    {
+        QTest::addColumn<QByteArray>("area");
+        QTest::addColumn<ServiceReply>("answer");
+        QTest::addColumn<QString>("percent");
+        QTest::addColumn<QString>("label");
+        QTest::newRow("third area") << "3"_ba << httpReply(" 090 ") << u"090"_s << u"090%"_s;
+        QTest::newRow("no answer") << "3"_ba << noAnswer << u"30"_s << u"30%"_s;
+        QTest::newRow("unknown area") << "99"_ba << httpReply("40") << u"30"_s << u"30%"_s;
+        QTest::newRow("ninth area") << "9"_ba << httpReply("40") << u"30"_s << u"30%"_s;
+    }
+
+    void doneStoresThePercentageForWhenTheSheetCloses()
+    {
+        QFETCH(QByteArray, area);
+        QFETCH(ServiceReply, answer);
+        OpenGoal open(httpReply(goal("12", "Run", area)));
+        auto goalOfProject = std::make_shared<TVXGoal>();
+        goalOfProject->setIdOfGoal(12);
+        open.document->wheelView()->mainData()->goals()->push_back(goalOfProject);
+        open.service.answer("get-random-goal", goal("13", "Paint", "4"));
+        open.service.answer("set-checked-area-percent", answer);
+        open.click("Mark as Done");
+
+        QCOMPARE(open.sent(), (QList<QByteArray>{getGoal, setChecked + "12", getGoal}));
+        QCOMPARE(open.random->labelGoal()->text(), QStringLiteral("Paint"));
+        QTEST(open.document->currentSet()->percent3(), "percent");
+        QVERIFY(goalOfProject->isChecked());
+        QCOMPARE(Client::percents(open.document).value(2), u"30%"_s);
+        QTest::keyClick(open.sheet, Qt::Key_Escape);
+        QVERIFY(!open.sheet->isVisible());
+        QTEST(Client::percents(open.document).value(2), "label");
+    }
+
+    void nothingFiresWhileARequestIsInFlightOrOnceClosed()
+    {
+        OpenGoal open;
+        open.service.hold();
+        QTimer whenReceived;
+        connect(&whenReceived, &QTimer::timeout, this, [&] {
+            if (open.sent().size() < 2)
+                return;
+            whenReceived.stop();
+            QVERIFY(open.random->progress()->isAnimating() && !open.button("Close")->isEnabled());
+            open.random->nextGoal();
+            open.random->done();
+            open.random->closeWindow();
+            open.service.release();
+        });
+        whenReceived.start();
+        open.click("Next Goal");
+        QVERIFY(open.sheet->isVisible());
+        QCOMPARE(open.sheet->focusWidget(), open.button("Next Goal"));
+
+        open.click("Close");
+        Client::trigger(open.document, "actionRandomGoal");
+        open.random->windowDidBecomeKey();
+        open.click("Close");
+        QCoreApplication::processEvents();
+        QCOMPARE(open.sent(), (QList<QByteArray>{getGoal, getGoal}));
+    }
+
+    void oneSheetAtATimeAndNoneAfterTheEnd()
+    {
+        Client client;
+        const QPointer<TarvexDocument> document = client.openSignedIn();
+        Client::trigger(document, "actionRandomGoal");
+        Client::trigger(document, "actionRenameAreas"); // as a native menu might, past the sheet
+        Client::trigger(document, "actionNewSet");
+        QVERIFY(document->wndNextGoals()->isVisible());
+        QVERIFY(!document->wndRenameAreas()->isBegun());
+        document->close(); // before the sheet's first request
+        QTRY_VERIFY(document.isNull());
+        QCoreApplication::processEvents();
+        QCOMPARE(client.service.requests().size(), 3);
+    }
+};
+
+QTEST_MAIN(RandomGoalFlowTest)
+#include "RandomGoalFlowTest.moc"

@@ -1,0 +1,138 @@
+#include "Client.h"
+
+#include "RenameAreasWindowController.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QByteArray getAreas = "p1=get-areas" + annsDigests;
+const QByteArray setNames = "p1=set-area-names" + annsDigests + "&p4=";
+const ServiceReply noAnswer{.bytes = {}, .closes = true};
+
+// A signed-in client with the sheet for its areas' names open.
+struct OpenNames : Client
+{
+    explicit OpenNames(const QList<QByteArray> &areas = eightNames)
+    {
+        service.answer("get-areas", areasAnswer(areas));
+        document = openSignedIn();
+        service.answer("get-areas", areasAnswer({"From", "the", "service"}));
+        sheet = document->wndRenameAreas();
+        names = sheet->findChild<RenameAreasWindowController *>();
+        begin();
+    }
+
+    void begin() const
+    {
+        document->window()->activateWindow(); // as a window manager does once a sheet has gone
+        const bool isActive = QTest::qWaitForWindowActive(document->window());
+        trigger(document, "actionRenameAreas");
+        if (!isActive || !QTest::qWaitFor([this] { return names->isAlreadyLoadedDatas(); }))
+            qFatal("the sheet did not become active");
+    }
+
+    static void type(QLineEdit *field, const char *name)
+    {
+        field->selectAll();
+        QTest::keyClick(field, Qt::Key_Delete);
+        QTest::keyClicks(field, QString::fromLatin1(name));
+    }
+
+    QList<QByteArray> sent() const { return service.bodies().mid(3); }
+    QPushButton *button(const char *text) const { return Client::button(sheet, QString::fromLatin1(text)); }
+    void click(const char *text) const { QTest::mouseClick(button(text), Qt::LeftButton); }
+
+    /// The project's areas by name.
+    QString areas() const
+    {
+        QStringList texts;
+        for (const TVXAreaPtr &area : *document->project()->areas())
+            texts += area->name();
+        return texts.join(u',');
+    }
+
+    TarvexDocument *document;
+    Sheet *sheet;
+    RenameAreasWindowController *names;
+};
+
+} // namespace
+
+class RenameAreasFlowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void savingSendsEveryNameAsTypedAndShowsWhatTheServiceHolds()
+    {
+        OpenNames open({"two&#13;&#10;lines&#8232;&#9;", "b", "L {_amp_} F", "d", QByteArray(40'000, 'x')});
+        open.type(open.names->textName2(), "");
+        open.type(open.names->textName4(), "  R&D; ");
+        QVERIFY(!open.names->textName6()->isEnabled());
+        QTest::keyClick(open.names->textName4(), Qt::Key_Return);
+        QCOMPARE(open.sent(), (QList<QByteArray>{setNames +
+                                                     "id:1;name:two\r\nlines\u2028\t"
+                                                     ";{_end_}id:2;name:;{_end_}id:3;name:L {_amp_} F;{_end_}"
+                                                     "id:4;name:  R{_amp_}D{_dc_} ;{_end_}id:5;name:" +
+                                                     QByteArray(40'000, 'x') + ";{_end_}",
+                                                 getAreas}));
+        QVERIFY(!open.sheet->isVisible());
+        QCOMPARE(open.areas(), QStringLiteral("From,the,service"));
+        QCOMPARE(Client::labels(open.document).first(3).join(u','), open.areas());
+    }
+
+    void editsOutliveALossOfFocusButNotACancel()
+    {
+        OpenNames open;
+        QLineEdit *last = open.names->textName8();
+        open.type(last, "edited");
+        open.names->windowDidBecomeKey();
+        QCOMPARE(last->text(), QStringLiteral("edited"));
+        QTest::keyClick(last, Qt::Key_Escape);
+        QVERIFY(!open.sheet->isVisible());
+        open.begin();
+        QCOMPARE(last->text(), u"Love"_s);
+        open.click("Cancel");
+        QVERIFY(open.sent().isEmpty());
+        QCOMPARE(open.areas(), QString::fromLatin1(eightNames.join(',')));
+
+        open.document->project()->areas()->clear();
+        open.begin();
+        QVERIFY(!open.button("Save")->isEnabled());
+    }
+
+    void failuresLeaveWhatTheReloadBrought_data()
+    {
+        QTest::addColumn<ServiceReply>("saved");
+        QTest::addColumn<ServiceReply>("reloaded");
+        QTest::addColumn<QString>("left"); // the names, the number of alerts, and whether the sheet stays
+        const ServiceReply ok = httpReply("OK");
+        const ServiceReply old = httpReply(areasAnswer({"a", "b"}));
+        const ServiceReply part = httpReply("<x><id>1</id><id>2</id><name>a</name><color/><value/></x>");
+        QTest::newRow("refused") << httpReply("Error") << old << QStringLiteral("a,b 0");
+        QTest::newRow("not sent") << noAnswer << old << QStringLiteral("a,b 1");
+        QTest::newRow("not reloaded") << ok << noAnswer << QStringLiteral(" 1");
+        QTest::newRow("reloaded in part") << ok << part << QStringLiteral("a 0, and incomplete");
+    }
+
+    void failuresLeaveWhatTheReloadBrought()
+    {
+        QFETCH(ServiceReply, saved);
+        QFETCH(ServiceReply, reloaded);
+        OpenNames open;
+        open.service.answer("set-area-names", saved);
+        open.service.answer("get-areas", reloaded);
+        open.type(open.names->textName1(), "new");
+        open.click("Save");
+        QString left = open.areas() + u' ' + QString::number(open.alert.errors.size());
+        if (open.sheet->isVisible())
+            left += QStringLiteral(", and incomplete");
+        QTEST(left, "left");
+        QCOMPARE(open.sheet->findChild<QLabel *>(u"labelRenameAreasHint"_s)->text().contains(u"incomplete"),
+                 open.sheet->isVisible());
+    }
+};
+
+QTEST_MAIN(RenameAreasFlowTest)
+#include "RenameAreasFlowTest.moc"
