@@ -40,7 +40,8 @@ XKJsonArena::~XKJsonArena()
 XKJsonNode *XKJsonArena::copy(const XKJsonNode *nodes, std::size_t count)
 {
     auto *const copied = static_cast<XKJsonNode *>(allocate(count * sizeof(XKJsonNode)));
-    std::copy_n(nodes, count, copied);
+    for (std::size_t i = 0; i < count; ++i) // mostly so few that a call would cost more
+        copied[i] = nodes[i];
     return copied;
 }
 

@@ -13,6 +13,8 @@ namespace {
 // A slot is zero, or the position of a member plus one in its low bits and bits of the key's hash above.
 constexpr std::size_t indexedFrom = 65;
 constexpr std::size_t fewMembers = 4;
+constexpr int quickHashBits = 11;
+constexpr std::size_t quickHashes = std::size_t(1) << quickHashBits;
 constexpr int positionBits = 40;
 constexpr quint64 positionMask = (quint64(1) << positionBits) - 1;
 
@@ -34,7 +36,8 @@ std::size_t quickHash(const XKJsonNode &key)
     } else if (length > 0) {
         first = key.text[0] | quint64(key.text[length / 2]) << 16 | quint64(key.text[length - 1]) << 32;
     }
-    return static_cast<std::size_t>((first * 3 + last + length) * 0x9E3779B97F4A7C15u >> 54);
+    return static_cast<std::size_t>((first * 3 + last + length) * 0x9E3779B97F4A7C15u >>
+                                    (64 - quickHashBits));
 }
 
 // A key of the first `count` members, or null.
@@ -61,20 +64,21 @@ bool differAtSight(const XKJsonNode *members, std::size_t count)
 
 std::size_t mergedSmall(XKJsonNode *members, std::size_t count)
 {
-    std::array<quint64, 16> seen{};
+    std::array<quint64, quickHashes / 64> seen{};
     std::size_t kept = 0;
     for (std::size_t i = 0; i < count; ++i) {
-        const XKJsonNode key = members[2 * i];
+        const XKJsonNode &key = members[2 * i];
         const std::size_t hash = quickHash(key);
-        const quint64 bit = quint64(1) << (hash & 63);
-        if (seen[hash >> 6] & bit) {
+        quint64 &word = seen[hash / 64];
+        const quint64 bit = quint64(1) << hash % 64;
+        if (Q_UNLIKELY(word & bit)) {
             if (XKJsonNode *const earlier = findLinearly(members, kept, key)) {
                 earlier[1] = members[2 * i + 1];
                 continue;
             }
         }
-        seen[hash >> 6] |= bit;
-        if (kept != i)
+        word |= bit;
+        if (Q_UNLIKELY(kept != i))
             std::copy_n(members + 2 * i, 2, members + 2 * kept);
         ++kept;
     }

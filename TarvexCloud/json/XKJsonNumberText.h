@@ -54,9 +54,16 @@ inline bool XKJsonNumberText::readIntegerPart(const char16_t *textEnd)
         return failWith(Fault::NothingAfterMinus);
     quint64 value = 0;
     constexpr qptrdiff mostDigits = std::numeric_limits<qint64>::digits10 + 1; // never wraps unsigned
-    do
+#ifdef __SSE2__
+    using XKJsonText::Eight;
+    while (textEnd - end >= Eight::size && end - digits <= mostDigits - Eight::size &&
+           !Eight(end).notDigits()) {
+        value = value * 100'000'000 + Eight(end).number();
+        end += Eight::size;
+    }
+#endif
+    for (; XKJsonText::isDigit(*end) && end - digits < mostDigits; ++end)
         value = value * 10 + static_cast<quint64>(*end - u'0');
-    while (XKJsonText::isDigit(*++end) && end - digits < mostDigits);
     if (XKJsonText::isDigit(*end)) {
         end = XKJsonText::afterDigits(end, textEnd);
         isInteger = false;

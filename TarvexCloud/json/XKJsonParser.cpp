@@ -47,9 +47,9 @@ XKJsonValue XKJsonParser::treeOf(const QString &text)
     return tree;
 }
 
-Q_ALWAYS_INLINE void XKJsonParser::skipSpaces(const char16_t *&c) const
+Q_ALWAYS_INLINE void XKJsonParser::skipSpaces(const char16_t *&c)
 {
-    c = XKJsonText::afterSpaces(c, m_end);
+    c = XKJsonText::afterSpaces(c, m_end, m_indent);
 }
 
 template<std::size_t size>

@@ -42,7 +42,7 @@ private:
     bool scanLowSurrogate(char16_t &unit);
     bool scanHexQuad(char16_t &quad);
     bool scanIsAtEnd();
-    void skipSpaces(const char16_t *&c) const;
+    void skipSpaces(const char16_t *&c);
 
     Step open(XKJsonKind kind);
     void close(const XKJsonNode &container);
@@ -64,4 +64,5 @@ private:
     XKJsonNodeStack m_stack;
     std::size_t m_open = noContainer; // where on the stack the innermost open container stands
     std::u16string m_unescaped;
+    qptrdiff m_indent = 0; // of the last line, in blanks
 };

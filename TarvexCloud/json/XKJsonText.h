@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 #include <QtGlobal>
@@ -52,9 +54,20 @@ public:
         const __m128i fromTab = _mm_sub_epi16(m_units, _mm_set1_epi16(u'\t'));
         return 0xFFFF ^ bits(_mm_or_si128(blanks, atMost(fromTab, u'\r' - u'\t')));
     }
+    bool isBlank() const { return bits(_mm_cmpeq_epi16(m_units, _mm_set1_epi16(u' '))) == 0xFFFF; }
     unsigned notDigits() const
     {
         return 0xFFFF ^ bits(atMost(_mm_sub_epi16(m_units, _mm_set1_epi16(u'0')), /*highest=*/9));
+    }
+    /// The number that eight digits are.
+    quint64 number() const
+    {
+        const __m128i digits = _mm_sub_epi16(m_units, _mm_set1_epi16(u'0'));
+        const __m128i pairs = _mm_madd_epi16(digits, _mm_set1_epi32(10 | 1 << 16));
+        const __m128i fours = _mm_madd_epi16(_mm_packs_epi32(pairs, pairs), _mm_set1_epi32(100 | 1 << 16));
+        std::array<quint32, 4> parts{};
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(parts.data()), fours);
+        return quint64(parts[0]) * 10'000 + parts[1];
     }
     unsigned stops() const
     {
@@ -94,7 +107,7 @@ inline const char16_t *firstOf(unsigned found, const char16_t *c)
 template<auto Test>
 inline bool findByEights(const char16_t *&c, const char16_t *end)
 {
-    for (qptrdiff left = end - c; left >= Eight::size; left -= Eight::size, c += Eight::size)
+    for (; end - c >= Eight::size; c += Eight::size)
         if (const unsigned found = (Eight(c).*Test)()) {
             c = firstOf(found, c);
             return true;
@@ -103,10 +116,8 @@ inline bool findByEights(const char16_t *&c, const char16_t *end)
 }
 #endif
 
-inline const char16_t *afterSpaces(const char16_t *c, [[maybe_unused]] const char16_t *end)
+inline const char16_t *afterManySpaces(const char16_t *c, [[maybe_unused]] const char16_t *end)
 {
-    if (*c > u' ' || !isSpace(*c) || !isSpace(*++c))
-        return c;
 #ifdef __SSE2__
     if (findByEights<&Eight::notSpaces>(c, end))
         return c;
@@ -114,6 +125,41 @@ inline const char16_t *afterSpaces(const char16_t *c, [[maybe_unused]] const cha
     while (isSpace(*c))
         ++c;
     return c;
+}
+
+/// Whether exactly so many blanks stand between the cursor and something else.
+inline bool isIndented(const char16_t *c, const char16_t *end, qptrdiff blanks)
+{
+    if (end - c <= blanks || c[blanks] <= u' ')
+        return false;
+    const char16_t *const last = c + blanks;
+#ifdef __SSE2__
+    if (blanks >= Eight::size) { // the last eight overlap those before
+        while (last - c > Eight::size && Eight(c).isBlank())
+            c += Eight::size;
+        return Eight(std::min(c, last - Eight::size)).isBlank();
+    }
+#endif
+    while (c != last && *c == u' ')
+        ++c;
+    return c == last;
+}
+
+/// Takes and leaves the number of blanks that the last line began with. Most lines begin as the one before:
+/// the processor, which foresees that, reads on without waiting until the end of the blanks is found.
+inline const char16_t *afterSpaces(const char16_t *c, const char16_t *end, qptrdiff &indent)
+{
+    if (*c > u' ')
+        return c;
+    const bool isLine = *c == u'\n';
+    if (isLine && isIndented(c + 1, end, indent))
+        return c + 1 + indent;
+    if (!isSpace(*c) || !isSpace(*++c))
+        return c;
+    const char16_t *const found = afterManySpaces(c + 1, end);
+    if (isLine)
+        indent = found - c;
+    return found;
 }
 
 inline const char16_t *afterDigits(const char16_t *c, [[maybe_unused]] const char16_t *end)
@@ -134,7 +180,7 @@ inline const char16_t *afterRun(const char16_t *c, [[maybe_unused]] const char16
     mayHaveSurrogates = false;
 #ifdef __SSE2__
     __m128i all = _mm_setzero_si128();
-    for (qptrdiff left = end - c; left >= Eight::size; left -= Eight::size, c += Eight::size) {
+    for (; end - c >= Eight::size; c += Eight::size) {
         const Eight units(c);
         units.addTo(all);
         if (const unsigned stops = units.stops()) {
