@@ -168,4 +168,7 @@ void TarvexDocument::enableCommands()
     enable("actionRenameSet", hasSet);
     enable("actionDeleteSet", !m_project->sets()->empty());
     enable("actionRandomGoal", hasSet);
+    enable("actionPrintPreview", hasSet);
+    enable("actionPrint", hasSet);
+    enable("actionSaveAsPdf", hasSet);
 }

@@ -30,8 +30,11 @@ bool TarvexDocument::mayOpenSheet() const
     // Input is blocked by then, but an assistive tool's press and a native menu's choice get past that.
     if (m_controller.isBusy())
         return false;
-    const auto sheets = m_window ? m_window->findChildren<Sheet *>() : QList<Sheet *>();
-    return std::none_of(sheets.begin(), sheets.end(), [](const Sheet *sheet) { return sheet->isBegun(); });
+    const auto dialogs = m_window ? m_window->findChildren<QDialog *>() : QList<QDialog *>();
+    return std::none_of(dialogs.begin(), dialogs.end(), [](const QDialog *dialog) {
+        const auto *sheet = qobject_cast<const Sheet *>(dialog);
+        return sheet ? sheet->isBegun() : dialog->isVisible();
+    });
 }
 
 void TarvexDocument::showAreaDetails(const TVXAreaPtr &, int ofIndex)

@@ -95,6 +95,9 @@ void TarvexDocument::connectActions()
     command("actionClose", &TarvexDocument::close)->setShortcuts(QKeySequence::Close);
     command("actionSave", &TarvexDocument::saveDocument)->setShortcuts(QKeySequence::Save);
     command("actionQuit", [this] { m_controller.quit(); })->setShortcuts(QKeySequence::Quit);
+    command("actionPrintPreview", &TarvexDocument::previewPrint);
+    command("actionPrint", &TarvexDocument::print)->setShortcuts(QKeySequence::Print);
+    command("actionSaveAsPdf", &TarvexDocument::saveAsPdf);
     command("actionNewSet", &TarvexDocument::addNewProject);
     command("actionRenameSet", &TarvexDocument::editCurrentProject);
     command("actionDeleteSet", &TarvexDocument::deleteCurrentProject);

@@ -2,17 +2,21 @@
 
 #include "DocumentError.h"
 #include "ElidedLabel.h"
+#include "PrintInfo.h"
 #include "RenameAreasWindowController.h"
 #include "SourcedComboBox.h"
 #include "TVXProject.h"
 #include "WheelParent.h"
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <QObject>
+#include <QPageRanges>
 #include <QPointer>
 #include <QTimer>
+#include <QVariantMap>
 
 class AlertSheet;
 class AreaWindowController;
@@ -20,10 +24,12 @@ class BusyIndicator;
 class DialArea;
 class DocumentController;
 class MessageLine;
+class PrintOperation;
 class ProjectNameSheet;
 class QLabel;
 class QLineEdit;
 class QMainWindow;
+class QPrinter;
 class RandomGoalWindowController;
 class RegisterViewController;
 class RotatedLabel;
@@ -41,8 +47,9 @@ inline constexpr QLatin1String QRVDocumentCangedNotification("QRVDocumentChanged
 ///
 /// Start-up and sign-in are defined in TarvexDocument.cpp, the loading and showing of the data and the set
 /// selector in TarvexDocument+Selector.cpp, sign-up in TarvexDocument+SignUp.cpp, the commands on sets in
-/// TarvexDocument+Sets.cpp, the other sheets in TarvexDocument+Sheets.cpp, the window's making and closing in
-/// TarvexDocument+Window.cpp, what makes it a document in TarvexDocument+Shell.cpp.
+/// TarvexDocument+Sets.cpp, printing in TarvexDocument+Printing.cpp, the other sheets in
+/// TarvexDocument+Sheets.cpp, the window's making and closing in TarvexDocument+Window.cpp, what makes it a
+/// document in TarvexDocument+Shell.cpp.
 class TarvexDocument : public QObject, public WheelParent, public ComboBoxDataSource, public RenameAreasParent
 {
     Q_OBJECT
@@ -93,6 +100,12 @@ public:
     void showAreaDetails(const TVXAreaPtr &area, int ofIndex) override;
     /// The document of the application's main window, or null.
     TarvexDocument *currentDocument() const;
+
+    /// The report of the selected set, whose goals are fetched for it and become those of the project on
+    /// show; null without a selected set. The settings are not read and no error is ever told: goals that
+    /// cannot be fetched are missing from the report.
+    std::shared_ptr<PrintOperation> printOperationWithSettings(const QVariantMap &settings,
+                                                               QString *error = nullptr);
 
     int numberOfItemsInComboBox(const SourcedComboBox *comboBox) const override;
     QString comboBoxObjectValueForItemAtIndex(const SourcedComboBox *comboBox, int index) const override;
@@ -203,6 +216,12 @@ public Q_SLOTS:
     /// Opens the random-goal sheet for the current set; without one it does nothing.
     void getRandomGoal();
 
+    /// These fetch the selected set's goals and then show the report, ask for a printer or ask for a file;
+    /// without a selected set they do nothing.
+    void previewPrint();
+    void print();
+    void saveAsPdf();
+
     void comboBoxSelectionDidChange();
     void comboBoxWillDismiss();
     void comboBoxSelectionIsChanging();
@@ -215,6 +234,11 @@ private:
     bool mayRegister();
     void createAccount();
     bool mayOpenSheet() const;
+    void makePrintOperation(const std::function<void(const std::shared_ptr<PrintOperation> &)> &next);
+    void askForPrinter(const std::shared_ptr<PrintOperation> &operation, QWidget *window);
+    void askForFile(const std::shared_ptr<PrintOperation> &operation, QWidget *window);
+    void printOn(QPrinter &printer, PrintOperation &operation);
+    void writePdf(PrintOperation &operation, const QString &path, const QPageRanges &pages = {});
     void beginSheet(Sheet *sheet);
     TarvexDocument *documentToBorrowFrom() const;
     void createSet(const QString &name);
@@ -236,6 +260,7 @@ private:
     QString m_loginPassword = QStringLiteral("");
     std::weak_ptr<TVXSets> m_currentSet;
     bool m_isLoaded = false;
+    PrintInfo m_printInfo;
 
     std::unique_ptr<QMainWindow> m_window;
     QPointer<QTimer> m_startGettingUserNameAndPassword;

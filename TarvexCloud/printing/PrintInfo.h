@@ -1,27 +1,22 @@
 #pragma once
 
-#include "ReportPages.h"
-
 #include <QPageLayout>
 
-/// What a report is printed on, and how. Lengths are points from the paper's top left corner.
+/// What a report is printed on, and how.
 struct PrintInfo
 {
     /// How a page that is larger than the paper is brought onto it. The report's pages are as large as the
     /// printable area, so that they fit as they are.
     enum class Pagination { Automatic, Fit, Clip };
 
-    QRectF imageablePageBounds; ///< the printable area of a page
-    QSizeF paperSize;
+    QPageLayout pageLayout;
     bool printAllPages = false; ///< a choice of pages made for an earlier report does not count
     Pagination horizontalPagination = Pagination::Automatic;
     Pagination verticalPagination = Pagination::Automatic;
 
-    void setPageLayout(const QPageLayout &layout)
-    {
-        imageablePageBounds = layout.paintRect(QPageLayout::Point);
-        paperSize = layout.fullRect(QPageLayout::Point).size();
-    }
+    /// The printable area of a page, in points from the paper's top left corner.
+    QRectF imageablePageBounds() const { return pageLayout.paintRect(QPageLayout::Point); }
+    QSizeF paperSize() const { return pageLayout.fullRect(QPageLayout::Point).size(); }
 };
 
 /// Pages from `location` on, `length` of them.

@@ -24,7 +24,7 @@ PrintOperation::PrintOperation(std::unique_ptr<TVXPrintView> view, const PrintIn
 
 PageRange PrintOperation::layOutFor(const QPageLayout &pageLayout)
 {
-    m_printInfo.setPageLayout(pageLayout);
+    m_printInfo.pageLayout = pageLayout;
     PageRange range;
     m_view->knowsPageRange(&range);
     return range;

@@ -10,6 +10,17 @@ namespace {
 constexpr std::array<float, WheelGeometry::sliceCount> startAngles = {270, 315, 0, 45, 90, 135, 180, 225};
 constexpr std::array<float, WheelGeometry::sliceCount> endAngles = {315, 360, 45, 90, 135, 180, 225, 270};
 constexpr qreal ruleWidth = 1;
+
+// A widget is the painter's device on the screen, in a grab and in a print of it alike; only the engine tells
+// the window's backing store from the others.
+bool drawsOnScreen(const QPainter &painter)
+{
+    const QPaintDevice *device = painter.device();
+    if (!device || device->devType() != QInternal::Widget)
+        return false;
+    QBackingStore *screen = static_cast<const QWidget *>(device)->backingStore();
+    return screen && painter.paintEngine()->paintDevice() == screen->paintDevice();
+}
 } // namespace
 
 /// The two pictures; loaded for each call to draw.
@@ -32,14 +43,6 @@ const std::array<float, WheelGeometry::sliceCount> &TVXPrintView::anglesEnd() co
 const std::array<QColor, WheelGeometry::sliceCount> &TVXPrintView::colors() const
 {
     return WheelGeometry::colors();
-}
-
-// Every target shows the widget as the painter's device, if it is one at all; only the engine tells the
-// window's backing store from the others.
-bool TVXPrintView::drawsOnScreen(const QPainter &painter) const
-{
-    const QPaintEngine *engine = painter.paintEngine();
-    return engine && backingStore() && engine->paintDevice() == backingStore()->paintDevice();
 }
 
 void TVXPrintView::paintEvent(QPaintEvent *event)

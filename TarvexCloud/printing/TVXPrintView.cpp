@@ -37,8 +37,10 @@ TVXPrintView::TVXPrintView(QWidget *parent) : QWidget(parent)
     initResources();
     const QString sans = QStringLiteral("Futura");
     const QString serif = QStringLiteral("Big Caslon");
-    QFont::insertSubstitution(sans, QStringLiteral("URW Gothic"));
-    QFont::insertSubstitutions(serif, {QStringLiteral("EB Garamond 12"), QStringLiteral("EB Garamond")});
+    // Symbola is there for emoji: the coloured ones of other fonts do not get into a PDF.
+    QFont::insertSubstitutions(sans, QStringLiteral("URW Gothic;DejaVu Sans;Symbola").split(u';'));
+    QFont::insertSubstitutions(serif,
+                               QStringLiteral("EB Garamond 12;EB Garamond;DejaVu Serif;Symbola").split(u';'));
     m_attributesDefault = {fontOf(sans, QFont::SansSerif, /*size=*/11)};
     m_attributesDefaultRight = {m_attributesDefault.font, Qt::AlignRight};
     m_attributesTitle = {fontOf(sans, QFont::SansSerif, /*size=*/18)};
@@ -63,10 +65,10 @@ bool TVXPrintView::knowsPageRange(PageRange *range)
 {
     const PrintInfo info = m_printInfo ? *m_printInfo : PrintInfo();
     const auto countGoals = static_cast<qint64>(m_project->goals() ? m_project->goals()->size() : 0);
-    m_pageRect = info.imageablePageBounds;
+    m_pageRect = info.imageablePageBounds();
     m_pageHeight = ReportPages::pageHeight(m_pageRect);
     m_documentHeight = ReportPages::documentHeight(m_lineHeights, countGoals);
-    m_frame = QRectF(0, 0, info.paperSize.width(), static_cast<qreal>(m_documentHeight));
+    m_frame = QRectF(0, 0, info.paperSize().width(), static_cast<qreal>(m_documentHeight));
     const QSizeF largest(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
     resize(m_frame.size().boundedTo(largest).toSize());
     m_countPages = ReportPages::countPages(m_documentHeight, m_pageHeight);

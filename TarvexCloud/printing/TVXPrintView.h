@@ -80,7 +80,6 @@ protected:
 private:
     struct Checkboxes;
 
-    bool drawsOnScreen(const QPainter &painter) const;
     void drawItem(QPainter &painter, const ReportItem &item, const Checkboxes &checkboxes) const;
     void drawSlice(QPainter &painter, const ReportItem &item) const;
     const TextAttributes &attributesOf(ReportItem::Kind kind) const;

@@ -10,7 +10,7 @@ import sys
 import tempfile
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
-from desktop import Display, Service, wait_for  # noqa: E402
+from desktop import Display, Service, wait_for, wire  # noqa: E402
 
 ADDRESS = "127.0.0.1:8719"  # what the client of this test is built for
 MAIN = "Tarvex Cloud - Client for Mac OS X"
@@ -103,6 +103,26 @@ class User:
         self.display.keys("Escape")
         self.sees(MAIN)
 
+    def keeps_the_report_as_a_file(self, path):
+        first = self.service.texts("id", "get-sets", *SAMPLE)[0]
+        kind = ("get-complex-goals-for-sets", *SAMPLE, f"&p4={first}")
+        goals = list(zip(self.service.texts("area", *kind), self.service.texts("name", *kind)))
+        self.display.keys("alt+f", "d")
+        self.sees("Save as PDF")
+        self.display.keys("ctrl+a")
+        self.display.type(path)
+        self.display.keys("Return")
+        self.sees(MAIN)
+        printed = wire(subprocess.run(["pdftotext", "-raw", path, "-"], capture_output=True, text=True, check=True).stdout)
+        expected = [name for area in self.service.texts("id", "get-areas", *SAMPLE) for of, name in goals if of == area]
+        at = 0
+        for name in expected:
+            at = printed.find(name, at)
+            if at < 0:
+                raise SystemExit(f"{name} is missing from the report, or in the wrong place:\n{printed}")
+        if not expected:
+            raise SystemExit("There was nothing to print.")
+
 
 def main():
     server, client = sys.argv[1:]
@@ -117,6 +137,7 @@ def main():
             user.manages_sets()
             user.renames_an_area()
             user.marks_a_random_goal_done()
+            user.keeps_the_report_as_a_file(f"{folder}/report.pdf")
             display.keys("ctrl+q")
             if process.wait(timeout=10) != 0:
                 raise SystemExit("The client did not end well.")

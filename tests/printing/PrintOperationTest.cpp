@@ -1,10 +1,13 @@
 #include "PrintOperation.h"
+#include "ReportPdf.h"
 #include "ReportSample.h"
 
+#include <csignal>
 #include <QPdfWriter>
 #include <QPrinter>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <sys/resource.h>
 
 namespace {
 
@@ -104,6 +107,27 @@ private Q_SLOTS:
         QCOMPARE(text.count(u'\f'), 2);
         QVERIFY(!text.contains(u"A year"_s) && !text.contains(u"office0."_s) &&
                 text.contains(u"office60."_s));
+    }
+
+    void aDiskThatFillsUpLeavesTheOldFileAlone()
+    {
+        const QTemporaryDir folder;
+        QFile old(folder.filePath(u"kept.pdf"_s));
+        QVERIFY(old.open(QIODevice::WriteOnly) && old.write("older report") > 0);
+        old.close();
+        ::signal(SIGXFSZ, SIG_IGN);
+        rlimit before{};
+        ::getrlimit(RLIMIT_FSIZE, &before);
+        const rlimit small{/*rlim_cur=*/20'000, before.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &small);
+        const QPageLayout a4(QPageSize(QPageSize::A4), QPageLayout::Portrait, {18, 18, 18, 18});
+        PrintOperation operation = operationWithGoals();
+        const auto failure = saveReportAsPdf(operation, a4, old.fileName());
+        ::setrlimit(RLIMIT_FSIZE, &before);
+        QCOMPARE(failure.value_or(u""_s), u"File too large"_s);
+        QVERIFY(old.open(QIODevice::ReadOnly));
+        QCOMPARE(old.readAll(), QByteArray("older report"));
+        QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList(u"kept.pdf"_s));
     }
 
     void failuresAreToldWithTheirPage()

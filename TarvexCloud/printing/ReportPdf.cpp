@@ -1,0 +1,45 @@
+#include "ReportPdf.h"
+
+#include "PrintOperation.h"
+
+#include <QFileInfo>
+#include <QPdfWriter>
+#include <QSaveFile>
+
+namespace {
+bool isOddKind(const QString &path)
+{
+    const QFileInfo info(path);
+    return info.exists() && !info.isFile();
+}
+
+std::optional<QString> write(PrintOperation &operation, const QPageLayout &pageLayout,
+                             const QPageRanges &pages, QFileDevice &file)
+{
+    if (!file.open(QIODevice::WriteOnly))
+        return file.errorString();
+    QPdfWriter writer(&file);
+    writer.setPageLayout(pageLayout);
+    writer.setPageRanges(pages);
+    writer.setTitle(operation.view().titleOfDocument());
+    writer.setCreator(QStringLiteral("Tarvex Cloud"));
+    // The writer does not look at what becomes of its bytes; the file remembers.
+    if (operation.runOn(writer) || !file.flush())
+        return file.errorString();
+    return std::nullopt;
+}
+} // namespace
+
+std::optional<QString> saveReportAsPdf(PrintOperation &operation, const QPageLayout &pageLayout,
+                                       const QString &path, const QPageRanges &pages)
+{
+    if (isOddKind(path)) { // a device, say, must not be replaced by a file
+        QFile device(path);
+        return write(operation, pageLayout, pages, device);
+    }
+    QSaveFile file(path);
+    std::optional<QString> failure = write(operation, pageLayout, pages, file);
+    if (!failure && !file.commit())
+        failure = file.errorString();
+    return failure;
+}

@@ -1,0 +1,168 @@
+#include "Client.h"
+#include "PrintOperation.h"
+#include "ReportPreview.h"
+#include "ReportPreviewDialog.h"
+
+#include <QAction>
+#include <QDialog>
+#include <QFileDialog>
+#include <QPrinterInfo>
+#include <QProcess>
+#include <QTemporaryDir>
+
+namespace {
+
+QByteArray goalsAnswer(int count)
+{
+    QList<QList<QByteArray>> rows;
+    for (int goal = 1; goal <= count; ++goal)
+        rows.append({QByteArray::number(goal), "Goal" + QByteArray::number(goal) + ".", "5",
+                     goal % 3 == 0 ? "y" : "n", QByteArray::number(1 + goal * 8 / (count + 1))});
+    return xmlAnswer({"id", "name", "priority", "checked", "area"}, rows);
+}
+
+QString textOf(const QString &pdf)
+{
+    QProcess process;
+    process.start(u"pdftotext"_s, {u"-raw"_s, pdf, u"-"_s});
+    return process.waitForFinished() ? QString::fromUtf8(process.readAllStandardOutput()) : u""_s;
+}
+
+/// A signed-in client whose set is printed by the menu's commands.
+struct PrintingClient : Client
+{
+    explicit PrintingClient(const QByteArray &goals = goalsAnswer(100))
+    {
+        service.answer("get-complex-goals-for-sets", goals);
+        document = openSignedIn();
+    }
+
+    QAction *command(const QString &name) const { return document->window()->findChild<QAction *>(name); }
+
+    template<typename Dialog>
+    Dialog *dialog() const
+    {
+        return document->window()->findChild<Dialog *>();
+    }
+
+    void saveAs(const QString &path) const
+    {
+        command(u"actionSaveAsPdf"_s)->trigger();
+        QVERIFY(dialog<QFileDialog>());
+        Q_EMIT dialog<QFileDialog>()->fileSelected(path);
+        dialog<QFileDialog>()->close();
+    }
+
+    TarvexDocument *document = nullptr;
+};
+
+} // namespace
+
+class PrintFlowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theSelectedSetIsFetchedAndKeptAsAFile()
+    {
+        const QTemporaryDir folder;
+        const PrintingClient client;
+        client.document->listOfProjects()->selectItemAtIndex(1);
+        client.command(u"actionSaveAsPdf"_s)->trigger();
+        auto *dialog = client.dialog<QFileDialog>();
+        QCOMPARE(dialog->selectedFiles().value(0).section(u'/', -1), u"Second.pdf"_s);
+        dialog->setDirectory(folder.path());
+        dialog->findChild<QLineEdit *>(u"fileNameEdit"_s)->setText(u"mine"_s);
+        QTest::mouseClick(Client::button(dialog, u"Save"_s), Qt::LeftButton);
+
+        const QString text = textOf(folder.filePath(u"mine.pdf"_s));
+        QVERIFY(text.startsWith(u"Second\n"_s));
+        for (int goal = 1; goal <= 100; ++goal)
+            QVERIFY2(text.contains(u"Goal%1.\n"_s.arg(goal)), qPrintable(text));
+        QVERIFY(text.contains(u"Health Very Bad 33%"_s));
+        QCOMPARE(client.service.bodies().mid(3),
+                 {"p1=get-complex-goals-for-sets" + annsDigests + "&p4=9"});
+        QCOMPARE(client.document->project()->goals()->size(), 100);
+        QVERIFY(client.alert.errors.isEmpty());
+    }
+
+    void goalsThatDoNotComeLeaveHeadersAndFullPercentages()
+    {
+        const QTemporaryDir folder;
+        const PrintingClient client("Error");
+        client.saveAs(folder.filePath(u"bare.pdf"_s));
+        const QString text = textOf(folder.filePath(u"bare.pdf"_s));
+        QCOMPARE(text.count(u"100%"_s), 8);
+        QVERIFY(text.contains(u"Love Good - Excellent 100%"_s));
+    }
+
+    void withoutASelectedSetNothingIsPrintedOrSaid()
+    {
+        const PrintingClient client;
+        client.document->listOfProjects()->selectItemAtIndex(-1);
+        QVERIFY(!client.document->printOperationWithSettings({}));
+        client.document->print();
+        client.document->previewPrint();
+        client.document->saveAsPdf();
+        QVERIFY(!client.dialog<ReportPreviewDialog>() && !client.dialog<QFileDialog>());
+        QCOMPARE(client.service.requests().size(), 3);
+        QVERIFY(client.alert.errors.isEmpty());
+    }
+
+    void aFileThatCannotBeWrittenIsTold_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("full disk") << u"/dev/full"_s << u"No space left on device"_s;
+        QTest::newRow("no folder") << u"/no/such/folder/a.pdf"_s << u"No such file or directory"_s;
+        QTest::newRow("a folder") << u"/proc"_s << u"s a directory"_s;
+    }
+    void aFileThatCannotBeWrittenIsTold()
+    {
+        QFETCH(QString, path);
+        QFETCH(QString, reason);
+        const PrintingClient client;
+        client.saveAs(path);
+        QCOMPARE(client.alert.errors.size(), 1);
+        QVERIFY2(client.alert.errors[0].contains(path) && client.alert.errors[0].contains(reason),
+                 qPrintable(client.alert.errors[0]));
+    }
+
+    void thePreviewShowsThePagesOneByOneAndSavesThem()
+    {
+        const QTemporaryDir folder;
+        const PrintingClient client;
+        client.command(u"actionPrintPreview"_s)->trigger();
+        auto *dialog = client.dialog<ReportPreviewDialog>();
+        QVERIFY(dialog);
+        ReportPreview &preview = dialog->preview();
+        QCOMPARE(preview.countPages(), 3);
+        QCOMPARE(preview.currentPage(), 1);
+        const QImage first = preview.grab().toImage();
+        QTest::keyClick(&preview, Qt::Key_End);
+        QCOMPARE(preview.currentPage(), 3);
+        QVERIFY(preview.grab().toImage() != first);
+
+        client.document->print(); // the set's window is taken
+        client.document->renameAreas();
+        QVERIFY(!client.document->wndRenameAreas()->isVisible());
+        QCOMPARE(client.service.requests().size(), 4);
+
+        QTest::mouseClick(Client::button(dialog, u"Save as PDF…"_s), Qt::LeftButton);
+        Q_EMIT client.dialog<QFileDialog>()->fileSelected(folder.filePath(u"seen.pdf"_s));
+        QCOMPARE(textOf(folder.filePath(u"seen.pdf"_s)).count(u'\f'), 3);
+    }
+
+    void aComputerWithoutPrinterIsTold()
+    {
+        if (!QPrinterInfo::availablePrinterNames().isEmpty())
+            QSKIP("this computer has a printer");
+        const PrintingClient client;
+        client.command(u"actionPrint"_s)->trigger();
+        QCOMPARE(client.alert.errors.size(), 1);
+        QVERIFY(client.alert.errors[0].startsWith(u"No printer is installed"_s));
+    }
+};
+
+QTEST_MAIN(PrintFlowTest)
+#include "PrintFlowTest.moc"
