@@ -4,9 +4,11 @@ import atexit
 import contextlib
 import hashlib
 import html
+import http.server
 import os
 import signal
 import subprocess
+import threading
 import time
 import urllib.request
 
@@ -33,6 +35,8 @@ class Service:
 
     def __init__(self, server, folder, address):
         self.url = f"http://{address}/tarvex/"
+        host, port = address.split(":")
+        self.listen = (host, int(port))
         database = f"sqlite:{folder}/service.db"
         self.command = [server, "serve", "--listen", address, "--database", database]
         subprocess.run([server, "sample", "--database", database], check=True, stdout=subprocess.DEVNULL)
@@ -56,6 +60,26 @@ class Service:
         self.stop()
         yield
         self.start()
+
+    @contextlib.contextmanager
+    def replaced(self, answer):
+        """Another service stands in meanwhile, which gives that answer to everything."""
+
+        class Handler(http.server.BaseHTTPRequestHandler):
+            def do_POST(self):
+                self.rfile.read(int(self.headers["Content-Length"]))
+                self.send_response(200)
+                self.send_header("Content-Length", str(len(answer.encode())))
+                self.end_headers()
+                self.wfile.write(answer.encode())
+
+            def log_message(self, *_):
+                pass
+
+        with self.gone(), http.server.HTTPServer(self.listen, Handler) as server:
+            threading.Thread(target=server.serve_forever, daemon=True).start()
+            yield
+            server.shutdown()
 
     def account(self, email, password):
         self.post(f"p1=create-new-user&p2={email}&p3={password}&p4=Tour&type=json")

@@ -1,9 +1,9 @@
 #include "AboutBox.h"
 
+#include "AlertSheet.h"
 #include "WheelGeometry.h"
 
 #include <QCoreApplication>
-#include <QMessageBox>
 #include <QPainter>
 
 namespace {
@@ -37,16 +37,15 @@ QString tr(const char *text)
 
 void showAboutBox(QWidget *window)
 {
-    auto *box = new QMessageBox(window);
+    auto *box = new AlertSheet(window);
     box->setObjectName(QStringLiteral("aboutBox"));
-    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setPicture(wheelPicture(/*side=*/72, box->devicePixelRatioF()));
+    box->setTexts(
+        QStringLiteral("Tarvex Cloud " TARVEX_BUNDLE_VERSION),
+        tr("Set goals on a wheel of eight life areas, and compare one set of goals with another. Your "
+           "goals are kept by the service you sign in to, none of them on this computer."),
+        tr("Close"), /*alternateButton=*/QString());
     box->setWindowTitle(tr("About Tarvex Cloud"));
-    box->setTextFormat(Qt::PlainText);
-    box->setText(QStringLiteral("Tarvex Cloud " TARVEX_BUNDLE_VERSION));
-    box->setInformativeText(tr("Set goals on a wheel of eight life areas, and compare one set of goals with "
-                               "another. Your goals are kept by the service you sign in to, none of them on "
-                               "this computer."));
-    box->setIconPixmap(wheelPicture(/*side=*/64, box->devicePixelRatioF()));
-    box->addButton(QMessageBox::Close);
-    box->open();
+    QObject::connect(box, &AlertSheet::ended, box, &QObject::deleteLater);
+    box->beginOn(window);
 }

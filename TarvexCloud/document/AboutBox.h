@@ -2,5 +2,5 @@
 
 class QWidget;
 
-/// Says what the application is and which version. It closes by itself with its window, which may be null.
+/// Says what the application is and which version, in a sheet on that window, or by itself without one.
 void showAboutBox(QWidget *window);

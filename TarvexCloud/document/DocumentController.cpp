@@ -10,6 +10,7 @@
 #include <QLoggingCategory>
 #include <QMainWindow>
 #include <QScopedValueRollback>
+#include <QStandardPaths>
 #include <QTimer>
 #include <stdexcept>
 
@@ -68,7 +69,8 @@ void DocumentController::openDocument()
 {
     if (isBusy())
         return;
-    auto *dialog = new QFileDialog(mainWindow(), tr("Open"));
+    auto *dialog = new QFileDialog(mainWindow(), tr("Open"),
+                                   QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFile);
     connect(dialog, &QFileDialog::fileSelected, this, &DocumentController::openFile);

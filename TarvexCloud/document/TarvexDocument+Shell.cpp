@@ -95,5 +95,6 @@ void TarvexDocument::saveDocument()
 
 void TarvexDocument::showAbout()
 {
-    showAboutBox(m_window.get());
+    if (mayOpenSheet())
+        showAboutBox(m_window.get());
 }

@@ -7,7 +7,7 @@
 #include <QVBoxLayout>
 
 AlertSheet::AlertSheet(QWidget *ownWindow)
-    : Sheet(ownWindow), m_message(new QLabel), m_information(new QLabel)
+    : Sheet(ownWindow), m_picture(new QLabel), m_message(new QLabel), m_information(new QLabel)
 {
     QFont bold = font();
     bold.setBold(true);
@@ -17,9 +17,8 @@ AlertSheet::AlertSheet(QWidget *ownWindow)
         label->setWordWrap(true);
     }
     m_information->setMinimumWidth(280);
-    auto *icon = new QLabel;
     const int side = style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, this);
-    icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this).pixmap(side));
+    m_picture->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this).pixmap(side));
 
     auto *texts = new QVBoxLayout;
     texts->setSpacing(8);
@@ -28,7 +27,7 @@ AlertSheet::AlertSheet(QWidget *ownWindow)
     texts->addStretch();
     auto *matter = new QHBoxLayout;
     matter->setSpacing(16);
-    matter->addWidget(icon, 0, Qt::AlignTop);
+    matter->addWidget(m_picture, 0, Qt::AlignTop);
     matter->addLayout(texts, 1);
 
     auto *buttons = new QDialogButtonBox;
@@ -59,6 +58,11 @@ void AlertSheet::setTexts(const QString &messageText, const QString &informative
     m_alternate->setText(alternateButton);
     m_alternate->setVisible(!alternateButton.isEmpty());
     m_default->setFocus();
+}
+
+void AlertSheet::setPicture(const QPixmap &picture)
+{
+    m_picture->setPixmap(picture);
 }
 
 void AlertSheet::end(int returnCode)

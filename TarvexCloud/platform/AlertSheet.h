@@ -21,6 +21,9 @@ public:
     void setTexts(const QString &messageText, const QString &informativeText, const QString &defaultButton,
                   const QString &alternateButton);
 
+    /// Shows that picture in place of the sign for a warning.
+    void setPicture(const QPixmap &picture);
+
 Q_SIGNALS:
     /// The sheet is down again; the code is one of the two above.
     void ended(int returnCode);
@@ -28,6 +31,7 @@ Q_SIGNALS:
 private:
     void end(int returnCode);
 
+    QLabel *m_picture;
     QLabel *m_message;
     QLabel *m_information;
     QPushButton *m_default;

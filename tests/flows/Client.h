@@ -69,12 +69,14 @@ public:
 };
 
 /// The client as the application assembles it, against a scripted service; alerts are written down, not
-/// shown.
+/// shown. Given another address, it talks to whatever serves there.
 class Client
 {
 public:
-    explicit Client(std::chrono::milliseconds deadline = std::chrono::seconds(20))
-        : exchange(service.url(), deadline, wait), controller(exchange, alert, links)
+    explicit Client(std::chrono::milliseconds deadline = std::chrono::seconds(20),
+                    const QByteArray &address = QByteArray())
+        : exchange(address.isEmpty() ? service.url() : address, deadline, wait),
+          controller(exchange, alert, links)
     {
         service.answer("sign-in", QByteArray("OK"));
         service.answer("get-areas", areasAnswer(eightNames));

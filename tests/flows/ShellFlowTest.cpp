@@ -3,7 +3,6 @@
 #include "Client.h"
 
 #include <QFileDialog>
-#include <QMessageBox>
 #include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
@@ -127,9 +126,12 @@ private Q_SLOTS:
         Client client;
         const TarvexDocument *document = client.openSignedIn();
         action(document, u"actionAbout"_s)->trigger();
-        const QPointer<QMessageBox> box = document->window()->findChild<QMessageBox *>();
+        const QPointer<AlertSheet> box = document->window()->findChild<AlertSheet *>(u"aboutBox"_s);
         QVERIFY(box->isVisible());
-        QVERIFY(box->text().contains(QRegularExpression(u"^Tarvex Cloud \\d+\\.\\d+\\.\\d+$"_s)));
+        QStringList texts;
+        for (const QLabel *label : box->findChildren<QLabel *>())
+            texts += label->text();
+        QCOMPARE(texts.filter(QRegularExpression(u"^Tarvex Cloud \\d+\\.\\d+\\.\\d+$"_s)).size(), 1);
         QTest::keyClick(box, Qt::Key_Escape);
         QTRY_VERIFY(!box);
     }
