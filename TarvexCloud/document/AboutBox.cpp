@@ -43,7 +43,7 @@ void showAboutBox(QWidget *window)
     box->setTexts(
         QStringLiteral("Tarvex Cloud " TARVEX_BUNDLE_VERSION),
         tr("Set goals on a wheel of eight life areas, and compare one set of goals with another. Your "
-           "goals are kept by the service you sign in to, none of them on this computer."),
+           "goals are kept by the service you sign in to; the client itself keeps nothing."),
         tr("Close"), /*alternateButton=*/QString());
     box->setWindowTitle(tr("About Tarvex Cloud"));
     QObject::connect(box, &AlertSheet::ended, box, &QObject::deleteLater);

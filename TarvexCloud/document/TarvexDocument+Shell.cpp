@@ -86,10 +86,11 @@ void TarvexDocument::saveDocument()
         m_saveAlert = new AlertSheet(m_window.get());
         m_saveAlert->setObjectName(QStringLiteral("saveAlert"));
     }
-    m_saveAlert->setTexts(tr("The document could not be saved."),
-                          tr("Tarvex Cloud does not save to files. There is no need to: every change you "
-                             "confirmed has already gone to the service."),
-                          tr("Close"), /*alternateButton=*/QString());
+    m_saveAlert->setTexts(
+        tr("The document could not be saved."),
+        tr("A wheel is not kept in a file. Every change you confirmed has already gone to the service. "
+           "To keep a report of a set, choose Save as PDF."),
+        tr("Close"), /*alternateButton=*/QString());
     beginSheet(m_saveAlert);
 }
 
