@@ -116,6 +116,18 @@ public:
         document->window()->findChild<QAction *>(QString::fromLatin1(command))->trigger();
     }
 
+    /// Goes to the sign-up sheet, fills it in, name first, and clicks the button.
+    static void signUp(const TarvexDocument *document, const QStringList &texts)
+    {
+        QTest::mouseClick(button(document->wndSignIn(), u"Create Account…"_s), Qt::LeftButton);
+        const Sheet *sheet = document->wndSignUp();
+        const QStringList fields = {u"loginName"_s, u"loginEmail"_s, u"loginPassword"_s,
+                                    u"loginConfirmPassword"_s};
+        for (qsizetype i = 0; i < fields.size(); ++i)
+            sheet->findChild<QLineEdit *>(fields[i])->setText(texts[i]);
+        QTest::mouseClick(button(sheet, u"Create Account"_s), Qt::LeftButton);
+    }
+
     static QPushButton *button(const QWidget *window, const QString &text)
     {
         const auto buttons = window->findChildren<QPushButton *>();
