@@ -22,23 +22,26 @@ struct ServerProcess
     {
     }
 
-    std::string line()
+    /// The next line, or all that is left when the end mark never comes.
+    static std::string read(process::pipe &from, char endMark)
     {
         std::string text;
-        std::getline(output, text);
+        for (char next = 0; from.read(&next, 1) == 1 && next != endMark;)
+            text += next;
         return text;
     }
+    std::string line() { return read(output, '\n'); }
 
     /// Waits for the process to end, with which exit code and after which words on standard error.
     std::pair<int, std::string> ended()
     {
-        const std::string text(std::istreambuf_iterator<char>(errors), {});
+        std::string text = read(errors, '\0');
         child.wait();
         return {child.exit_code(), text};
     }
 
-    process::ipstream output;
-    process::ipstream errors;
+    process::pipe output;
+    process::pipe errors;
     process::child child;
 };
 

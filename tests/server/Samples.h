@@ -49,7 +49,7 @@ inline std::vector<SampleRow> sampleRows(const std::string &file, std::size_t fi
         SampleRow &row = rows.emplace_back();
         boost::split(row, line, [](char character) { return character == '|'; });
         if (row.size() != fields)
-            throw std::runtime_error(file + ": " + line);
+            throw std::runtime_error(line.append(" in ").append(file));
         for (std::string &field : row)
             field = sampleBytes(boost::trim_copy(field));
     }
