@@ -1,6 +1,7 @@
 #include "OneLineText.h"
 
 #include <algorithm>
+#include <QFontMetricsF>
 #include <QTextLayout>
 
 namespace {
@@ -18,35 +19,68 @@ QString firstLineOf(const QString &text)
     return text.first(end - text.begin());
 }
 
-/// Letters whose ink stays within the height of their font, unlike stacked marks or a fallback font's.
-bool isPlain(const QString &text)
+bool isPlainLetter(char16_t c)
 {
-    constexpr char16_t firstCombiningMark = 0x300;
-    return std::all_of(text.begin(), text.end(), [](QChar c) { return c < QChar(firstCombiningMark); });
+    constexpr char16_t softHyphen = 0xAD;
+    return (c >= u' ' && c < 0x7F) || (c > 0xA0 && c != softHyphen);
 }
-} // namespace
 
-void drawOneLine(QPainter &painter, const QRectF &rect, const QString &text, const TextAttributes &attributes)
+/// The general case: any text, broken and cut.
+void layOutAndDraw(QPainter &painter, const QRectF &rect, const QString &text,
+                   const TextAttributes &attributes)
 {
-    const QString shown = firstLineOf(text);
-    if (shown.isEmpty())
-        return;
-    QTextLayout layout(shown, attributes.font, painter.device());
-    QTextOption option(attributes.alignment | Qt::AlignAbsolute);
+    QTextLayout layout(firstLineOf(text), attributes.font(), painter.device());
+    QTextOption option(attributes.alignment() | Qt::AlignAbsolute);
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     layout.setTextOption(option);
     layout.beginLayout();
     QTextLine line = layout.createLine();
+    if (!line.isValid())
+        return;
     line.setLineWidth(rect.width());
     layout.endLayout();
-
-    const QPointF position(rect.x(), rect.y() + std::max((rect.height() - line.height()) / 2, 0.0));
-    if (isPlain(shown) && line.height() <= rect.height() && line.naturalTextWidth() <= rect.width()) {
-        layout.draw(&painter, position);
-        return;
-    }
     painter.save();
     painter.setClipRect(rect, Qt::IntersectClip);
-    layout.draw(&painter, position);
+    layout.draw(&painter, {rect.x(), rect.y() + std::max((rect.height() - line.height()) / 2, 0.0)});
     painter.restore();
+}
+} // namespace
+
+TextAttributes::TextAttributes(const QFont &font, Qt::Alignment alignment)
+    : m_font(font), m_alignment(alignment)
+{
+    const QFontMetricsF metrics(font);
+    m_ascent = metrics.ascent();
+    m_height = metrics.height();
+    for (char16_t c = 0; c < letterCount; ++c)
+        if (isPlainLetter(c) && metrics.inFont(c))
+            m_advances[c] = static_cast<float>(metrics.horizontalAdvance(QChar(c)));
+}
+
+bool TextAttributes::isPlainLine(const QString &text, qreal width) const
+{
+    float sum = 0;
+    for (const QChar c : text) {
+        const float advance = c.unicode() < letterCount ? m_advances[c.unicode()] : 0;
+        if (advance <= 0)
+            return false;
+        sum += advance;
+        if (static_cast<qreal>(sum) > width)
+            return false;
+    }
+    return true;
+}
+
+void drawOneLine(QPainter &painter, const QRectF &rect, const QString &text, const TextAttributes &attributes)
+{
+    // Nearly every text is a short one in plain letters, and breaking lines takes longer than drawing one.
+    const bool isSimple = attributes.alignment() == Qt::AlignLeft && attributes.height() <= rect.height() &&
+                          attributes.isPlainLine(text, rect.width());
+    if (!isSimple) {
+        layOutAndDraw(painter, rect, text, attributes);
+        return;
+    }
+    painter.setFont(attributes.font());
+    const qreal top = rect.y() + (rect.height() - attributes.height()) / 2;
+    painter.drawText(QPointF(rect.x(), top + attributes.ascent()), text);
 }

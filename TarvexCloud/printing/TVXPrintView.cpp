@@ -28,7 +28,7 @@ QFont fontOf(const QString &family, QFont::StyleHint kind, int size)
 
 float lineHeightOf(const TextAttributes &attributes)
 {
-    return static_cast<float>(lineHeightPerCapHeight * QFontMetricsF(attributes.font).capHeight());
+    return static_cast<float>(lineHeightPerCapHeight * QFontMetricsF(attributes.font()).capHeight());
 }
 } // namespace
 
@@ -41,10 +41,10 @@ TVXPrintView::TVXPrintView(QWidget *parent) : QWidget(parent)
     QFont::insertSubstitutions(sans, QStringLiteral("URW Gothic;DejaVu Sans;Symbola").split(u';'));
     QFont::insertSubstitutions(serif,
                                QStringLiteral("EB Garamond 12;EB Garamond;DejaVu Serif;Symbola").split(u';'));
-    m_attributesDefault = {fontOf(sans, QFont::SansSerif, /*size=*/11)};
-    m_attributesDefaultRight = {m_attributesDefault.font, Qt::AlignRight};
-    m_attributesTitle = {fontOf(sans, QFont::SansSerif, /*size=*/18)};
-    m_attributesAreas = {fontOf(serif, QFont::Serif, /*size=*/14)};
+    m_attributesDefault = TextAttributes(fontOf(sans, QFont::SansSerif, /*size=*/11));
+    m_attributesDefaultRight = TextAttributes(m_attributesDefault.font(), Qt::AlignRight);
+    m_attributesTitle = TextAttributes(fontOf(sans, QFont::SansSerif, /*size=*/18));
+    m_attributesAreas = TextAttributes(fontOf(serif, QFont::Serif, /*size=*/14));
     m_lineHeights = {lineHeightOf(m_attributesTitle), lineHeightOf(m_attributesAreas),
                      lineHeightOf(m_attributesDefault)};
 }
