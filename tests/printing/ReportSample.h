@@ -21,10 +21,10 @@ struct ReportSample
 
     void addArea(qint64 id, qint32 value, const QString &areaName)
     {
-        project->areas()->push_back(std::make_shared<TVXArea>());
-        project->areas()->back()->setIdOfArea(id);
-        project->areas()->back()->setValueOfArea(value);
-        project->areas()->back()->setName(areaName);
+        TVXArea &area = *project->areas()->emplace_back(std::make_shared<TVXArea>());
+        area.setIdOfArea(id);
+        area.setValueOfArea(value);
+        area.setName(areaName);
     }
 
     void addGoal(qint64 area, qint32 priority, bool checked, const QString &goalName)
