@@ -1,5 +1,7 @@
 #include "XKJsonArena.h"
 
+#include "XKJsonPages.h"
+
 #include <algorithm>
 #include <cstring>
 #include <new>
@@ -9,7 +11,8 @@ namespace {
 // An answer of a few fields takes one allocation; a large text takes few, and wastes little of the last.
 constexpr std::size_t smallestRoom = 256;
 constexpr std::size_t largestFirstRoom = std::size_t(64) * 1024;
-constexpr std::size_t largestChunk = std::size_t(1024) * 1024;
+constexpr std::size_t chunkSizeLimit = std::size_t(1024) * 1024;
+constexpr std::size_t largeTextChunkSizeLimit = 32 * chunkSizeLimit; // so that large pages fit in
 
 } // namespace
 
@@ -23,7 +26,9 @@ XKJsonArena *XKJsonArena::make(const QString &text)
 }
 
 XKJsonArena::XKJsonArena(const QString &text, char *room, std::size_t bytes)
-    : m_text(text), m_next(room), m_limit(room + bytes), m_chunkSize(largestFirstRoom / 2)
+    : m_text(text), m_next(room), m_limit(room + bytes), m_chunkSize(largestFirstRoom / 2),
+      m_largestChunk(
+          std::clamp(static_cast<std::size_t>(text.size()) / 2, chunkSizeLimit, largeTextChunkSizeLimit))
 {
     m_text.utf16(); // makes sure that a zero stands behind the text, whatever memory it was made from
 }
@@ -47,9 +52,10 @@ XKJsonNode *XKJsonArena::copy(const XKJsonNode *nodes, std::size_t count)
 
 void *XKJsonArena::allocateInNewChunk(std::size_t bytes)
 {
-    m_chunkSize = std::min(m_chunkSize * 2, largestChunk);
+    m_chunkSize = std::min(m_chunkSize * 2, m_largestChunk);
     const std::size_t room = std::max(bytes, m_chunkSize);
     auto *const chunk = static_cast<Chunk *>(::operator new(sizeof(Chunk) + room));
+    XKJsonPages::preferLarge(chunk, sizeof(Chunk) + room);
     chunk->previous = m_chunks;
     m_chunks = chunk;
     char *const memory = reinterpret_cast<char *>(chunk + 1);

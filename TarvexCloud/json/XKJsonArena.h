@@ -41,6 +41,7 @@ private:
     QString m_text;
     char *m_next;
     char *m_limit;
-    std::size_t m_chunkSize = 0;
-    Chunk *m_chunks = nullptr; // beyond the first stretch, which lies behind the arena itself
+    std::size_t m_chunkSize;    // of the last chunk
+    std::size_t m_largestChunk; // in bytes, as the other one
+    Chunk *m_chunks = nullptr;  // beyond the first stretch, which lies behind the arena itself
 };

@@ -1,5 +1,7 @@
 #include "XKJsonNodeStack.h"
 
+#include "XKJsonPages.h"
+
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -14,6 +16,7 @@ void XKJsonNodeStack::grow()
     void *const memory = std::realloc(m_memory.get(), 2 * count * sizeof(XKJsonNode));
     if (!memory)
         throw std::bad_alloc();
+    XKJsonPages::preferLarge(memory, 2 * count * sizeof(XKJsonNode));
     const bool isFirst = !m_memory;
     (void)m_memory.release();
     m_memory.reset(memory);

@@ -1,5 +1,7 @@
 #include "XKJsonOutput.h"
 
+#include "XKJsonPages.h"
+
 #include <algorithm>
 #include <string_view>
 
@@ -62,6 +64,8 @@ char16_t *XKJsonOutput::grow(char16_t *end, std::size_t units)
 {
     const qsizetype used = end - begin();
     m_text.resize(std::max(m_text.size() + m_text.size() / 2, used + static_cast<qsizetype>(units)));
+    m_text.resize(m_text.capacity());
+    XKJsonPages::preferLarge(m_text.data(), static_cast<std::size_t>(m_text.size()) * sizeof(char16_t));
     m_limit = begin() + m_text.size();
     return begin() + used;
 }
