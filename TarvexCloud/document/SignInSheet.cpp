@@ -16,6 +16,7 @@ SignInSheet::SignInSheet(QWidget *ownWindow) : Sheet(ownWindow)
     signIn->setDefault(true);
     cancel->setAutoDefault(false);
     SheetStyle::setTabOrderAsShown(ui.signInButtons);
+    SheetStyle::makeRoomy(ui.registerButton, signIn);
     SheetStyle::makeTitle(ui.labelSignInTitle);
     ui.textUsername->setFocus();
     connect(signIn, &QPushButton::clicked, this, &SignInSheet::signInRequested);

@@ -38,8 +38,6 @@ private:
 
 namespace {
 
-constexpr int spaceInButton = 16;
-
 /// The name as a title with mnemonics has to be given it.
 QString titleOf(const TVXArea &area)
 {
@@ -82,8 +80,8 @@ void AreaWindowController::buildContents()
     m_save->setDefault(true);
     for (QPushButton *other : {m_addGoal, m_removeGoal, cancel})
         other->setAutoDefault(false);
-    for (QPushButton *button : {m_addGoal, m_removeGoal}) // as large as those of the button box
-        button->setMinimumSize(button->sizeHint().width() + spaceInButton, m_save->sizeHint().height());
+    for (QPushButton *button : {m_addGoal, m_removeGoal})
+        SheetStyle::makeRoomy(button, m_save);
     // A button that takes the focus by a click would commit the cell that is still being typed into.
     for (QPushButton *button : {m_save, cancel, m_addGoal, m_removeGoal})
         button->setFocusPolicy(Qt::TabFocus);

@@ -3,6 +3,11 @@
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QLayout>
+#include <QPushButton>
+
+namespace {
+constexpr int spaceInButton = 16;
+} // namespace
 
 void SheetStyle::makeTitle(QLabel *label)
 {
@@ -21,4 +26,9 @@ void SheetStyle::setTabOrderAsShown(const QDialogButtonBox *buttons)
             QWidget::setTabOrder(previous, button);
         previous = button ? button : previous;
     }
+}
+
+void SheetStyle::makeRoomy(QPushButton *button, const QPushButton *other)
+{
+    button->setMinimumSize(button->sizeHint().width() + spaceInButton, other->sizeHint().height());
 }

@@ -2,6 +2,7 @@
 
 class QDialogButtonBox;
 class QLabel;
+class QPushButton;
 
 /// What the sheets of this folder have in common.
 namespace SheetStyle {
@@ -9,4 +10,6 @@ namespace SheetStyle {
 void makeTitle(QLabel *label);
 /// Lets the Tab key reach the buttons in the order in which the platform shows them.
 void setTabOrderAsShown(const QDialogButtonBox *buttons);
+/// Makes a button that stands by itself as large as those of the button box, to which `other` belongs.
+void makeRoomy(QPushButton *button, const QPushButton *other);
 } // namespace SheetStyle
