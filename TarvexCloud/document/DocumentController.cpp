@@ -11,8 +11,8 @@
 #include <QMainWindow>
 #include <QScopedValueRollback>
 #include <QStandardPaths>
-#include <QTimer>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 Q_LOGGING_CATEGORY(tarvex, "tarvex")
@@ -25,6 +25,8 @@ DocumentController::DocumentController(TVXExchange &exchange, TVXAlert &alert, L
     : m_exchange(exchange), m_alert(alert), m_links(links)
 {
     qApp->installEventFilter(this);
+    m_releasing.setSingleShot(true);
+    connect(&m_releasing, &QTimer::timeout, this, [this] { std::exchange(m_closed, {}).clear(); });
 }
 
 DocumentController::~DocumentController()
@@ -91,8 +93,8 @@ void DocumentController::documentDidClose(TarvexDocument *document)
         return;
     std::erase(m_documents, closed);
     m_activated.removeAll(document->window());
-    // The closing event may have come from one of the document's own widgets.
-    QTimer::singleShot(0, this, [closed] {});
+    m_closed.push_back(closed);
+    m_releasing.start();
     if (m_documents.empty())
         Q_EMIT lastDocumentClosed();
 }
@@ -140,13 +142,16 @@ void DocumentController::runAction(const std::function<void()> &action,
 void DocumentController::runWhenIdle(const std::function<void()> &action,
                                      const std::function<void()> &endedEarly)
 {
-    const auto tryNow = [this, action, endedEarly] {
+    auto *attempts = new QTimer(this);
+    connect(attempts, &QTimer::timeout, this, [this, attempts, action, endedEarly] {
+        attempts->setInterval(millisecondsBetweenTries);
         if (isBusy())
-            runWhenIdle(action, endedEarly);
-        else
-            runAction(action, endedEarly);
-    };
-    QTimer::singleShot(isBusy() ? millisecondsBetweenTries : 0, this, tryNow);
+            return;
+        attempts->stop();
+        attempts->deleteLater();
+        runAction(action, endedEarly);
+    });
+    attempts->start(isBusy() ? millisecondsBetweenTries : 0);
 }
 
 bool DocumentController::eventFilter(QObject *watched, QEvent *event)

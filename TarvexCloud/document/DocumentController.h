@@ -5,6 +5,7 @@
 #include <memory>
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 #include <vector>
 
 class LinkOpener;
@@ -63,6 +64,9 @@ private:
     TVXAlert &m_alert;
     LinkOpener &m_links;
     std::vector<std::shared_ptr<TarvexDocument>> m_documents;
+    // The event that closes a document may come from one of its own widgets, so it outlives that event.
+    std::vector<std::shared_ptr<TarvexDocument>> m_closed;
+    QTimer m_releasing;
     QList<QPointer<QMainWindow>> m_activated; // least recently active first
     bool m_actionRunning = false;
 };

@@ -9,7 +9,6 @@
 #include <QHelpEvent>
 #include <QLineEdit>
 #include <QPainter>
-#include <QTimer>
 #include <QToolTip>
 
 namespace {
@@ -101,16 +100,20 @@ GoalPriorityPopUp::GoalPriorityPopUp(QWidget *parent) : QComboBox(parent)
     addItems(Words::priorities());
     // The list can be left in many ways; all of them hide its frame.
     view()->parentWidget()->installEventFilter(this);
-    QTimer::singleShot(0, this, [this] {
+    m_dismissing.setSingleShot(true);
+    connect(&m_dismissing, &QTimer::timeout, this, &GoalPriorityPopUp::dismissed);
+    m_opening.setSingleShot(true);
+    connect(&m_opening, &QTimer::timeout, this, [this] {
         if (isVisible())
             showPopup();
     });
+    m_opening.start();
 }
 
 bool GoalPriorityPopUp::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::Hide)
-        QTimer::singleShot(0, this, &GoalPriorityPopUp::dismissed); // a choice is reported after the hiding
+        m_dismissing.start();
     return QComboBox::eventFilter(watched, event);
 }
 

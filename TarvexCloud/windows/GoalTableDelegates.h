@@ -2,6 +2,7 @@
 
 #include <QComboBox>
 #include <QStyledItemDelegate>
+#include <QTimer>
 
 /// The tick of a goal: a box in the middle of its cell, flipped by a click anywhere in the cell.
 class GoalCheckDelegate : public QStyledItemDelegate
@@ -44,6 +45,10 @@ Q_SIGNALS:
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    QTimer m_opening;
+    QTimer m_dismissing; // a choice is reported after the list's hiding, and counts
 };
 
 /// The priority of a goal, chosen from a pop-up. A priority without a word shows no choice there, and stays

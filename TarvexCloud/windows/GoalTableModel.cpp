@@ -65,7 +65,8 @@ void GoalTableModel::tableViewSetObjectValue(const QVariant &value, const QStrin
         if (const std::optional<qint32> priority = Words::priorityOfWord(value.toString()))
             goal->setPriorityOfGoal(*priority);
     }
-    Q_EMIT dataChanged(index(row, CheckColumn), index(row, PriorityColumn));
+    const QModelIndex first = index(row, CheckColumn);
+    Q_EMIT dataChanged(first, index(row, PriorityColumn));
 }
 
 void GoalTableModel::addGoal(const TVXGoalPtr &goal)
