@@ -139,21 +139,21 @@ public:
     void setProjectNameIndicator(BusyIndicator *projectNameIndicator);
     MessageLine *textSignInErrorMessage() const;
     void setTextSignInErrorMessage(MessageLine *textSignInErrorMessage);
-    ElidedLabel *label1() const { return m_labels[0]; }
+    ElidedLabel *label1() const { return m_labels[0].data(); }
     void setLabel1(ElidedLabel *label) { m_labels[0] = label; }
-    ElidedLabel *label2() const { return m_labels[1]; }
+    ElidedLabel *label2() const { return m_labels[1].data(); }
     void setLabel2(ElidedLabel *label) { m_labels[1] = label; }
-    ElidedLabel *label3() const { return m_labels[2]; }
+    ElidedLabel *label3() const { return m_labels[2].data(); }
     void setLabel3(ElidedLabel *label) { m_labels[2] = label; }
-    ElidedLabel *label4() const { return m_labels[3]; }
+    ElidedLabel *label4() const { return m_labels[3].data(); }
     void setLabel4(ElidedLabel *label) { m_labels[3] = label; }
-    ElidedLabel *label5() const { return m_labels[4]; }
+    ElidedLabel *label5() const { return m_labels[4].data(); }
     void setLabel5(ElidedLabel *label) { m_labels[4] = label; }
-    ElidedLabel *label6() const { return m_labels[5]; }
+    ElidedLabel *label6() const { return m_labels[5].data(); }
     void setLabel6(ElidedLabel *label) { m_labels[5] = label; }
-    ElidedLabel *label7() const { return m_labels[6]; }
+    ElidedLabel *label7() const { return m_labels[6].data(); }
     void setLabel7(ElidedLabel *label) { m_labels[6] = label; }
-    ElidedLabel *label8() const { return m_labels[7]; }
+    ElidedLabel *label8() const { return m_labels[7].data(); }
     void setLabel8(ElidedLabel *label) { m_labels[7] = label; }
 
     const QString &loginUserName() const { return m_loginUserName; }

@@ -30,7 +30,7 @@ XKJsonArena::XKJsonArena(const QString &text, char *room, std::size_t bytes)
       m_largestChunk(
           std::clamp(static_cast<std::size_t>(text.size()) / 2, chunkSizeLimit, largeTextChunkSizeLimit))
 {
-    m_text.utf16(); // makes sure that a zero stands behind the text, whatever memory it was made from
+    (void)m_text.utf16(); // makes sure that a zero stands behind the text, whatever memory it was made from
 }
 
 XKJsonArena::~XKJsonArena()
