@@ -3,13 +3,23 @@
 #include "XKJsonNode.h"
 #include "XKJsonShared.h"
 
+#include <cstdlib>
+#include <memory>
 #include <QString>
+#include <vector>
 
 /// The memory of one parsed tree, given back as a whole. The text is part of it: strings without escapes
 /// and decimals point into it.
 class XKJsonArena final : public XKJsonShared
 {
+    struct Free
+    {
+        void operator()(void *memory) const { std::free(memory); }
+    };
+
 public:
+    using Memory = std::unique_ptr<void, Free>; ///< from malloc
+
     static XKJsonArena *make(const QString &text);
     ~XKJsonArena() override;
     void destroy() noexcept override { delete this; }
@@ -28,6 +38,8 @@ public:
         return memory;
     }
     XKJsonNode *copy(const XKJsonNode *nodes, std::size_t count);
+    /// Makes memory with nodes in it part of the arena.
+    void adopt(Memory memory) { m_adopted.push_back(std::move(memory)); }
 
 private:
     struct Chunk
@@ -44,4 +56,5 @@ private:
     std::size_t m_chunkSize;    // of the last chunk
     std::size_t m_largestChunk; // in bytes, as the other one
     Chunk *m_chunks = nullptr;  // beyond the first stretch, which lies behind the arena itself
+    std::vector<Memory> m_adopted;
 };

@@ -3,20 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <QHash>
 #include <QRandomGenerator>
 
 namespace {
 
-// From here on a dictionary carries an index of its keys in front of its members:
-//   slots, one node whose length is their number, members.
-// A slot is zero, or the position of a member plus one in its low bits and bits of the key's hash above.
-constexpr std::size_t indexedFrom = 65;
 constexpr std::size_t fewMembers = 4;
 constexpr int quickHashBits = 11;
 constexpr std::size_t quickHashes = std::size_t(1) << quickHashBits;
-constexpr int positionBits = 40;
-constexpr quint64 positionMask = (quint64(1) << positionBits) - 1;
 
 bool sameText(const XKJsonNode &key, const XKJsonNode &other)
 {
@@ -85,90 +78,144 @@ std::size_t mergedSmall(XKJsonNode *members, std::size_t count)
     return kept;
 }
 
-// The seed is secret, so that nobody can choose keys that all fall into one slot.
-quint64 hashOf(QStringView key)
+using Wide = __uint128_t;
+
+quint64 folded(quint64 left, quint64 right)
 {
-    static const std::size_t seed = QRandomGenerator::system()->generate64();
-    return qHash(key, seed) * 0x9E3779B97F4A7C15u;
+    const Wide product = Wide(left) * right;
+    return static_cast<quint64>(product) ^ static_cast<quint64>(product >> 64);
 }
 
-class Index
+quint64 fourUnits(const char16_t *units)
+{
+    quint64 four = 0;
+    std::memcpy(&four, units, sizeof(four));
+    return four;
+}
+
+// Sixteen bytes a multiplication. What they are multiplied with is secret, so that nobody can choose keys
+// that all fall into one slot.
+class Hash
 {
 public:
-    Index(const quint64 *slots, std::size_t count) : m_slots(slots), m_count(count) {}
-
-    std::size_t firstSlot(quint64 hash) const
+    static const Hash &secret()
     {
-        return static_cast<std::size_t>((hash >> 32) * m_count >> 32);
+        static const Hash hash(*QRandomGenerator::system());
+        return hash;
     }
-    /// The slot of that key, or the free one where it belongs.
-    std::size_t find(quint64 hash, QStringView key, const XKJsonNode *members) const
+    quint64 of(QStringView key) const
     {
-        std::size_t slot = firstSlot(hash);
-        while (m_slots[slot] != 0) {
-            const bool mayMatch = ((m_slots[slot] ^ hash << positionBits) & ~positionMask) == 0;
-            if (mayMatch && members[2 * ((m_slots[slot] & positionMask) - 1)].view() == key)
-                break;
-            slot = slot + 1 == m_count ? 0 : slot + 1;
+        const char16_t *units = key.utf16();
+        const auto length = static_cast<std::size_t>(key.size());
+        quint64 hash = m_start ^ length;
+        if (length < 4) {
+            for (const char16_t *const end = units + length; units != end; ++units)
+                hash = (hash ^ *units) << 16 | hash >> 48;
+            return folded(folded(hash ^ m_even, m_odd), m_even);
         }
-        return slot;
+        const char16_t *const last = units + length - 4;
+        for (; last - units > 4; units += 8)
+            hash = folded(fourUnits(units) ^ hash ^ m_even, fourUnits(units + 4) ^ m_odd);
+        return folded(folded(fourUnits(std::min(units, last)) ^ hash ^ m_even, fourUnits(last) ^ m_odd),
+                      m_even);
     }
 
 private:
-    const quint64 *m_slots;
+    explicit Hash(QRandomGenerator &random)
+        : m_start(random.generate64()), m_even(random.generate64() | 1), m_odd(random.generate64() | 1)
+    {
+    }
+
+    quint64 m_start;
+    quint64 m_even;
+    quint64 m_odd;
+};
+
+/// The slots of a dictionary. One is zero, or the position of a member plus one in its low bits and bits of
+/// the key's hash above, which mostly tell whether the member is worth a look.
+class Index
+{
+public:
+    using Slot = quint64;
+
+    Index(Slot *slots, std::size_t count) : m_slots(slots), m_count(count) {}
+
+    static std::size_t slotsFor(std::size_t members) { return members + members / 2; }
+
+    void prefetch(quint64 hash) const { __builtin_prefetch(m_slots + first(hash), /*rw=*/1); }
+    /// The slot of that key, or the free one where it belongs.
+    Slot &find(quint64 hash, QStringView key, const XKJsonNode *members) const
+    {
+        std::size_t slot = first(hash);
+        while (m_slots[slot] != 0) {
+            const bool mayMatch = ((m_slots[slot] ^ slotOf(hash, /*position=*/0)) & ~positionMask) == 0;
+            if (mayMatch && members[2 * positionIn(m_slots[slot])].view() == key)
+                break;
+            slot = slot + 1 == m_count ? 0 : slot + 1;
+        }
+        return m_slots[slot];
+    }
+    static Slot slotOf(quint64 hash, std::size_t position) { return hash << positionBits | position; }
+    static std::size_t positionIn(Slot slot) { return (slot & positionMask) - 1; }
+
+private:
+    static constexpr int positionBits = 40;
+    static constexpr Slot positionMask = (Slot(1) << positionBits) - 1;
+
+    std::size_t first(quint64 hash) const { return static_cast<std::size_t>(Wide(hash) * m_count >> 64); }
+
+    Slot *m_slots;
     std::size_t m_count;
 };
 
 // Hashes some members ahead, so that their slots are on the way from memory while others are looked at.
-constexpr std::size_t ahead = 16;
-
-std::size_t fillIndex(const XKJsonNode *members, std::size_t count, quint64 *slots, std::size_t slotCount,
-                      XKJsonNode *kept)
+std::size_t mergedByIndex(XKJsonNode *members, std::size_t count, const Index &index)
 {
-    const Index index(slots, slotCount);
+    constexpr std::size_t ahead = 16;
+    const Hash &hash = Hash::secret();
     std::array<quint64, ahead> hashes{};
-    std::size_t keptCount = 0;
-    for (std::size_t i = 0; i < count + ahead; ++i) {
-        const quint64 hash = hashes[i % ahead];
-        if (i < count) {
-            hashes[i % ahead] = hashOf(members[2 * i].view());
-            __builtin_prefetch(slots + index.firstSlot(hashes[i % ahead]), /*rw=*/1);
-        }
-        if (i < ahead)
+    const auto lookAt = [&](std::size_t i) {
+        hashes[i % ahead] = hash.of(members[2 * i].view());
+        index.prefetch(hashes[i % ahead]);
+    };
+    for (std::size_t i = 0; i < std::min(ahead, count); ++i)
+        lookAt(i);
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const XKJsonNode *const member = members + 2 * i;
+        const quint64 hashOfMember = hashes[i % ahead];
+        if (i + ahead < count)
+            lookAt(i + ahead);
+        Index::Slot &slot = index.find(hashOfMember, member->view(), members);
+        if (Q_UNLIKELY(slot != 0)) {
+            members[2 * Index::positionIn(slot) + 1] = member[1];
             continue;
-        const XKJsonNode *const member = members + 2 * (i - ahead);
-        quint64 &slot = slots[index.find(hash, member->view(), kept)];
-        if (slot != 0) {
-            kept[2 * ((slot & positionMask) - 1) + 1] = member[1];
-            continue;
         }
-        std::copy_n(member, 2, kept + 2 * keptCount);
-        slot = (hash << positionBits) | ++keptCount;
+        if (Q_UNLIKELY(kept != i))
+            std::copy_n(member, 2, members + 2 * kept);
+        slot = Index::slotOf(hashOfMember, ++kept);
     }
-    return keptCount;
-}
-
-XKJsonNode indexed(const XKJsonNode *members, std::size_t count, XKJsonArena &arena)
-{
-    const std::size_t slotCount = count + count / 2;
-    const std::size_t bytes = slotCount * sizeof(quint64) + (1 + 2 * count) * sizeof(XKJsonNode);
-    auto *const slots = static_cast<quint64 *>(arena.allocate(bytes));
-    std::fill_n(slots, slotCount, 0);
-    auto *const kept = reinterpret_cast<XKJsonNode *>(slots + slotCount) + 1;
-    kept[-1] = XKJsonNode(XKJsonKind::None, slotCount);
-    const std::size_t keptCount = fillIndex(members, count, slots, slotCount, kept);
-    return XKJsonNode(XKJsonKind::Dictionary, kept, keptCount, XKJsonNode::Indexed);
+    return kept;
 }
 
 } // namespace
 
 XKJsonNode XKJsonMembers::dictionaryOf(XKJsonNode *members, std::size_t count, XKJsonArena &arena)
 {
-    if (count >= indexedFrom)
-        return indexed(members, count, arena);
     if (count > 1 && (count > fewMembers || !differAtSight(members, count)))
         count = mergedSmall(members, count);
     return XKJsonNode(XKJsonKind::Dictionary, arena.copy(members, 2 * count), count, XKJsonNode::NoFlag);
+}
+
+XKJsonNode XKJsonMembers::indexedDictionaryOf(XKJsonNode *members, std::size_t count, XKJsonArena &arena)
+{
+    const std::size_t slotCount = Index::slotsFor(count);
+    auto *const slots = static_cast<Index::Slot *>(arena.allocate(slotCount * sizeof(Index::Slot)));
+    std::fill_n(slots, slotCount, 0);
+    members[-1] = XKJsonNode(XKJsonKind::None, slotCount);
+    members[-1].index = slots;
+    count = mergedByIndex(members, count, Index(slots, slotCount));
+    return XKJsonNode(XKJsonKind::Dictionary, members, count, XKJsonNode::Indexed);
 }
 
 const XKJsonNode *XKJsonMembers::find(const XKJsonNode &dictionary, QStringView key)
@@ -181,9 +228,7 @@ const XKJsonNode *XKJsonMembers::find(const XKJsonNode &dictionary, QStringView 
                 return members + 2 * i + 1;
         return nullptr;
     }
-    const std::size_t slotCount = members[-1].length();
-    const auto *const slots = reinterpret_cast<const quint64 *>(members - 1) - slotCount;
-    const quint64 hash = hashOf(key);
-    const quint64 found = slots[Index(slots, slotCount).find(hash, key, members)];
-    return found ? members + 2 * ((found & positionMask) - 1) + 1 : nullptr;
+    const Index index(members[-1].index, members[-1].length());
+    const Index::Slot found = index.find(Hash::secret().of(key), key, members);
+    return found ? members + 2 * Index::positionIn(found) + 1 : nullptr;
 }

@@ -26,7 +26,7 @@ struct XKJsonNode
         NoFlag = 0,
         Plain = 1 << 8,    ///< text that can be written as it stands: no escape, no number near infinity
         Editable = 1 << 9, ///< a container that lives outside an arena, as an XKJsonContainer
-        Indexed = 1 << 10, ///< a dictionary in an arena with an index of its keys in front of its members
+        Indexed = 1 << 10, ///< a dictionary in an arena; the node in front of its members tells of an index
     };
 
     /// A number of fewer units, without an exponent, is sure to be less than the largest double.
@@ -41,6 +41,7 @@ struct XKJsonNode
         const XKJsonNode *items; ///< of a dictionary each key and its value in turn
         const XKJsonContainer *container;
         const XKJsonObject *object;
+        quint64 *index;       ///< slots of a dictionary, as many as the length says
         std::size_t openedIn; ///< while a container is being read: where the one around it stands
     };
 

@@ -243,7 +243,7 @@ XKJsonParser::Step XKJsonParser::scanRestOfArray(bool isAfterValue)
                 return fail(Code::TrailingComma, "Trailing comma disallowed in array");
             ++c;
             const std::size_t count = m_stack.size() - (m_open + 1);
-            const XKJsonNode *const elements = m_arena->copy(&m_stack[m_open] + 1, count);
+            const XKJsonNode *const elements = m_stack.moveTo(*m_arena, m_open + 1);
             close(XKJsonNode(XKJsonKind::Array, elements, count, XKJsonNode::NoFlag));
             m_c = c;
             return Step::Scanned;
@@ -273,7 +273,11 @@ XKJsonParser::Step XKJsonParser::scanRestOfDictionary(bool isAfterValue)
                 return fail(Code::TrailingComma, "Trailing comma disallowed in object");
             ++c;
             const std::size_t count = (m_stack.size() - (m_open + 1)) / 2;
-            close(XKJsonMembers::dictionaryOf(&m_stack[m_open] + 1, count, *m_arena));
+            if (count < XKJsonMembers::indexedFrom)
+                close(XKJsonMembers::dictionaryOf(&m_stack[m_open] + 1, count, *m_arena));
+            else
+                close(XKJsonMembers::indexedDictionaryOf(m_stack.moveTo(*m_arena, m_open + 1, /*inFront=*/1),
+                                                         count, *m_arena));
             m_c = c;
             return Step::Scanned;
         }

@@ -44,6 +44,7 @@ private Q_SLOTS:
     void aMillionOpenBracketsFailWithAMillionErrors();
     void membersAreFoundInDictionariesOfAnySize_data();
     void membersAreFoundInDictionariesOfAnySize();
+    void largeContainersStandBetweenOtherValues();
     void aForeignLocaleChangesNothing();
     void textsInBorrowedMemoryAreReadToTheirEndOnly();
     void theStringEntryLogsItsFailures();
@@ -185,6 +186,32 @@ void XKJsonParserTest::membersAreFoundInDictionariesOfAnySize()
     }
     QVERIFY(tree.value(key(count)).isNone());
     QVERIFY(tree.value(u""_s).isNone());
+}
+
+void XKJsonParserTest::largeContainersStandBetweenOtherValues()
+{
+    constexpr std::size_t few = 100;
+    constexpr int many = 100'000;
+    QString numbers;
+    QString members;
+    for (int i = 0; i < many; ++i) {
+        numbers += QString::number(i) + u' ';
+        members += u"\"%1\":%1"_s.arg(i);
+    }
+    const QString head = QString(u"7 "_s).repeated(few);
+    const XKJsonValue tree = XKJsonParser().objectWithString(u'[' + head + u'[' + numbers + u"]{"_s +
+                                                             members + u"}8["_s + numbers + u"]9]"_s);
+    QCOMPARE(tree.count(), few + 5);
+    for (std::size_t i = 0; i < few; ++i)
+        QCOMPARE(tree.at(i).toInteger(), 7);
+    QCOMPARE(tree.at(few + 2).toInteger(), 8);
+    QCOMPARE(tree.at(few + 4).toInteger(), 9);
+    for (int i = 0; i < many; ++i) {
+        const auto place = static_cast<std::size_t>(i);
+        for (const std::size_t container : {few, few + 1, few + 3})
+            QCOMPARE(tree.at(container).at(place).toInteger(), i);
+        QCOMPARE(tree.at(few + 1).value(QString::number(i)).toInteger(), i);
+    }
 }
 
 void XKJsonParserTest::aForeignLocaleChangesNothing()
