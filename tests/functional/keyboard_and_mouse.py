@@ -103,11 +103,11 @@ class User:
         self.display.keys("Escape")
         self.sees(MAIN)
 
-    def keeps_the_report_as_a_file(self, path):
-        first = self.service.texts("id", "get-sets", *SAMPLE)[0]
-        kind = ("get-complex-goals-for-sets", *SAMPLE, f"&p4={first}")
+    def keeps_the_report_of_another_set(self, path):
+        second = self.service.texts("id", "get-sets", *SAMPLE)[1]
+        kind = ("get-complex-goals-for-sets", *SAMPLE, f"&p4={second}")
         goals = list(zip(self.service.texts("area", *kind), self.service.texts("name", *kind)))
-        self.display.keys("alt+f", "d")
+        self.display.keys("alt+e", "Down", "alt+f", "d")
         self.sees("Save as PDF")
         self.display.keys("ctrl+a")
         self.display.type(path)
@@ -137,7 +137,7 @@ def main():
             user.manages_sets()
             user.renames_an_area()
             user.marks_a_random_goal_done()
-            user.keeps_the_report_as_a_file(f"{folder}/report.pdf")
+            user.keeps_the_report_of_another_set(f"{folder}/report.pdf")
             display.keys("ctrl+q")
             if process.wait(timeout=10) != 0:
                 raise SystemExit("The client did not end well.")
