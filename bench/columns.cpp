@@ -4,14 +4,12 @@
 #include "AnswerRecords.h"
 #include "AnswerText.h"
 #include "Escaping.h"
+#include "PeakMemory.h"
 
 #include <benchmark/benchmark.h>
 #include <expat.h>
 #include <QXmlStreamReader>
 #include <string>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
@@ -105,28 +103,9 @@ Counts countByExpat(const QByteArray &xml)
 /// Peak resident memory that the reading adds in a process of its own, in bytes per byte of the answer.
 double peakPerInputByte(const QByteArray &xml)
 {
-    int ends[2];
-    if (pipe(ends) != 0)
-        return -1;
-    const pid_t child = fork();
-    if (child == 0) {
-        const auto peak = [] {
-            rusage usage{};
-            getrusage(RUSAGE_SELF, &usage);
-            return usage.ru_maxrss;
-        };
-        const long before = peak();
-        const TVXGoalList goals = readByColumns(xml);
-        const long grown = goals.empty() ? -1 : peak() - before;
-        (void)!write(ends[1], &grown, sizeof(grown));
-        _exit(0);
-    }
-    long grown = -1;
-    (void)!read(ends[0], &grown, sizeof(grown));
-    waitpid(child, nullptr, 0);
-    close(ends[0]);
-    close(ends[1]);
-    return static_cast<double>(grown) * 1024 / static_cast<double>(xml.size());
+    const QByteArray small = answerWith(/*goals=*/1);
+    const auto read = [](const QByteArray &answer) { benchmark::DoNotOptimize(readByColumns(answer)); };
+    return peakMemoryOf([&] { read(small); }, [&] { read(xml); }) / static_cast<double>(xml.size());
 }
 
 template<typename Read>

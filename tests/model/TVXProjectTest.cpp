@@ -36,16 +36,6 @@ private Q_SLOTS:
         QVERIFY(!project.currentSets());
     }
 
-    void listsAndStringsAreSharedNotCopied()
-    {
-        const auto goals = std::make_shared<TVXGoalList>();
-        const QString name(3, u'n');
-        ProjectWithSets project({name});
-        project.setGoals(goals);
-        QCOMPARE(project.goals(), goals);
-        QVERIFY(project.sets()->front()->name().isSharedWith(name));
-    }
-
     void lookupsAreExactAndTakeTheFirstOrNothing()
     {
         ProjectWithSets project({u"work"_s, u"Work"_s, u"Work"_s, QString(), u""_s});

@@ -1,5 +1,4 @@
 #include "ElidedLabel.h"
-#include "MessageLine.h"
 #include "RotatedLabel.h"
 
 #include <QTest>
@@ -30,19 +29,6 @@ private Q_SLOTS:
             label.setFrameCentredAt(QPointF(100, 50), QSizeF(80, 20), parent.height());
             QVERIFY(QLineF(label.geometry().toRectF().center(), QPointF(100, 150)).length() < 1.5);
         }
-    }
-
-    void theMessageLineKeepsAllAndShowsABoundedPart()
-    {
-        MessageLine line;
-        line.resize(300, 100);
-        line.show();
-        const QString huge = u"<b>no</b> "_s.repeated(1'000'000);
-        line.setText(huge);
-        QCOMPARE(line.text(), huge);
-        QVERIFY(line.toPlainText().size() < 5000);
-        QVERIFY(line.toPlainText().startsWith(u"<b>no</b>"_s));
-        QVERIFY(line.sizeHint().height() < 12 * line.fontMetrics().height());
     }
 };
 
