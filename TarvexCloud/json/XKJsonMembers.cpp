@@ -200,9 +200,10 @@ std::size_t mergedByIndex(XKJsonNode *members, std::size_t count, const Index &i
 
 } // namespace
 
-XKJsonNode XKJsonMembers::dictionaryOf(XKJsonNode *members, std::size_t count, XKJsonArena &arena)
+XKJsonNode XKJsonMembers::dictionaryOf(XKJsonNode *members, std::size_t count, XKJsonArena &arena,
+                                       bool mayRepeat)
 {
-    if (count > 1 && (count > fewMembers || !differAtSight(members, count)))
+    if (mayRepeat && count > 1 && (count > fewMembers || !differAtSight(members, count)))
         count = mergedSmall(members, count);
     return XKJsonNode(XKJsonKind::Dictionary, arena.copy(members, 2 * count), count, XKJsonNode::NoFlag);
 }

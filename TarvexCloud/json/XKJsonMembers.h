@@ -6,8 +6,8 @@
 namespace XKJsonMembers {
 // Of several members with one key the first keeps its place and the last its value.
 
-/// Copies a few members into the arena.
-XKJsonNode dictionaryOf(XKJsonNode *members, std::size_t count, XKJsonArena &arena);
+/// Copies a few members into the arena. Whether their keys may repeat must be told.
+XKJsonNode dictionaryOf(XKJsonNode *members, std::size_t count, XKJsonArena &arena, bool mayRepeat);
 /// From so many members on a dictionary carries an index of its keys.
 constexpr std::size_t indexedFrom = 65;
 /// Makes a dictionary of members that are in the arena already. The node in front of them must be free: it

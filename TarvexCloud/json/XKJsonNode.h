@@ -24,9 +24,10 @@ struct XKJsonNode
 {
     enum Flag : quint64 {
         NoFlag = 0,
-        Plain = 1 << 8,    ///< text that can be written as it stands: no escape, no number near infinity
-        Editable = 1 << 9, ///< a container that lives outside an arena, as an XKJsonContainer
-        Indexed = 1 << 10, ///< a dictionary in an arena; the node in front of its members tells of an index
+        Plain = 1 << 8,     ///< text that can be written as it stands: no escape, no number near infinity
+        Editable = 1 << 9,  ///< a container that lives outside an arena, as an XKJsonContainer
+        Indexed = 1 << 10,  ///< a dictionary in an arena; the node in front of its members tells of an index
+        Distinct = 1 << 11, ///< a dictionary being read: all its keys were foreseen, so that none is repeated
     };
 
     /// A number of fewer units, without an exponent, is sure to be less than the largest double.

@@ -36,8 +36,8 @@ XKJsonArena::Memory XKJsonNodeStack::useNew(std::size_t capacity)
     if (!memory)
         throw std::bad_alloc();
     XKJsonPages::preferLarge(memory.get(), capacity * sizeof(XKJsonNode));
-    m_nodes = static_cast<XKJsonNode *>(memory.get());
-    m_limit = m_nodes + capacity;
     m_memory.swap(memory);
+    m_nodes = static_cast<XKJsonNode *>(m_memory.get());
+    m_limit = m_nodes + capacity;
     return memory;
 }

@@ -28,6 +28,7 @@ XKJsonValue XKJsonParser::treeOf(const QString &text)
     m_end = m_c + m_arena->text().size();
     m_stack.shrinkTo(/*size=*/0);
     m_open = noContainer;
+    m_shapes.clear();
     resetDepth();
     if (!scanDocument()) {
         addErrorsOfOpenContainers();
@@ -138,7 +139,19 @@ inline XKJsonParser::Step XKJsonParser::open(XKJsonKind kind)
     container.openedIn = m_open;
     m_open = m_stack.size();
     m_stack.keep();
+    if (kind == XKJsonKind::Dictionary)
+        foreseeMembers();
     return Step::Opened;
+}
+
+// What is foreseen of a dictionary stands in front of its members. The elements of an array are mostly alike;
+// for other dictionaries the first key will tell.
+inline void XKJsonParser::foreseeMembers()
+{
+    XKJsonNode &foreseen = m_stack.next();
+    const bool isBehindAnother = m_open > 0 && m_stack[m_open - 1].kind() == XKJsonKind::Dictionary;
+    foreseen = isBehindAnother ? XKJsonForeseen::membersLikeThoseOf(m_stack[m_open - 1]) : XKJsonNode();
+    m_stack.keep();
 }
 
 inline void XKJsonParser::close(const XKJsonNode &container)
@@ -203,14 +216,33 @@ Q_ALWAYS_INLINE bool XKJsonParser::scanComma(const char16_t *&c)
     return true;
 }
 
+// The key becomes a node of the stack. Passing one that was foreseen does not wait for its end to be found.
+Q_ALWAYS_INLINE bool XKJsonParser::scanRestOfKey(const char16_t *&c)
+{
+    XKJsonNode &key = m_stack.next();
+    XKJsonNode &foreseen = m_stack[m_open + 1];
+    if (const std::size_t length = XKJsonForeseen::lengthOfNext(foreseen, c, m_end)) {
+        key.head = foreseen.items->head;
+        key.text = std::exchange(c, c + length);
+        XKJsonForeseen::pass(foreseen, /*members=*/1);
+    } else {
+        if (!scanRestOfString(c, key))
+            return false;
+        if (m_stack.size() == firstMember())
+            foreseen = m_shapes.foreseenFrom(key);
+        XKJsonForeseen::passUnexpected(foreseen, key);
+    }
+    m_stack.keep();
+    return true;
+}
+
 Q_ALWAYS_INLINE bool XKJsonParser::scanKey(const char16_t *&c)
 {
     if (*c != u'"')
         return refuse(Code::Parse, "Object key string expected");
     ++c;
-    if (!scanRestOfString(c, m_stack.next()))
+    if (!scanRestOfKey(c))
         return refuse(Code::Parse, "Object key string expected");
-    m_stack.keep();
     skipSpaces(c);
     if (*c != u':')
         return refuse(Code::Parse, "Expected ':' separating key and value");
@@ -227,6 +259,22 @@ bool XKJsonParser::scanDocument()
                                                            : scanRestOfDictionary(isAfterValue);
     }
     return step != Step::Failed;
+}
+
+inline void XKJsonParser::closeDictionary()
+{
+    const std::size_t count = (m_stack.size() - firstMember()) / 2;
+    if (count >= XKJsonMembers::indexedFrom) {
+        XKJsonNode *const members = m_stack.moveTo(*m_arena, firstMember(), /*inFront=*/1);
+        close(XKJsonMembers::indexedDictionaryOf(members, count, *m_arena));
+        return;
+    }
+    const bool mayRepeat = !m_stack[m_open + 1].is(XKJsonNode::Distinct);
+    const XKJsonNode dictionary =
+        XKJsonMembers::dictionaryOf(&m_stack[m_open] + 2, count, *m_arena, mayRepeat);
+    if (mayRepeat)
+        m_shapes.remember(dictionary);
+    close(dictionary);
 }
 
 XKJsonParser::Step XKJsonParser::scanRestOfArray(bool isAfterValue)
@@ -272,12 +320,7 @@ XKJsonParser::Step XKJsonParser::scanRestOfDictionary(bool isAfterValue)
             if (isAfterComma)
                 return fail(Code::TrailingComma, "Trailing comma disallowed in object");
             ++c;
-            const std::size_t count = (m_stack.size() - (m_open + 1)) / 2;
-            if (count < XKJsonMembers::indexedFrom)
-                close(XKJsonMembers::dictionaryOf(&m_stack[m_open] + 1, count, *m_arena));
-            else
-                close(XKJsonMembers::indexedDictionaryOf(m_stack.moveTo(*m_arena, m_open + 1, /*inFront=*/1),
-                                                         count, *m_arena));
+            closeDictionary();
             m_c = c;
             return Step::Scanned;
         }

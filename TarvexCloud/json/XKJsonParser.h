@@ -2,6 +2,7 @@
 
 #include "XKJsonBase.h"
 #include "XKJsonNodeStack.h"
+#include "XKJsonShapes.h"
 #include "XKJsonValue.h"
 
 #include <string>
@@ -28,6 +29,8 @@ private:
     // What takes the cursor as an argument does so for it to stay in a register of these two.
     Step scanValue(const char16_t *&c);
     bool scanKey(const char16_t *&c);
+    bool scanRestOfKey(const char16_t *&c);
+    void foreseeKeysAfter(const XKJsonNode &key);
     bool scanComma(const char16_t *&c);
     bool scanRestOfTrue(const char16_t *&c, XKJsonNode &value);
     bool scanRestOfFalse(const char16_t *&c, XKJsonNode &value);
@@ -45,7 +48,11 @@ private:
     void skipSpaces(const char16_t *&c);
 
     Step open(XKJsonKind kind);
+    void foreseeMembers();
     void close(const XKJsonNode &container);
+    void closeDictionary();
+    /// Where on the stack the members of the innermost dictionary begin.
+    std::size_t firstMember() const { return m_open + 2; }
     void addErrorsOfOpenContainers();
     void addErrorOfMember(std::size_t keyPlace);
     bool refuse(XKJsonErrorCode code, const char *description);
@@ -63,6 +70,7 @@ private:
     XKJsonArena *m_arena = nullptr;
     XKJsonNodeStack m_stack;
     std::size_t m_open = noContainer; // where on the stack the innermost open container stands
+    XKJsonShapes m_shapes;
     std::u16string m_unescaped;
     qptrdiff m_indent = 0; // of the last line, in blanks
 };

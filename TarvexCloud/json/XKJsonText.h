@@ -82,6 +82,8 @@ public:
         return bits(_mm_cmpeq_epi16(high, _mm_set1_epi16(static_cast<short>(0xD800))));
     }
 
+    unsigned same(const Eight &other) const { return bits(_mm_cmpeq_epi16(m_units, other.m_units)); }
+
     void addTo(__m128i &all) const { all = _mm_or_si128(all, m_units); }
     /// Whether any unit was beyond 0x7FFF, as surrogates are.
     static bool hasHigh(__m128i all) { return (bits(all) & 0xAAAA) != 0; }
@@ -171,6 +173,23 @@ inline const char16_t *afterDigits(const char16_t *c, [[maybe_unused]] const cha
     while (isDigit(*c))
         ++c;
     return c;
+}
+
+/// Whether so many units at the cursor are those that stand elsewhere, further ahead in the same text. It may
+/// not notice near the text's end.
+inline bool isRepeated(const char16_t *c, const char16_t *end, const char16_t *earlier, std::size_t length)
+{
+#ifdef __SSE2__
+    if (end - c < static_cast<qptrdiff>(length) + Eight::size)
+        return false;
+    for (; length >= Eight::size; length -= Eight::size, c += Eight::size, earlier += Eight::size)
+        if (Eight(c).same(Eight(earlier)) != 0xFFFF)
+            return false;
+    const unsigned rest = (1U << 2 * length) - 1;
+    return (Eight(c).same(Eight(earlier)) & rest) == rest;
+#else
+    return end - c >= static_cast<qptrdiff>(length) && std::equal(c, c + length, earlier);
+#endif
 }
 
 /// The end of a run of string text. Also tells whether the run may hold surrogates; it may be wrong in that.
