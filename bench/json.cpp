@@ -122,7 +122,9 @@ void addWriting(const std::string &name, const QString &text)
     });
 }
 
-/// Reading and writing back; the text is made at the first turn, since some are large.
+/// Reading and writing back; the text is made at the first turn, since some are large. The round before the
+/// clock starts is for the large ones: a virtual machine gives memory away that is not in use, and getting it
+/// back takes several times as long as all the rest. Small texts never wait for that.
 void addRoundTrip(const std::string &name, QString (*textWith)(int, int), int count, int size)
 {
     auto text = std::make_shared<QString>();
@@ -131,8 +133,10 @@ void addRoundTrip(const std::string &name, QString (*textWith)(int, int), int co
             *text = textWith(count, size);
         XKJsonWriter writer;
         writer.setMaxDepth(0);
+        const auto round = [&] { return writer.stringWithObject(treeOf(*text)); };
+        benchmark::DoNotOptimize(round());
         for (auto _ : state)
-            benchmark::DoNotOptimize(writer.stringWithObject(treeOf(*text)));
+            benchmark::DoNotOptimize(round());
         countBytes(state, static_cast<std::size_t>(text->size()));
     });
 }
