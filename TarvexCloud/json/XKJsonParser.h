@@ -30,7 +30,6 @@ private:
     Step scanValue(const char16_t *&c);
     bool scanKey(const char16_t *&c);
     bool scanRestOfKey(const char16_t *&c);
-    void foreseeKeysAfter(const XKJsonNode &key);
     bool scanComma(const char16_t *&c);
     bool scanRestOfTrue(const char16_t *&c, XKJsonNode &value);
     bool scanRestOfFalse(const char16_t *&c, XKJsonNode &value);

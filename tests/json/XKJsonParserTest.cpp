@@ -100,6 +100,9 @@ void XKJsonParserTest::theTraceIsOfTheLastCallOnly()
     QCOMPARE(described(parser.objectWithString(u"[1]"_s, &error)), u"[integer 1]"_s);
     QVERIFY(!parser.errorTrace());
     QCOMPARE(error.code(), 9); // success leaves the caller's error alone
+    parser.objectWithString(
+        u"{\"ab\":1,\"cd\":2,\"ef\":3}"_s); // nor is anything kept of a text that has gone
+    QCOMPARE(parser.objectWithString(u"{\"ab\":1,\"cd\":2,\"ef\":3,\"x\":\"long enough\"}"_s).count(), 4);
 }
 
 void XKJsonParserTest::observersAreToldAroundEachChange()
