@@ -20,6 +20,10 @@ TarvexDocument::~TarvexDocument()
 {
     if (m_listOfProjects && m_listOfProjects->dataSource() == this)
         m_listOfProjects->setDataSource(nullptr);
+    if (m_renameController && m_renameController->parent() == this)
+        m_renameController->setParent(nullptr);
+    if (m_wheelView && m_wheelView->theParent() == this)
+        m_wheelView->setTheParent(nullptr);
 }
 
 void TarvexDocument::getUserNameAndPassword()

@@ -57,6 +57,7 @@ public:
 
     /// The document, which is told after saving; not owned. These are not the object's parent in the
     /// toolkit's sense.
+    /// Told when names have changed. It must outlive this or be unset.
     RenameAreasParent *parent() const { return m_parent; }
     void setParent(RenameAreasParent *parent) { m_parent = parent; }
 

@@ -23,11 +23,12 @@ struct OpenNames : Client
         begin();
     }
 
-    void begin() const
+    void begin() const { begin(*document); }
+    void begin(TarvexDocument &asking) const
     {
         document->window()->activateWindow(); // as a window manager does once a sheet has gone
         const bool isActive = QTest::qWaitForWindowActive(document->window());
-        trigger(document, "actionRenameAreas");
+        asking.renameAreas();
         if (!isActive || !QTest::qWaitFor([this] { return names->isAlreadyLoadedDatas(); }))
             qFatal("the sheet did not become active");
     }
@@ -131,6 +132,18 @@ private Q_SLOTS:
         QTEST(left, "left");
         QCOMPARE(open.sheet->findChild<QLabel *>(u"labelRenameAreasHint"_s)->text().contains(u"incomplete"),
                  open.sheet->isVisible());
+    }
+
+    void aDocumentThatBorrowedTheSheetMayGoBeforeItIsSaved()
+    {
+        OpenNames open;
+        QTest::keyClick(open.sheet, Qt::Key_Escape);
+        open.service.answer("get-areas", areasAnswer(eightNames));
+        auto borrowing = std::make_unique<TarvexDocument>(open.controller);
+        open.begin(*borrowing);
+        borrowing.reset();
+        open.click("Save");
+        QVERIFY(!open.sheet->isVisible());
     }
 };
 
