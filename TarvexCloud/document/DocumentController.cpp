@@ -10,9 +10,9 @@
 #include <QLoggingCategory>
 #include <QMainWindow>
 #include <QScopedValueRollback>
+#include <QSettings>
 #include <QStandardPaths>
 #include <stdexcept>
-#include <utility>
 
 namespace {
 Q_LOGGING_CATEGORY(tarvex, "tarvex")
@@ -26,7 +26,9 @@ DocumentController::DocumentController(TVXExchange &exchange, TVXAlert &alert, L
 {
     qApp->installEventFilter(this);
     m_releasing.setSingleShot(true);
-    connect(&m_releasing, &QTimer::timeout, this, [this] { std::exchange(m_closed, {}).clear(); });
+    connect(&m_releasing, &QTimer::timeout, this, &DocumentController::releaseClosed);
+    // The toolkit's own file dialog would keep the folders that were visited.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
 }
 
 DocumentController::~DocumentController()
@@ -94,9 +96,18 @@ void DocumentController::documentDidClose(TarvexDocument *document)
     std::erase(m_documents, closed);
     m_activated.removeAll(document->window());
     m_closed.push_back(closed);
-    m_releasing.start();
+    m_releasing.start(0);
     if (m_documents.empty())
         Q_EMIT lastDocumentClosed();
+}
+
+// A request waits in an event loop of its own, which may be inside the event that closed the document.
+void DocumentController::releaseClosed()
+{
+    if (isBusy())
+        m_releasing.start(millisecondsBetweenTries);
+    else
+        m_closed.clear();
 }
 
 void DocumentController::quit()
@@ -129,7 +140,6 @@ void DocumentController::runAction(const std::function<void()> &action,
 {
     if (isBusy())
         return;
-    const auto keptAlive = m_documents; // an action may close the document it belongs to
     const QScopedValueRollback running(m_actionRunning, true);
     try {
         action();

@@ -58,6 +58,7 @@ Q_SIGNALS:
 
 private:
     TarvexDocument *show(const std::shared_ptr<TarvexDocument> &document);
+    void releaseClosed();
     std::shared_ptr<TarvexDocument> sharedOf(const TarvexDocument *document) const;
 
     TVXExchange &m_exchange;

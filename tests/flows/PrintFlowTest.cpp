@@ -27,6 +27,9 @@ QString textOf(const QString &pdf)
     return process.waitForFinished() ? QString::fromUtf8(process.readAllStandardOutput()) : u""_s;
 }
 
+/// Where the toolkit would keep which folders its dialogs showed.
+const QTemporaryDir configurations;
+
 /// A signed-in client whose set is printed by the menu's commands.
 struct PrintingClient : Client
 {
@@ -62,6 +65,9 @@ class PrintFlowTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    static void initMain() { qputenv("XDG_CONFIG_HOME", configurations.path().toLocal8Bit()); }
+    void cleanupTestCase() { QVERIFY(QDir(configurations.path()).isEmpty()); }
+
     void theSelectedSetIsFetchedAndKeptAsAFile()
     {
         const QTemporaryDir folder;
