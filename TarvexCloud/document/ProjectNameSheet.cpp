@@ -1,5 +1,6 @@
 #include "ProjectNameSheet.h"
 
+#include "SheetStyle.h"
 #include "ui_ProjectNameSheet.h"
 
 #include <QPushButton>
@@ -17,10 +18,8 @@ void ProjectNameSheet::buildContents()
     m_confirm->setDefault(true);
     auto *cancel = ui.projectNameButtons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
     cancel->setAutoDefault(false);
-    QFont title = font();
-    title.setBold(true);
-    title.setPixelSize(qRound(QFontInfo(font()).pixelSize() * 1.25));
-    m_title->setFont(title);
+    SheetStyle::makeTitle(m_title);
+    SheetStyle::setTabOrderAsShown(ui.projectNameButtons);
     connect(m_confirm, &QPushButton::clicked, this, &ProjectNameSheet::nameConfirmed);
     connect(cancel, &QPushButton::clicked, this, &Sheet::cancelRequested);
 }

@@ -1,5 +1,7 @@
 #include "AlertSheet.h"
 
+#include "SheetStyle.h"
+
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QPushButton>
@@ -35,6 +37,7 @@ AlertSheet::AlertSheet(QWidget *ownWindow)
     m_alternate = buttons->addButton(QString(), QDialogButtonBox::RejectRole);
     m_default->setDefault(true);
     m_alternate->setAutoDefault(false);
+    SheetStyle::setTabOrderAsShown(buttons);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(24, 20, 24, 20);

@@ -4,7 +4,7 @@ class QDialogButtonBox;
 class QLabel;
 class QPushButton;
 
-/// What the sheets of this folder have in common.
+/// What sheets have in common.
 namespace SheetStyle {
 /// Gives a sheet's title line its weight and size.
 void makeTitle(QLabel *label);
