@@ -121,7 +121,7 @@ public:
         curl_easy_setopt(easy(), CURLOPT_BUFFERSIZE, receiveBuffer);
         curl_easy_setopt(easy(), CURLOPT_HTTPHEADER, m_headers.list());
         curl_easy_setopt(easy(), CURLOPT_POST, 1L);
-        curl_easy_setopt(easy(), CURLOPT_PREREQFUNCTION, allowOneRequest);
+        m_isGuarded = curl_easy_setopt(easy(), CURLOPT_PREREQFUNCTION, allowOneRequest) == CURLE_OK;
         curl_easy_setopt(easy(), CURLOPT_WRITEFUNCTION, takeAnswer);
         curl_easy_setopt(easy(), CURLOPT_HEADERFUNCTION, takeHeaderLine);
         curl_easy_setopt(easy(), CURLOPT_ERRORBUFFER, m_detail.data());
@@ -138,7 +138,7 @@ public:
         curl_easy_setopt(easy(), CURLOPT_PREREQDATA, &transfer);
         curl_easy_setopt(easy(), CURLOPT_WRITEDATA, &transfer);
         curl_easy_setopt(easy(), CURLOPT_HEADERDATA, &transfer);
-        if (curl_multi_add_handle(m_multi.get(), easy()) != CURLM_OK)
+        if (!m_isGuarded || curl_multi_add_handle(m_multi.get(), easy()) != CURLM_OK)
             return CURLE_FAILED_INIT;
         const auto removed = qScopeGuard([&] { curl_multi_remove_handle(m_multi.get(), easy()); });
         return wait(turn);
@@ -180,6 +180,7 @@ private:
     }
 
     HeaderLines m_headers;
+    bool m_isGuarded = false; // against a second sending
     std::array<char, CURL_ERROR_SIZE> m_detail{};
     const MultiHandle m_multi{curl_multi_init()};
     const EasyHandle m_easy{curl_easy_init()};
