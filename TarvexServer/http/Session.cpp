@@ -183,9 +183,20 @@ void Session::readBody()
     m_stream.async_read_some(m_buffer.prepare(std::min(readSize, m_bodyRest)),
                              [self = shared_from_this()](Error error, std::size_t size) {
                                  self->m_buffer.commit(size);
-                                 if (!error) // a request cut short is dropped here
+                                 if (!error)
                                      self->readBody();
+                                 else
+                                     self->bodyCutShort();
                              });
+}
+
+/// Nobody waits for an answer any more, but the service has to know what it did not do.
+void Session::bodyCutShort()
+{
+    takeBodyBytes();
+    m_arrival = std::chrono::steady_clock::now();
+    report(m_context.service.refuse(m_body, m_refusal.value_or(Outcome::Invalid)));
+    releaseBody();
 }
 
 void Session::takeBodyBytes()
@@ -244,6 +255,12 @@ void Session::answer(const requests::Answer &answer)
     const bool isBusy = answer.outcome == Outcome::Busy;
     const bool hasUnreadBody = m_bodySize > m_context.limits.discardedBody;
     m_response.keep_alive(m_parser->get().keep_alive() && !isBusy && !hasUnreadBody);
+    report(answer);
+    send();
+}
+
+void Session::report(const requests::Answer &answer) const
+{
     if (m_context.report)
         m_context.report({.kind = requests::requestKindOfBody(m_body).name,
                           .outcome = answer.outcome,
@@ -252,7 +269,6 @@ void Session::answer(const requests::Answer &answer)
                           .bytesOut = answer.body.size(),
                           .time = std::chrono::duration_cast<std::chrono::microseconds>(
                               std::chrono::steady_clock::now() - m_arrival)});
-    send();
 }
 
 void Session::sendStatus(beast::status status, std::string_view text)

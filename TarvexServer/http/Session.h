@@ -69,11 +69,13 @@ private:
     void refuseHead(Error error);
     void beginBody(std::size_t length);
     void readBody();
+    void bodyCutShort();
     void takeBodyBytes();
     void bodyArrived();
     void serve();
     void handlerTimedOut(unsigned turn);
     void answer(const requests::Answer &answer);
+    void report(const requests::Answer &answer) const;
     void sendStatus(boost::beast::http::status status, std::string_view text);
     void send();
     void sent(Error error, bool isLast);

@@ -64,6 +64,16 @@ TEST_F(Http, NeverAppliesARequestThatWasCutShort)
         EXPECT_TRUE(client.isClosedSilently()) << missing;
     }
     EXPECT_EQ(column(RawClient(port()).post(asAnna("get-sets")).body(), "id"), "[1]");
+    RawClient saver(port());
+    saver.post(asAnna("create-some-goals", "&p4=" + goal("kept")));
+    const std::string save = RawClient::request(asAnna("create-some-goals", "&p4=" + goal("new")));
+    for (const std::size_t missing : {1U, 8U, 57U}) {
+        RawClient client(port());
+        client.send(save.substr(0, save.size() - missing));
+        client.endSending();
+        EXPECT_TRUE(client.isClosedSilently());
+        EXPECT_EQ(saver.post(asAnna("delete-some-goals", "&p4=1;")).body(), "Error") << missing;
+    }
 }
 
 TEST_F(Http, RefusesALargeBodyInTheWordsOfItsKindAndGoesOn)
