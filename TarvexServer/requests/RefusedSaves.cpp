@@ -10,11 +10,28 @@ constexpr std::size_t placesPerSaver = 64;
 
 } // namespace
 
+void RefusedSaves::signedIn(const std::string &saver)
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_known.find(saver) != nullptr)
+        return;
+    Entries &known = m_known[saver];
+    if (Entries *entries = m_strangers.find(saver))
+        known = std::move(*entries);
+    m_strangers.erase(saver);
+}
+
+RefusedSaves::Entries &RefusedSaves::entriesOf(const std::string &saver)
+{
+    Entries *known = m_known.find(saver);
+    return known != nullptr ? *known : m_strangers[saver];
+}
+
 void RefusedSaves::refused(const std::string &saver, std::optional<wire::GoalPlace> place)
 {
     const auto until = m_clock() + lifetime;
     const std::lock_guard lock(m_mutex);
-    auto &entries = m_entries[saver];
+    Entries &entries = entriesOf(saver);
     std::erase_if(entries, [&](const Entry &entry) { return entry.place == place; });
     if (entries.size() >= placesPerSaver)
         entries.erase(entries.begin());
@@ -24,7 +41,7 @@ void RefusedSaves::refused(const std::string &saver, std::optional<wire::GoalPla
 void RefusedSaves::accepted(const std::string &saver, wire::GoalPlace place)
 {
     const std::lock_guard lock(m_mutex);
-    if (auto *entries = m_entries.find(saver))
+    if (Entries *entries = m_known.find(saver))
         std::erase_if(*entries, [&](const Entry &entry) { return entry.place == place; });
 }
 
@@ -32,15 +49,13 @@ bool RefusedSaves::takeRefusal(const std::string &saver, const std::vector<wire:
 {
     const auto now = m_clock();
     const std::lock_guard lock(m_mutex);
-    auto *entries = m_entries.find(saver);
+    Entries *entries = m_known.find(saver);
     if (entries == nullptr)
         return false;
     std::erase_if(*entries, [&](const Entry &entry) { return entry.until <= now; });
     const auto taken = std::erase_if(*entries, [&](const Entry &entry) {
         return !entry.place || std::find(places.begin(), places.end(), *entry.place) != places.end();
     });
-    if (entries->empty())
-        m_entries.erase(saver);
     return taken > 0;
 }
 

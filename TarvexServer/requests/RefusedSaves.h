@@ -17,7 +17,8 @@ namespace tarvex::requests {
 /// A client saves an area by creating all its goals anew and deleting the old ones next, whatever the service
 /// answered in between; after a refusal the old ones are all there is. A saver is one pair of sign-in
 /// digests, hashed: saves are refused before anyone is signed in too, and nobody without the password must be
-/// able to hinder the account's deletes. Held in memory for a few minutes. For many threads.
+/// able to hinder the account's deletes. Savers who signed in once are kept apart from all others, who could
+/// be made up in any number and must not push those out. Held in memory for a few minutes. For many threads.
 class RefusedSaves
 {
 public:
@@ -26,9 +27,12 @@ public:
     static constexpr std::chrono::minutes lifetime{10};
 
     explicit RefusedSaves(Clock clock, std::size_t capacity = 10'000)
-        : m_clock(std::move(clock)), m_entries(capacity)
+        : m_clock(std::move(clock)), m_known(capacity), m_strangers(capacity)
     {
     }
+
+    /// The saver's password was found right; what was refused before that counts as well.
+    void signedIn(const std::string &saver);
 
     /// A save for that place came to nothing. Without a place it may have been any.
     void refused(const std::string &saver, std::optional<wire::GoalPlace> place);
@@ -37,7 +41,7 @@ public:
     void accepted(const std::string &saver, wire::GoalPlace place);
 
     /// Whether goals of these places must stay because the save before came to nothing. Asked once: the next
-    /// delete of the same places is free again.
+    /// delete of the same places is free again. Only of savers who are signed in.
     bool takeRefusal(const std::string &saver, const std::vector<wire::GoalPlace> &places);
 
 private:
@@ -47,9 +51,14 @@ private:
         std::chrono::steady_clock::time_point until;
     };
 
+    using Entries = std::vector<Entry>;
+
+    Entries &entriesOf(const std::string &saver);
+
     Clock m_clock;
     std::mutex m_mutex;
-    security::RecentMap<std::vector<Entry>> m_entries;
+    security::RecentMap<Entries> m_known;
+    security::RecentMap<Entries> m_strangers;
 };
 
 } // namespace tarvex::requests

@@ -8,6 +8,16 @@
 
 namespace tarvex::requests {
 
+namespace {
+
+bool hasCredentials(const wire::Form &form)
+{
+    return security::isSignInDigest(form.field(/*number=*/2).value_or("")) &&
+           security::isSignInDigest(form.field(/*number=*/3).value_or(""));
+}
+
+} // namespace
+
 Turn::Turn(Request request)
     : m_request(std::move(request)), m_kind(requestKindOfBody(m_request.body)), m_form(m_request.body)
 {
@@ -80,7 +90,7 @@ void Service::beginSignedIn(Turn &turn)
 {
     const std::string login(turn.m_form.field(/*number=*/2).value_or(""));
     const std::string_view password = turn.m_form.field(/*number=*/3).value_or("");
-    if (!security::isSignInDigest(login) || !security::isSignInDigest(password)) {
+    if (!hasCredentials(turn.m_form)) {
         turn.m_answer = refusalOf(turn.m_kind, Outcome::NotSignedIn);
         return;
     }
@@ -160,13 +170,15 @@ Answer Service::serve(Turn &turn)
     try {
         if (turn.m_signUp)
             return serveSignUp(turn);
+        const std::string saver = saverOf(turn.m_form);
+        m_refusedSaves.signedIn(saver);
         std::string body;
         const auto work = [&](store::Connection &connection) {
             Call call{.connection = connection,
                       .form = turn.m_form,
                       .refusedSaves = m_refusedSaves,
                       .accountId = turn.m_credentials.accountId,
-                      .saver = saverOf(turn.m_form),
+                      .saver = saver,
                       .now = m_clocks.seconds()};
             body = turn.m_kind.handler(call);
         };
@@ -196,7 +208,8 @@ Answer Service::serveSignUp(const Turn &turn)
 
 Answer Service::conclude(const RequestKind &kind, const wire::Form &form, Answer answer)
 {
-    if (kind.name != "create-some-goals")
+    const bool isRefusedForGood = answer.outcome == Outcome::NotSignedIn; // and so is the delete behind it
+    if (kind.name != "create-some-goals" || isRefusedForGood || !hasCredentials(form))
         return answer;
     const auto place = wire::goalPlaceHint(form.field(/*number=*/4).value_or(""));
     if (answer.outcome != Outcome::Done)

@@ -109,6 +109,15 @@ TEST_F(Requests, GivingUpOnASignInDoesNotCountAgainstIt)
     EXPECT_EQ(answerTo(asAnna("sign-in"), "192.0.2.1").body, "OK");
 }
 
+TEST_F(Requests, NobodyCanMakeItForgetTheRefusedSaveOfAnother)
+{
+    postAsAnna("create-some-goals", "&p4=" + goal("kept"));
+    postAsAnna("create-some-goals", "&p4=broken");
+    for (int i = 0; i <= 10'000; ++i)
+        m_service.refuse("p1=create-some-goals" + credentials(std::to_string(i), "x"), Outcome::Busy);
+    EXPECT_EQ(postAsAnna("delete-some-goals", "&p4=1;"), "Error");
+}
+
 TEST_F(Requests, TheSampleAccountIsMadeOnceAndShowsAWheel)
 {
     EXPECT_TRUE(requests::createSampleAccount(m_database));
