@@ -2,13 +2,53 @@
 
 #include <algorithm>
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QEvent>
 #include <QLayout>
 #include <QWindow>
 
+namespace {
+
+/// Knows whether the user has just used the mouse, wherever in the application.
+class LatestInput : public QObject
+{
+public:
+    static LatestInput &instance()
+    {
+        static QPointer<LatestInput> ofApplication;
+        if (!ofApplication) {
+            ofApplication = new LatestInput;
+            ofApplication->setParent(qApp);
+            qApp->installEventFilter(ofApplication);
+        }
+        return *ofApplication;
+    }
+
+    bool isClick() const
+    {
+        return m_click.isValid() && !m_click.hasExpired(QApplication::doubleClickInterval());
+    }
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        const QEvent::Type type = event->type();
+        if (type == QEvent::MouseButtonPress || type == QEvent::MouseButtonRelease)
+            m_click.start();
+        else if (type == QEvent::KeyPress || type == QEvent::ShortcutOverride)
+            m_click.invalidate();
+        return false;
+    }
+
+private:
+    QElapsedTimer m_click;
+};
+
+} // namespace
+
 Sheet::Sheet(QWidget *ownWindow) : QDialog(ownWindow, Qt::Sheet)
 {
     setWindowModality(Qt::WindowModal);
+    LatestInput::instance(); // which has to see the click that will bring the sheet up
     // A sheet that comes up again at once may still count as active, and is then not told of it anew.
     m_attached.setSingleShot(true);
     connect(&m_attached, &QTimer::timeout, this, [this] {
@@ -55,6 +95,9 @@ void Sheet::attach()
     winId();
     if (m_window && m_window->windowHandle())
         windowHandle()->setTransientParent(m_window->windowHandle());
+    windowHandle()->installEventFilter(this);
+    m_mayBeDoubleClick.setRemainingTime(
+        LatestInput::instance().isClick() ? QApplication::doubleClickInterval() : 0);
     open();
     m_attached.start();
 }
@@ -71,6 +114,17 @@ void Sheet::endSheet()
         if (!waiting.isEmpty() && !hasSheet(window))
             waiting.first()->attach();
     });
+}
+
+bool Sheet::eventFilter(QObject *watched, QEvent *event)
+{
+    // Before the window tells any control of it. A release goes the way of its press.
+    const QEvent::Type type = event->type();
+    if (type == QEvent::MouseButtonPress || type == QEvent::MouseButtonDblClick)
+        m_pressWasDropped = !m_mayBeDoubleClick.hasExpired();
+    else if (type != QEvent::MouseButtonRelease)
+        return QDialog::eventFilter(watched, event);
+    return m_pressWasDropped;
 }
 
 bool Sheet::event(QEvent *event)

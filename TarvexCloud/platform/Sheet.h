@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QDialog>
 #include <QPointer>
 #include <QTimer>
@@ -8,7 +9,8 @@
 ///
 /// It stays the child of its own document's window, so that it dies with it, but may be shown on another one.
 /// A window has one sheet at a time: a second one waits until the first is ended. Escape and the close box
-/// ask for the sheet's cancel action and close nothing by themselves.
+/// ask for the sheet's cancel action and close nothing by themselves. The second half of a double click whose
+/// first half brought the sheet up is no click on it.
 class Sheet : public QDialog
 {
     Q_OBJECT
@@ -24,6 +26,7 @@ public:
     bool isBegun() const { return m_begun; }
 
     void reject() override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 Q_SIGNALS:
     void cancelRequested();
@@ -44,4 +47,6 @@ private:
     bool m_begun = false;
     quint64 m_turn = 0;
     QTimer m_attached; // fires once the sheet stands on its window
+    QDeadlineTimer m_mayBeDoubleClick{0};
+    bool m_pressWasDropped = false;
 };

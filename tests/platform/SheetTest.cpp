@@ -2,7 +2,9 @@
 
 #include <QLineEdit>
 #include <QMainWindow>
+#include <QPushButton>
 #include <QSignalSpy>
+#include <QSlider>
 #include <QTest>
 #include <QWindow>
 
@@ -52,6 +54,22 @@ private Q_SLOTS:
         QVERIFY(signUp.isVisible() && !waiting.isVisible());
         signUp.endSheet();
         QTRY_VERIFY(waiting.isVisible());
+    }
+
+    void aDoubleClickThatBringsASheetUpEndsBeforeIt()
+    {
+        QMainWindow window;
+        QPushButton opener(&window);
+        Sheet sheet(&window);
+        QSlider slider(Qt::Horizontal, &sheet);
+        connect(&opener, &QPushButton::clicked, &sheet, [&] { sheet.beginOn(&window); });
+        window.show();
+        for (const bool byMouse : {true, false}) {
+            byMouse ? QTest::mouseClick(&opener, Qt::LeftButton) : QTest::keyClick(&opener, Qt::Key_Space);
+            QTest::mouseClick(sheet.windowHandle(), Qt::LeftButton, {}, slider.geometry().center());
+            QCOMPARE(slider.value() == 0, byMouse);
+            sheet.endSheet();
+        }
     }
 
     void escapeAndCloseBoxAskForCancelAndCloseNothing()
