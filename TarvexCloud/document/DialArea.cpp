@@ -16,6 +16,9 @@ DialGeometry::TextSizes textSizes(const QWidget &names, const QLabel &percent, c
     const QFontMetrics percentMetrics(percent.font());
     DialGeometry::TextSizes sizes;
     sizes.nameHeight = names.fontMetrics().height() + 1;
+    // The longest of the names that a wheel begins with; longer ones of the user's own may be cut.
+    sizes.nameWidthAtSide = names.fontMetrics().horizontalAdvance(QStringLiteral("Career and Business")) + 4;
+    sizes.nameWidthBesideAverage = names.fontMetrics().horizontalAdvance(QStringLiteral("Romance")) + 4;
     sizes.percent =
         QSizeF(percentMetrics.horizontalAdvance(QStringLiteral("100%")) + 12, percentMetrics.height());
     sizes.average = QSize(average.fontMetrics().horizontalAdvance(QStringLiteral("-1000%")),

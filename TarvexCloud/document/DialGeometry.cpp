@@ -7,8 +7,6 @@ namespace {
 
 constexpr qreal gap = 7;
 constexpr int margin = 16;
-constexpr int leastNameWidth = 120;
-constexpr int leastNameWidthBesideAverage = 90;
 constexpr int averageLeft = 24;
 constexpr int averageTop = 14;
 constexpr int gapToAverage = 12;
@@ -87,9 +85,10 @@ DialGeometry::DialGeometry(QSize area, const TextSizes &text)
 
 QSize DialGeometry::minimumArea(const TextSizes &text)
 {
-    const qreal reach = nameAnchor(text, /*index=*/1).x() + leastNameWidth + margin;
+    const qreal reach = std::max(nameAnchor(text, /*index=*/1).x(), nameAnchor(text, /*index=*/2).x()) +
+                        text.nameWidthAtSide + margin;
     const qreal reachBesideAverage =
-        nameAnchor(text, /*index=*/7).x() + leastNameWidthBesideAverage + gapToAverage + averageRight(text);
+        nameAnchor(text, /*index=*/7).x() + text.nameWidthBesideAverage + gapToAverage + averageRight(text);
     const qreal rise = nameAnchor(text, /*index=*/0).y() + text.nameHeight / 2.0 + gap;
     return {static_cast<int>(std::ceil(2 * std::max(reach, reachBesideAverage))),
             static_cast<int>(std::ceil(2 * rise))};

@@ -16,6 +16,9 @@ struct DialGeometry
     struct TextSizes
     {
         int nameHeight = 18;
+        /// The least room for the names at the wheel's sides, and for the one that has the average beside it.
+        int nameWidthAtSide = 150;
+        int nameWidthBesideAverage = 70;
         QSizeF percent = {54, 17};
         QSize average = {110, 44};
         int captionHeight = 18;
@@ -38,6 +41,6 @@ struct DialGeometry
 
     /// Whether area k's name stands on the right half of the dial and is aligned to the left.
     static bool isOnRightHalf(int index) { return index < areaCount / 2; }
-    /// The least area in which nothing overlaps and names have some room.
+    /// The least area in which nothing overlaps and names have the room they need.
     static QSize minimumArea(const TextSizes &text);
 };

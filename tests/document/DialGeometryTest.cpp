@@ -47,7 +47,7 @@ private Q_SLOTS:
         QCOMPARE(dial.wheel.size(), QSize(430, 430));
         for (std::size_t k = 0; k < 8; ++k) {
             QVERIFY(window.contains(dial.names[k]));
-            QVERIFY(dial.names[k].width() >= 80);
+            QVERIFY(dial.names[k].width() >= text.nameWidthBesideAverage);
             QVERIFY(!dial.names[k].intersects(dial.average) && !dial.names[k].intersects(dial.caption));
             QPainterPath percent;
             percent.addPolygon(turnedPercent(dial, text, k, area.height()));
@@ -66,6 +66,8 @@ private:
     {
         DialGeometry::TextSizes text;
         text.nameHeight = qRound(text.nameHeight * scale);
+        text.nameWidthAtSide = qRound(text.nameWidthAtSide * scale);
+        text.nameWidthBesideAverage = qRound(text.nameWidthBesideAverage * scale);
         text.percent *= scale;
         text.average *= scale;
         text.captionHeight = qRound(text.captionHeight * scale);
