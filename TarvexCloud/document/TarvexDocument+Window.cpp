@@ -11,9 +11,46 @@
 
 #include <QEvent>
 #include <QLineEdit>
+#include <QToolBar>
 
 namespace {
 constexpr int millisecondsBeforeSignIn = 500;
+
+/// Keeps the set selector on show: where the window is too narrow or the text too large for it to stand
+/// beside the commands, it gets a row of its own instead of falling off the bar's end.
+class SelectorWrap : public QObject
+{
+public:
+    SelectorWrap(QMainWindow *window, QToolBar *commands, QToolBar *selector)
+        : QObject(window), m_window(window), m_commands(commands), m_selector(selector)
+    {
+        window->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest)
+            wrapIfNeeded();
+        return false;
+    }
+
+private:
+    void wrapIfNeeded()
+    {
+        const int needed = m_commands->sizeHint().width() + m_selector->sizeHint().width();
+        const bool wraps = needed > m_window->width();
+        if (wraps == m_window->toolBarBreak(m_selector))
+            return;
+        if (wraps)
+            m_window->insertToolBarBreak(m_selector);
+        else
+            m_window->removeToolBarBreak(m_selector);
+    }
+
+    QMainWindow *m_window;
+    QToolBar *m_commands;
+    QToolBar *m_selector;
+};
 } // namespace
 
 QString TarvexDocument::windowNibName() const
@@ -29,10 +66,11 @@ void TarvexDocument::makeWindow()
     m_window->setWindowTitle(windowTitleForDocumentDisplayName(displayName()));
     m_window->installEventFilter(this);
 
-    auto *space = new QWidget(ui.toolBar);
+    auto *space = new QWidget(ui.setBar);
     space->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    ui.toolBar->addWidget(space);
-    ui.toolBar->addWidget(ui.setSelector);
+    ui.setBar->addWidget(space);
+    ui.setBar->addWidget(ui.setSelector);
+    new SelectorWrap(m_window.get(), ui.toolBar, ui.setBar);
 
     connectOutlets();
     connectActions();

@@ -78,6 +78,24 @@ private Q_SLOTS:
         QVERIFY(document->comboBoxObjectValueForItemAtIndex(&another, 0).isNull());
         QCOMPARE(document->comboBoxIndexOfItemWithStringValue(&another, selector->currentText()), 0);
     }
+
+    void selectorAndNamesAreWholeInLargeText()
+    {
+        Client client;
+        const TarvexDocument *document = client.openSignedIn();
+        QMainWindow *window = document->window();
+        const SourcedComboBox *selector = document->listOfProjects();
+        document->label2()->setText(u"Career and Business"_s);
+        QFont font = window->font();
+        font.setPointSizeF(font.pointSizeF() * 2);
+        window->setFont(font);
+        const auto isWhole = [&] {
+            window->resize(window->minimumSizeHint());
+            return selector->isVisible() && selector->mapTo(window, QPoint()).x() > 0 &&
+                   document->label2()->width() >= document->label2()->sizeHint().width();
+        };
+        QTRY_VERIFY(isWhole());
+    }
 };
 
 QTEST_MAIN(SetSelectorFlowTest)
