@@ -1,5 +1,6 @@
 #include "ElidedLabel.h"
 
+#include <algorithm>
 #include <QEvent>
 #include <QHelpEvent>
 #include <QPainter>
@@ -10,17 +11,20 @@ namespace {
 // Far more than any window shows; a longer text would only cost layout time.
 constexpr qsizetype drawnCharacters = 1000;
 
+bool isShownAsBlank(QChar c)
+{
+    const QChar::Category category = c.category();
+    return category == QChar::Other_Control || category == QChar::Separator_Line ||
+           category == QChar::Separator_Paragraph;
+}
+
 } // namespace
 
 QString singleLineOf(const QString &text)
 {
     QString line = text.left(drawnCharacters);
-    for (QChar &c : line) {
-        const QChar::Category category = c.category();
-        if (category == QChar::Other_Control || category == QChar::Separator_Line ||
-            category == QChar::Separator_Paragraph)
-            c = u' ';
-    }
+    if (std::any_of(line.cbegin(), line.cend(), isShownAsBlank))
+        std::replace_if(line.begin(), line.end(), isShownAsBlank, QChar(u' '));
     return line;
 }
 

@@ -19,7 +19,8 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 };
 
-/// Text from outside as one line of bounded length, fit for drawing.
+/// Text from outside as one line of bounded length, fit for drawing. A text that is so already comes back as
+/// the same object, not as a copy.
 QString singleLineOf(const QString &text);
 /// Text from outside as a tooltip that shows it word for word and wraps. Tooltips guess at markup, hence
 /// this.

@@ -22,7 +22,7 @@ public:
             return {};
         const QString text = m_box->m_source->comboBoxObjectValueForItemAtIndex(m_box, index.row());
         if (role == Qt::DisplayRole)
-            return text;
+            return singleLineOf(text);
         return role == Qt::ToolTipRole ? QVariant(plainToolTip(text)) : QVariant();
     }
 
@@ -87,7 +87,7 @@ void SourcedComboBox::noteSelection()
     std::shared_ptr<const void> record;
     if (m_source && index >= 0)
         record = m_source->comboBoxRecordAtIndex(this, index);
-    setToolTip(index >= 0 ? plainToolTip(currentText()) : QString());
+    setToolTip(itemData(index, Qt::ToolTipRole).toString());
     if (index == m_selectedIndex && record == m_selectedRecord)
         return;
     m_selectedIndex = index;

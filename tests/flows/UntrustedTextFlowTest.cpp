@@ -29,7 +29,7 @@ private Q_SLOTS:
             names += untrusted(index).toHtmlEscaped().toUtf8();
         client.service.answer("get-areas", areasAnswer(names));
         client.service.answer("get-sets", setsAnswer({setRow("1", names[5], names[7] + " <b/> 3 4 5 6 7 8"),
-                                                      setRow("2", names[0], "1 2 3 4 5 6 7 8")}));
+                                                      setRow("2", names[2], "1 2 3 4 5 6 7 8")}));
         const TarvexDocument *document = client.open();
         const QSize before = document->window()->size();
         const QSize least = document->window()->minimumSizeHint();
@@ -38,7 +38,8 @@ private Q_SLOTS:
         for (int index = 0; index < 8; ++index)
             QCOMPARE(Client::labels(document)[index], untrusted(index));
         QCOMPARE(document->listOfProjects()->itemText(0), untrusted(5));
-        QCOMPARE(document->listOfProjects()->itemText(1), untrusted(0));
+        QCOMPARE(document->listOfProjects()->itemText(1), u"two lines and"_s);
+        QVERIFY(document->listOfProjects()->itemData(1, Qt::ToolTipRole).toString().contains(untrusted(2)));
         QCoreApplication::processEvents();
         QCOMPARE(document->window()->size(), before);
         QCOMPARE(document->window()->minimumSizeHint(), least);
