@@ -1,13 +1,13 @@
 #include "GoalTableDelegates.h"
 
 #include "ElidedLabel.h"
+#include "OneLineEdit.h"
 #include "Words.h"
 
 #include <limits>
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QHelpEvent>
-#include <QLineEdit>
 #include <QPainter>
 #include <QToolTip>
 
@@ -64,7 +64,7 @@ bool GoalCheckDelegate::editorEvent(QEvent *event, QAbstractItemModel *model, co
 QWidget *GoalTextDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &,
                                         const QModelIndex &) const
 {
-    auto *field = new QLineEdit(parent);
+    auto *field = new OneLineEdit(parent);
     field->setMaxLength(std::numeric_limits<int>::max());
     field->setAccessibleName(tr("Goal text"));
     return field;

@@ -1,4 +1,5 @@
 #include "ElidedLabel.h"
+#include "OneLineEdit.h"
 #include "RotatedLabel.h"
 
 #include <QTest>
@@ -17,6 +18,16 @@ private Q_SLOTS:
         QVERIFY(!line.contains(u'\n'));
         QVERIFY(line.size() <= 1000);
         QVERIFY(plainToolTip(u"<img src=x>&"_s).contains(u"&lt;img src=x&gt;&amp;"_s));
+    }
+
+    void pastedLinesBecomeOneAndTextLeftAloneStays()
+    {
+        OneLineEdit field;
+        field.setText(u"left\nalone"_s);
+        QCOMPARE(field.text(), u"left\nalone"_s);
+        field.insert(u"\r\n\tand more"_s); // as pasting does
+        QCOMPARE(field.text(), u"left alone and more"_s);
+        QVERIFY(field.isModified());
     }
 
     void aLabelTurnsAboutTheCentreItIsGiven()

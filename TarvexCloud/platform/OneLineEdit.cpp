@@ -1,0 +1,20 @@
+#include "OneLineEdit.h"
+
+#include <QRegularExpression>
+
+OneLineEdit::OneLineEdit(QWidget *parent) : QLineEdit(parent)
+{
+    connect(this, &QLineEdit::textEdited, this, &OneLineEdit::joinLines);
+}
+
+void OneLineEdit::joinLines()
+{
+    static const QRegularExpression breaks(QStringLiteral("[\\t-\\r\\x{85}\\x{2028}\\x{2029}]+"));
+    if (!text().contains(breaks))
+        return;
+    const QString blank = QStringLiteral(" ");
+    const QString beforeCursor = text().left(cursorPosition()).replace(breaks, blank);
+    setText(text().replace(breaks, blank));
+    setCursorPosition(static_cast<int>(beforeCursor.size()));
+    setModified(true);
+}
