@@ -80,6 +80,7 @@ TEST(Binary, ServesTheSampleAccountUntilItIsTold)
     ::kill(server.child.id(), SIGTERM);
     const auto [exitCode, log] = server.ended();
     EXPECT_EQ(exitCode, 0);
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "made/on the way/wheel.db-wal"));
     EXPECT_NE(log.find(R"("kind":"create-new-user","outcome":"done")"), std::string::npos) << log;
     for (const std::string &secret : {login, password, std::string("example"), std::string("topsecret"),
                                       std::string("Newcomer"), std::string("127.0.0.1")})
