@@ -20,6 +20,9 @@ namespace {
 
 constexpr std::size_t readerCount = 4;
 
+/// Marks a file as a database of ours, in the words of the engine: "TVXC".
+constexpr int applicationId = 0x54565843;
+
 std::string cause(int error)
 {
     return std::generic_category().message(error);
@@ -42,9 +45,41 @@ void createFile(const std::filesystem::path &file)
 
 void openSession(soci::session &session, const std::filesystem::path &file)
 {
-    session.open(soci::sqlite3, "db=\"" + file.string() + "\" timeout=5 synchronous=full");
+    // A path from the root, since the engine reads a leading "file:" or ":" in a way of its own.
+    session.open(soci::sqlite3,
+                 "db=\"" + std::filesystem::absolute(file).string() + "\" timeout=5 synchronous=full");
     session << "PRAGMA foreign_keys = ON";
     session << "PRAGMA fullfsync = ON";
+}
+
+int number(soci::session &session, const std::string &query)
+{
+    int found = 0;
+    session << query, soci::into(found);
+    return found;
+}
+
+/// Refuses the database of another program. Ours is known by its mark or, from before there was one, by its
+/// tables; an empty one becomes ours.
+void claim(soci::session &session, const std::filesystem::path &file)
+{
+    if (number(session, "PRAGMA application_id") == applicationId)
+        return;
+    const int ours = number(session, "SELECT COUNT(*) FROM sqlite_master WHERE type = 'table' AND name IN"
+                                     " ('schema_version', 'account', 'login', 'area', 'goal_set', 'goal')");
+    if (ours < 6 && number(session, "SELECT COUNT(*) FROM sqlite_master") > 0)
+        throw CannotOpen("The file " + file.string() + " is the database of another program.");
+    session << "PRAGMA application_id = " + std::to_string(applicationId);
+}
+
+/// Takes the file from all but its owner, whoever made it; the engine gives files beside it the same mode.
+void makePrivate(const std::filesystem::path &file)
+{
+    constexpr auto ownerOnly = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
+    for (const char *suffix : {"", "-wal", "-shm"}) {
+        std::error_code ignored; // not there, or not ours to change
+        std::filesystem::permissions(file.string() + suffix, ownerOnly, ignored);
+    }
 }
 
 /// Ends a transaction that was not committed, whatever made it fail.
@@ -94,6 +129,8 @@ public:
     explicit Sessions(const std::filesystem::path &file) : m_readers(readerCount)
     {
         openSession(m_writer, file);
+        claim(m_writer, file);
+        makePrivate(file);
         m_writer << "PRAGMA journal_mode = WAL";
         migrate(m_writer, sqliteMigrations);
         for (std::size_t i = 0; i < readerCount; ++i) {

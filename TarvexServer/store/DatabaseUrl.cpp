@@ -13,9 +13,8 @@ std::filesystem::path sqliteFile(const std::string &url)
     if (!url.starts_with(scheme) || url.size() == scheme.size())
         throw CannotOpen("The database must be given as sqlite:PATH.");
     const std::string path = url.substr(scheme.size());
-    if (path.find_first_of("\"?#") != std::string::npos || path.starts_with(':'))
-        throw CannotOpen(
-            "The path of the database holds a character that is not allowed there (\" ? # or a leading :).");
+    if (path.find_first_of("\"?#") != std::string::npos)
+        throw CannotOpen("The path of the database holds a character that is not allowed there (\" ? #).");
     return path;
 }
 

@@ -50,7 +50,7 @@ struct ServerProcess
 TEST(Binary, ServesTheSampleAccountUntilItIsTold)
 {
     const TemporaryFolder folder;
-    const std::string database = R"( --database "sqlite:made/on the way/wheel.db")";
+    const std::string database = R"( --database "sqlite:file:on the way/wheel.db")";
     for (const std::string said : {"", "The sample account is there already."}) {
         ServerProcess sample(folder, "sample" + database);
         if (!said.empty()) {
@@ -80,7 +80,8 @@ TEST(Binary, ServesTheSampleAccountUntilItIsTold)
     ::kill(server.child.id(), SIGTERM);
     const auto [exitCode, log] = server.ended();
     EXPECT_EQ(exitCode, 0);
-    EXPECT_FALSE(std::filesystem::exists(folder.path() / "made/on the way/wheel.db-wal"));
+    EXPECT_TRUE(std::filesystem::exists(folder.path() / "file:on the way/wheel.db"));
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "file:on the way/wheel.db-wal"));
     EXPECT_NE(log.find(R"("kind":"create-new-user","outcome":"done")"), std::string::npos) << log;
     for (const std::string &secret : {login, password, std::string("example"), std::string("topsecret"),
                                       std::string("Newcomer"), std::string("127.0.0.1")})

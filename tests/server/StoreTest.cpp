@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 #include <soci/soci.h>
+#include <soci/sqlite3/soci-sqlite3.h>
 
 using namespace tarvex::store;
 
@@ -33,6 +34,8 @@ protected:
         for (const std::string &name : names)
             createGoals(connection, m_account, {{.setId = set, .areaId = 1, .name = name}});
     }
+
+    std::string file() const { return m_folder.path() / "wheel.db"; }
 
     TemporaryFolder m_folder;
     Database m_database{m_folder.databaseUrl()};
@@ -79,9 +82,11 @@ TEST_F(StoreTest, LeavesNothingOfATransactionThatFailedAndNoValueInTheErrorsText
 
 TEST_F(StoreTest, KeepsItsDataInAFileForItsOwnerAlone)
 {
-    const auto mode = std::filesystem::status(m_folder.path() / "wheel.db").permissions();
-    EXPECT_EQ(mode, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    for (const char *suffix : {"", "-wal", "-shm"})
+        std::filesystem::permissions(file() + suffix, std::filesystem::perms(0644));
     Database second(m_folder.databaseUrl());
+    for (const char *suffix : {"", "-wal", "-shm"})
+        EXPECT_EQ(std::filesystem::status(file() + suffix).permissions(), std::filesystem::perms(0600));
     second.read([](Connection &connection) { EXPECT_TRUE(findCredentials(connection, "A").has_value()); });
 }
 
@@ -90,4 +95,15 @@ TEST_F(StoreTest, IsNotOpenedWhenANewerServerMadeIt)
     m_database.write(
         [](Connection &connection) { connection.session() << "UPDATE schema_version SET version = 99"; });
     EXPECT_THROW(Database database(m_folder.databaseUrl()), CannotOpen);
+}
+
+TEST_F(StoreTest, OpensDatabasesOfItsOwnAlone)
+{
+    m_database.write([](Connection &connection) { // as databases began
+        connection.session() << "PRAGMA application_id = 0";
+    });
+    EXPECT_NO_THROW(Database database(m_folder.databaseUrl()));
+    soci::session other(soci::sqlite3, "db=\"" + file() + "2\"");
+    other << "CREATE TABLE account (id INTEGER)";
+    EXPECT_THROW(Database database(m_folder.databaseUrl() + "2"), CannotOpen);
 }
