@@ -6,6 +6,8 @@
 #include "PasswordHash.h"
 #include "Records.h"
 
+#include <algorithm>
+
 namespace tarvex::requests {
 
 namespace {
@@ -76,20 +78,22 @@ void Service::beginSignUp(Turn &turn)
         return;
     }
     turn.m_answer = signUpFault(*turn.m_signUp);
-    if (!turn.m_answer)
-        m_database.read([&](store::Connection &connection) {
-            turn.m_answer = duplicateFault(connection, *turn.m_signUp);
-        });
-    const std::string &peer = turn.m_request.peer;
-    if (!turn.m_answer && !peer.empty() && !m_limits.admit(m_hash({"sign-up", peer})))
+    if (turn.m_answer)
+        return;
+    if (isExhausted(turn) || m_limits.isExhausted(newAccountsKey(turn))) {
         turn.m_answer = refusalOf(turn.m_kind, Outcome::TooManyAttempts);
+        return;
+    }
+    m_database.read(
+        [&](store::Connection &connection) { turn.m_answer = duplicateFault(connection, *turn.m_signUp); });
+    if (turn.m_answer)
+        countFailure(turn); // it tells who has an account
     turn.m_needsHashing = true;
 }
 
 void Service::beginSignedIn(Turn &turn)
 {
     const std::string login(turn.m_form.field(/*number=*/2).value_or(""));
-    const std::string_view password = turn.m_form.field(/*number=*/3).value_or("");
     if (!hasCredentials(turn.m_form)) {
         turn.m_answer = refusalOf(turn.m_kind, Outcome::NotSignedIn);
         return;
@@ -97,30 +101,41 @@ void Service::beginSignedIn(Turn &turn)
     m_database.read([&](store::Connection &connection) {
         turn.m_credentials = store::findCredentials(connection, login).value_or(store::Credentials());
     });
-    const store::Credentials &credentials = turn.m_credentials;
-    if (m_verified.contains(credentials.accountId, credentials.version, password))
+    if (isVerified(turn))
         return;
-    if (!admit(turn))
+    if (isExhausted(turn))
         turn.m_answer = refusalOf(turn.m_kind, Outcome::TooManyAttempts);
     turn.m_needsHashing = true;
 }
 
-bool Service::admit(const Turn &turn)
+/// What failures of the turn count against: the login, the address.
+std::vector<std::string> Service::limitedKeys(const Turn &turn) const
 {
-    const std::string login = m_hash({"login", *turn.m_form.field(/*number=*/2)});
-    if (!m_limits.admit(login))
-        return false;
-    if (turn.m_request.peer.empty() || m_limits.admit(m_hash({"peer", turn.m_request.peer})))
-        return true;
-    m_limits.forgive(login);
-    return false;
+    std::vector<std::string> keys;
+    if (!turn.m_request.peer.empty())
+        keys.push_back(m_hash({"peer", turn.m_request.peer}));
+    if (!turn.m_signUp)
+        keys.push_back(m_hash({"login", turn.m_form.field(/*number=*/2).value_or("")}));
+    return keys;
 }
 
-void Service::forgive(const Turn &turn)
+bool Service::isExhausted(const Turn &turn)
 {
-    m_limits.forgive(m_hash({"login", *turn.m_form.field(/*number=*/2)}));
-    if (!turn.m_request.peer.empty())
-        m_limits.forgive(m_hash({"peer", turn.m_request.peer}));
+    const std::vector<std::string> keys = limitedKeys(turn);
+    return std::any_of(keys.begin(), keys.end(),
+                       [&](const std::string &key) { return m_limits.isExhausted(key); });
+}
+
+void Service::countFailure(const Turn &turn)
+{
+    for (const std::string &key : limitedKeys(turn))
+        m_limits.countFailure(key);
+}
+
+bool Service::isVerified(const Turn &turn)
+{
+    return m_verified.contains(turn.m_credentials.accountId, turn.m_credentials.version,
+                               turn.m_form.field(/*number=*/3).value_or(""));
 }
 
 void Service::verify(Turn &turn)
@@ -140,20 +155,24 @@ void Service::verify(Turn &turn)
 
 void Service::verifyPassword(Turn &turn)
 {
+    if (isVerified(turn)) // since it began to wait
+        return;
+    if (isExhausted(turn)) {
+        turn.m_answer = refusalOf(turn.m_kind, Outcome::TooManyAttempts);
+        return;
+    }
     const std::string_view password = *turn.m_form.field(/*number=*/3);
     const store::Credentials &credentials = turn.m_credentials;
     if (!security::matchesPassword(credentials.passwordHash, password)) {
+        countFailure(turn);
         turn.m_answer = refusalOf(turn.m_kind, Outcome::NotSignedIn);
         return;
     }
-    forgive(turn);
     m_verified.remember(credentials.accountId, credentials.version, password);
 }
 
 Answer Service::giveUp(Turn &turn, Outcome outcome)
 {
-    if (turn.m_needsHashing && !turn.m_signUp)
-        forgive(turn); // it was never found to have failed
     turn.m_answer = refusalOf(turn.m_kind, outcome);
     return conclude(turn.m_kind, turn.m_form, *turn.m_answer);
 }
@@ -203,6 +222,10 @@ Answer Service::serveSignUp(const Turn &turn)
     m_database.write([&](store::Connection &connection) {
         answer = signUp(connection, *turn.m_signUp, turn.m_newPasswordHash, m_clocks.seconds());
     });
+    if (answer.outcome != Outcome::Done)
+        countFailure(turn);
+    else if (!turn.m_request.peer.empty())
+        m_limits.countFailure(newAccountsKey(turn));
     return answer;
 }
 
@@ -222,6 +245,11 @@ Answer Service::conclude(const RequestKind &kind, const wire::Form &form, Answer
 bool Service::isOverdue(const Turn &turn) const
 {
     return m_clocks.steady() - turn.m_request.arrival > patience;
+}
+
+std::string Service::newAccountsKey(const Turn &turn) const
+{
+    return m_hash({"sign-up", turn.m_request.peer});
 }
 
 std::string Service::saverOf(const wire::Form &form) const

@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tarvex::requests {
 
@@ -88,13 +89,16 @@ public:
 private:
     void beginSignUp(Turn &turn);
     void beginSignedIn(Turn &turn);
-    bool admit(const Turn &turn);
-    void forgive(const Turn &turn);
+    std::vector<std::string> limitedKeys(const Turn &turn) const;
+    bool isExhausted(const Turn &turn);
+    void countFailure(const Turn &turn);
+    bool isVerified(const Turn &turn);
     void verifyPassword(Turn &turn);
     Answer serve(Turn &turn);
     Answer serveSignUp(const Turn &turn);
     Answer conclude(const RequestKind &kind, const wire::Form &form, Answer answer);
     bool isOverdue(const Turn &turn) const;
+    std::string newAccountsKey(const Turn &turn) const;
     std::string saverOf(const wire::Form &form) const;
 
     store::Database &m_database;

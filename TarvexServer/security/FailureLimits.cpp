@@ -2,25 +2,26 @@
 
 namespace tarvex::security {
 
-bool FailureLimits::admit(const std::string &key)
+bool FailureLimits::isExhausted(const std::string &key)
 {
     const auto now = m_clock();
     const std::lock_guard lock(m_mutex);
-    auto &attempts = m_attempts[key];
-    while (!attempts.empty() && attempts.front() + window <= now)
-        attempts.pop_front();
-    if (attempts.size() >= limit)
+    auto *failures = m_failures.find(key);
+    if (failures == nullptr)
         return false;
-    attempts.push_back(now);
-    return true;
+    while (!failures->empty() && failures->front() + window <= now)
+        failures->pop_front();
+    return failures->size() >= limit;
 }
 
-void FailureLimits::forgive(const std::string &key)
+void FailureLimits::countFailure(const std::string &key)
 {
+    const auto now = m_clock();
     const std::lock_guard lock(m_mutex);
-    auto *attempts = m_attempts.find(key);
-    if (attempts != nullptr && !attempts->empty())
-        attempts->pop_back();
+    auto &failures = m_failures[key];
+    failures.push_back(now);
+    if (failures.size() > limit)
+        failures.pop_front();
 }
 
 } // namespace tarvex::security

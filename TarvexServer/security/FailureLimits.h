@@ -10,10 +10,10 @@
 
 namespace tarvex::security {
 
-/// Counts failed attempts per key (a login, an address) over a sliding window.
+/// Counts failures per key (a login, an address) over a sliding window. For many threads.
 ///
-/// An attempt counts as failed from its beginning, until it is forgiven; so any number of attempts at the
-/// same moment are held to the limit as well. For many threads.
+/// Only what has failed counts, not what is still being tried: whoever asks must bound how many attempts run
+/// at the same time, for that many may go beyond the limit.
 class FailureLimits
 {
 public:
@@ -23,20 +23,19 @@ public:
     static constexpr std::chrono::seconds window{60};
 
     explicit FailureLimits(Clock clock, std::size_t capacity = 50'000)
-        : m_clock(std::move(clock)), m_attempts(capacity)
+        : m_clock(std::move(clock)), m_failures(capacity)
     {
     }
 
-    /// Records an attempt and returns true, or false without recording it when the key has used up its limit.
-    bool admit(const std::string &key);
+    /// Whether the key has used up its limit.
+    bool isExhausted(const std::string &key);
 
-    /// Takes the key's latest attempt back: it did not fail.
-    void forgive(const std::string &key);
+    void countFailure(const std::string &key);
 
 private:
     Clock m_clock;
     std::mutex m_mutex;
-    RecentMap<std::deque<std::chrono::steady_clock::time_point>> m_attempts;
+    RecentMap<std::deque<std::chrono::steady_clock::time_point>> m_failures;
 };
 
 } // namespace tarvex::security

@@ -99,14 +99,29 @@ TEST_F(Requests, ARequestThatWaitedTooLongIsNotBegun)
     EXPECT_EQ(column(postAsAnna("get-sets"), "id"), "[1]");
 }
 
-TEST_F(Requests, GivingUpOnASignInDoesNotCountAgainstIt)
+TEST_F(Requests, OnlyFailuresCountHoweverManySignInAtOnce)
 {
-    for (int i = 0; i < 20; ++i) {
-        auto turn = m_service.begin({.body = asAnna("sign-in"), .peer = "192.0.2.1", .arrival = m_now});
-        EXPECT_EQ(m_service.giveUp(*turn, Outcome::Busy).body,
-                  "The service is busy. Please try again in a moment.");
+    for (const auto &[password, expected] : {std::pair("wrong", 10), std::pair(m_password.c_str(), 40)}) {
+        std::vector<std::unique_ptr<requests::Turn>> turns;
+        for (int i = 0; i < 40; ++i)
+            turns.push_back(m_service.begin({.body = "p1=sign-in" + credentials(m_login, password),
+                                             .peer = "192.0.2.1",
+                                             .arrival = m_now}));
+        int checked = 0;
+        for (const auto &turn : turns) {
+            m_service.verify(*turn);
+            checked += m_service.finish(*turn).outcome == Outcome::TooManyAttempts ? 0 : 1;
+        }
+        EXPECT_EQ(checked, expected);
+        m_now += std::chrono::seconds(60);
     }
-    EXPECT_EQ(answerTo(asAnna("sign-in"), "192.0.2.1").body, "OK");
+}
+
+TEST_F(Requests, AskingWhoHasAnAccountIsLimitedByPeer)
+{
+    const std::string body = "p1=create-new-user&p2=" + m_login + "&p3=x&p4=y&type=json";
+    for (int i = 0; i < 11; ++i)
+        EXPECT_EQ(answerTo(body, "192.0.2.1").outcome, i < 10 ? Outcome::Invalid : Outcome::TooManyAttempts);
 }
 
 TEST_F(Requests, NobodyCanMakeItForgetTheRefusedSaveOfAnother)

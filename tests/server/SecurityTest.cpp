@@ -32,18 +32,18 @@ TEST(VerifiedCredentials, HoldForOneVersionOfOneAccount)
     EXPECT_FALSE(verified.contains(/*accountId=*/2, /*version=*/1, "digest"));
 }
 
-TEST(FailureLimits, AdmitTenAttemptsAMinuteAndForgiveTheOnesThatSucceed)
+TEST(FailureLimits, AreTenFailuresAMinute)
 {
     std::chrono::steady_clock::time_point now;
     FailureLimits limits([&] { return now; });
-    for (int i = 0; i < 10; ++i)
-        EXPECT_TRUE(limits.admit("anna"));
-    EXPECT_FALSE(limits.admit("anna"));
-    EXPECT_TRUE(limits.admit("ben"));
-    limits.forgive("anna");
-    EXPECT_TRUE(limits.admit("anna"));
+    for (int i = 0; i < 10; ++i) {
+        EXPECT_FALSE(limits.isExhausted("anna"));
+        limits.countFailure("anna");
+    }
+    EXPECT_TRUE(limits.isExhausted("anna"));
+    EXPECT_FALSE(limits.isExhausted("ben"));
     now += std::chrono::seconds(59);
-    EXPECT_FALSE(limits.admit("anna"));
+    EXPECT_TRUE(limits.isExhausted("anna"));
     now += std::chrono::seconds(1);
-    EXPECT_TRUE(limits.admit("anna"));
+    EXPECT_FALSE(limits.isExhausted("anna"));
 }
