@@ -21,6 +21,7 @@ constexpr std::string_view servicePath = "/tarvex/";
 constexpr std::size_t readSize = 16UL * 1024;
 constexpr std::size_t beginningOfBody = 4096; // enough to tell what a request is
 constexpr std::size_t freeBody = 64UL * 1024; // bodies up to this size need no reservation
+constexpr std::size_t bodyStep = 64UL * 1024; // and further ones are reserved by so much as they arrive
 constexpr std::size_t lingeringBytes = 1024UL * 1024;
 constexpr std::chrono::seconds lingeringTime{2};
 
@@ -148,18 +149,14 @@ void Session::refuseHead(Error error)
 void Session::beginBody(std::size_t length)
 {
     const Limits &limits = m_context.limits;
-    const bool isBusy = m_welcome == ConnectionCounts::Welcome::Refused ||
-                        (length > freeBody && m_context.bodyBytes + length > limits.bodiesInMemory);
     if (length > limits.body)
         m_refusal = Outcome::TooLarge;
-    else if (isBusy)
+    else if (m_welcome == ConnectionCounts::Welcome::Refused)
         m_refusal = Outcome::Busy;
     m_body.clear();
     m_bodySize = length;
     m_keptBody = m_refusal ? std::min(length, beginningOfBody) : length;
     m_bodyRest = length > limits.discardedBody ? m_keptBody : length;
-    m_reservedBody = m_refusal || length <= freeBody ? 0 : length;
-    m_context.bodyBytes += m_reservedBody;
     m_stream.expires_after(limits.bodyTime);
     if (beast::token_list(m_parser->get()[beast::field::expect]).exists("100-continue")) {
         static constexpr std::string_view goOn = "HTTP/1.1 100 Continue\r\n\r\n";
@@ -202,10 +199,28 @@ void Session::bodyCutShort()
 void Session::takeBodyBytes()
 {
     const std::size_t size = std::min(m_buffer.size(), m_bodyRest);
+    reserveBody(std::min(m_body.size() + size, m_keptBody));
     const std::size_t kept = std::min(size, m_keptBody - m_body.size());
     m_body.append(static_cast<const char *>(m_buffer.data().data()), kept);
     m_buffer.consume(size);
     m_bodyRest -= size;
+}
+
+/// Makes room for that much of a body, or gives up all but its beginning because there is none left.
+void Session::reserveBody(std::size_t size)
+{
+    while (size > freeBody + m_reservedBody) {
+        if (m_context.bodyBytes + bodyStep > m_context.limits.bodiesInMemory) {
+            m_refusal = Outcome::Busy;
+            m_keptBody = beginningOfBody;
+            m_body.resize(beginningOfBody);
+            m_body.shrink_to_fit();
+            releaseBody();
+            return;
+        }
+        m_context.bodyBytes += bodyStep;
+        m_reservedBody += bodyStep;
+    }
 }
 
 void Session::bodyArrived()

@@ -80,6 +80,7 @@ private:
     void send();
     void sent(Error error, bool isLast);
     void linger();
+    void reserveBody(std::size_t size);
     void releaseBody();
 
     SessionContext &m_context;

@@ -171,6 +171,21 @@ TEST_F(Http, SaysThatItIsBusyWhenTooManyPasswordsWait)
     EXPECT_EQ(answer.body(), "The service is busy. Please try again in a moment.");
 }
 
+TEST_F(Http, SaysThatItIsBusyWhenBodiesThatArrivedFillTheMemory)
+{
+    Limits limits;
+    limits.bodiesInMemory = 200'000;
+    start(limits);
+    const auto body = [&](std::size_t size) {
+        return asAnna("create-sets", "&p4=x&p5=" + std::string(size, 'x'));
+    };
+    RawClient holder(port()); // what is only announced takes no room
+    holder.send(RawClient::request(body(200'000)).substr(0, 500));
+    RawClient client(port());
+    EXPECT_EQ(client.post(body(190'000)).body(), "OK");
+    EXPECT_EQ(client.post(body(300'000)).result_int(), 503U);
+}
+
 TEST_F(Http, SaysThatItIsBusyWhenARequestTakesTooLong)
 {
     Limits limits;
