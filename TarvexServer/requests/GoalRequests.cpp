@@ -69,10 +69,8 @@ std::vector<store::Goal> soundGoals(const Call &call, const std::vector<wire::Go
 std::vector<wire::GoalPlace> placesOf(const Call &call, const std::vector<std::int64_t> &goalIds)
 {
     std::vector<wire::GoalPlace> places;
-    for (const std::int64_t id : goalIds) {
-        if (const auto goal = store::findGoal(call.connection, call.accountId, id))
-            places.push_back({.setId = goal->setId, .areaId = goal->areaId});
-    }
+    for (const store::Goal &goal : store::findGoals(call.connection, call.accountId, goalIds))
+        places.push_back({.setId = goal.setId, .areaId = goal.areaId});
     std::sort(places.begin(), places.end());
     places.erase(std::unique(places.begin(), places.end()), places.end());
     return places;
@@ -152,9 +150,11 @@ std::string deleteGoal(Call &call)
 std::string deleteSomeGoals(Call &call)
 {
     const std::string_view field = textField(call, /*number=*/4);
-    const std::vector<std::int64_t> ids = wire::readIdList(field);
+    std::vector<std::int64_t> ids = wire::readIdList(field);
     if (field.empty())
         return done();
+    std::sort(ids.begin(), ids.end());
+    ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
     require(!ids.empty() && ids.size() <= maximumIds);
     require(!call.refusedSaves.takeRefusal(call.saver, placesOf(call, ids)));
     store::deleteGoals(call.connection, call.accountId, ids, call.now);

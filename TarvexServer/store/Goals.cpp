@@ -33,26 +33,47 @@ struct BoundGoal
     }
 };
 
-/// Runs selectGoals with a condition and an order added; the ids are the values of its parameters.
+/// selectGoals with a condition and an order added, prepared once; the ids are its parameters and may change
+/// from one run to the next.
+class GoalQuery
+{
+public:
+    template<class... Ids>
+    GoalQuery(Connection &connection, const std::string &condition, const Ids &...ids)
+        : m_rows(connection.session())
+    {
+        (m_rows.exchange(soci::use(ids)), ...);
+        m_rows.exchange(soci::into(m_row.id));
+        m_rows.exchange(soci::into(m_row.setId));
+        m_rows.exchange(soci::into(m_row.areaId));
+        m_rows.exchange(soci::into(m_row.name));
+        m_rows.exchange(soci::into(m_row.priority));
+        m_rows.exchange(soci::into(m_row.isChecked));
+        m_rows.alloc();
+        m_rows.prepare(selectGoals + condition);
+        m_rows.define_and_bind();
+    }
+
+    GoalQuery(const GoalQuery &) = delete;
+    GoalQuery &operator=(const GoalQuery &) = delete;
+
+    void addTo(std::vector<Goal> &goals)
+    {
+        m_rows.execute();
+        while (m_rows.fetch())
+            goals.push_back(m_row.goal());
+    }
+
+private:
+    BoundGoal m_row;
+    soci::statement m_rows;
+};
+
 template<class... Ids>
 std::vector<Goal> goalsWhere(Connection &connection, const std::string &condition, const Ids &...ids)
 {
-    BoundGoal row;
-    soci::statement rows(connection.session());
-    (rows.exchange(soci::use(ids)), ...);
-    rows.exchange(soci::into(row.id));
-    rows.exchange(soci::into(row.setId));
-    rows.exchange(soci::into(row.areaId));
-    rows.exchange(soci::into(row.name));
-    rows.exchange(soci::into(row.priority));
-    rows.exchange(soci::into(row.isChecked));
-    rows.alloc();
-    rows.prepare(selectGoals + condition);
-    rows.define_and_bind();
-    rows.execute();
     std::vector<Goal> found;
-    while (rows.fetch())
-        found.push_back(row.goal());
+    GoalQuery(connection, condition, ids...).addTo(found);
     return found;
 }
 
@@ -78,10 +99,22 @@ std::vector<Goal> goalsOfSet(Connection &connection, std::int64_t accountId, std
 
 std::optional<Goal> findGoal(Connection &connection, std::int64_t accountId, std::int64_t goalId)
 {
-    const long long account = accountId;
-    const long long goal = goalId;
-    const std::vector<Goal> found = goalsWhere(connection, " AND goal.goal_id = :goal", account, goal);
+    const std::vector<Goal> found = findGoals(connection, accountId, {goalId});
     return found.empty() ? std::nullopt : std::optional(found.front());
+}
+
+std::vector<Goal> findGoals(Connection &connection, std::int64_t accountId,
+                            const std::vector<std::int64_t> &goalIds)
+{
+    const long long account = accountId;
+    BoundGoal wanted;
+    GoalQuery query(connection, " AND goal.goal_id = :goal", account, wanted.id);
+    std::vector<Goal> found;
+    for (const std::int64_t goalId : goalIds) {
+        wanted.id = goalId;
+        query.addTo(found);
+    }
+    return found;
 }
 
 std::vector<GoalCount> goalCounts(Connection &connection, std::int64_t accountId)

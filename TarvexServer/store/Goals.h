@@ -43,6 +43,10 @@ std::vector<GoalCount> goalCounts(Connection &connection, std::int64_t accountId
 
 std::optional<Goal> findGoal(Connection &connection, std::int64_t accountId, std::int64_t goalId);
 
+/// Those of the goals that exist.
+std::vector<Goal> findGoals(Connection &connection, std::int64_t accountId,
+                            const std::vector<std::int64_t> &goalIds);
+
 /// Inserts the goals in their order under new ids; those they carry are ignored. Set and area must be there.
 void createGoals(Connection &connection, std::int64_t accountId, const std::vector<Goal> &goals);
 
