@@ -5,26 +5,40 @@
 #include "SampleAccount.h"
 #include "Server.h"
 
+#include <algorithm>
 #include <CLI/CLI.hpp>
 #include <csignal>
 #include <exception>
 #include <iostream>
+#include <sys/resource.h>
 
 namespace tarvex::app {
 
 namespace {
+
+/// So that the service's own limit of connections is the one that is met first.
+void raiseFileLimit()
+{
+    constexpr rlim_t enough = 4096;
+    rlimit files{};
+    if (::getrlimit(RLIMIT_NOFILE, &files) != 0 || files.rlim_cur >= enough)
+        return;
+    files.rlim_cur = std::min(enough, files.rlim_max);
+    ::setrlimit(RLIMIT_NOFILE, &files); // if it fails, connections beyond the limit wait
+}
 
 int serve(const std::string &listen, const std::string &databaseUrl)
 {
     const auto address = listenAddress(listen);
     if (!address)
         throw http::CannotListen("The address to listen on must be given as HOST:PORT.");
+    const Log log; // the last to end, for it may end the process
     store::Database database(databaseUrl);
     requests::Service service(database);
     http::Server server(service, address->host, address->port, /*limits=*/{}, logRequest);
     server.drainOnSignals();
     std::signal(SIGPIPE, SIG_IGN); // a log that nobody reads any more is no reason to end
-    startLog();
+    raiseFileLimit();
     logEvent("started");
     std::cout << "READY " << serviceUrl(address->host, server.port()) << std::endl;
     server.run();

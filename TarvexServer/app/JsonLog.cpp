@@ -1,12 +1,20 @@
 #include "JsonLog.h"
 
 #include <boost/json.hpp>
+#include <chrono>
+#include <cstdlib>
+#include <future>
+#include <spdlog/async.h>
 #include <spdlog/sinks/stdout_sinks.h>
 #include <spdlog/spdlog.h>
+#include <thread>
 
 namespace tarvex::app {
 
 namespace {
+
+constexpr std::size_t waitingLines = 4096; // beyond these the oldest are lost
+constexpr std::chrono::seconds endTime{2};
 
 const char *nameOf(requests::Outcome outcome)
 {
@@ -37,11 +45,24 @@ void log(spdlog::level::level_enum level, const boost::json::object &fields)
 
 } // namespace
 
-void startLog()
+Log::Log()
 {
-    auto logger = spdlog::stderr_logger_mt("tarvex-server");
+    spdlog::init_thread_pool(waitingLines, /*threads_n=*/1);
+    auto logger = spdlog::create_async_nb<spdlog::sinks::stderr_sink_mt>("tarvex-server");
     logger->set_pattern(R"({"time":"%Y-%m-%dT%H:%M:%S.%e%z","level":"%l",%v})");
     spdlog::set_default_logger(logger);
+}
+
+Log::~Log()
+{
+    std::promise<void> written;
+    auto isWritten = written.get_future();
+    std::thread([written = std::move(written)]() mutable {
+        spdlog::shutdown();
+        written.set_value();
+    }).detach();
+    if (isWritten.wait_for(endTime) != std::future_status::ready)
+        std::_Exit(EXIT_SUCCESS); // nobody reads the rest, and the thread that writes it cannot be woken
 }
 
 void logEvent(const std::string &event)

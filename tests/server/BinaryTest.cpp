@@ -73,6 +73,9 @@ TEST(Binary, ServesTheSampleAccountUntilItIsTold)
     client.post("p1=create-new-user&p2=new@example.org&p3=topsecret&p4=Newcomer&type=json");
     client.post("p1=sign-in&p2=" + login + "&p3=" + login);
 
+    for (int i = 0; i < 800; ++i)
+        client.post("p1=x"); // more than a log that nobody reads can take at once
+
     ServerProcess second(folder, "serve --listen " + address + database);
     EXPECT_EQ(second.ended(), std::pair(1, "tarvex-server: The address " + address +
                                                " cannot be listened on: Address already in use.\n"));
