@@ -2,6 +2,7 @@
 #include "DialArea.h"
 #include "DocumentController.h"
 #include "ElidedLabel.h"
+#include "NotingAlert.h"
 #include "RotatedLabel.h"
 #include "Sheet.h"
 #include "TarvexDocument.h"
@@ -17,8 +18,22 @@ void TarvexDocument::startGettingData()
     TVXManager manager(m_controller.exchange(), m_controller.alert());
     m_project->sets()->clear();
     m_project->areas()->clear();
-    manager.getSetsFromServerByUsingLogin(m_loginUserName, m_loginPassword, *m_project->sets());
+    loadSets(*m_project->sets());
     manager.getAreasFormServeByUsingLogin(m_loginUserName, m_loginPassword, *m_project->areas());
+}
+
+void TarvexDocument::loadSets(TVXSetsList &sets)
+{
+    m_hasSetsLoadFailed = true; // also for an answer that ends the action
+    NotingAlert alert(m_controller.alert());
+    TVXManager manager(m_controller.exchange(), alert);
+    manager.getSetsFromServerByUsingLogin(m_loginUserName, m_loginPassword, sets);
+    m_hasSetsLoadFailed = alert.wasShown;
+}
+
+bool TarvexDocument::lacksSets() const
+{
+    return m_hasSetsLoadFailed && m_project->sets()->empty();
 }
 
 void TarvexDocument::setNamesForAreasOnWindow()
@@ -142,15 +157,18 @@ void TarvexDocument::showState()
         guidance = tr("Sign in to see your wheel.");
     else if (!hasAreas)
         guidance = tr("The service sent no wheel. Choose Sign In in the File menu to try again.");
+    else if (lacksSets())
+        guidance = tr("The sets could not be loaded. Choose Sign In in the File menu to load them again.");
     else if (!hasSets)
         guidance = tr("There are no sets yet. Choose New Set to begin with one.");
     else
         guidance = tr("Click an area to set its value and edit its goals.");
     m_labelGuidance->setText(guidance);
     m_dialArea->setWheelShown(m_isLoaded && hasAreas);
-    m_listOfProjects->setPlaceholderText(!m_isLoaded ? QString()
-                                         : hasSets   ? tr("Choose a set")
-                                                     : tr("No sets"));
+    m_listOfProjects->setPlaceholderText(!m_isLoaded   ? QString()
+                                         : hasSets     ? tr("Choose a set")
+                                         : lacksSets() ? tr("Sets not loaded")
+                                                       : tr("No sets"));
     m_listOfProjects->setEnabled(hasSets);
     enableCommands();
 }
@@ -162,7 +180,7 @@ void TarvexDocument::enableCommands()
         m_window->findChild<QAction *>(QString::fromLatin1(name))->setEnabled(enabled);
     };
     // Cancelling the sheet closes the document, so it is offered again only where there is nothing to lose.
-    enable("actionSignIn", m_isLoaded && m_project->areas()->empty());
+    enable("actionSignIn", m_isLoaded && (m_project->areas()->empty() || lacksSets()));
     enable("actionNewSet", m_isLoaded);
     enable("actionRenameAreas", m_isLoaded && !m_project->areas()->empty());
     enable("actionRenameSet", hasSet);

@@ -71,7 +71,7 @@ void TarvexDocument::createSet(const QString &name)
 {
     TVXManager manager(m_controller.exchange(), m_controller.alert());
     manager.createSestUsingLogin(m_loginUserName, m_loginPassword, name);
-    manager.getSetsFromServerByUsingLogin(m_loginUserName, m_loginPassword, *shownSets());
+    loadSets(*shownSets());
     m_listOfProjects->reloadData();
     m_listOfProjects->selectItemAtIndex(/*index=*/1); // where the service lists the newest set
 }
@@ -81,7 +81,7 @@ void TarvexDocument::renameSet(const QString &name, qint64 idOfSets)
     TVXManager manager(m_controller.exchange(), m_controller.alert());
     manager.renameSestUsingLogin(m_loginUserName, m_loginPassword, name, idOfSets);
     const std::shared_ptr<TVXSetsList> sets = shownSets();
-    manager.getSetsFromServerByUsingLogin(m_loginUserName, m_loginPassword, *sets);
+    loadSets(*sets);
     m_listOfProjects->reloadData();
     const TVXSetsPtr renamed = m_wheelView->mainData()->setByName(name);
     const auto found = std::find(sets->begin(), sets->end(), renamed);
@@ -131,7 +131,7 @@ void TarvexDocument::deleteSelectedSet()
         return;
     TVXManager manager(m_controller.exchange(), m_controller.alert());
     manager.deleteSestUsingLogin(m_loginUserName, m_loginPassword, (*sets)[index]->idOfSets());
-    manager.getSetsFromServerByUsingLogin(m_loginUserName, m_loginPassword, *sets);
+    loadSets(*sets);
     const int before = m_listOfProjects->indexOfSelectedItem();
     m_listOfProjects->selectItemAtIndex(before == 0 ? 0 : before - 1);
     m_listOfProjects->reloadData();

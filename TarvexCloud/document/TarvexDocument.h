@@ -241,6 +241,9 @@ private:
     void writePdf(PrintOperation &operation, const QString &path, const QPageRanges &pages = {});
     void beginSheet(Sheet *sheet);
     TarvexDocument *documentToBorrowFrom() const;
+    void loadSets(TVXSetsList &sets);
+    /// Whether there are no sets on show because they could not be fetched.
+    bool lacksSets() const;
     void createSet(const QString &name);
     void renameSet(const QString &name, qint64 idOfSets);
     void deleteSelectedSet();
@@ -260,6 +263,7 @@ private:
     QString m_loginPassword = QStringLiteral("");
     std::weak_ptr<TVXSets> m_currentSet;
     bool m_isLoaded = false;
+    bool m_hasSetsLoadFailed = false;
     PrintInfo m_printInfo;
 
     std::unique_ptr<QMainWindow> m_window;

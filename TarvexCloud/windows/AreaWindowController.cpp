@@ -5,11 +5,11 @@
 #include "GoalTableModel.h"
 #include "GoalTableView.h"
 #include "MnemonicLabel.h"
+#include "NotingAlert.h"
 #include "Sheet.h"
 #include "SheetBusyScope.h"
 #include "SheetStyle.h"
 #include "TarvexView.h"
-#include "TVXAlert.h"
 #include "TVXManager.h"
 #include "WindowServices.h"
 #include "Words.h"
@@ -17,24 +17,6 @@
 #include "ui_AreaSheet.h"
 
 #include <QPushButton>
-
-/// Shows alerts and notes that it did: the only sign of a request that got no answer.
-class AreaWindowController::NotingAlert : public TVXAlert
-{
-public:
-    explicit NotingAlert(TVXAlert &shown) : m_shown(shown) {}
-
-    void showError(const QString &description) override
-    {
-        wasShown = true;
-        m_shown.showError(description);
-    }
-
-    bool wasShown = false;
-
-private:
-    TVXAlert &m_shown;
-};
 
 namespace {
 

@@ -71,8 +71,6 @@ public Q_SLOTS:
     void removeSelectedGoal();
 
 private:
-    class NotingAlert;
-
     TVXProjectPtr mainData() const;
     std::shared_ptr<TVXGoalList> goals() const;
     void connectControls(QPushButton *cancel);

@@ -182,6 +182,7 @@ private Q_SLOTS:
                 QCOMPARE(client.alert.errors.size(), failing.size());
                 QCOMPARE(client.service.requests().size(), 5);
                 QCOMPARE(document->listOfProjects()->count(), setsThen);
+                QCOMPARE(Client::guidance(document).contains(u"Choose Sign In"_s), setsThen == 0);
                 QVERIFY(!document->wndProjectName()->isVisible());
                 QVERIFY(!client.controller.isBusy());
             }
