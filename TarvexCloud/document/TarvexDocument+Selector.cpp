@@ -46,6 +46,7 @@ void TarvexDocument::setNamesForAreasOnWindow()
     for (std::size_t k = 0; k < m_labels.size() && k < areas.size(); ++k)
         if (m_labels[k])
             m_labels[k]->setText(areas[k]->name());
+    showState();
 }
 
 std::shared_ptr<TVXSetsList> TarvexDocument::shownSets() const

@@ -91,7 +91,8 @@ public:
     void loadStartupDataForLogin(const QString &login, const QString &andPassword);
     /// Fetches the project's sets, then its areas.
     void startGettingData();
-    /// Puts the area names into their labels; labels without an area keep what they show.
+    /// Puts the area names into their labels; labels without an area keep what they show. Without any area
+    /// the window says so.
     void setNamesForAreasOnWindow() override;
     /// Shows the selected set's percents and their average; with no set selected nothing changes.
     void updatePercentValues() override;

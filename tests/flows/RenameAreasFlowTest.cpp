@@ -145,6 +145,24 @@ private Q_SLOTS:
         open.click("Save");
         QVERIFY(!open.sheet->isVisible());
     }
+
+    void aServiceGoneInMidSessionIsToldAndSigningInBringsAllBack()
+    {
+        OpenNames open;
+        const auto signInAgain = [&](const char *kind, const ServiceReply &reply) {
+            open.service.answer(kind, reply);
+            Client::trigger(open.document, "actionSignIn");
+            const bool isOffered = open.document->wndSignIn()->isVisible();
+            Client::signIn(open.document);
+            return isOffered ? Client::guidance(open.document) : QString();
+        };
+        open.service.answer("get-sets", noAnswer);
+        open.service.answer("get-areas", noAnswer);
+        open.click("Save");
+        QVERIFY(Client::guidance(open.document).contains(u"sent no wheel"_s));
+        QVERIFY(signInAgain("get-areas", httpReply(areasAnswer(eightNames))).contains(u"sets could not"_s));
+        QVERIFY(signInAgain("get-sets", httpReply(setsAnswer({}))).contains(u"no sets yet"_s));
+    }
 };
 
 QTEST_MAIN(RenameAreasFlowTest)
