@@ -1,4 +1,5 @@
 #include "DocumentController.h"
+#include "ElidedLabel.h"
 #include "PrintOperation.h"
 #include "ReportPdf.h"
 #include "ReportPreview.h"
@@ -11,6 +12,7 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMainWindow>
 #include <QPrintDialog>
 #include <QPrinter>
@@ -133,7 +135,7 @@ void TarvexDocument::askForPrinter(const std::shared_ptr<PrintOperation> &operat
     dialog->setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintPageRange |
                        QAbstractPrintDialog::PrintShowPageSize | QAbstractPrintDialog::PrintCollateCopies);
     const auto chosen = [this, printer, operation, asking = QPointer(window)] {
-        printOn(*printer, *operation);
+        printOn(*printer, operation, asking);
         // The operation is now laid out for the printer's paper.
         if (auto *preview = asking ? asking->findChild<ReportPreview *>() : nullptr)
             preview->setPageLayout(m_printInfo.pageLayout);
@@ -142,17 +144,18 @@ void TarvexDocument::askForPrinter(const std::shared_ptr<PrintOperation> &operat
     dialog->open();
 }
 
-void TarvexDocument::printOn(QPrinter &printer, PrintOperation &operation)
+void TarvexDocument::printOn(QPrinter &printer, const std::shared_ptr<PrintOperation> &operation,
+                             QWidget *window)
 {
     m_printInfo.pageLayout = printer.pageLayout();
     if (printer.outputFormat() == QPrinter::PdfFormat) {
         const bool isPart = printer.printRange() == QPrinter::PageRange;
-        writePdf(operation, printer.outputFileName(), isPart ? printer.pageRanges() : QPageRanges());
+        writePdf(operation, window, printer.outputFileName(), isPart ? printer.pageRanges() : QPageRanges());
         return;
     }
     const auto failure = [&] {
         const auto waiting = waitCursor();
-        return operation.runOn(printer);
+        return operation->runOn(printer);
     }();
     if (!failure)
         return;
@@ -165,7 +168,8 @@ void TarvexDocument::printOn(QPrinter &printer, PrintOperation &operation)
                                  .arg(printer.printerName()));
 }
 
-void TarvexDocument::askForFile(const std::shared_ptr<PrintOperation> &operation, QWidget *window)
+void TarvexDocument::askForFile(const std::shared_ptr<PrintOperation> &operation, QWidget *window,
+                                const QString &typedPath, const QPageRanges &pages)
 {
     auto *dialog = new QFileDialog(window, tr("Save as PDF"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
@@ -174,19 +178,39 @@ void TarvexDocument::askForFile(const std::shared_ptr<PrintOperation> &operation
     dialog->setDefaultSuffix(QStringLiteral("pdf"));
     const QDir documents(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
     dialog->setDirectory(documents.exists() ? documents : QDir::home());
-    dialog->selectFile(fileNameFor(operation->view().titleOfDocument()));
-    connect(dialog, &QFileDialog::fileSelected, this,
-            [this, operation](const QString &path) { writePdf(*operation, path); });
+    dialog->selectFile(typedPath.isEmpty() ? fileNameFor(operation->view().titleOfDocument()) : typedPath);
+    auto *field = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")); // a native dialog has none
+    if (field && !typedPath.isEmpty() && !QFileInfo(typedPath).dir().exists())
+        field->setText(typedPath); // which the toolkit shows as if it were relative
+    const auto chosen = [this, dialog, operation, pages, asking = QPointer(window)](const QString &path) {
+        dialog->hide(); // which the toolkit does only afterwards; another one may follow it
+        writePdf(operation, asking, path, pages);
+    };
+    connect(dialog, &QFileDialog::fileSelected, this, chosen);
     dialog->open();
 }
 
-void TarvexDocument::writePdf(PrintOperation &operation, const QString &path, const QPageRanges &pages)
+void TarvexDocument::writePdf(const std::shared_ptr<PrintOperation> &operation, QWidget *window,
+                              const QString &path, const QPageRanges &pages)
 {
     const std::optional<QString> failure = [&] {
         const auto waiting = waitCursor();
-        return saveReportAsPdf(operation, m_printInfo.pageLayout, path, pages);
+        return saveReportAsPdf(*operation, m_printInfo.pageLayout, path, pages);
     }();
-    if (failure)
-        m_controller.alert().showError(tr("The report could not be saved as \"%1\".\n\n%2.")
-                                           .arg(QDir::toNativeSeparators(path), *failure));
+    if (!failure) {
+        showSaved(path);
+        return;
+    }
+    const QPointer asking(window); // may be gone after the alert, and the document with it
+    m_controller.alert().showError(
+        tr("The report could not be saved as \"%1\".\n\n%2.").arg(QDir::toNativeSeparators(path), *failure));
+    if (asking && asking->isVisible())
+        askForFile(operation, asking, path, pages);
+}
+
+void TarvexDocument::showSaved(const QString &path)
+{
+    const QString name = m_labelGuidance->fontMetrics().elidedText(
+        singleLineOf(QFileInfo(path).fileName()), Qt::ElideMiddle, m_labelGuidance->width() / 2);
+    m_labelGuidance->setText(tr("The report was saved as \u201C%1\u201D.").arg(name));
 }

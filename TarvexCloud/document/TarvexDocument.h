@@ -237,9 +237,12 @@ private:
     bool mayOpenSheet() const;
     void makePrintOperation(const std::function<void(const std::shared_ptr<PrintOperation> &)> &next);
     void askForPrinter(const std::shared_ptr<PrintOperation> &operation, QWidget *window);
-    void askForFile(const std::shared_ptr<PrintOperation> &operation, QWidget *window);
-    void printOn(QPrinter &printer, PrintOperation &operation);
-    void writePdf(PrintOperation &operation, const QString &path, const QPageRanges &pages = {});
+    void askForFile(const std::shared_ptr<PrintOperation> &operation, QWidget *window,
+                    const QString &typedPath = {}, const QPageRanges &pages = {});
+    void printOn(QPrinter &printer, const std::shared_ptr<PrintOperation> &operation, QWidget *window);
+    void writePdf(const std::shared_ptr<PrintOperation> &operation, QWidget *window, const QString &path,
+                  const QPageRanges &pages = {});
+    void showSaved(const QString &path);
     void beginSheet(Sheet *sheet);
     TarvexDocument *documentToBorrowFrom() const;
     void loadSets(TVXSetsList &sets);

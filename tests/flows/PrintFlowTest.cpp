@@ -88,6 +88,7 @@ private Q_SLOTS:
         QCOMPARE(client.service.bodies().mid(3), {"p1=get-complex-goals-for-sets" + annsDigests + "&p4=9"});
         QCOMPARE(client.document->project()->goals()->size(), 100);
         QVERIFY(client.alert.errors.isEmpty());
+        QVERIFY(Client::guidance(client.document).contains(u"“mine.pdf”"_s));
     }
 
     void goalsThatDoNotComeLeaveHeadersAndFullPercentages()
@@ -129,6 +130,8 @@ private Q_SLOTS:
         QCOMPARE(client.alert.errors.size(), 1);
         QVERIFY2(client.alert.errors[0].contains(path) && client.alert.errors[0].contains(reason),
                  qPrintable(client.alert.errors[0]));
+        QTRY_VERIFY(client.dialog<QFileDialog>() && client.dialog<QFileDialog>()->isVisible()); // once more
+        QVERIFY(client.dialog<QFileDialog>()->selectedFiles().value(0).startsWith(path));
     }
 
     void thePreviewShowsThePagesOneByOneAndSavesThem()
