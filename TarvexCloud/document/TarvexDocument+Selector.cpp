@@ -174,6 +174,18 @@ void TarvexDocument::showState()
     enableCommands();
 }
 
+void TarvexDocument::colourPlaceholder()
+{
+    constexpr float strength = 0.66F; // a contrast of more than 4.5 to 1 on black and white alike
+    QColor color = m_listOfProjects->palette().color(QPalette::Active, QPalette::ButtonText);
+    color.setAlphaF(strength);
+    if (m_listOfProjects->palette().color(QPalette::Active, QPalette::PlaceholderText) == color)
+        return;   // setting it changes the palette and leads here again
+    QPalette own; // of one colour; all others stay those of the look
+    own.setColor(QPalette::PlaceholderText, color);
+    m_listOfProjects->setPalette(own);
+}
+
 void TarvexDocument::enableCommands()
 {
     const bool hasSet = selectedSet() != nullptr;

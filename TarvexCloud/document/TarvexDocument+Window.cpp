@@ -92,6 +92,8 @@ void TarvexDocument::connectOutlets()
 
     m_listOfProjects = m_window->findChild<SourcedComboBox *>(QStringLiteral("listOfProjects"));
     m_listOfProjects->setDataSource(this);
+    m_listOfProjects->installEventFilter(this);
+    colourPlaceholder();
 
     m_wndProjectName = new ProjectNameSheet(m_window.get());
     m_deleteAlert = new AlertSheet(m_window.get());
@@ -171,6 +173,8 @@ void TarvexDocument::close()
 
 bool TarvexDocument::eventFilter(QObject *watched, QEvent *event)
 {
+    if (event->type() == QEvent::PaletteChange && watched == m_listOfProjects)
+        colourPlaceholder();
     if (watched != m_window.get() || event->type() != QEvent::Close)
         return QObject::eventFilter(watched, event);
     event->ignore(); // the document hides its window itself, after its sheets

@@ -18,6 +18,8 @@ TarvexDocument::TarvexDocument(DocumentController &controller)
 
 TarvexDocument::~TarvexDocument()
 {
+    if (m_listOfProjects)
+        m_listOfProjects->removeEventFilter(this); // the window goes only after the outlets
     if (m_listOfProjects && m_listOfProjects->dataSource() == this)
         m_listOfProjects->setDataSource(nullptr);
     if (m_renameController && m_renameController->parent() == this)

@@ -257,6 +257,7 @@ private:
     /// placeholder.
     void showState();
     void enableCommands();
+    void colourPlaceholder();
     void showSelectedSet();
     TVXSetsPtr selectedSet() const;
     std::shared_ptr<TVXSetsList> shownSets() const;
