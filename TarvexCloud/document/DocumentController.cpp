@@ -69,12 +69,17 @@ void DocumentController::newDocument()
         openUntitledDocument();
 }
 
+QDir DocumentController::folderOfFiles()
+{
+    const QDir documents(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    return documents.exists() ? documents : QDir::home();
+}
+
 void DocumentController::openDocument()
 {
     if (isBusy())
         return;
-    auto *dialog = new QFileDialog(mainWindow(), tr("Open"),
-                                   QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    auto *dialog = new QFileDialog(mainWindow(), tr("Open"), folderOfFiles().path());
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFile);
     connect(dialog, &QFileDialog::fileSelected, this, &DocumentController::openFile);

@@ -3,6 +3,7 @@
 #include "WindowServices.h"
 
 #include <memory>
+#include <QDir>
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
@@ -21,6 +22,9 @@ public:
     /// All are shared by the documents and must outlive the controller.
     DocumentController(TVXExchange &exchange, TVXAlert &alert, LinkOpener &links);
     ~DocumentController() override;
+
+    /// Where dialogs that ask for a file begin: the user's documents, or without such a folder the home.
+    static QDir folderOfFiles();
 
     TVXExchange &exchange() const override { return m_exchange; }
     TVXAlert &alert() const override { return m_alert; }

@@ -18,7 +18,6 @@
 #include <QPrinter>
 #include <QPrinterInfo>
 #include <QScopeGuard>
-#include <QStandardPaths>
 
 namespace {
 constexpr qreal margin = 18; // what most printers need; the report's columns leave no room for more
@@ -176,8 +175,7 @@ void TarvexDocument::askForFile(const std::shared_ptr<PrintOperation> &operation
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setNameFilter(tr("PDF files (*.pdf)"));
     dialog->setDefaultSuffix(QStringLiteral("pdf"));
-    const QDir documents(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
-    dialog->setDirectory(documents.exists() ? documents : QDir::home());
+    dialog->setDirectory(DocumentController::folderOfFiles());
     dialog->selectFile(typedPath.isEmpty() ? fileNameFor(operation->view().titleOfDocument()) : typedPath);
     auto *field = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")); // a native dialog has none
     if (field && !typedPath.isEmpty() && !QFileInfo(typedPath).dir().exists())
