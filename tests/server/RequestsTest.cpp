@@ -103,6 +103,7 @@ TEST_F(Requests, OnlyFailuresCountHoweverManySignInAtOnce)
 {
     for (const auto &[password, expected] : {std::pair("wrong", 10), std::pair(m_password.c_str(), 40)}) {
         std::vector<std::unique_ptr<requests::Turn>> turns;
+        turns.reserve(40);
         for (int i = 0; i < 40; ++i)
             turns.push_back(m_service.begin({.body = "p1=sign-in" + credentials(m_login, password),
                                              .peer = "192.0.2.1",
