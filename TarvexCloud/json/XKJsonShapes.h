@@ -55,7 +55,10 @@ public:
     /// The members that are likely to come with such a first key, itself included.
     XKJsonNode foreseenFrom(const XKJsonNode &firstKey) const
     {
-        return m_isEmpty ? XKJsonNode() : XKJsonForeseen::membersLikeThoseOf(m_known[placeOf(firstKey)]);
+        if (m_isEmpty)
+            return XKJsonNode();
+        const Members &known = m_known[placeOf(firstKey)];
+        return XKJsonNode(XKJsonKind::Dictionary, known.first, known.count, XKJsonNode::Distinct);
     }
     /// Takes note of a dictionary that lies in an arena.
     void remember(const XKJsonNode &dictionary)
@@ -64,12 +67,18 @@ public:
         if (dictionary.length() < fewest)
             return;
         if (m_isEmpty)
-            m_known.fill(XKJsonNode());
+            m_known.fill({});
         m_isEmpty = false;
-        m_known[placeOf(*dictionary.items)] = dictionary;
+        m_known[placeOf(*dictionary.items)] = {dictionary.items, dictionary.length()};
     }
 
 private:
+    struct Members // without values of their own, so that a table of them costs nothing before it is used
+    {
+        const XKJsonNode *first;
+        std::size_t count;
+    };
+
     static std::size_t placeOf(const XKJsonNode &key)
     {
         const std::size_t length = key.length();
@@ -79,6 +88,6 @@ private:
 
     static constexpr std::size_t placeCount = 32;
 
-    bool m_isEmpty = true; // which spares a small text setting what follows
-    std::array<XKJsonNode, placeCount> m_known;
+    bool m_isEmpty = true;
+    std::array<Members, placeCount> m_known; // not set on purpose while it is empty
 };
