@@ -45,8 +45,12 @@ XKJsonArena::~XKJsonArena()
 XKJsonNode *XKJsonArena::copy(const XKJsonNode *nodes, std::size_t count)
 {
     auto *const copied = static_cast<XKJsonNode *>(allocate(count * sizeof(XKJsonNode)));
-    for (std::size_t i = 0; i < count; ++i) // mostly so few that a call would cost more
-        copied[i] = nodes[i];
+    constexpr std::size_t few = 8; // for which a call would cost more
+    if (count > few)
+        std::memcpy(copied, nodes, count * sizeof(XKJsonNode));
+    else
+        for (std::size_t i = 0; i < count; ++i)
+            copied[i] = nodes[i];
     return copied;
 }
 

@@ -9,7 +9,7 @@ std::optional<XKJsonDecimal> XKJsonDecimal::fromText(const QString &text)
     if (*units != u'-' && !XKJsonText::isDigit(*units))
         return std::nullopt;
     const char16_t *const end = units + decimal.m_text.size();
-    const XKJsonNumberText number = XKJsonNumberText::read(units, end);
+    const XKJsonNumberText number = XKJsonNumberText::read(units, XKJsonText::Limit(units, end - units));
     if (number.fault != XKJsonNumberText::Fault::None || !number.exponentFits || number.end != end)
         return std::nullopt;
     return decimal;

@@ -64,6 +64,7 @@ struct XKJsonNode
 
     XKJsonKind kind() const { return static_cast<XKJsonKind>(head & 0xFF); }
     std::size_t length() const { return head >> 16; }
+    void shorten(std::size_t by) { head -= static_cast<quint64>(by) << 16; }
     bool is(Flag flag) const { return (head & flag) != 0; }
     /// Of a string or a decimal.
     QStringView view() const { return {text, static_cast<qsizetype>(length())}; }

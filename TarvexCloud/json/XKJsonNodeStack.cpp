@@ -15,7 +15,7 @@ void XKJsonNodeStack::grow()
 {
     const std::size_t count = size();
     XKJsonNode *const nodes = m_nodes;
-    const XKJsonArena::Memory old = useNew(2 * count);
+    const XKJsonArena::Memory old = useNew(2 * capacity());
     std::memcpy(m_nodes, nodes, count * sizeof(XKJsonNode));
     m_top = m_nodes + count;
 }
@@ -38,6 +38,6 @@ XKJsonArena::Memory XKJsonNodeStack::useNew(std::size_t capacity)
     XKJsonPages::preferLarge(memory.get(), capacity * sizeof(XKJsonNode));
     m_memory.swap(memory);
     m_nodes = static_cast<XKJsonNode *>(m_memory.get());
-    m_limit = m_nodes + capacity;
+    m_limit = m_nodes + (capacity - mostNodes);
     return memory;
 }

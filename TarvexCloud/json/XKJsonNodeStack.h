@@ -15,13 +15,14 @@ public:
 
     /// Where the next node is to be made; it is none of the stack's before keep(). Made in place because a
     /// copy would wait for the stores of its two halves.
-    XKJsonNode &next()
-    {
-        if (m_top == m_limit)
-            grow();
-        return *m_top;
-    }
+    XKJsonNode &next() { return *m_top; }
     void keep() { ++m_top; }
+    /// To be called before a member or an element is read, so that next() has room for all its nodes.
+    void makeRoom()
+    {
+        if (m_top >= m_limit)
+            grow();
+    }
     std::size_t size() const { return static_cast<std::size_t>(m_top - m_nodes); }
     XKJsonNode &operator[](std::size_t place) { return m_nodes[place]; }
     /// The nodes from a place on, moved into the arena, together with so many of those in front of them:
@@ -37,13 +38,15 @@ public:
     void shrinkTo(std::size_t size) { m_top = m_nodes + size; }
 
 private:
-    std::size_t capacity() const { return static_cast<std::size_t>(m_limit - m_nodes); }
+    std::size_t capacity() const { return static_cast<std::size_t>(m_limit - m_nodes) + mostNodes; }
     bool isLarge() const { return capacity() >= largeCount; }
     void grow();
     XKJsonNode *handOver(XKJsonArena &arena, std::size_t place);
     /// Gives what was in use before, with the nodes in it.
     XKJsonArena::Memory useNew(std::size_t capacity);
 
+    /// Of a member: its key, its value or an opened dictionary, and what is foreseen of that.
+    static constexpr std::size_t mostNodes = 3;
     static constexpr std::size_t firstCount = 64;
     static constexpr std::size_t largeCount = std::size_t(64) * 1024; // better not copied
 
@@ -51,5 +54,5 @@ private:
     XKJsonArena::Memory m_memory; // in use once m_first is outgrown
     XKJsonNode *m_nodes = reinterpret_cast<XKJsonNode *>(m_first.data());
     XKJsonNode *m_top = m_nodes;
-    XKJsonNode *m_limit = m_nodes + firstCount;
+    XKJsonNode *m_limit = m_nodes + (firstCount - mostNodes);
 };

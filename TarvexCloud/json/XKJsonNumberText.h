@@ -10,7 +10,7 @@ struct XKJsonNumberText
     enum class Fault { None, LeadingZero, NothingAfterMinus, NothingAfterPoint, NothingAfterExponent };
 
     /// Reads the number that begins at the cursor, which stands on a minus or a digit.
-    static XKJsonNumberText read(const char16_t *c, const char16_t *textEnd);
+    static XKJsonNumberText read(const char16_t *c, XKJsonText::Limit limit);
 
     const char16_t *end = nullptr; ///< behind its last unit, or where the fault is
     Fault fault = Fault::None;
@@ -20,9 +20,9 @@ struct XKJsonNumberText
     qint64 integer = 0;       ///< if it is one
 
 private:
-    bool readIntegerPart(const char16_t *textEnd);
-    bool readFraction(const char16_t *textEnd);
-    bool readExponent(const char16_t *textEnd);
+    bool readIntegerPart(XKJsonText::Limit limit);
+    bool readFraction(XKJsonText::Limit limit);
+    bool readExponent(XKJsonText::Limit limit);
     bool failWith(Fault what)
     {
         fault = what;
@@ -30,18 +30,18 @@ private:
     }
 };
 
-inline XKJsonNumberText XKJsonNumberText::read(const char16_t *c, const char16_t *textEnd)
+inline XKJsonNumberText XKJsonNumberText::read(const char16_t *c, XKJsonText::Limit limit)
 {
     XKJsonNumberText number;
     number.end = c;
-    if (number.readIntegerPart(textEnd) && *number.end == u'.')
-        number.readFraction(textEnd);
+    if (number.readIntegerPart(limit) && *number.end == u'.')
+        number.readFraction(limit);
     if (number.fault == Fault::None && (*number.end | 0x20) == u'e')
-        number.readExponent(textEnd);
+        number.readExponent(limit);
     return number;
 }
 
-inline bool XKJsonNumberText::readIntegerPart(const char16_t *textEnd)
+inline bool XKJsonNumberText::readIntegerPart(XKJsonText::Limit limit)
 {
     const bool isNegative = *end == u'-';
     end += isNegative;
@@ -56,16 +56,16 @@ inline bool XKJsonNumberText::readIntegerPart(const char16_t *textEnd)
     constexpr qptrdiff mostDigits = std::numeric_limits<qint64>::digits10 + 1; // never wraps unsigned
 #ifdef __SSE2__
     using XKJsonText::Eight;
-    while (textEnd - end >= Eight::size && end - digits <= mostDigits - Eight::size &&
+    while (limit.hasEightAt(end) && end - digits <= mostDigits - XKJsonText::eight &&
            !Eight(end).notDigits()) {
         value = value * 100'000'000 + Eight(end).number();
-        end += Eight::size;
+        end += XKJsonText::eight;
     }
 #endif
     for (; XKJsonText::isDigit(*end) && end - digits < mostDigits; ++end)
         value = value * 10 + static_cast<quint64>(*end - u'0');
     if (XKJsonText::isDigit(*end)) {
-        end = XKJsonText::afterDigits(end, textEnd);
+        end = XKJsonText::afterDigits(end, limit);
         isInteger = false;
     }
     if (value > static_cast<quint64>(std::numeric_limits<qint64>::max()))
@@ -75,15 +75,15 @@ inline bool XKJsonNumberText::readIntegerPart(const char16_t *textEnd)
     return true;
 }
 
-inline bool XKJsonNumberText::readFraction(const char16_t *textEnd)
+inline bool XKJsonNumberText::readFraction(XKJsonText::Limit limit)
 {
     isInteger = false;
     const char16_t *const digits = ++end;
-    end = XKJsonText::afterDigits(end, textEnd);
+    end = XKJsonText::afterDigits(end, limit);
     return end != digits || failWith(Fault::NothingAfterPoint);
 }
 
-inline bool XKJsonNumberText::readExponent(const char16_t *textEnd)
+inline bool XKJsonNumberText::readExponent(XKJsonText::Limit limit)
 {
     isInteger = false;
     hasExponent = true;
@@ -91,7 +91,7 @@ inline bool XKJsonNumberText::readExponent(const char16_t *textEnd)
     const bool isNegative = *end == u'-';
     end += isNegative || *end == u'+';
     const char16_t *digits = end;
-    end = XKJsonText::afterDigits(end, textEnd);
+    end = XKJsonText::afterDigits(end, limit);
     if (end == digits)
         return failWith(Fault::NothingAfterExponent);
     while (*digits == u'0')

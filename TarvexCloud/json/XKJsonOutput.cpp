@@ -33,11 +33,12 @@ char16_t *XKJsonOutput::putEscaped(char16_t *to, const char16_t *units, std::siz
     reserve(to, length + longestEscape);
     while (units != unitsEnd) {
 #ifdef __SSE2__
-        if (unitsEnd - units >= XKJsonText::Eight::size) {
-            const XKJsonText::Eight eight(units);
-            const unsigned stops = eight.stops();
-            eight.store(to);
-            const char16_t *const plain = stops ? XKJsonText::firstOf(stops, units) : units + eight.size;
+        if (unitsEnd - units >= XKJsonText::eight) {
+            const XKJsonText::Eight next(units);
+            const unsigned stops = next.stops();
+            next.store(to);
+            const char16_t *const plain =
+                stops ? XKJsonText::firstOf(stops, units) : units + XKJsonText::eight;
             to += plain - units;
             units = plain;
             if (!stops)

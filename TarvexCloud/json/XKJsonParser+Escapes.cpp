@@ -2,6 +2,8 @@
 #include "XKJsonParser.h"
 #include "XKJsonText.h"
 
+#include <algorithm>
+
 using Code = XKJsonErrorCode;
 
 namespace {
@@ -17,37 +19,42 @@ constexpr int hexDigit(char16_t unit)
 
 } // namespace
 
-bool XKJsonParser::scanRestOfStringWithEscapes(XKJsonNode &string)
+// Takes over where the string's first run of text, which begins at the cursor, has been found to end.
+bool XKJsonParser::scanRestOfStringWithEscapes(const char16_t *end, bool mayHaveSurrogates,
+                                               XKJsonNode &string)
 {
-    m_unescaped.clear();
-    for (;;) {
-        bool surrogates = false;
-        const char16_t *const end = XKJsonText::afterRun(m_c, m_end, surrogates);
-        if (surrogates && !XKJsonText::isPaired(m_c, end))
+    std::size_t length = 0;
+    for (;; end = XKJsonText::afterRun(m_c, m_limit, mayHaveSurrogates)) {
+        if (mayHaveSurrogates && !XKJsonText::isPaired(m_c, end))
             return refuse(Code::Unicode, "Broken unicode character");
-        m_unescaped.append(m_c, end);
+        const auto run = static_cast<std::size_t>(end - m_c);
+        const std::size_t needed =
+            length + run + XKJsonText::eight; // the run, an escape, what is overwritten
+        if (m_unescaped.size() < needed)
+            m_unescaped.resize(std::max(needed, 2 * m_unescaped.size()));
+        XKJsonText::copyRun(m_unescaped.data() + length, m_c, end, m_limit);
+        length += run;
         m_c = end;
         if (*m_c == u'"')
             break;
         if (*m_c != u'\\')
             return refuseUnit(Code::ControlCharacter, "Unescaped control character '0x%1'", *m_c);
         ++m_c;
-        if (!scanEscape())
+        if (!scanEscape(m_unescaped[length++]))
             return false;
         if (*m_c == u'\0')
             return refuse(Code::EndOfInput, "Unexpected EOF while parsing string");
     }
     ++m_c;
-    const std::size_t length = m_unescaped.size();
     auto *const text = static_cast<char16_t *>(m_arena->allocate(length * sizeof(char16_t)));
-    m_unescaped.copy(text, length);
+    std::copy_n(m_unescaped.data(), length, text);
     string = XKJsonNode(XKJsonKind::String, text, length, XKJsonNode::NoFlag);
     return true;
 }
 
-bool XKJsonParser::scanEscape()
+bool XKJsonParser::scanEscape(char16_t &unit)
 {
-    char16_t unit = *m_c;
+    unit = *m_c;
     switch (unit) {
     case u'"':
     case u'\\':
@@ -70,14 +77,10 @@ bool XKJsonParser::scanEscape()
         break;
     case u'u':
         ++m_c;
-        if (!scanUnicodeChar(unit))
-            return refuse(Code::Unicode, "Broken unicode character");
-        m_unescaped += unit;
-        return true;
+        return scanUnicodeChar(unit) || refuse(Code::Unicode, "Broken unicode character");
     default:
         return refuseUnit(Code::Escape, "Illegal escape sequence '0x%1'", XKJsonText::firstByte(m_c));
     }
-    m_unescaped += unit;
     ++m_c;
     return true;
 }

@@ -25,7 +25,7 @@ XKJsonValue XKJsonParser::treeOf(const QString &text)
     m_arena = XKJsonArena::make(text);
     XKJsonValue tree(XKJsonNode(), m_arena);
     m_c = reinterpret_cast<const char16_t *>(m_arena->text().constData());
-    m_end = m_c + m_arena->text().size();
+    m_limit = XKJsonText::Limit(m_c, m_arena->text().size());
     m_stack.shrinkTo(/*size=*/0);
     m_open = noContainer;
     m_shapes.clear();
@@ -50,7 +50,7 @@ XKJsonValue XKJsonParser::treeOf(const QString &text)
 
 Q_ALWAYS_INLINE void XKJsonParser::skipSpaces(const char16_t *&c)
 {
-    c = XKJsonText::afterSpaces(c, m_end, m_indent);
+    c = XKJsonText::afterSpaces(c, m_limit, m_indent);
 }
 
 template<std::size_t size>
@@ -87,7 +87,7 @@ Q_ALWAYS_INLINE bool XKJsonParser::scanNumber(const char16_t *&c, XKJsonNode &nu
 {
     using Fault = XKJsonNumberText::Fault;
     const char16_t *const start = c;
-    const XKJsonNumberText text = XKJsonNumberText::read(start, m_end);
+    const XKJsonNumberText text = XKJsonNumberText::read(start, m_limit);
     c = text.end;
     switch (text.fault) {
     case Fault::LeadingZero:
@@ -118,10 +118,10 @@ Q_ALWAYS_INLINE bool XKJsonParser::scanRestOfString(const char16_t *&c, XKJsonNo
 {
     const char16_t *const start = c;
     bool surrogates = false;
-    const char16_t *const end = XKJsonText::afterRun(start, m_end, surrogates);
+    const char16_t *const end = XKJsonText::afterRun(start, m_limit, surrogates);
     if (*end != u'"' || (surrogates && !XKJsonText::isPaired(start, end))) {
         m_c = start;
-        const bool isScanned = scanRestOfStringWithEscapes(string);
+        const bool isScanned = scanRestOfStringWithEscapes(end, surrogates, string);
         c = m_c;
         return isScanned;
     }
@@ -221,7 +221,7 @@ Q_ALWAYS_INLINE bool XKJsonParser::scanRestOfKey(const char16_t *&c)
 {
     XKJsonNode &key = m_stack.next();
     XKJsonNode &foreseen = m_stack[m_open + 1];
-    if (const std::size_t length = XKJsonForeseen::lengthOfNext(foreseen, c, m_end)) {
+    if (const std::size_t length = XKJsonForeseen::lengthOfNext(foreseen, c, m_limit)) {
         key.head = foreseen.items->head;
         key.text = std::exchange(c, c + length);
         XKJsonForeseen::pass(foreseen, /*members=*/1);
@@ -250,15 +250,11 @@ Q_ALWAYS_INLINE bool XKJsonParser::scanKey(const char16_t *&c)
     return true;
 }
 
-bool XKJsonParser::scanDocument()
+inline void XKJsonParser::closeArray()
 {
-    Step step = scanValue(m_c);
-    while (step != Step::Failed && m_open != noContainer) {
-        const bool isAfterValue = step == Step::Scanned;
-        step = m_stack[m_open].kind() == XKJsonKind::Array ? scanRestOfArray(isAfterValue)
-                                                           : scanRestOfDictionary(isAfterValue);
-    }
-    return step != Step::Failed;
+    const std::size_t count = m_stack.size() - (m_open + 1);
+    const XKJsonNode *const elements = m_stack.moveTo(*m_arena, m_open + 1);
+    close(XKJsonNode(XKJsonKind::Array, elements, count, XKJsonNode::NoFlag));
 }
 
 inline void XKJsonParser::closeDictionary()
@@ -277,41 +273,26 @@ inline void XKJsonParser::closeDictionary()
     close(dictionary);
 }
 
-XKJsonParser::Step XKJsonParser::scanRestOfArray(bool isAfterValue)
+Q_ALWAYS_INLINE XKJsonParser::Step XKJsonParser::scanToElement(const char16_t *&c, bool isAfterValue)
 {
-    const char16_t *c = m_c;
-    for (;;) {
-        const bool isAfterComma = isAfterValue && scanComma(c);
-        if (*c == u'\0')
-            return fail(Code::EndOfInput, "End of input while parsing array");
-        if (!isAfterValue)
-            skipSpaces(c);
-        if (*c == u']') {
-            if (isAfterComma)
-                return fail(Code::TrailingComma, "Trailing comma disallowed in array");
-            ++c;
-            const std::size_t count = m_stack.size() - (m_open + 1);
-            const XKJsonNode *const elements = m_stack.moveTo(*m_arena, m_open + 1);
-            close(XKJsonNode(XKJsonKind::Array, elements, count, XKJsonNode::NoFlag));
-            m_c = c;
-            return Step::Scanned;
-        }
-        const Step step = scanValue(c);
-        if (step == Step::Failed)
-            refuse(Code::Parse, "Expected value while parsing array");
-        if (step != Step::Scanned) {
-            m_c = c;
-            return step;
-        }
-        isAfterValue = true;
-    }
+    const bool isAfterComma = isAfterValue && scanComma(c);
+    if (*c == u'\0')
+        return fail(Code::EndOfInput, "End of input while parsing array");
+    if (!isAfterValue)
+        skipSpaces(c);
+    if (*c != u']')
+        return Step::Awaited;
+    if (isAfterComma)
+        return fail(Code::TrailingComma, "Trailing comma disallowed in array");
+    ++c;
+    closeArray();
+    return Step::Scanned;
 }
 
-XKJsonParser::Step XKJsonParser::scanRestOfDictionary(bool isAfterValue)
+Q_ALWAYS_INLINE XKJsonParser::Step XKJsonParser::scanToMember(const char16_t *&c, bool isAfterValue)
 {
-    const char16_t *c = m_c;
-    for (;;) {
-        const bool isAfterComma = isAfterValue && scanComma(c);
+    const bool isAfterComma = isAfterValue && scanComma(c);
+    if (*c != u'"') {
         if (*c == u'\0')
             return fail(Code::EndOfInput, "End of input while parsing object");
         if (!isAfterValue)
@@ -321,20 +302,34 @@ XKJsonParser::Step XKJsonParser::scanRestOfDictionary(bool isAfterValue)
                 return fail(Code::TrailingComma, "Trailing comma disallowed in object");
             ++c;
             closeDictionary();
-            m_c = c;
             return Step::Scanned;
         }
-        if (!scanKey(c))
-            return Step::Failed;
-        const Step step = scanValue(c);
-        if (step == Step::Failed)
-            addErrorOfMember(m_stack.size() - 1);
-        if (step != Step::Scanned) {
-            m_c = c;
-            return step;
-        }
-        isAfterValue = true;
     }
+    return scanKey(c) ? Step::Awaited : Step::Failed;
+}
+
+Q_ALWAYS_INLINE XKJsonParser::Step XKJsonParser::scanToValue(const char16_t *&c, bool isAfterValue)
+{
+    m_stack.makeRoom();
+    return m_stack[m_open].kind() == XKJsonKind::Array ? scanToElement(c, isAfterValue)
+                                                       : scanToMember(c, isAfterValue);
+}
+
+// All values are read at one place, whatever they stand in: so all this makes one loop, which is faster by a
+// tenth than a function for each kind of container.
+bool XKJsonParser::scanDocument()
+{
+    const char16_t *c = m_c;
+    Step step = Step::Awaited;
+    while (step == Step::Awaited) {
+        step = scanValue(c);
+        if (step == Step::Failed && m_open != noContainer)
+            addErrorOfValue(m_stack.size());
+        while ((step == Step::Scanned || step == Step::Opened) && m_open != noContainer)
+            step = scanToValue(c, step == Step::Scanned);
+    }
+    m_c = c;
+    return step == Step::Scanned;
 }
 
 bool XKJsonParser::scanIsAtEnd()
@@ -348,11 +343,16 @@ void XKJsonParser::addErrorsOfOpenContainers()
 {
     while (m_open != noContainer && m_stack[m_open].openedIn != noContainer) {
         const std::size_t inner = std::exchange(m_open, m_stack[m_open].openedIn);
-        if (m_stack[m_open].kind() == XKJsonKind::Array)
-            refuse(Code::Parse, "Expected value while parsing array");
-        else
-            addErrorOfMember(inner - 1);
+        addErrorOfValue(inner);
     }
+}
+
+void XKJsonParser::addErrorOfValue(std::size_t place)
+{
+    if (m_stack[m_open].kind() == XKJsonKind::Array)
+        refuse(Code::Parse, "Expected value while parsing array");
+    else
+        addErrorOfMember(place - 1);
 }
 
 void XKJsonParser::addErrorOfMember(std::size_t keyPlace)

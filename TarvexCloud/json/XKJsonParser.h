@@ -3,9 +3,10 @@
 #include "XKJsonBase.h"
 #include "XKJsonNodeStack.h"
 #include "XKJsonShapes.h"
+#include "XKJsonText.h"
 #include "XKJsonValue.h"
 
-#include <string>
+#include <vector>
 
 /// A strict reader of JSON text. Stricter than RFC 8259 in that a dictionary or an array must stand at the
 /// top, looser in that commas between elements and members may be missing.
@@ -19,15 +20,21 @@ public:
     XKJsonValue objectWithString(const QString &text, XKJsonError *error = nullptr);
 
 private:
-    enum class Step { Failed, Scanned, Opened };
+    enum class Step {
+        Failed,
+        Scanned, ///< a whole value
+        Opened,  ///< a container, up to its first value
+        Awaited, ///< what stands before a value, which must follow
+    };
 
     XKJsonValue treeOf(const QString &text);
     bool scanDocument();
-    // These two go on with the innermost open container: to its end, or to where another opens inside it.
-    Step scanRestOfArray(bool isAfterValue);
-    Step scanRestOfDictionary(bool isAfterValue);
-    // What takes the cursor as an argument does so for it to stay in a register of these two.
+    // What takes the cursor as an argument does so for it to stay in a register of scanDocument().
     Step scanValue(const char16_t *&c);
+    // These go on in the innermost open container: to its end, or to where another value begins.
+    Step scanToValue(const char16_t *&c, bool isAfterValue);
+    Step scanToElement(const char16_t *&c, bool isAfterValue);
+    Step scanToMember(const char16_t *&c, bool isAfterValue);
     bool scanKey(const char16_t *&c);
     bool scanRestOfKey(const char16_t *&c);
     bool scanComma(const char16_t *&c);
@@ -38,8 +45,8 @@ private:
     bool scanLiteral(const char16_t *&c, const char16_t (&rest)[size]);
     bool scanNumber(const char16_t *&c, XKJsonNode &number);
     bool scanRestOfString(const char16_t *&c, XKJsonNode &string);
-    bool scanRestOfStringWithEscapes(XKJsonNode &string);
-    bool scanEscape();
+    bool scanRestOfStringWithEscapes(const char16_t *end, bool mayHaveSurrogates, XKJsonNode &string);
+    bool scanEscape(char16_t &unit);
     bool scanUnicodeChar(char16_t &unit);
     bool scanLowSurrogate(char16_t &unit);
     bool scanHexQuad(char16_t &quad);
@@ -49,10 +56,12 @@ private:
     Step open(XKJsonKind kind);
     void foreseeMembers();
     void close(const XKJsonNode &container);
+    void closeArray();
     void closeDictionary();
     /// Where on the stack the members of the innermost dictionary begin.
     std::size_t firstMember() const { return m_open + 2; }
     void addErrorsOfOpenContainers();
+    void addErrorOfValue(std::size_t place);
     void addErrorOfMember(std::size_t keyPlace);
     bool refuse(XKJsonErrorCode code, const char *description);
     Step fail(XKJsonErrorCode code, const char *description)
@@ -65,11 +74,11 @@ private:
     static constexpr std::size_t noContainer = ~std::size_t(0);
 
     const char16_t *m_c = nullptr; // the cursor
-    const char16_t *m_end = nullptr;
+    XKJsonText::Limit m_limit;     // of the text
     XKJsonArena *m_arena = nullptr;
     XKJsonNodeStack m_stack;
     std::size_t m_open = noContainer; // where on the stack the innermost open container stands
     XKJsonShapes m_shapes;
-    std::u16string m_unescaped;
-    qptrdiff m_indent = 0; // of the last line, in blanks
+    std::vector<char16_t> m_unescaped; // in use for one string at a time
+    XKJsonText::Indent m_indent;
 };

@@ -19,18 +19,18 @@ inline XKJsonNode membersLikeThoseOf(const XKJsonNode &dictionary)
 
 inline void pass(XKJsonNode &foreseen, std::size_t members)
 {
-    foreseen = XKJsonNode(XKJsonKind::Dictionary, foreseen.items + 2 * members, foreseen.length() - members,
-                          foreseen.head & XKJsonNode::Distinct);
+    foreseen.items += 2 * members;
+    foreseen.shorten(members);
 }
 
 /// How many units the next key and its closing quote take at the cursor, behind its opening quote; none if
 /// something else stands there.
-inline std::size_t lengthOfNext(const XKJsonNode &foreseen, const char16_t *c, const char16_t *end)
+inline std::size_t lengthOfNext(const XKJsonNode &foreseen, const char16_t *c, XKJsonText::Limit limit)
 {
     if (foreseen.length() == 0 || !foreseen.items->is(XKJsonNode::Plain))
         return 0;
     const std::size_t length = foreseen.items->length() + 1;
-    return XKJsonText::isRepeated(c, end, foreseen.items->text, length) ? length : 0;
+    return XKJsonText::isRepeated(c, limit, foreseen.items->text, length) ? length : 0;
 }
 
 /// Passes a key that was not the next one, together with one that is missing. If it was not foreseen at all,

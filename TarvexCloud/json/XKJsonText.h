@@ -10,9 +10,28 @@
 #include <emmintrin.h>
 #endif
 
-/// How far a kind of unit reaches in UTF-16 text. Each function takes the cursor and the text's end, where a
-/// zero unit must stand, and never reads beyond that.
+/// How far a kind of unit reaches in UTF-16 text. Each function takes the cursor and the limit of the text,
+/// behind which a zero unit must stand, and never reads beyond that unit.
 namespace XKJsonText {
+
+constexpr qptrdiff eight = 8;
+
+/// How far eight units can be read at once in a text.
+class Limit
+{
+public:
+    constexpr Limit() = default;
+    constexpr Limit(const char16_t *text, qptrdiff size)
+        : m_end(size < eight ? text : text + size - (eight - 1))
+    {
+    }
+
+    constexpr bool hasEightAt(const char16_t *c) const { return c < m_end; }
+    constexpr bool hasEightBehind(const char16_t *c, qptrdiff units) const { return m_end - c > units; }
+
+private:
+    const char16_t *m_end = nullptr;
+};
 
 constexpr bool isSpace(char16_t unit)
 {
@@ -40,8 +59,6 @@ constexpr bool isSurrogate(char16_t unit)
 class Eight
 {
 public:
-    static constexpr qptrdiff size = 8;
-
     explicit Eight(const char16_t *units) : m_units(_mm_loadu_si128(reinterpret_cast<const __m128i *>(units)))
     {
     }
@@ -50,11 +67,14 @@ public:
 
     unsigned notSpaces() const
     {
-        const __m128i blanks = _mm_cmpeq_epi16(m_units, _mm_set1_epi16(u' '));
         const __m128i fromTab = _mm_sub_epi16(m_units, _mm_set1_epi16(u'\t'));
-        return 0xFFFF ^ bits(_mm_or_si128(blanks, atMost(fromTab, u'\r' - u'\t')));
+        return 0xFFFF ^ bits(_mm_or_si128(blanks(), atMost(fromTab, u'\r' - u'\t')));
     }
-    bool isBlank() const { return bits(_mm_cmpeq_epi16(m_units, _mm_set1_epi16(u' '))) == 0xFFFF; }
+    /// Which of sixteen units are blanks, one bit for each.
+    static unsigned blanksOf(const char16_t *units)
+    {
+        return bits(_mm_packs_epi16(Eight(units).blanks(), Eight(units + eight).blanks()));
+    }
     unsigned notDigits() const
     {
         return 0xFFFF ^ bits(atMost(_mm_sub_epi16(m_units, _mm_set1_epi16(u'0')), /*highest=*/9));
@@ -89,6 +109,7 @@ public:
     static bool hasHigh(__m128i all) { return (bits(all) & 0xAAAA) != 0; }
 
 private:
+    __m128i blanks() const { return _mm_cmpeq_epi16(m_units, _mm_set1_epi16(u' ')); }
     static __m128i atMost(__m128i units, short highest)
     {
         return _mm_cmpeq_epi16(_mm_subs_epu16(units, _mm_set1_epi16(highest)), _mm_setzero_si128());
@@ -107,9 +128,9 @@ inline const char16_t *firstOf(unsigned found, const char16_t *c)
 /// Moves on to the first unit that a test of eight holds for; false if it came near the text's end first,
 /// where units must be looked at singly.
 template<auto Test>
-inline bool findByEights(const char16_t *&c, const char16_t *end)
+inline bool findByEights(const char16_t *&c, Limit limit)
 {
-    for (; end - c >= Eight::size; c += Eight::size)
+    for (; limit.hasEightAt(c); c += eight)
         if (const unsigned found = (Eight(c).*Test)()) {
             c = firstOf(found, c);
             return true;
@@ -118,10 +139,10 @@ inline bool findByEights(const char16_t *&c, const char16_t *end)
 }
 #endif
 
-inline const char16_t *afterManySpaces(const char16_t *c, [[maybe_unused]] const char16_t *end)
+inline const char16_t *afterManySpaces(const char16_t *c, [[maybe_unused]] Limit limit)
 {
 #ifdef __SSE2__
-    if (findByEights<&Eight::notSpaces>(c, end))
+    if (findByEights<&Eight::notSpaces>(c, limit))
         return c;
 #endif
     while (isSpace(*c))
@@ -129,45 +150,71 @@ inline const char16_t *afterManySpaces(const char16_t *c, [[maybe_unused]] const
     return c;
 }
 
-/// Whether exactly so many blanks stand between the cursor and something else.
-inline bool isIndented(const char16_t *c, const char16_t *end, qptrdiff blanks)
+/// With how many blanks the last line began. Most lines begin as the one before: the processor, which
+/// foresees that, reads on without waiting until the end of the blanks is found.
+class Indent
 {
-    if (end - c <= blanks || c[blanks] <= u' ')
-        return false;
-    const char16_t *const last = c + blanks;
-#ifdef __SSE2__
-    if (blanks >= Eight::size) { // the last eight overlap those before
-        while (last - c > Eight::size && Eight(c).isBlank())
-            c += Eight::size;
-        return Eight(std::min(c, last - Eight::size)).isBlank();
+public:
+    void note(qptrdiff blanks)
+    {
+        m_blanks = blanks;
+        m_reach = std::max(blanks, eight);
+        m_firstBlanks = blanks < 2 * eight ? (1U << blanks) - 1 : 0xFFFF;
     }
+    /// The end of as many blanks at the cursor, if just as many stand there; otherwise none. It may not
+    /// notice near the text's end.
+    const char16_t *after(const char16_t *c, Limit limit) const
+    {
+        if (!limit.hasEightBehind(c, m_reach) || c[m_blanks] <= u' ')
+            return nullptr;
+        const char16_t *const end = c + m_blanks;
+#ifdef __SSE2__
+        if ((Eight::blanksOf(c) & m_firstBlanks) != m_firstBlanks)
+            return nullptr;
+        if (Q_LIKELY(m_blanks <= 2 * eight))
+            return end;
+        while (end - c > 2 * eight) { // the last ones overlap those before
+            c += 2 * eight;
+            if (Eight::blanksOf(std::min(c, end - 2 * eight)) != 0xFFFF)
+                return nullptr;
+        }
+        return end;
+#else
+        while (c != end && *c == u' ')
+            ++c;
+        return c == end ? c : nullptr;
 #endif
-    while (c != last && *c == u' ')
-        ++c;
-    return c == last;
-}
+    }
 
-/// Takes and leaves the number of blanks that the last line began with. Most lines begin as the one before:
-/// the processor, which foresees that, reads on without waiting until the end of the blanks is found.
-inline const char16_t *afterSpaces(const char16_t *c, const char16_t *end, qptrdiff &indent)
+private:
+    qptrdiff m_blanks = 0;
+    qptrdiff m_reach = eight;
+    unsigned m_firstBlanks = 0; // a bit for each of the first sixteen
+};
+
+/// Takes note of how the line that it passes into begins.
+inline const char16_t *afterSpaces(const char16_t *c, Limit limit, Indent &indent)
 {
     if (*c > u' ')
         return c;
     const bool isLine = *c == u'\n';
-    if (isLine && isIndented(c + 1, end, indent))
-        return c + 1 + indent;
-    if (!isSpace(*c) || !isSpace(*++c))
-        return c;
-    const char16_t *const found = afterManySpaces(c + 1, end);
     if (isLine)
-        indent = found - c;
+        if (const char16_t *const found = indent.after(c + 1, limit))
+            return found;
+    if (*c == u' ' && c[1] > u' ')
+        return c + 1;
+    if (!isSpace(*c))
+        return c;
+    const char16_t *const found = afterManySpaces(c + 1, limit);
+    if (isLine)
+        indent.note(found - (c + 1));
     return found;
 }
 
-inline const char16_t *afterDigits(const char16_t *c, [[maybe_unused]] const char16_t *end)
+inline const char16_t *afterDigits(const char16_t *c, [[maybe_unused]] Limit limit)
 {
 #ifdef __SSE2__
-    if (findByEights<&Eight::notDigits>(c, end))
+    if (findByEights<&Eight::notDigits>(c, limit))
         return c;
 #endif
     while (isDigit(*c))
@@ -177,29 +224,28 @@ inline const char16_t *afterDigits(const char16_t *c, [[maybe_unused]] const cha
 
 /// Whether so many units at the cursor are those that stand elsewhere, further ahead in the same text. It may
 /// not notice near the text's end.
-inline bool isRepeated(const char16_t *c, const char16_t *end, const char16_t *earlier, std::size_t length)
+inline bool isRepeated(const char16_t *c, Limit limit, const char16_t *earlier, std::size_t length)
 {
 #ifdef __SSE2__
-    if (end - c < static_cast<qptrdiff>(length) + Eight::size)
+    if (!limit.hasEightBehind(c, static_cast<qptrdiff>(length)))
         return false;
-    for (; length >= Eight::size; length -= Eight::size, c += Eight::size, earlier += Eight::size)
+    for (; length >= eight; length -= eight, c += eight, earlier += eight)
         if (Eight(c).same(Eight(earlier)) != 0xFFFF)
             return false;
     const unsigned rest = (1U << 2 * length) - 1;
     return (Eight(c).same(Eight(earlier)) & rest) == rest;
 #else
-    return end - c >= static_cast<qptrdiff>(length) && std::equal(c, c + length, earlier);
+    return limit.hasEightBehind(c, static_cast<qptrdiff>(length)) && std::equal(c, c + length, earlier);
 #endif
 }
 
 /// The end of a run of string text. Also tells whether the run may hold surrogates; it may be wrong in that.
-inline const char16_t *afterRun(const char16_t *c, [[maybe_unused]] const char16_t *end,
-                                bool &mayHaveSurrogates)
+inline const char16_t *afterRun(const char16_t *c, [[maybe_unused]] Limit limit, bool &mayHaveSurrogates)
 {
     mayHaveSurrogates = false;
 #ifdef __SSE2__
     __m128i all = _mm_setzero_si128();
-    for (; end - c >= Eight::size; c += Eight::size) {
+    for (; limit.hasEightAt(c); c += eight) {
         const Eight units(c);
         units.addTo(all);
         if (const unsigned stops = units.stops()) {
@@ -214,12 +260,23 @@ inline const char16_t *afterRun(const char16_t *c, [[maybe_unused]] const char16
     return c;
 }
 
+/// Copies a run; up to seven units behind it may be overwritten.
+inline void copyRun(char16_t *to, const char16_t *c, const char16_t *end, [[maybe_unused]] Limit limit)
+{
+#ifdef __SSE2__
+    for (; c < end && limit.hasEightAt(c); c += eight, to += eight)
+        Eight(c).store(to);
+#endif
+    while (c < end)
+        *to++ = *c++;
+}
+
 /// Whether every surrogate of the text belongs to a pair, that is, whether the text has a UTF-8 form.
 inline bool isPaired(const char16_t *c, const char16_t *end)
 {
     while (c != end) {
 #ifdef __SSE2__
-        if (!findByEights<&Eight::surrogates>(c, end) && c == end)
+        if (!findByEights<&Eight::surrogates>(c, Limit(c, end - c)) && c == end)
             break;
 #endif
         if (isSurrogate(*c)) {
