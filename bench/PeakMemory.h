@@ -28,10 +28,10 @@ double peakMemoryOf(Smaller smaller, Work work)
         (void)!write(ends[1], &grown, sizeof(grown));
         _exit(0);
     }
+    close(ends[1]); // so that reading ends with a child that failed
     long grown = -1;
     (void)!read(ends[0], &grown, sizeof(grown));
     waitpid(child, nullptr, 0);
     close(ends[0]);
-    close(ends[1]);
     return static_cast<double>(grown) * 1024;
 }
