@@ -212,7 +212,8 @@ QString JsonTexts::coordinates()
 
 QString JsonTexts::signUpAnswer()
 {
-    return u"{\"result\":\"Error\",\"message\":\"This e-mail address is already used\"}"_s;
+    // As an answer arrives, in memory of its own: a literal may lack the zero behind it, and would be copied.
+    return QString::fromUtf8("{\"result\":\"Error\",\"message\":\"This e-mail address is already used\"}");
 }
 
 QString JsonTexts::nests(int count, int depth)

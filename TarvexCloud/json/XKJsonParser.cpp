@@ -11,19 +11,20 @@ XKJsonValue XKJsonParser::objectWithString(const QString &text, XKJsonError *err
 {
     clearErrorTrace();
     XKJsonValue tree;
-    if (text.isNull())
-        refuse(Code::NoInput, "Input was 'nil'");
-    else
-        tree = treeOf(text);
-    if (error && tree.isNone())
-        *error = lastError();
+    if (!scanText(text, tree)) {
+        tree = XKJsonValue();
+        if (error)
+            *error = lastError();
+    }
     return tree;
 }
 
-XKJsonValue XKJsonParser::treeOf(const QString &text)
+bool XKJsonParser::scanText(const QString &text, XKJsonValue &tree)
 {
+    if (text.isNull())
+        return refuse(Code::NoInput, "Input was 'nil'");
     m_arena = XKJsonArena::make(text);
-    XKJsonValue tree(XKJsonNode(), m_arena);
+    tree.m_owner = m_arena;
     m_c = reinterpret_cast<const char16_t *>(m_arena->text().constData());
     m_limit = XKJsonText::Limit(m_c, m_arena->text().size());
     m_stack.shrinkTo(/*size=*/0);
@@ -32,20 +33,15 @@ XKJsonValue XKJsonParser::treeOf(const QString &text)
     resetDepth();
     if (!scanDocument()) {
         addErrorsOfOpenContainers();
-        return {};
+        return false;
     }
-    tree.m_node = m_stack[0];
+    const bool isAtEnd = scanIsAtEnd();
+    tree.m_node = m_stack[0]; // not at once, since a copy would wait for the stores of its two halves
     Q_ASSERT_X(!tree.isNone(), "objectWithString",
                qPrintable("Should have a valid object from %1"_L1.arg(text)));
-    if (!scanIsAtEnd()) {
-        refuse(Code::TrailingGarbage, "Garbage after JSON");
-        return {};
-    }
-    if (!tree.isContainer()) {
-        refuse(Code::Fragment, "Valid fragment, but not JSON");
-        return {};
-    }
-    return tree;
+    if (!isAtEnd)
+        return refuse(Code::TrailingGarbage, "Garbage after JSON");
+    return tree.isContainer() || refuse(Code::Fragment, "Valid fragment, but not JSON");
 }
 
 Q_ALWAYS_INLINE void XKJsonParser::skipSpaces(const char16_t *&c)

@@ -27,7 +27,7 @@ private:
         Awaited, ///< what stands before a value, which must follow
     };
 
-    XKJsonValue treeOf(const QString &text);
+    bool scanText(const QString &text, XKJsonValue &tree);
     bool scanDocument();
     // What takes the cursor as an argument does so for it to stay in a register of scanDocument().
     Step scanValue(const char16_t *&c);
