@@ -62,16 +62,18 @@ class Service:
         self.start()
 
     @contextlib.contextmanager
-    def replaced(self, answer):
-        """Another service stands in meanwhile, which gives that answer to everything."""
+    def replaced(self, answer, known={}):
+        """Another service stands in meanwhile, which gives that answer to all kinds of request not known."""
 
         class Handler(http.server.BaseHTTPRequestHandler):
             def do_POST(self):
-                self.rfile.read(int(self.headers["Content-Length"]))
+                form = self.rfile.read(int(self.headers["Content-Length"])).decode()
+                kind = form.split("&")[0].removeprefix("p1=")
+                body = known.get(kind, answer).encode()
                 self.send_response(200)
-                self.send_header("Content-Length", str(len(answer.encode())))
+                self.send_header("Content-Length", str(len(body)))
                 self.end_headers()
-                self.wfile.write(answer.encode())
+                self.wfile.write(body)
 
             def log_message(self, *_):
                 pass

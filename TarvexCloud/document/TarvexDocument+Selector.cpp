@@ -2,7 +2,6 @@
 #include "DialArea.h"
 #include "DocumentController.h"
 #include "ElidedLabel.h"
-#include "NotingAlert.h"
 #include "RotatedLabel.h"
 #include "Sheet.h"
 #include "TarvexDocument.h"
@@ -25,10 +24,9 @@ void TarvexDocument::startGettingData()
 void TarvexDocument::loadSets(TVXSetsList &sets)
 {
     m_hasSetsLoadFailed = true; // also for an answer that ends the action
-    NotingAlert alert(m_controller.alert());
-    TVXManager manager(m_controller.exchange(), alert);
+    TVXManager manager(m_controller.exchange(), m_controller.alert());
     manager.getSetsFromServerByUsingLogin(m_loginUserName, m_loginPassword, sets);
-    m_hasSetsLoadFailed = alert.wasShown;
+    m_hasSetsLoadFailed = !manager.hasReadList();
 }
 
 bool TarvexDocument::lacksSets() const

@@ -65,44 +65,46 @@ bool TVXManager::isItValidEmail(const QString &address) const
     return form.match(address).hasMatch();
 }
 
+template<typename List>
+void TVXManager::readList(const FormString &form, bool (*isError)(const QByteArray &),
+                          bool (*append)(const QByteArray &, List &), List &records)
+{
+    records.clear();
+    m_hasReadList = false;
+    const auto answer = answerOrAlert(form);
+    if (answer && !isError(*answer))
+        m_hasReadList = append(*answer, records) || answer->trimmed().isEmpty();
+}
+
 void TVXManager::getSetsFromServerByUsingLogin(const QString &login, const QString &andPassword,
                                                TVXSetsList &sets)
 {
-    sets.clear();
-    const auto answer = answerOrAlert(FormString("get-sets"_L1).credentials(login, andPassword));
-    if (answer && !isErrorAnswerAmongBlanks(*answer))
-        appendSets(*answer, sets);
+    readList(FormString("get-sets"_L1).credentials(login, andPassword), isErrorAnswerAmongBlanks, appendSets,
+             sets);
 }
 
 void TVXManager::getAreasFormServeByUsingLogin(const QString &login, const QString &andPassword,
                                                TVXAreaList &areas)
 {
-    areas.clear();
-    const auto answer = answerOrAlert(FormString("get-areas"_L1).credentials(login, andPassword));
-    if (answer && !isErrorAnswerAmongBlanks(*answer))
-        appendAreas(*answer, areas);
+    readList(FormString("get-areas"_L1).credentials(login, andPassword), isErrorAnswerAmongBlanks,
+             appendAreas, areas);
 }
 
 void TVXManager::getGoalsFormServeByUsingLogin(const QString &login, const QString &andPassword,
                                                qint64 forArea, qint64 forSets, TVXGoalList &goals)
 {
-    goals.clear();
     FormString form("get-goals"_L1);
     form.credentials(login, andPassword).number("p4"_L1, forSets).number("p5"_L1, forArea);
-    const auto answer = answerOrAlert(form);
-    if (answer && !isErrorAnswerAmongBlanks(*answer))
-        appendGoalsOfOneArea(*answer, goals);
+    readList(form, isErrorAnswerAmongBlanks, appendGoalsOfOneArea, goals);
 }
 
 void TVXManager::getGoalsForPrintUsingLogin(const QString &login, const QString &andPassword,
                                             qint64 forSetsId, TVXGoalList &goals)
 {
-    goals.clear();
     FormString form("get-complex-goals-for-sets"_L1);
     form.credentials(login, andPassword).number("p4"_L1, forSetsId);
-    const auto answer = answerOrAlert(form);
-    if (answer && !isErrorAnswer(*answer)) // blanks around the word make it text that is not XML: empty too
-        appendGoalsOfAllAreas(*answer, goals);
+    // Blanks around the word "Error" make it text that is not XML: empty too.
+    readList(form, isErrorAnswer, appendGoalsOfAllAreas, goals);
 }
 
 TVXGoalPtr TVXManager::getRandomGoalUsingLogin(const QString &login, const QString &andPassword,

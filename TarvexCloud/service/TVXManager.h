@@ -15,9 +15,9 @@ class TVXExchange;
 
 /// The client of the goal service: each operation is one request, and the caller waits for its answer.
 ///
-/// It keeps nothing between calls; make one per action. Logins and passwords are given plain, and travel as
-/// digests (createNewUser excepted). Ids travel as their low 32 bits. No operation reports success or
-/// failure: where no answer came, most show an alert.
+/// It keeps nothing between calls but what hasReadList() tells; make one per action. Logins and passwords are
+/// given plain, and travel as digests (createNewUser excepted). Ids travel as their low 32 bits. No writing
+/// operation reports success or failure: where no answer came, most show an alert.
 class TVXManager
 {
 public:
@@ -59,6 +59,8 @@ public:
     void getGoalsForPrintUsingLogin(const QString &login, const QString &andPassword, qint64 forSetsId,
                                     TVXGoalList &goals);
     /// @}
+    /// Whether the last list came as the service has it; an empty answer is a list without records.
+    bool hasReadList() const { return m_hasReadList; }
 
     /// A goal of the set that the service picks, with name and ids only; empty for no answer or "Error",
     /// both in silence. An answer that is not XML gives a goal with a null name and ids 0.
@@ -93,7 +95,11 @@ public:
 private:
     void write(const FormString &form);
     std::optional<QByteArray> answerOrAlert(const FormString &form);
+    template<typename List>
+    void readList(const FormString &form, bool (*isError)(const QByteArray &),
+                  bool (*append)(const QByteArray &, List &), List &records);
 
     TVXExchange &m_exchange;
     TVXAlert &m_alert;
+    bool m_hasReadList = false;
 };

@@ -5,7 +5,6 @@
 #include "GoalTableModel.h"
 #include "GoalTableView.h"
 #include "MnemonicLabel.h"
-#include "NotingAlert.h"
 #include "Sheet.h"
 #include "SheetBusyScope.h"
 #include "SheetStyle.h"
@@ -145,7 +144,7 @@ void AreaWindowController::load()
     TVXGoalList &list = *goals();
     list.clear();
     m_goalModel->reloadData();
-    NotingAlert alert(m_services.alert());
+    TVXManager manager(m_services.exchange(), m_services.alert());
     TVXAreaPtr area;
     {
         const SheetBusyScope busy(m_thisWindow, m_downloadIndicator);
@@ -153,7 +152,6 @@ void AreaWindowController::load()
         const TVXSetsPtr set = mainData()->sets()->at(static_cast<std::size_t>(m_setsIndex));
         m_labelSetName->setText(set->name());
         m_thisWindow->repaint(); // seen before the request leaves, however soon it is answered
-        TVXManager manager(m_services.exchange(), alert);
         manager.getGoalsFormServeByUsingLogin(m_loginUserName, m_loginPassword,
                                               /*forArea=*/area->idOfArea(), /*forSets=*/set->idOfSets(),
                                               list);
@@ -161,8 +159,8 @@ void AreaWindowController::load()
         for (const TVXGoalPtr &goal : list)
             m_idsForRemove.push_back(static_cast<qint32>(goal->idOfGoal()));
     }
-    m_hasLoadFailed = alert.wasShown;
-    m_isLoadedWell = !alert.wasShown;
+    m_isLoadedWell = manager.hasReadList();
+    m_hasLoadFailed = !m_isLoadedWell;
     showArea(area);
 }
 

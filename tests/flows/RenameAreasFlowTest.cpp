@@ -161,6 +161,7 @@ private Q_SLOTS:
         open.click("Save");
         QVERIFY(Client::guidance(open.document).contains(u"sent no wheel"_s));
         QVERIFY(signInAgain("get-areas", httpReply(areasAnswer(eightNames))).contains(u"sets could not"_s));
+        QVERIFY(signInAgain("get-sets", httpReply("Error")).contains(u"sets could not"_s));
         QVERIFY(signInAgain("get-sets", httpReply(setsAnswer({}))).contains(u"no sets yet"_s));
     }
 };

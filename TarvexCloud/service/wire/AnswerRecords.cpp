@@ -34,11 +34,11 @@ private:
 };
 
 template<typename List, typename Fill>
-void appendRecords(const QByteArray &answer, Names names, List &records, Fill fill)
+bool appendRecords(const QByteArray &answer, Names names, List &records, Fill fill)
 {
     const std::optional<Columns> columns = Columns::read(answer, names);
     if (!columns)
-        return;
+        return false;
     std::size_t complete = columns->count(idColumn);
     for (std::size_t column = 0; column < names.size(); ++column)
         complete = std::min(complete, columns->count(column));
@@ -48,15 +48,16 @@ void appendRecords(const QByteArray &answer, Names names, List &records, Fill fi
         fill(Row(*columns, i), *record);
         records.push_back(std::move(record));
     }
+    return true;
 }
 
 } // namespace
 
-void appendSets(const QByteArray &answer, TVXSetsList &sets)
+bool appendSets(const QByteArray &answer, TVXSetsList &sets)
 {
     static constexpr std::string_view names[] = {"id",       "name",     "percent1", "percent2", "percent3",
                                                  "percent4", "percent5", "percent6", "percent7", "percent8"};
-    appendRecords(answer, names, sets, [](const Row &row, TVXSets &set) {
+    return appendRecords(answer, names, sets, [](const Row &row, TVXSets &set) {
         set.setIdOfSets(row.number(idColumn));
         set.setName(row.name());
         set.setPercent1(row.text(/*column=*/2));
@@ -70,10 +71,10 @@ void appendSets(const QByteArray &answer, TVXSetsList &sets)
     });
 }
 
-void appendAreas(const QByteArray &answer, TVXAreaList &areas)
+bool appendAreas(const QByteArray &answer, TVXAreaList &areas)
 {
     static constexpr std::string_view names[] = {"id", "name", "color", "value"};
-    appendRecords(answer, names, areas, [](const Row &row, TVXArea &area) {
+    return appendRecords(answer, names, areas, [](const Row &row, TVXArea &area) {
         area.setIdOfArea(row.number(idColumn));
         area.setName(row.name());
         area.setColor(row.text(/*column=*/2));
@@ -81,10 +82,10 @@ void appendAreas(const QByteArray &answer, TVXAreaList &areas)
     });
 }
 
-void appendGoalsOfOneArea(const QByteArray &answer, TVXGoalList &goals)
+bool appendGoalsOfOneArea(const QByteArray &answer, TVXGoalList &goals)
 {
     static constexpr std::string_view names[] = {"id", "name", "priority", "checked"};
-    appendRecords(answer, names, goals, [](const Row &row, TVXGoal &goal) {
+    return appendRecords(answer, names, goals, [](const Row &row, TVXGoal &goal) {
         goal.setIdOfGoal(row.number(idColumn));
         goal.setNameOfGoal(row.name());
         goal.setPriorityOfGoal(row.number(/*column=*/2));
@@ -92,10 +93,10 @@ void appendGoalsOfOneArea(const QByteArray &answer, TVXGoalList &goals)
     });
 }
 
-void appendGoalsOfAllAreas(const QByteArray &answer, TVXGoalList &goals)
+bool appendGoalsOfAllAreas(const QByteArray &answer, TVXGoalList &goals)
 {
     static constexpr std::string_view names[] = {"id", "name", "area", "priority", "checked"};
-    appendRecords(answer, names, goals, [](const Row &row, TVXGoal &goal) {
+    return appendRecords(answer, names, goals, [](const Row &row, TVXGoal &goal) {
         goal.setIdOfGoal(row.number(idColumn));
         goal.setNameOfGoal(row.name());
         goal.setIdOfArea(row.number(/*column=*/2));

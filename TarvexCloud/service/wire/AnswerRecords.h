@@ -8,15 +8,16 @@
 
 /// @file
 /// XML answers as records. The answer is read as parallel columns: record i takes element i of each kind, and
-/// there are as many records as "id" elements. An answer that is not XML adds nothing.
+/// there are as many records as "id" elements. An answer that is not XML adds nothing:
+/// then they give false.
 ///
 /// All throw std::out_of_range when a column is shorter than the one of ids; what was appended stays.
 
-void appendSets(const QByteArray &answer, TVXSetsList &sets);
-void appendAreas(const QByteArray &answer, TVXAreaList &areas);
+bool appendSets(const QByteArray &answer, TVXSetsList &sets);
+bool appendAreas(const QByteArray &answer, TVXAreaList &areas);
 /// Leaves idOfArea 0: the answer does not carry it.
-void appendGoalsOfOneArea(const QByteArray &answer, TVXGoalList &goals);
-void appendGoalsOfAllAreas(const QByteArray &answer, TVXGoalList &goals);
+bool appendGoalsOfOneArea(const QByteArray &answer, TVXGoalList &goals);
+bool appendGoalsOfAllAreas(const QByteArray &answer, TVXGoalList &goals);
 
 /// The first goal of the answer, never an empty pointer: if the answer is not XML its name is null.
 TVXGoalPtr firstGoal(const QByteArray &answer);
