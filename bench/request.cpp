@@ -83,52 +83,6 @@ void postByKeptHandle(benchmark::State &state)
     curl_slist_free_all(headers);
 }
 
-struct Src
-{
-    const QByteArray *b;
-    qsizetype at;
-};
-size_t give(char *buf, size_t, size_t n, void *d)
-{
-    auto *s = static_cast<Src *>(d);
-    size_t len = std::min<size_t>(n, size_t(s->b->size() - s->at));
-    memcpy(buf, s->b->constData() + s->at, len);
-    s->at += qsizetype(len);
-    return len;
-}
-void postByCallback(benchmark::State &state)
-{
-    LoopbackService service;
-    const QByteArray url = service.url();
-    const QByteArray body = form();
-    curl_slist *headers = nullptr;
-    const QByteArray length = "Content-Length: " + QByteArray::number(body.size());
-    for (const char *line : {length.constData(), "Content-Field: application/x-www-form-urlencoded",
-                             "User-Agent: Tarvex Cloud Mac OS X Client v.0.1.0", "Expect:"})
-        headers = curl_slist_append(headers, line);
-    CURL *easy = curl_easy_init();
-    curl_easy_setopt(easy, CURLOPT_URL, url.constData());
-    curl_easy_setopt(easy, CURLOPT_PROXY, "");
-    curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
-    curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, 30000L);
-    curl_easy_setopt(easy, CURLOPT_ACCEPT_ENCODING, "gzip, deflate");
-    curl_easy_setopt(easy, CURLOPT_HTTPHEADER, headers);
-    curl_easy_setopt(easy, CURLOPT_POST, 1L);
-    curl_easy_setopt(easy, CURLOPT_READFUNCTION, give);
-    curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE, long(body.size()));
-    curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, append);
-    for (auto _ : state) {
-        std::string answer;
-        Src s{&body, 0};
-        curl_easy_setopt(easy, CURLOPT_WRITEDATA, &answer);
-        curl_easy_setopt(easy, CURLOPT_READDATA, &s);
-        if (curl_easy_perform(easy) != CURLE_OK)
-            state.SkipWithError("no answer");
-    }
-    curl_easy_cleanup(easy);
-    curl_slist_free_all(headers);
-}
-BENCHMARK(postByCallback)->Name("request/kept-connection/peer-callback")->UseRealTime();
 BENCHMARK(postOurs)->Name("request/kept-connection/ours")->UseRealTime();
 BENCHMARK(postByKeptHandle)->Name("request/kept-connection/peer-libcurl-easy")->UseRealTime();
 BENCHMARK(makeForm)->Name("request/form-with-digests/ours");

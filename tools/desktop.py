@@ -62,14 +62,14 @@ class Service:
         self.start()
 
     @contextlib.contextmanager
-    def replaced(self, answer, known={}):
+    def replaced(self, answer, known=None):
         """Another service stands in meanwhile, which gives that answer to all kinds of request not known."""
 
         class Handler(http.server.BaseHTTPRequestHandler):
             def do_POST(self):
                 form = self.rfile.read(int(self.headers["Content-Length"])).decode()
                 kind = form.split("&")[0].removeprefix("p1=")
-                body = known.get(kind, answer).encode()
+                body = (known or {}).get(kind, answer).encode()
                 self.send_response(200)
                 self.send_header("Content-Length", str(len(body)))
                 self.end_headers()

@@ -57,7 +57,9 @@ std::shared_ptr<PrintOperation> TarvexDocument::printOperationWithSettings(const
         return {};
     TVXManager manager(m_controller.exchange(), m_controller.alert());
     const auto goals = std::make_shared<TVXGoalList>();
+    m_isReportWithoutGoals = true;
     manager.getGoalsForPrintUsingLogin(m_loginUserName, m_loginPassword, set->idOfSets(), *goals);
+    m_isReportWithoutGoals = !manager.hasReadList();
 
     auto view = std::make_unique<TVXPrintView>();
     view->setProject(m_wheelView->mainData());
@@ -83,6 +85,8 @@ void TarvexDocument::makePrintOperation(
         m_labelGuidance->repaint(); // seen before the request leaves
         const auto operation = printOperationWithSettings(/*settings=*/{});
         showState();
+        if (operation && m_isReportWithoutGoals)
+            m_labelGuidance->setText(tr("The goals could not be loaded, so the report shows none."));
         if (operation)
             next(operation);
     };

@@ -104,7 +104,7 @@ public:
 
     /// The report of the selected set, whose goals are fetched for it and become those of the project on
     /// show; null without a selected set. The settings are not read and no error is ever told: goals that
-    /// cannot be fetched are missing from the report.
+    /// cannot be fetched are missing from the report, as the window's guidance says.
     std::shared_ptr<PrintOperation> printOperationWithSettings(const QVariantMap &settings,
                                                                QString *error = nullptr);
 
@@ -269,6 +269,7 @@ private:
     std::weak_ptr<TVXSets> m_currentSet;
     bool m_isLoaded = false;
     bool m_hasSetsLoadFailed = false;
+    bool m_isReportWithoutGoals = false; // since they could not be loaded
     PrintInfo m_printInfo;
 
     std::unique_ptr<QMainWindow> m_window;

@@ -24,6 +24,10 @@ public:
     ~XKJsonArena() override;
     void destroy() noexcept override { delete this; }
     static void operator delete(void *memory) { ::operator delete(memory); } // of more than the size
+    static void operator delete(void *memory, void *)
+    {
+        ::operator delete(memory);
+    } // if the text had no room
 
     const QString &text() const { return m_text; }
 

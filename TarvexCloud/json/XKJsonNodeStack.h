@@ -15,9 +15,14 @@ public:
 
     /// Where the next node is to be made; it is none of the stack's before keep(). Made in place because a
     /// copy would wait for the stores of its two halves.
-    XKJsonNode &next() { return *m_top; }
+    XKJsonNode &next()
+    {
+        Q_ASSERT(m_top < m_limit + mostNodes);
+        return *m_top;
+    }
     void keep() { ++m_top; }
     /// To be called before a member or an element is read, so that next() has room for all its nodes.
+    /// There is room for the first.
     void makeRoom()
     {
         if (m_top >= m_limit)

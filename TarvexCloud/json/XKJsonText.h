@@ -22,15 +22,17 @@ class Limit
 public:
     constexpr Limit() = default;
     constexpr Limit(const char16_t *text, qptrdiff size)
-        : m_end(size < eight ? text : text + size - (eight - 1))
+        : m_eightsEnd(size < eight ? text : text + size - (eight - 1))
     {
     }
 
-    constexpr bool hasEightAt(const char16_t *c) const { return c < m_end; }
-    constexpr bool hasEightBehind(const char16_t *c, qptrdiff units) const { return m_end - c > units; }
+    /// Whether eight units can be read at the cursor.
+    constexpr bool hasEightAt(const char16_t *c) const { return c < m_eightsEnd; }
+    /// Whether as many units can be read at the cursor and eight more behind them.
+    constexpr bool hasEightBehind(const char16_t *c, qptrdiff units) const { return m_eightsEnd - c > units; }
 
 private:
-    const char16_t *m_end = nullptr;
+    const char16_t *m_eightsEnd = nullptr; // behind the last place where eight units can be read
 };
 
 constexpr bool isSpace(char16_t unit)
@@ -188,7 +190,7 @@ public:
 
 private:
     qptrdiff m_blanks = 0;
-    qptrdiff m_reach = eight;
+    qptrdiff m_reach = eight;   // for sixteen units, and one behind the blanks, to be there
     unsigned m_firstBlanks = 0; // a bit for each of the first sixteen
 };
 

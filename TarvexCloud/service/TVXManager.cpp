@@ -72,8 +72,7 @@ void TVXManager::readList(const FormString &form, bool (*isError)(const QByteArr
     records.clear();
     m_hasReadList = false;
     const auto answer = answerOrAlert(form);
-    if (answer && !isError(*answer))
-        m_hasReadList = append(*answer, records) || answer->trimmed().isEmpty();
+    m_hasReadList = answer && !isError(*answer) && append(*answer, records);
 }
 
 void TVXManager::getSetsFromServerByUsingLogin(const QString &login, const QString &andPassword,

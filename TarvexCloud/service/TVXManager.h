@@ -16,8 +16,8 @@ class TVXExchange;
 /// The client of the goal service: each operation is one request, and the caller waits for its answer.
 ///
 /// It keeps nothing between calls but what hasReadList() tells; make one per action. Logins and passwords are
-/// given plain, and travel as digests (createNewUser excepted). Ids travel as their low 32 bits. No writing
-/// operation reports success or failure: where no answer came, most show an alert.
+/// given plain, and travel as digests (createNewUser excepted). Ids travel as their low 32 bits. Operations
+/// do not report success or failure: where no answer came, most show an alert.
 class TVXManager
 {
 public:
@@ -59,7 +59,8 @@ public:
     void getGoalsForPrintUsingLogin(const QString &login, const QString &andPassword, qint64 forSetsId,
                                     TVXGoalList &goals);
     /// @}
-    /// Whether the last list came as the service has it; an empty answer is a list without records.
+    /// Whether the answer to the last request for a list was one: false when none came, for "Error", for what
+    /// is no XML, and when the reading threw.
     bool hasReadList() const { return m_hasReadList; }
 
     /// A goal of the set that the service picks, with name and ids only; empty for no answer or "Error",

@@ -208,14 +208,18 @@ private Q_SLOTS:
             area.click("Cancel");
             QVERIFY(!area.sheet->isVisible() && area.written().isEmpty());
         }
-        Client client;
-        client.service.answer("get-areas", two);
-        const TarvexDocument *document = client.openSignedIn();
-        document->wheelView()->theParent()->showAreaDetails(nullptr, 2);
-        auto *controller = document->wndAreaDetails()->findChild<AreaWindowController *>();
-        QTRY_VERIFY(controller->isAlreadyLoadedDatas() && !client.controller.isBusy());
-        QVERIFY(!Client::button(document->wndAreaDetails(), u"Save"_s)->isEnabled());
-        QCOMPARE(client.service.bodies().size(), 3);
+        for (const auto &[index, reason] :
+             {std::pair(2, u"could not be loaded"_s), std::pair(1, u"no set"_s)}) {
+            Client client;
+            client.service.answer("get-areas", two);
+            client.service.answer("get-sets", setsAnswer({}));
+            const TarvexDocument *document = client.openSignedIn();
+            document->wheelView()->theParent()->showAreaDetails(nullptr, index);
+            const Sheet *sheet = document->wndAreaDetails();
+            QTRY_VERIFY(sheet->findChild<QLabel *>(u"labelState"_s)->text().contains(reason));
+            QVERIFY(!Client::button(sheet, u"Save"_s)->isEnabled());
+            QCOMPARE(client.service.bodies().size(), 3);
+        }
     }
 
     void focusThatComesBackLoadsNothingAndOneSheetOpensOnce()

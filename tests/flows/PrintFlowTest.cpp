@@ -99,6 +99,8 @@ private Q_SLOTS:
         const QString text = textOf(folder.filePath(u"bare.pdf"_s));
         QCOMPARE(text.count(u"100%"_s), 8);
         QVERIFY(text.contains(u"Love Good - Excellent 100%"_s));
+        client.document->previewPrint();
+        QVERIFY(Client::guidance(client.document).contains(u"report shows none"_s));
     }
 
     void withoutASelectedSetNothingIsPrintedOrSaid()
