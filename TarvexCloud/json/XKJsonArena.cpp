@@ -19,18 +19,19 @@ constexpr std::size_t largeTextChunkSizeLimit = 32 * chunkSizeLimit; // so that 
 XKJsonArena *XKJsonArena::make(const QString &text)
 {
     static_assert(sizeof(XKJsonArena) % alignof(XKJsonNode) == 0);
+    QString own = text;
+    (void)own.utf16(); // makes sure that a zero stands behind the text, whatever memory it was made from
     const std::size_t bytes =
         std::clamp(static_cast<std::size_t>(text.size()) * 2, smallestRoom, largestFirstRoom);
     char *const memory = static_cast<char *>(::operator new(sizeof(XKJsonArena) + bytes));
-    return new (memory) XKJsonArena(text, memory + sizeof(XKJsonArena), bytes);
+    return new (memory) XKJsonArena(std::move(own), memory + sizeof(XKJsonArena), bytes);
 }
 
-XKJsonArena::XKJsonArena(const QString &text, char *room, std::size_t bytes)
-    : m_text(text), m_next(room), m_limit(room + bytes), m_chunkSize(largestFirstRoom / 2),
+XKJsonArena::XKJsonArena(QString text, char *room, std::size_t bytes) noexcept
+    : m_text(std::move(text)), m_next(room), m_limit(room + bytes), m_chunkSize(largestFirstRoom / 2),
       m_largestChunk(
-          std::clamp(static_cast<std::size_t>(text.size()) / 2, chunkSizeLimit, largeTextChunkSizeLimit))
+          std::clamp(static_cast<std::size_t>(m_text.size()) / 2, chunkSizeLimit, largeTextChunkSizeLimit))
 {
-    (void)m_text.utf16(); // makes sure that a zero stands behind the text, whatever memory it was made from
 }
 
 XKJsonArena::~XKJsonArena()

@@ -24,10 +24,6 @@ public:
     ~XKJsonArena() override;
     void destroy() noexcept override { delete this; }
     static void operator delete(void *memory) { ::operator delete(memory); } // of more than the size
-    static void operator delete(void *memory, void *)
-    {
-        ::operator delete(memory);
-    } // if the text had no room
 
     const QString &text() const { return m_text; }
 
@@ -51,7 +47,7 @@ private:
         Chunk *previous;
     };
 
-    XKJsonArena(const QString &text, char *room, std::size_t bytes);
+    XKJsonArena(QString text, char *room, std::size_t bytes) noexcept;
     void *allocateInNewChunk(std::size_t bytes);
 
     QString m_text;
