@@ -57,7 +57,6 @@ std::shared_ptr<PrintOperation> TarvexDocument::printOperationWithSettings(const
         return {};
     TVXManager manager(m_controller.exchange(), m_controller.alert());
     const auto goals = std::make_shared<TVXGoalList>();
-    m_isReportWithoutGoals = true;
     manager.getGoalsForPrintUsingLogin(m_loginUserName, m_loginPassword, set->idOfSets(), *goals);
     m_isReportWithoutGoals = !manager.hasReadList();
 

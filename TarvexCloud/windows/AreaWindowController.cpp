@@ -115,7 +115,6 @@ void AreaWindowController::setIsAlreadyLoadedDatas(bool loaded)
         return;
     m_isLoadedWell = false;
     m_hasLoadFailed = false;
-    m_lacksSet = false;
     if (!m_save)
         return;
     m_goalModel->reloadData();
@@ -171,7 +170,6 @@ void AreaWindowController::loadEndedEarly()
     const TVXProjectPtr project = mainData();
     const auto index = static_cast<std::size_t>(m_areaIndex); // a negative one is past every end
     const bool hasArea = project && index < project->areas()->size();
-    m_lacksSet = hasArea && project->sets()->empty();
     m_labelAreaName->setTitleWithMnemonic(hasArea ? titleOf(*(*project->areas())[index])
                                                   : tr("No such area"));
     m_goalModel->reloadData();
@@ -305,7 +303,7 @@ void AreaWindowController::showRating()
 QString AreaWindowController::stateText() const
 {
     const int count = m_goalModel->rowCount();
-    if (m_lacksSet)
+    if (m_hasLoadFailed && mainData() && mainData()->sets()->empty())
         return tr("Goals belong to a set, and no set is loaded. Cancel, then create one or sign in again.");
     if (m_hasLoadFailed)
         return tr(

@@ -95,7 +95,6 @@ private:
     bool m_isAlreadyLoadedDatas = false;
     bool m_isLoadedWell = false;
     bool m_hasLoadFailed = false;
-    bool m_lacksSet = false; // the reason of that
 
     GoalTableModel *m_goalModel = nullptr;
     MnemonicLabel *m_labelAreaName = nullptr;

@@ -208,11 +208,12 @@ private Q_SLOTS:
             area.click("Cancel");
             QVERIFY(!area.sheet->isVisible() && area.written().isEmpty());
         }
-        for (const auto &[index, reason] :
-             {std::pair(2, u"could not be loaded"_s), std::pair(1, u"no set"_s)}) {
+        for (const auto &[sets, index, reason] :
+             {std::tuple(setsAnswer({setRow("7", "One", "1 1 1 1 1 1 1 1")}), 2, u"could not be loaded"_s),
+              std::tuple(setsAnswer({}), 1, u"no set"_s)}) {
             Client client;
             client.service.answer("get-areas", two);
-            client.service.answer("get-sets", setsAnswer({}));
+            client.service.answer("get-sets", sets);
             const TarvexDocument *document = client.openSignedIn();
             document->wheelView()->theParent()->showAreaDetails(nullptr, index);
             const Sheet *sheet = document->wndAreaDetails();
