@@ -6,6 +6,8 @@
 #include <QCoreApplication>
 #include <QPainter>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QPixmap wheelPicture(qreal side, qreal pixelRatio)
@@ -38,7 +40,7 @@ QString tr(const char *text)
 void showAboutBox(QWidget *window)
 {
     auto *box = new AlertSheet(window);
-    box->setObjectName(QStringLiteral("aboutBox"));
+    box->setObjectName(u"aboutBox"_s);
     box->setPicture(wheelPicture(/*side=*/72, box->devicePixelRatioF()));
     box->setTexts(
         QStringLiteral("Tarvex Cloud " TARVEX_BUNDLE_VERSION),

@@ -8,6 +8,8 @@
 #include <QLabel>
 #include <QPainter>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 DialGeometry::TextSizes textSizes(const QWidget &names, const QLabel &percent, const QLabel &average,
@@ -17,12 +19,11 @@ DialGeometry::TextSizes textSizes(const QWidget &names, const QLabel &percent, c
     DialGeometry::TextSizes sizes;
     sizes.nameHeight = names.fontMetrics().height() + 1;
     // The longest of the names that a wheel begins with; longer ones of the user's own may be cut.
-    sizes.nameWidthAtSide = names.fontMetrics().horizontalAdvance(QStringLiteral("Career and Business")) + 4;
-    sizes.nameWidthBesideAverage = names.fontMetrics().horizontalAdvance(QStringLiteral("Romance")) + 4;
-    sizes.percent =
-        QSizeF(percentMetrics.horizontalAdvance(QStringLiteral("100%")) + 12, percentMetrics.height());
-    sizes.average = QSize(average.fontMetrics().horizontalAdvance(QStringLiteral("-1000%")),
-                          average.fontMetrics().height());
+    sizes.nameWidthAtSide = names.fontMetrics().horizontalAdvance(u"Career and Business"_s) + 4;
+    sizes.nameWidthBesideAverage = names.fontMetrics().horizontalAdvance(u"Romance"_s) + 4;
+    sizes.percent = QSizeF(percentMetrics.horizontalAdvance(u"100%"_s) + 12, percentMetrics.height());
+    sizes.average =
+        QSize(average.fontMetrics().horizontalAdvance(u"-1000%"_s), average.fontMetrics().height());
     sizes.captionHeight = caption.fontMetrics().height();
     sizes.captionWidth = caption.sizeHint().width();
     return sizes;
@@ -34,14 +35,14 @@ DialArea::DialArea(QWidget *parent) : QWidget(parent) {}
 
 void DialArea::labelsLoaded()
 {
-    m_wheel = findChild<QWidget *>(QStringLiteral("wheelView"));
-    m_average = findChild<QLabel *>(QStringLiteral("labelMainPercent"));
-    m_caption = findChild<QLabel *>(QStringLiteral("labelMainPercentCaption"));
+    m_wheel = findChild<QWidget *>(u"wheelView"_s);
+    m_average = findChild<QLabel *>(u"labelMainPercent"_s);
+    m_caption = findChild<QLabel *>(u"labelMainPercentCaption"_s);
     for (int index = 0; index < DialGeometry::areaCount; ++index) {
         const auto k = static_cast<std::size_t>(index);
-        const QString name = QStringLiteral("label%1").arg(index + 1);
+        const QString name = u"label%1"_s.arg(index + 1);
         m_names[k] = findChild<ElidedLabel *>(name);
-        m_percents[k] = findChild<RotatedLabel *>(name + QStringLiteral("Percent"));
+        m_percents[k] = findChild<RotatedLabel *>(name + u"Percent"_s);
         m_names[k]->setAlignment(Qt::AlignVCenter |
                                  (DialGeometry::isOnRightHalf(index) ? Qt::AlignLeft : Qt::AlignRight));
         m_percents[k]->setFrameRotation(DialGeometry::percentRotations[k]);

@@ -14,6 +14,8 @@
 #include <QStandardPaths>
 #include <stdexcept>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 Q_LOGGING_CATEGORY(tarvex, "tarvex")
 constexpr int millisecondsBetweenTries = 20;
@@ -28,7 +30,7 @@ DocumentController::DocumentController(TVXExchange &exchange, TVXAlert &alert, L
     m_releasing.setSingleShot(true);
     connect(&m_releasing, &QTimer::timeout, this, &DocumentController::releaseClosed);
     // The toolkit's own file dialog would keep the folders that were visited.
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, u"/dev/null"_s);
 }
 
 DocumentController::~DocumentController()

@@ -5,6 +5,8 @@
 
 #include <QPushButton>
 
+using namespace Qt::StringLiterals;
+
 ProjectNameSheet::ProjectNameSheet(QWidget *ownWindow) : Sheet(ownWindow) {}
 
 void ProjectNameSheet::buildContents()
@@ -30,7 +32,7 @@ void ProjectNameSheet::askForName(const QString &name, qint64 tag)
         buildContents();
     const bool isNew = tag == tagOfNewSet;
     m_tag = tag;
-    m_givenName = name.isNull() ? QStringLiteral("") : name;
+    m_givenName = name.isNull() ? u""_s : name;
     m_textProjectName->setText(name);
     m_textProjectName->selectAll();
     m_textProjectName->setFocus();

@@ -19,6 +19,8 @@
 #include <QPrinterInfo>
 #include <QScopeGuard>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 constexpr qreal margin = 18; // what most printers need; the report's columns leave no room for more
 
@@ -36,11 +38,11 @@ QString fileNameFor(const QString &title)
     constexpr qsizetype longest = 60;
     QString name = title.left(longest).simplified();
     for (QChar &c : name)
-        if (!c.isPrint() || QStringLiteral("/\\:*?\"<>|").contains(c) || c.isSurrogate())
+        if (!c.isPrint() || u"/\\:*?\"<>|"_s.contains(c) || c.isSurrogate())
             c = u'-';
     while (name.startsWith(u'.'))
         name.remove(0, 1);
-    return (name.isEmpty() ? QStringLiteral("Report") : name) + QStringLiteral(".pdf");
+    return (name.isEmpty() ? u"Report"_s : name) + u".pdf"_s;
 }
 
 auto waitCursor()
@@ -57,8 +59,8 @@ std::shared_ptr<PrintOperation> TarvexDocument::printOperationWithSettings(const
         return {};
     TVXManager manager(m_controller.exchange(), m_controller.alert());
     const auto goals = std::make_shared<TVXGoalList>();
-    manager.getGoalsForPrintUsingLogin(m_loginUserName, m_loginPassword, set->idOfSets(), *goals);
-    m_isReportWithoutGoals = !manager.hasReadList();
+    m_isReportWithoutGoals =
+        !manager.getGoalsForPrintUsingLogin(m_loginUserName, m_loginPassword, set->idOfSets(), *goals);
 
     auto view = std::make_unique<TVXPrintView>();
     view->setProject(m_wheelView->mainData());
@@ -177,10 +179,10 @@ void TarvexDocument::askForFile(const std::shared_ptr<PrintOperation> &operation
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setNameFilter(tr("PDF files (*.pdf)"));
-    dialog->setDefaultSuffix(QStringLiteral("pdf"));
+    dialog->setDefaultSuffix(u"pdf"_s);
     dialog->setDirectory(DocumentController::folderOfFiles());
     dialog->selectFile(typedPath.isEmpty() ? fileNameFor(operation->view().titleOfDocument()) : typedPath);
-    auto *field = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")); // a native dialog has none
+    auto *field = dialog->findChild<QLineEdit *>(u"fileNameEdit"_s); // a native dialog has none
     if (field && !typedPath.isEmpty() && !QFileInfo(typedPath).dir().exists())
         field->setText(typedPath); // which the toolkit shows as if it were relative
     const auto chosen = [this, dialog, operation, pages, asking = QPointer(window)](const QString &path) {

@@ -2,6 +2,7 @@
 #include "DialArea.h"
 #include "DocumentController.h"
 #include "ElidedLabel.h"
+#include "QuietLabel.h"
 #include "RotatedLabel.h"
 #include "Sheet.h"
 #include "TarvexDocument.h"
@@ -25,8 +26,7 @@ void TarvexDocument::loadSets(TVXSetsList &sets)
 {
     m_hasSetsLoadFailed = true; // also for an answer that ends the action
     TVXManager manager(m_controller.exchange(), m_controller.alert());
-    manager.getSetsFromServerByUsingLogin(m_loginUserName, m_loginPassword, sets);
-    m_hasSetsLoadFailed = !manager.hasReadList();
+    m_hasSetsLoadFailed = !manager.getSetsFromServerByUsingLogin(m_loginUserName, m_loginPassword, sets);
 }
 
 bool TarvexDocument::lacksSets() const
@@ -174,9 +174,8 @@ void TarvexDocument::showState()
 
 void TarvexDocument::colourPlaceholder()
 {
-    constexpr float strength = 0.66F; // a contrast of more than 4.5 to 1 on black and white alike
-    QColor color = m_listOfProjects->palette().color(QPalette::Active, QPalette::ButtonText);
-    color.setAlphaF(strength);
+    const QColor color =
+        quietShadeOf(m_listOfProjects->palette().color(QPalette::Active, QPalette::ButtonText));
     if (m_listOfProjects->palette().color(QPalette::Active, QPalette::PlaceholderText) == color)
         return;   // setting it changes the palette and leads here again
     QPalette own; // of one colour; all others stay those of the look

@@ -8,6 +8,8 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 TarvexDocument *TarvexDocument::documentToBorrowFrom() const
 {
     return m_wndProjectName ? nullptr : currentDocument(); // with a sheet, this is where the window loaded
@@ -19,7 +21,7 @@ void TarvexDocument::addNewProject()
         m_wndProjectName = current->m_wndProjectName;
     if (!m_wndProjectName || !mayOpenSheet())
         return;
-    m_wndProjectName->askForName(QStringLiteral(""), ProjectNameSheet::tagOfNewSet);
+    m_wndProjectName->askForName(u""_s, ProjectNameSheet::tagOfNewSet);
     beginSheet(m_wndProjectName);
 }
 
@@ -32,7 +34,7 @@ void TarvexDocument::editCurrentProject()
     }
     if (!m_wndProjectName || !mayOpenSheet())
         return;
-    m_wndProjectName->askForName(QStringLiteral(""), ProjectNameSheet::tagOfNewSet);
+    m_wndProjectName->askForName(u""_s, ProjectNameSheet::tagOfNewSet);
     const TVXSetsPtr set = selectedSet();
     if (!set)
         return;
@@ -98,8 +100,7 @@ void TarvexDocument::deleteCurrentProject()
 {
     if (!m_deleteAlert || !mayOpenSheet())
         return;
-    m_deleteAlert->setTexts(QStringLiteral("Delete?"), QStringLiteral("Delete current Set of Goals?"),
-                            QStringLiteral("Delete"), QStringLiteral("Cancel"));
+    m_deleteAlert->setTexts(u"Delete?"_s, u"Delete current Set of Goals?"_s, u"Delete"_s, u"Cancel"_s);
     beginSheet(m_deleteAlert);
 }
 

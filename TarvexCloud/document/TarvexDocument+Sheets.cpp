@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <QMainWindow>
 
+using namespace Qt::StringLiterals;
+
 void TarvexDocument::makeSheetControllers()
 {
     makeSignUpSheet();
@@ -50,7 +52,7 @@ void TarvexDocument::showAreaDetails(const TVXAreaPtr &, int ofIndex)
     m_areaController->setLoginPassword(m_loginPassword);
     m_areaController->setLoginUserName(m_loginUserName);
     m_areaController->setIsAlreadyLoadedDatas(/*loaded=*/false);
-    m_areaController->labelAreaName()->setText(QStringLiteral("Please Wait..."));
+    m_areaController->labelAreaName()->setText(u"Please Wait..."_s);
     beginSheet(m_wndAreaDetails);
 }
 
@@ -96,7 +98,7 @@ void TarvexDocument::getRandomGoal()
     m_randomGoalController->setCurrentProject(m_wheelView->mainData());
     m_randomGoalController->setCurrentSet(set);
     m_randomGoalController->setWheelView(m_wheelView);
-    m_randomGoalController->labelArea()->setTitleWithMnemonic(QStringLiteral("Please wait..."));
-    m_randomGoalController->labelGoal()->setTitleWithMnemonic(QStringLiteral("Please wait..."));
+    m_randomGoalController->labelArea()->setTitleWithMnemonic(u"Please wait..."_s);
+    m_randomGoalController->labelGoal()->setTitleWithMnemonic(u"Please wait..."_s);
     beginSheet(m_wndNextGoals);
 }

@@ -10,6 +10,8 @@
 #include <QMainWindow>
 #include <QUrl>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr int unimplemented = -4; // the platform's status for an operation that does not exist
@@ -45,22 +47,22 @@ bool TarvexDocument::readFromData(const QByteArray &, const QString &, DocumentE
 
 QString TarvexDocument::displayName() const
 {
-    return QStringLiteral("Tarvex Cloud - Client for Mac OS X");
+    return u"Tarvex Cloud - Client for Mac OS X"_s;
 }
 
 QString TarvexDocument::windowTitleForDocumentDisplayName(const QString &) const
 {
-    return QStringLiteral("Tarvex Cloud - Client for Mac OS X");
+    return u"Tarvex Cloud - Client for Mac OS X"_s;
 }
 
 QString TarvexDocument::pathForApplicationSupportDirectory() const
 {
-    return pathInHome(QStringLiteral("/Library/Application Support/Tarvex Cloud/"));
+    return pathInHome(u"/Library/Application Support/Tarvex Cloud/"_s);
 }
 
 QString TarvexDocument::pathForDocuments() const
 {
-    return pathInHome(QStringLiteral("/Documents"));
+    return pathInHome(u"/Documents"_s);
 }
 
 void TarvexDocument::gotoWebSite()
@@ -84,7 +86,7 @@ void TarvexDocument::saveDocument()
         return;
     if (!m_saveAlert) {
         m_saveAlert = new AlertSheet(m_window.get());
-        m_saveAlert->setObjectName(QStringLiteral("saveAlert"));
+        m_saveAlert->setObjectName(u"saveAlert"_s);
     }
     m_saveAlert->setTexts(
         tr("The document could not be saved."),

@@ -11,13 +11,15 @@
 #include <QMainWindow>
 #include <QScopeGuard>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 /// What counts in the service's answer. What is absent, or no string, is empty.
 struct SignUpAnswer
 {
-    QString result = QStringLiteral("");
-    QString message = QStringLiteral("");
+    QString result = u""_s;
+    QString message = u""_s;
 };
 
 SignUpAnswer signUpAnswer(const QString &json)
@@ -86,14 +88,13 @@ bool TarvexDocument::mayRegister()
         return false;
     };
     if (QLineEdit *const empty = m_registerController->firstEmptyField())
-        return refuse(QStringLiteral("You must fill in all fields."), empty);
+        return refuse(u"You must fill in all fields."_s, empty);
     const TVXManager manager(m_controller.exchange(), m_controller.alert());
     if (!manager.isItValidEmail(m_registerController->loginEmail()->text()))
-        return refuse(QStringLiteral("The email address you entered isn't valid."),
-                      m_registerController->loginEmail());
+        return refuse(u"The email address you entered isn't valid."_s, m_registerController->loginEmail());
     QLineEdit *const confirmation = m_registerController->loginConfirmPassword();
     if (confirmation->text() != m_registerController->loginPassword()->text())
-        return refuse(QStringLiteral("Your password and confirmation password don't match."), confirmation);
+        return refuse(u"Your password and confirmation password don't match."_s, confirmation);
     return true;
 }
 
@@ -107,7 +108,7 @@ void TarvexDocument::createAccount()
     SignUpAnswer answer;
     {
         line->hide();
-        line->setText(QStringLiteral(""));
+        line->setText(u""_s);
         const BusyScope spinning(m_indicator);
         const auto shown = qScopeGuard([line] { line->show(); });
         m_registerController->setStatus(tr("Creating the account…"));
@@ -116,7 +117,7 @@ void TarvexDocument::createAccount()
         answer =
             signUpAnswer(manager.createNewUser(m_registerController->loginName()->text(), email, password));
     }
-    if (answer.result != QStringLiteral("OK")) {
+    if (answer.result != u"OK"_s) {
         line->setText(answer.message);
         m_registerController->setHintShown(answer.message.isEmpty());
         return;

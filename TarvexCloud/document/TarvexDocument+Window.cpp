@@ -13,6 +13,8 @@
 #include <QLineEdit>
 #include <QToolBar>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 constexpr int millisecondsBeforeSignIn = 500;
 
@@ -55,7 +57,7 @@ private:
 
 QString TarvexDocument::windowNibName() const
 {
-    return QStringLiteral("TarvexDocument");
+    return u"TarvexDocument"_s;
 }
 
 void TarvexDocument::makeWindow()
@@ -79,18 +81,18 @@ void TarvexDocument::makeWindow()
 
 void TarvexDocument::connectOutlets()
 {
-    auto *dial = m_window->findChild<DialArea *>(QStringLiteral("dialArea"));
+    auto *dial = m_window->findChild<DialArea *>(u"dialArea"_s);
     m_dialArea = dial;
     dial->labelsLoaded();
     std::copy(dial->names().begin(), dial->names().end(), m_labels.begin());
     std::copy(dial->percents().begin(), dial->percents().end(), m_percentLabels.begin());
-    m_labelMainPercent = dial->findChild<QLabel *>(QStringLiteral("labelMainPercent"));
-    m_labelMainPercentCaption = dial->findChild<QLabel *>(QStringLiteral("labelMainPercentCaption"));
+    m_labelMainPercent = dial->findChild<QLabel *>(u"labelMainPercent"_s);
+    m_labelMainPercentCaption = dial->findChild<QLabel *>(u"labelMainPercentCaption"_s);
     m_labelMainPercentCaption->hide(); // until there is an average to explain
-    m_labelGuidance = m_window->findChild<QLabel *>(QStringLiteral("labelGuidance"));
-    m_wheelView = dial->findChild<TarvexView *>(QStringLiteral("wheelView"));
+    m_labelGuidance = m_window->findChild<QLabel *>(u"labelGuidance"_s);
+    m_wheelView = dial->findChild<TarvexView *>(u"wheelView"_s);
 
-    m_listOfProjects = m_window->findChild<SourcedComboBox *>(QStringLiteral("listOfProjects"));
+    m_listOfProjects = m_window->findChild<SourcedComboBox *>(u"listOfProjects"_s);
     m_listOfProjects->setDataSource(this);
     m_listOfProjects->installEventFilter(this);
     colourPlaceholder();
@@ -100,11 +102,10 @@ void TarvexDocument::connectOutlets()
     makeSheetControllers();
 
     m_wndSignIn = new SignInSheet(m_window.get());
-    m_indicator = m_wndSignIn->findChild<BusyIndicator *>(QStringLiteral("indicator"));
-    m_textUsername = m_wndSignIn->findChild<QLineEdit *>(QStringLiteral("textUsername"));
-    m_textPassword = m_wndSignIn->findChild<QLineEdit *>(QStringLiteral("textPassword"));
-    m_textSignInErrorMessage =
-        m_wndSignIn->findChild<MessageLine *>(QStringLiteral("textSignInErrorMessage"));
+    m_indicator = m_wndSignIn->findChild<BusyIndicator *>(u"indicator"_s);
+    m_textUsername = m_wndSignIn->findChild<QLineEdit *>(u"textUsername"_s);
+    m_textPassword = m_wndSignIn->findChild<QLineEdit *>(u"textPassword"_s);
+    m_textSignInErrorMessage = m_wndSignIn->findChild<MessageLine *>(u"textSignInErrorMessage"_s);
 }
 
 void TarvexDocument::connectActions()

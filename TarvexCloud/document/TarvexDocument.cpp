@@ -11,6 +11,8 @@
 #include <QLineEdit>
 #include <QMainWindow>
 
+using namespace Qt::StringLiterals;
+
 TarvexDocument::TarvexDocument(DocumentController &controller)
     : m_controller(controller), m_project(std::make_shared<TVXProject>())
 {
@@ -42,7 +44,7 @@ void TarvexDocument::signInAgain()
 {
     if (!mayOpenSheet())
         return;
-    m_textSignInErrorMessage->setText(QStringLiteral(""));
+    m_textSignInErrorMessage->setText(u""_s);
     beginSheet(m_wndSignIn);
 }
 
@@ -56,16 +58,16 @@ void TarvexDocument::signIn()
 {
     const auto action = [this] {
         const SheetBusyScope busy(m_wndSignIn, m_indicator);
-        m_loginUserName = QStringLiteral("");
-        m_loginPassword = QStringLiteral("");
-        m_textSignInErrorMessage->setText(QStringLiteral("Checking..."));
+        m_loginUserName = u""_s;
+        m_loginPassword = u""_s;
+        m_textSignInErrorMessage->setText(u"Checking..."_s);
         m_wndSignIn->setHintShown(/*shown=*/false);
         m_wndSignIn->repaint(); // seen before the request leaves, however soon it is answered
         TVXManager manager(m_controller.exchange(), m_controller.alert());
         const QString answer = manager.signInWithLogin(m_textUsername->text(), m_textPassword->text());
-        if (answer != QStringLiteral("OK")) {
+        if (answer != u"OK"_s) {
             m_textSignInErrorMessage->setText(answer);
-            m_wndSignIn->setHintShown(answer == QStringLiteral("Error"));
+            m_wndSignIn->setHintShown(answer == u"Error"_s);
             return;
         }
         loadStartupDataForLogin(m_textUsername->text(), m_textPassword->text());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <QString>
 #include <vector>
@@ -36,3 +37,11 @@ private:
 
 using TVXGoalPtr = std::shared_ptr<TVXGoal>;
 using TVXGoalList = std::vector<TVXGoalPtr>;
+
+/// How many of every hundred goals are done, cut to a whole number; without any goal 100.
+inline qint64 percentDone(const TVXGoalList &goals)
+{
+    const auto done =
+        std::count_if(goals.begin(), goals.end(), [](const TVXGoalPtr &goal) { return goal->isChecked(); });
+    return goals.empty() ? 100 : done * 100 / static_cast<qint64>(goals.size());
+}

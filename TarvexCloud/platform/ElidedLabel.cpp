@@ -6,6 +6,8 @@
 #include <QPainter>
 #include <QToolTip>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 // Far more than any window shows; a longer text would only cost layout time.
@@ -30,8 +32,7 @@ QString singleLineOf(const QString &text)
 
 QString plainToolTip(const QString &text)
 {
-    return QStringLiteral("<p style=\"white-space: pre-wrap\">%1</p>")
-        .arg(text.left(drawnCharacters).toHtmlEscaped());
+    return u"<p style=\"white-space: pre-wrap\">%1</p>"_s.arg(text.left(drawnCharacters).toHtmlEscaped());
 }
 
 ElidedLabel::ElidedLabel(QWidget *parent) : QLabel(parent)

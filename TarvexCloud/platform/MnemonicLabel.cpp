@@ -1,5 +1,7 @@
 #include "MnemonicLabel.h"
 
+using namespace Qt::StringLiterals;
+
 MnemonicLabel::MnemonicLabel(QWidget *parent) : ElidedLabel(parent) {}
 
 void MnemonicLabel::setTitleWithMnemonic(const QString &title)
@@ -9,7 +11,7 @@ void MnemonicLabel::setTitleWithMnemonic(const QString &title)
 
 QString titleWithoutMnemonics(const QString &title)
 {
-    QString text = QStringLiteral("");
+    QString text = u""_s;
     text.reserve(title.size());
     bool afterAmpersand = false;
     for (const QChar c : title) {

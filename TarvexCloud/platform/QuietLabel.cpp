@@ -2,11 +2,6 @@
 
 #include <QPainter>
 
-namespace {
-// On black and white alike this keeps a contrast of more than 4.5 to 1.
-constexpr float strength = 0.66F;
-} // namespace
-
 QuietLabel::QuietLabel(QWidget *parent) : QLabel(parent)
 {
     setTextFormat(Qt::PlainText);
@@ -15,10 +10,15 @@ QuietLabel::QuietLabel(QWidget *parent) : QLabel(parent)
 void QuietLabel::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    QColor color = palette().color(QPalette::WindowText);
-    color.setAlphaF(strength);
-    painter.setPen(color);
+    painter.setPen(quietShadeOf(palette().color(QPalette::WindowText)));
     const int wrap = wordWrap() ? Qt::TextWordWrap : Qt::TextSingleLine;
     const int m = margin();
     painter.drawText(contentsRect().adjusted(m, m, -m, -m), static_cast<int>(alignment()) | wrap, text());
+}
+
+QColor quietShadeOf(QColor text)
+{
+    constexpr float strength = 0.66F;
+    text.setAlphaF(strength);
+    return text;
 }

@@ -14,3 +14,6 @@ public:
 protected:
     void paintEvent(QPaintEvent *event) override;
 };
+
+/// A quieter shade of a text's colour: on black and white alike it keeps a contrast of more than 4.5 to 1.
+QColor quietShadeOf(QColor text);

@@ -6,6 +6,8 @@
 #include <QScrollBar>
 #include <QTextBlock>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 constexpr qsizetype shownCharacters = 20'000;
 } // namespace
@@ -26,7 +28,7 @@ WrappedLabel::WrappedLabel(QWidget *parent) : QPlainTextEdit(parent)
 
 void WrappedLabel::setText(const QString &text)
 {
-    m_text = text.isNull() ? QStringLiteral("") : text;
+    m_text = text.isNull() ? u""_s : text;
     const bool cut = m_text.size() > shownCharacters;
     setPlainText(cut ? m_text.left(shownCharacters) + u'\u2026' : m_text);
     updateGeometry();

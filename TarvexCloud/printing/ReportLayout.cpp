@@ -7,6 +7,8 @@
 #include <cmath>
 #include <limits>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 constexpr qreal ratingColumn = 300;
 constexpr qreal percentageColumn = 500;
@@ -51,14 +53,6 @@ qint32 below(qint32 y, float height)
     return truncated(static_cast<float>(y) + height);
 }
 
-QString percentageOf(const TVXGoalList &goals)
-{
-    const auto count = static_cast<qint64>(goals.size());
-    const auto checked =
-        std::count_if(goals.begin(), goals.end(), [](const TVXGoalPtr &goal) { return goal->isChecked(); });
-    return QString::number(count > 0 ? checked * 100 / count : 100) + u'%';
-}
-
 template<typename List>
 const List &listOrNone(const std::shared_ptr<List> &list)
 {
@@ -82,8 +76,7 @@ public:
     qreal top() const { return m_top; }
     qreal bottom() const { return m_bottom; }
 
-    void add(ReportItem::Kind kind, const QRectF &rect, const QString &text = QStringLiteral(""),
-             int index = 0)
+    void add(ReportItem::Kind kind, const QRectF &rect, const QString &text = u""_s, int index = 0)
     {
         const QRectF covered = rect.normalized();
         if (covered.bottom() >= m_top && covered.top() <= m_bottom)
@@ -128,7 +121,7 @@ void ReportLayout::addSection(const TVXArea &area, const TVXGoalList &goals, qin
     Section section;
     section.name = area.name();
     section.rating = Words::rating(area.valueOfArea());
-    section.percentage = percentageOf(goals);
+    section.percentage = QString::number(percentDone(goals)) + u'%';
     section.valueOfArea = area.valueOfArea();
     section.y = y;
     section.rows.reserve(goals.size());

@@ -6,6 +6,8 @@
 #include <QPdfWriter>
 #include <QSaveFile>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 bool isOddKind(const QString &path)
 {
@@ -22,7 +24,7 @@ std::optional<QString> write(PrintOperation &operation, const QPageLayout &pageL
     writer.setPageLayout(pageLayout);
     writer.setPageRanges(pages);
     writer.setTitle(operation.view().titleOfDocument());
-    writer.setCreator(QStringLiteral("Tarvex Cloud"));
+    writer.setCreator(u"Tarvex Cloud"_s);
     // The writer does not look at what becomes of its bytes; the file remembers.
     if (operation.runOn(writer) || !file.flush())
         return file.errorString();

@@ -5,6 +5,8 @@
 #include <QPaintEngine>
 #include <QPaintEvent>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 // On the page, whose y grows downward, these run clockwise from twelve o'clock as the screen's do.
 constexpr std::array<float, WheelGeometry::sliceCount> startAngles = {270, 315, 0, 45, 90, 135, 180, 225};
@@ -26,8 +28,8 @@ bool drawsOnScreen(const QPainter &painter)
 /// The two pictures; loaded for each call to draw.
 struct TVXPrintView::Checkboxes
 {
-    QImage off = QImage(QStringLiteral(":/printing/checkbox_off.gif"));
-    QImage on = QImage(QStringLiteral(":/printing/checkbox_on.gif"));
+    QImage off = QImage(u":/printing/checkbox_off.gif"_s);
+    QImage on = QImage(u":/printing/checkbox_on.gif"_s);
 };
 
 const std::array<float, WheelGeometry::sliceCount> &TVXPrintView::anglesStart() const

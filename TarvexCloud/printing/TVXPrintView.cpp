@@ -4,6 +4,8 @@
 #include <cmath>
 #include <QFontMetricsF>
 
+using namespace Qt::StringLiterals;
+
 // Outside any namespace, as the macro wants it: a static library's resources are linked only when asked for.
 static void initResources()
 {
@@ -35,12 +37,11 @@ float lineHeightOf(const TextAttributes &attributes)
 TVXPrintView::TVXPrintView(QWidget *parent) : QWidget(parent)
 {
     initResources();
-    const QString sans = QStringLiteral("Futura");
-    const QString serif = QStringLiteral("Big Caslon");
+    const QString sans = u"Futura"_s;
+    const QString serif = u"Big Caslon"_s;
     // Symbola is there for emoji: the coloured ones of other fonts do not get into a PDF.
-    QFont::insertSubstitutions(sans, QStringLiteral("URW Gothic;DejaVu Sans;Symbola").split(u';'));
-    QFont::insertSubstitutions(serif,
-                               QStringLiteral("EB Garamond 12;EB Garamond;DejaVu Serif;Symbola").split(u';'));
+    QFont::insertSubstitutions(sans, u"URW Gothic;DejaVu Sans;Symbola"_s.split(u';'));
+    QFont::insertSubstitutions(serif, u"EB Garamond 12;EB Garamond;DejaVu Serif;Symbola"_s.split(u';'));
     m_attributesDefault = TextAttributes(fontOf(sans, QFont::SansSerif, /*size=*/11));
     m_attributesDefaultRight = TextAttributes(m_attributesDefault.font(), Qt::AlignRight);
     m_attributesTitle = TextAttributes(fontOf(sans, QFont::SansSerif, /*size=*/18));

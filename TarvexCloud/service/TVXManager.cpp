@@ -30,16 +30,16 @@ QString TVXManager::replaceSpecialCharsFromString(const QString &wireText) const
     return unescapedFromWire(wireText);
 }
 
-QString TVXManager::sendRequest(const QString &formString)
+QString TVXManager::sendRequest(const QString &formString, QString *whyNoAnswer)
 {
-    const TVXAnswer answer = m_exchange.post(formString.toUtf8());
+    const TVXAnswer answer = postInSilence(formString.toUtf8(), whyNoAnswer);
     const std::optional<QString> text = answer.data ? asciiText(*answer.data) : std::nullopt;
     return text ? withoutBlanksAround(*text) : u"Error"_s;
 }
 
-QString TVXManager::signInWithLogin(const QString &login, const QString &andPassword)
+QString TVXManager::signInWithLogin(const QString &login, const QString &andPassword, QString *whyNoAnswer)
 {
-    return sendRequest(FormString("sign-in"_L1).credentials(login, andPassword).string());
+    return sendRequest(FormString("sign-in"_L1).credentials(login, andPassword).string(), whyNoAnswer);
 }
 
 QString TVXManager::createNewUser(const QString &newUser, const QString &email, const QString &andPassword)
@@ -66,52 +66,51 @@ bool TVXManager::isItValidEmail(const QString &address) const
 }
 
 template<typename List>
-void TVXManager::readList(const FormString &form, bool (*isError)(const QByteArray &),
+bool TVXManager::readList(const FormString &form, bool (*isError)(const QByteArray &),
                           bool (*append)(const QByteArray &, List &), List &records)
 {
     records.clear();
-    m_hasReadList = false;
     const auto answer = answerOrAlert(form);
-    m_hasReadList = answer && !isError(*answer) && append(*answer, records);
+    return answer && !isError(*answer) && append(*answer, records);
 }
 
-void TVXManager::getSetsFromServerByUsingLogin(const QString &login, const QString &andPassword,
+bool TVXManager::getSetsFromServerByUsingLogin(const QString &login, const QString &andPassword,
                                                TVXSetsList &sets)
 {
-    readList(FormString("get-sets"_L1).credentials(login, andPassword), isErrorAnswerAmongBlanks, appendSets,
-             sets);
+    return readList(FormString("get-sets"_L1).credentials(login, andPassword), isErrorAnswerAmongBlanks,
+                    appendSets, sets);
 }
 
-void TVXManager::getAreasFormServeByUsingLogin(const QString &login, const QString &andPassword,
+bool TVXManager::getAreasFormServeByUsingLogin(const QString &login, const QString &andPassword,
                                                TVXAreaList &areas)
 {
-    readList(FormString("get-areas"_L1).credentials(login, andPassword), isErrorAnswerAmongBlanks,
-             appendAreas, areas);
+    return readList(FormString("get-areas"_L1).credentials(login, andPassword), isErrorAnswerAmongBlanks,
+                    appendAreas, areas);
 }
 
-void TVXManager::getGoalsFormServeByUsingLogin(const QString &login, const QString &andPassword,
+bool TVXManager::getGoalsFormServeByUsingLogin(const QString &login, const QString &andPassword,
                                                qint64 forArea, qint64 forSets, TVXGoalList &goals)
 {
     FormString form("get-goals"_L1);
     form.credentials(login, andPassword).number("p4"_L1, forSets).number("p5"_L1, forArea);
-    readList(form, isErrorAnswerAmongBlanks, appendGoalsOfOneArea, goals);
+    return readList(form, isErrorAnswerAmongBlanks, appendGoalsOfOneArea, goals);
 }
 
-void TVXManager::getGoalsForPrintUsingLogin(const QString &login, const QString &andPassword,
+bool TVXManager::getGoalsForPrintUsingLogin(const QString &login, const QString &andPassword,
                                             qint64 forSetsId, TVXGoalList &goals)
 {
     FormString form("get-complex-goals-for-sets"_L1);
     form.credentials(login, andPassword).number("p4"_L1, forSetsId);
     // Blanks around the word "Error" make it text that is not XML: empty too.
-    readList(form, isErrorAnswer, appendGoalsOfAllAreas, goals);
+    return readList(form, isErrorAnswer, appendGoalsOfAllAreas, goals);
 }
 
 TVXGoalPtr TVXManager::getRandomGoalUsingLogin(const QString &login, const QString &andPassword,
-                                               qint64 forSetsId)
+                                               qint64 forSetsId, QString *whyNoAnswer)
 {
     FormString form("get-random-goal"_L1);
     form.credentials(login, andPassword).number("p4"_L1, forSetsId);
-    const TVXAnswer answer = m_exchange.post(form.body());
+    const TVXAnswer answer = postInSilence(form.body(), whyNoAnswer);
     const std::optional<QString> text = answer.data ? asciiText(*answer.data) : std::nullopt;
     if (!text || withoutBlanksAround(*text) == "Error"_L1)
         return {};
@@ -124,4 +123,12 @@ std::optional<QByteArray> TVXManager::answerOrAlert(const FormString &form)
     if (!answer.data)
         m_alert.showError(answer.errorDescription);
     return answer.data;
+}
+
+TVXAnswer TVXManager::postInSilence(const QByteArray &body, QString *whyNoAnswer)
+{
+    TVXAnswer answer = m_exchange.post(body);
+    if (whyNoAnswer)
+        *whyNoAnswer = answer.data ? QString() : answer.errorDescription;
+    return answer;
 }

@@ -12,12 +12,13 @@
 class FormString;
 class TVXAlert;
 class TVXExchange;
+struct TVXAnswer;
 
 /// The client of the goal service: each operation is one request, and the caller waits for its answer.
 ///
-/// It keeps nothing between calls but what hasReadList() tells; make one per action. Logins and passwords are
-/// given plain, and travel as digests (createNewUser excepted). Ids travel as their low 32 bits. Operations
-/// do not report success or failure: where no answer came, most show an alert.
+/// It keeps nothing between calls; make one per action. Logins and passwords are given plain, and travel as
+/// digests (createNewUser excepted). Ids travel as their low 32 bits. Where no answer came, most operations
+/// show an alert; those that do not say why in `whyNoAnswer`, if given, which is null after an answer.
 class TVXManager
 {
 public:
@@ -34,10 +35,10 @@ public:
 
     /// Sends a complete form string as it is. The answer without blanks at its ends (line breaks stay), or
     /// "Error" if there was none or it was not ASCII. Shows no alert.
-    QString sendRequest(const QString &formString);
+    QString sendRequest(const QString &formString, QString *whyNoAnswer = nullptr);
 
     /// "OK" when the service knows the pair; any other text is a refusal.
-    QString signInWithLogin(const QString &login, const QString &andPassword);
+    QString signInWithLogin(const QString &login, const QString &andPassword, QString *whyNoAnswer = nullptr);
     /// The service's JSON text as it came, or "Server Error" after an alert. The three values are sent
     /// exactly as typed: an ampersand in one ends its field for whoever reads the form.
     QString createNewUser(const QString &newUser, const QString &email, const QString &andPassword);
@@ -46,61 +47,62 @@ public:
 
     /// @name Reading lists
     /// Each empties the list, asks, and appends one record per "id" element of the answer, in its order.
-    /// No answer: an alert, and the list stays empty. "Error" or no XML: empty, in silence.
+    /// No answer: an alert, and the list stays empty. "Error" or no XML: empty, in silence. Each returns
+    /// whether the answer was a list.
     /// @throws std::out_of_range when the answer has fewer elements of another kind than ids; the records
     ///         made up to that point stand in the list.
     /// @{
-    void getSetsFromServerByUsingLogin(const QString &login, const QString &andPassword, TVXSetsList &sets);
-    void getAreasFormServeByUsingLogin(const QString &login, const QString &andPassword, TVXAreaList &areas);
+    bool getSetsFromServerByUsingLogin(const QString &login, const QString &andPassword, TVXSetsList &sets);
+    bool getAreasFormServeByUsingLogin(const QString &login, const QString &andPassword, TVXAreaList &areas);
     /// The goals do not carry their area's id.
-    void getGoalsFormServeByUsingLogin(const QString &login, const QString &andPassword, qint64 forArea,
+    bool getGoalsFormServeByUsingLogin(const QString &login, const QString &andPassword, qint64 forArea,
                                        qint64 forSets, TVXGoalList &goals);
     /// The goals of every area of the set, each with its area's id.
-    void getGoalsForPrintUsingLogin(const QString &login, const QString &andPassword, qint64 forSetsId,
+    bool getGoalsForPrintUsingLogin(const QString &login, const QString &andPassword, qint64 forSetsId,
                                     TVXGoalList &goals);
     /// @}
-    /// Whether the answer to the last request for a list was one: false when none came, for "Error", for what
-    /// is no XML, and when the reading threw.
-    bool hasReadList() const { return m_hasReadList; }
 
     /// A goal of the set that the service picks, with name and ids only; empty for no answer or "Error",
     /// both in silence. An answer that is not XML gives a goal with a null name and ids 0.
     /// @throws std::out_of_range when the answer is XML but lacks an id, a name or an area.
-    TVXGoalPtr getRandomGoalUsingLogin(const QString &login, const QString &andPassword, qint64 forSetsId);
+    TVXGoalPtr getRandomGoalUsingLogin(const QString &login, const QString &andPassword, qint64 forSetsId,
+                                       QString *whyNoAnswer = nullptr);
 
     /// @name Writing
-    /// No answer: an alert. Whatever the service answers is not looked at, "Error" included.
+    /// No answer: an alert. Whatever the service answers is not looked at, "Error" included. Each returns
+    /// whether an answer came: without one, nobody knows whether it was stored.
     /// @{
-    void deleteSestUsingLogin(const QString &login, const QString &andPassword, qint64 forSetsId);
-    void deleteGoalByIdUsingLogin(const QString &login, const QString &andPassword, qint64 forGoalWithId);
+    bool deleteSestUsingLogin(const QString &login, const QString &andPassword, qint64 forSetsId);
+    bool deleteGoalByIdUsingLogin(const QString &login, const QString &andPassword, qint64 forGoalWithId);
     /// The ids go out in full decimal.
-    void deleteGoalsByIdUsingLogin(const QString &login, const QString &andPassword,
+    bool deleteGoalsByIdUsingLogin(const QString &login, const QString &andPassword,
                                    const std::vector<qint64> &forGoalsWithId);
-    void createSestUsingLogin(const QString &login, const QString &andPassword, const QString &withName);
+    bool createSestUsingLogin(const QString &login, const QString &andPassword, const QString &withName);
     /// Every goal of the list is created anew in that set and area, with an id of the service's; the records'
     /// own ids are not sent.
-    void createGoalsUsingLogin(const QString &login, const QString &andPassword, const TVXGoalList &theGoals,
+    bool createGoalsUsingLogin(const QString &login, const QString &andPassword, const TVXGoalList &theGoals,
                                qint64 forSetsId, qint64 forAreaId);
-    void createGoalUsingLogin(const QString &login, const QString &andPassword, const QString &withName,
+    bool createGoalUsingLogin(const QString &login, const QString &andPassword, const QString &withName,
                               qint32 andPriority, bool andChecked, qint64 forSetsId, qint64 forAreaId);
-    void renameSestUsingLogin(const QString &login, const QString &andPassword, const QString &withName,
+    bool renameSestUsingLogin(const QString &login, const QString &andPassword, const QString &withName,
                               qint64 forSetsWithId);
-    void renameAreasUsingLogin(const QString &login, const QString &andPassword, const TVXAreaList &areas);
-    void setAreaValueOnServerByUsingLogin(const QString &login, const QString &andPassword, qint64 forArea,
+    bool renameAreasUsingLogin(const QString &login, const QString &andPassword, const TVXAreaList &areas);
+    bool setAreaValueOnServerByUsingLogin(const QString &login, const QString &andPassword, qint64 forArea,
                                           qint32 newValue);
     /// @}
     /// Marks the goal with that id done. The new percentage of its area in its set as the service words it;
     /// empty, without an alert, when there was no answer or it was not ASCII.
-    QString setCheckedUsingLogin(const QString &login, const QString &andPassword, qint64 goal);
+    QString setCheckedUsingLogin(const QString &login, const QString &andPassword, qint64 goal,
+                                 QString *whyNoAnswer = nullptr);
 
 private:
-    void write(const FormString &form);
+    bool write(const FormString &form);
     std::optional<QByteArray> answerOrAlert(const FormString &form);
+    TVXAnswer postInSilence(const QByteArray &body, QString *whyNoAnswer);
     template<typename List>
-    void readList(const FormString &form, bool (*isError)(const QByteArray &),
+    bool readList(const FormString &form, bool (*isError)(const QByteArray &),
                   bool (*append)(const QByteArray &, List &), List &records);
 
     TVXExchange &m_exchange;
     TVXAlert &m_alert;
-    bool m_hasReadList = false;
 };

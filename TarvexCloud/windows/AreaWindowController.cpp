@@ -17,13 +17,15 @@
 
 #include <QPushButton>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 /// The name as a title with mnemonics has to be given it.
 QString titleOf(const TVXArea &area)
 {
     QString title = area.name();
-    return title.replace(u'&', QStringLiteral("&&"));
+    return title.replace(u'&', u"&&"_s);
 }
 
 } // namespace
@@ -152,14 +154,13 @@ void AreaWindowController::load()
         const TVXSetsPtr set = mainData()->sets()->at(static_cast<std::size_t>(m_setsIndex));
         m_labelSetName->setText(set->name());
         m_thisWindow->repaint(); // seen before the request leaves, however soon it is answered
-        manager.getGoalsFormServeByUsingLogin(m_loginUserName, m_loginPassword,
-                                              /*forArea=*/area->idOfArea(), /*forSets=*/set->idOfSets(),
-                                              list);
+        m_isLoadedWell = manager.getGoalsFormServeByUsingLogin(m_loginUserName, m_loginPassword,
+                                                               /*forArea=*/area->idOfArea(),
+                                                               /*forSets=*/set->idOfSets(), list);
         m_idsForRemove.clear();
         for (const TVXGoalPtr &goal : list)
             m_idsForRemove.push_back(static_cast<qint32>(goal->idOfGoal()));
     }
-    m_isLoadedWell = manager.hasReadList();
     m_hasLoadFailed = !m_isLoadedWell;
     showArea(area);
 }
@@ -229,14 +230,9 @@ void AreaWindowController::save()
 
 void AreaWindowController::storePercent(TVXSets &set) const
 {
-    const TVXGoalList &list = *goals();
-    std::size_t done = 0;
-    for (const TVXGoalPtr &goal : list)
-        done += goal->isChecked() ? 1U : 0U;
-    const std::size_t percent = list.empty() ? 100 : done * 100 / list.size();
     const qint64 index = m_labelAreaName->tag();
     if (index >= 0 && index < TVXSets::areaCount)
-        set.setPercentOfArea(static_cast<int>(index), QString::number(percent));
+        set.setPercentOfArea(static_cast<int>(index), QString::number(percentDone(*goals())));
 }
 
 void AreaWindowController::closeAreaDetailsWindow()
@@ -267,8 +263,8 @@ void AreaWindowController::addNewGoal()
     m_tableViewTargets->commitEditing();
     auto goal = std::make_shared<TVXGoal>();
     goal->setIdOfGoal(static_cast<qint64>(list->size()) + 1); // a placeholder that is never sent
-    goal->setNameOfGoal(QStringLiteral("New Goal"));
-    goal->setPriorityOfGoal(*Words::priorityOfWord(QStringLiteral("Normal")));
+    goal->setNameOfGoal(u"New Goal"_s);
+    goal->setPriorityOfGoal(*Words::priorityOfWord(u"Normal"_s));
     m_goalModel->addGoal(goal);
     m_tableViewTargets->showRow(m_goalModel->rowCount() - 1);
     m_tableViewTargets->setFocus();
@@ -296,7 +292,7 @@ void AreaWindowController::showRating()
     const qint32 value = m_sliderOfArea->integerValue();
     const QString word = Words::rating(value);
     m_labelRating->setText(word.isEmpty() ? QString::number(value)
-                                          : QString::number(value) + QStringLiteral(" - ") + word);
+                                          : QString::number(value) + u" - "_s + word);
     m_sliderOfArea->setAccessibleDescription(word);
 }
 

@@ -2,6 +2,7 @@
 
 #include "GoalTableDelegates.h"
 #include "GoalTableModel.h"
+#include "QuietLabel.h"
 
 #include <algorithm>
 #include <QApplication>
@@ -10,10 +11,11 @@
 #include <QKeyEvent>
 #include <QPainter>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 constexpr int spaceInRow = 16;
 constexpr int spaceInColumn = 24;
-constexpr float placeholderStrength = 0.66F; // a contrast of more than 4.5 to 1 on black and white alike
 } // namespace
 
 GoalTableView::GoalTableView(QWidget *parent) : QTableView(parent)
@@ -51,7 +53,7 @@ void GoalTableView::fitRowsAndColumns()
     // Rows of one height cost nothing to lay out, however many there are.
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + spaceInRow);
     const QComboBox sample; // the room a word needs beside its arrow
-    const int words = std::max(fontMetrics().horizontalAdvance(QStringLiteral("Normal")),
+    const int words = std::max(fontMetrics().horizontalAdvance(u"Normal"_s),
                                horizontalHeader()->sectionSizeHint(GoalTableModel::PriorityColumn));
     setColumnWidth(GoalTableModel::PriorityColumn, words + sample.sizeHint().width() / 2);
     setColumnWidth(GoalTableModel::CheckColumn,
@@ -177,9 +179,7 @@ void GoalTableView::paintEvent(QPaintEvent *event)
     if (!model() || model()->rowCount() > 0)
         return;
     QPainter painter(viewport());
-    QColor color = palette().color(QPalette::Text);
-    color.setAlphaF(placeholderStrength);
-    painter.setPen(color);
+    painter.setPen(quietShadeOf(palette().color(QPalette::Text)));
     painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, m_placeholder);
 }
 

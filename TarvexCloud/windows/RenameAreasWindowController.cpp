@@ -15,6 +15,8 @@
 #include <limits>
 #include <QPushButton>
 
+using namespace Qt::StringLiterals;
+
 RenameAreasWindowController::RenameAreasWindowController(WindowServices &services, Sheet *myWindow)
     : m_services(services), m_myWindow(myWindow)
 {
@@ -31,9 +33,9 @@ void RenameAreasWindowController::buildContents()
     m_labelHint = ui.labelRenameAreasHint;
     m_uploadIndicator = ui.uploadIndicator;
     for (std::size_t k = 0; k < fieldCount; ++k) {
-        m_fields[k].textName = m_myWindow->findChild<QLineEdit *>(QStringLiteral("textName%1").arg(k + 1));
+        m_fields[k].textName = m_myWindow->findChild<QLineEdit *>(u"textName%1"_s.arg(k + 1));
         m_fields[k].textName->setMaxLength(std::numeric_limits<int>::max()); // cut nothing off in silence
-        m_myWindow->findChild<SliceMark *>(QStringLiteral("sliceMark%1").arg(k + 1))->setIndex(k);
+        m_myWindow->findChild<SliceMark *>(u"sliceMark%1"_s.arg(k + 1))->setIndex(k);
     }
     SheetStyle::makeTitle(ui.labelRenameAreasTitle);
     m_save = ui.renameAreasButtons->addButton(tr("Save"), QDialogButtonBox::AcceptRole);

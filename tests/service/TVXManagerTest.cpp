@@ -43,11 +43,12 @@ template<typename Operation, typename... Arguments>
 Call call(Operation operation, Arguments... arguments)
 {
     return [=](TVXManager &manager) {
-        const auto result = [&] { return std::invoke(operation, manager, login, password, arguments...); };
-        if constexpr (std::is_void_v<decltype(result())>)
-            return result(), QString();
+        using Manager = TVXManager &;
+        using Text = const QString &;
+        if constexpr (std::is_invocable_v<Operation, Manager, Text, Text, Arguments..., QString *>)
+            return std::invoke(operation, manager, login, password, arguments..., /*whyNoAnswer=*/nullptr);
         else
-            return result();
+            return std::invoke(operation, manager, login, password, arguments...), QString();
     };
 }
 

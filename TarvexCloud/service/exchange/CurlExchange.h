@@ -2,7 +2,6 @@
 
 #include "TVXExchange.h"
 
-#include <chrono>
 #include <memory>
 
 class TVXRequestWait;
@@ -21,6 +20,7 @@ public:
 
     TVXAnswer post(const QByteArray &body) override;
     bool isBusy() const override { return m_busy; }
+    std::chrono::milliseconds deadline() const override { return m_deadline; }
 
 private:
     class Handles;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <QByteArray>
 #include <QString>
@@ -28,4 +29,7 @@ public:
 
     /// Whether a call of post() is under way, which only code run by the waiting itself can see.
     virtual bool isBusy() const = 0;
+
+    /// How long a call of post() takes at most.
+    virtual std::chrono::milliseconds deadline() const = 0;
 };
