@@ -33,22 +33,29 @@ DialGeometry::TextSizes textSizes(const QWidget &names, const QLabel &percent, c
 
 DialArea::DialArea(QWidget *parent) : QWidget(parent) {}
 
-void DialArea::labelsLoaded()
+void DialArea::setContents(const Contents &contents)
 {
-    m_wheel = findChild<QWidget *>(u"wheelView"_s);
-    m_average = findChild<QLabel *>(u"labelMainPercent"_s);
-    m_caption = findChild<QLabel *>(u"labelMainPercentCaption"_s);
-    for (int index = 0; index < DialGeometry::areaCount; ++index) {
-        const auto k = static_cast<std::size_t>(index);
-        const QString name = u"label%1"_s.arg(index + 1);
-        m_names[k] = findChild<ElidedLabel *>(name);
-        m_percents[k] = findChild<RotatedLabel *>(name + u"Percent"_s);
-        m_names[k]->setAlignment(Qt::AlignVCenter |
-                                 (DialGeometry::isOnRightHalf(index) ? Qt::AlignLeft : Qt::AlignRight));
-        m_percents[k]->setFrameRotation(DialGeometry::percentRotations[k]);
+    m_contents = contents;
+    for (int index = 0; index < DialGeometry::areaCount; ++index)
+        m_contents.names[static_cast<std::size_t>(index)]->setAlignment(
+            Qt::AlignVCenter | (DialGeometry::isOnRightHalf(index) ? Qt::AlignLeft : Qt::AlignRight));
+    const QString explanation =
+        tr("The average of this set's eight percentages. An area without goals counts as 100%.");
+    for (QLabel *label : {m_contents.average, m_contents.caption}) {
+        label->setToolTip(explanation);
+        label->setAccessibleDescription(explanation);
     }
+    setPercentsCurrent(/*current=*/false);
     setAverageFont();
     place();
+}
+
+void DialArea::setPercentsCurrent(bool current)
+{
+    m_contents.caption->setVisible(current);
+    m_contents.average->setEnabled(current);
+    for (RotatedLabel *percent : m_contents.percents)
+        percent->setEnabled(current);
 }
 
 void DialArea::setAverageFont()
@@ -56,33 +63,36 @@ void DialArea::setAverageFont()
     QFont large = font();
     large.setPixelSize(qRound(QFontInfo(font()).pixelSize() * 2.6));
     large.setBold(true);
-    m_average->setFont(large);
+    m_contents.average->setFont(large);
     QFont small = font();
     small.setPixelSize(qRound(QFontInfo(font()).pixelSize() * 0.92));
-    m_caption->setFont(small);
+    m_contents.caption->setFont(small);
 }
 
 void DialArea::place()
 {
-    if (!m_wheel)
+    if (!m_contents.wheel)
         return;
-    const DialGeometry dial(size(), textSizes(*this, *m_percents[0], *m_average, *m_caption));
-    m_wheel->setGeometry(dial.wheel);
-    m_average->setGeometry(dial.average);
-    m_caption->setGeometry(dial.caption);
-    for (std::size_t k = 0; k < m_names.size(); ++k) {
-        m_names[k]->setGeometry(dial.names[k]);
-        m_percents[k]->setFrameCentredAt(dial.percentCentres[k],
-                                         textSizes(*this, *m_percents[k], *m_average, *m_caption).percent,
-                                         height());
+    const DialGeometry dial(
+        size(), textSizes(*this, *m_contents.percents[0], *m_contents.average, *m_contents.caption));
+    m_contents.wheel->setGeometry(dial.wheel);
+    m_contents.average->setGeometry(dial.average);
+    m_contents.caption->setGeometry(dial.caption);
+    for (std::size_t k = 0; k < m_contents.names.size(); ++k) {
+        m_contents.names[k]->setGeometry(dial.names[k]);
+        m_contents.percents[k]->setFrameCentredAt(
+            dial.percentCentres[k],
+            textSizes(*this, *m_contents.percents[k], *m_contents.average, *m_contents.caption).percent,
+            height());
     }
 }
 
 QSize DialArea::minimumSizeHint() const
 {
-    if (!m_wheel)
+    if (!m_contents.wheel)
         return QWidget::minimumSizeHint();
-    return DialGeometry::minimumArea(textSizes(*this, *m_percents[0], *m_average, *m_caption));
+    return DialGeometry::minimumArea(
+        textSizes(*this, *m_contents.percents[0], *m_contents.average, *m_contents.caption));
 }
 
 void DialArea::setWheelShown(bool shown)
@@ -93,14 +103,14 @@ void DialArea::setWheelShown(bool shown)
 
 void DialArea::paintEvent(QPaintEvent *)
 {
-    if (m_wheelShown || !m_wheel)
+    if (m_wheelShown || !m_contents.wheel)
         return;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     QColor color = palette().color(QPalette::WindowText);
     color.setAlphaF(0.25F);
     painter.setPen(QPen(color, 1.5, Qt::DashLine));
-    painter.drawEllipse(m_wheel->geometry().toRectF().center(), DialGeometry::wheelRadius,
+    painter.drawEllipse(m_contents.wheel->geometry().toRectF().center(), DialGeometry::wheelRadius,
                         DialGeometry::wheelRadius);
 }
 
@@ -113,7 +123,7 @@ void DialArea::resizeEvent(QResizeEvent *event)
 void DialArea::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
-    if (event->type() != QEvent::FontChange || !m_wheel)
+    if (event->type() != QEvent::FontChange || !m_contents.wheel)
         return;
     setAverageFont();
     place();

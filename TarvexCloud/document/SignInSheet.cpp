@@ -11,6 +11,10 @@ SignInSheet::SignInSheet(QWidget *ownWindow) : Sheet(ownWindow)
     Ui::SignInSheet ui;
     ui.setupUi(this);
     m_hint = ui.labelSignInHint;
+    m_indicator = ui.indicator;
+    m_textUsername = ui.textUsername;
+    m_textPassword = ui.textPassword;
+    m_textSignInErrorMessage = ui.textSignInErrorMessage;
     auto *signIn = ui.signInButtons->addButton(tr("Sign In"), QDialogButtonBox::AcceptRole);
     auto *cancel = ui.signInButtons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
     signIn->setDefault(true);

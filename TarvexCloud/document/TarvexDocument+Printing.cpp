@@ -82,22 +82,21 @@ void TarvexDocument::makePrintOperation(
     if (!m_window || !mayOpenSheet() || !selectedSet())
         return;
     const auto action = [&] {
-        m_labelGuidance->setText(tr("Getting the goals for the report…"));
-        m_labelGuidance->repaint(); // seen before the request leaves
-        const auto operation = printOperationWithSettings(/*settings=*/{});
-        showState();
+        std::shared_ptr<PrintOperation> operation;
+        whileSaying(tr("Getting the goals for the report…"), /*requests=*/1,
+                    [&] { operation = printOperationWithSettings(/*settings=*/{}); });
         if (operation && m_isReportWithoutGoals)
-            m_labelGuidance->setText(tr("The goals could not be loaded, so the report shows none."));
+            tell(tr("The goals could not be loaded, so the report shows none."));
         if (operation)
             next(operation);
     };
-    m_controller.runAction(action, [this] { showIncompleteAnswer(); });
+    m_controller.runAction(action, [this] { tellIncompleteAnswer(); });
 }
 
 void TarvexDocument::previewPrint()
 {
     makePrintOperation([this](const std::shared_ptr<PrintOperation> &operation) {
-        auto *dialog = new ReportPreviewDialog(operation, m_window.get());
+        auto *dialog = new ReportPreviewDialog(operation, window());
         dialog->setAttribute(Qt::WA_DeleteOnClose);
         connect(dialog, &ReportPreviewDialog::pageLayoutChosen, this,
                 [this](const QPageLayout &layout) { m_printInfo.pageLayout = layout; });
@@ -111,15 +110,14 @@ void TarvexDocument::previewPrint()
 
 void TarvexDocument::print()
 {
-    makePrintOperation([this](const std::shared_ptr<PrintOperation> &operation) {
-        askForPrinter(operation, m_window.get());
-    });
+    makePrintOperation(
+        [this](const std::shared_ptr<PrintOperation> &operation) { askForPrinter(operation, window()); });
 }
 
 void TarvexDocument::saveAsPdf()
 {
     makePrintOperation(
-        [this](const std::shared_ptr<PrintOperation> &operation) { askForFile(operation, m_window.get()); });
+        [this](const std::shared_ptr<PrintOperation> &operation) { askForFile(operation, window()); });
 }
 
 void TarvexDocument::askForPrinter(const std::shared_ptr<PrintOperation> &operation, QWidget *window)
@@ -213,7 +211,6 @@ void TarvexDocument::writePdf(const std::shared_ptr<PrintOperation> &operation, 
 
 void TarvexDocument::showSaved(const QString &path)
 {
-    const QString name = m_labelGuidance->fontMetrics().elidedText(
-        singleLineOf(QFileInfo(path).fileName()), Qt::ElideMiddle, m_labelGuidance->width() / 2);
-    m_labelGuidance->setText(tr("The report was saved as \u201C%1\u201D.").arg(name));
+    const QString name = singleLineOf(QFileInfo(path).fileName());
+    tell(tr("The report was saved as \u201C%1\u201D.").arg(name));
 }

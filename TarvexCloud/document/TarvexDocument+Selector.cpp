@@ -1,37 +1,31 @@
 #include "AnswerText.h"
-#include "DialArea.h"
 #include "DocumentController.h"
-#include "ElidedLabel.h"
-#include "QuietLabel.h"
-#include "RotatedLabel.h"
-#include "Sheet.h"
+#include "DocumentWindow.h"
 #include "TarvexDocument.h"
-#include "TarvexView.h"
+#include "TVXExchange.h"
 #include "TVXManager.h"
+#include "WaitNotice.h"
 
-#include <QAction>
-#include <QLabel>
-#include <QMainWindow>
+#include <algorithm>
+#include <QScopeGuard>
 
 void TarvexDocument::startGettingData()
 {
     TVXManager manager(m_controller.exchange(), m_controller.alert());
     m_project->sets()->clear();
     m_project->areas()->clear();
+    m_state.haveAreasFailed = true; // also for an answer that ends the action
     loadSets(*m_project->sets());
-    manager.getAreasFormServeByUsingLogin(m_loginUserName, m_loginPassword, *m_project->areas());
+    m_state.haveAreasFailed =
+        !manager.getAreasFormServeByUsingLogin(m_loginUserName, m_loginPassword, *m_project->areas());
 }
 
-void TarvexDocument::loadSets(TVXSetsList &sets)
+bool TarvexDocument::loadSets(TVXSetsList &sets)
 {
-    m_hasSetsLoadFailed = true; // also for an answer that ends the action
+    m_state.haveSetsFailed = true; // also for an answer that ends the action
     TVXManager manager(m_controller.exchange(), m_controller.alert());
-    m_hasSetsLoadFailed = !manager.getSetsFromServerByUsingLogin(m_loginUserName, m_loginPassword, sets);
-}
-
-bool TarvexDocument::lacksSets() const
-{
-    return m_hasSetsLoadFailed && m_project->sets()->empty();
+    m_state.haveSetsFailed = !manager.getSetsFromServerByUsingLogin(m_loginUserName, m_loginPassword, sets);
+    return !m_state.haveSetsFailed;
 }
 
 void TarvexDocument::setNamesForAreasOnWindow()
@@ -64,20 +58,20 @@ TVXSetsPtr TarvexDocument::selectedSet() const
 void TarvexDocument::updatePercentValues()
 {
     const TVXSetsPtr set = selectedSet();
-    if (!set || !m_labelMainPercent) // no labels: a document without a window that borrowed a selector
+    if (!set)
         return;
     m_currentSet = set;
     quint32 sum = 0; // the sum of the eight wraps at 32 bits
     TarvexView::PercentTexts texts;
-    for (int index = 0; index < areaCount; ++index) {
-        const QString &percent = set->percentOfArea(index);
-        m_percentLabels[static_cast<std::size_t>(index)]->setText(percent + u'%');
-        texts[static_cast<std::size_t>(index)] = percent;
-        sum += static_cast<quint32>(leadingInteger(percent.toStdString()));
+    for (std::size_t k = 0; k < areaCount; ++k) {
+        texts[k] = set->percentOfArea(static_cast<int>(k));
+        if (m_percentLabels[k])
+            m_percentLabels[k]->setText(texts[k] + u'%');
+        sum += static_cast<quint32>(leadingInteger(texts[k].toStdString()));
     }
-    const qint32 average = static_cast<qint32>(sum) / areaCount;
-    m_labelMainPercent->setText(QString::number(average) + u'%');
-    m_labelMainPercentCaption->show();
+    const qint32 average = static_cast<qint32>(sum) / static_cast<qint32>(areaCount);
+    if (m_labelMainPercent)
+        m_labelMainPercent->setText(QString::number(average) + u'%');
     m_wheelView->setPercentTexts(texts);
 }
 
@@ -119,8 +113,18 @@ int TarvexDocument::comboBoxIndexOfItemWithStringValue(const SourcedComboBox *co
 void TarvexDocument::showSelectedSet()
 {
     updatePercentValues();
-    m_wheelView->display();
-    enableCommands();
+    if (m_wheelView)
+        m_wheelView->display();
+    tell(QString()); // what was done before concerned another set
+}
+
+void TarvexDocument::selectSetWithId(qint64 idOfSets)
+{
+    const TVXSetsList &sets = *m_project->sets();
+    const auto found = std::find_if(sets.begin(), sets.end(),
+                                    [&](const TVXSetsPtr &set) { return set->idOfSets() == idOfSets; });
+    if (found != sets.end())
+        m_listOfProjects->selectItemAtIndex(static_cast<int>(found - sets.begin()));
 }
 
 void TarvexDocument::comboBoxSelectionDidChange()
@@ -138,65 +142,49 @@ void TarvexDocument::comboBoxSelectionIsChanging()
     showSelectedSet();
 }
 
-void TarvexDocument::showIncompleteAnswer()
+WindowState TarvexDocument::windowState() const
 {
-    if (m_labelGuidance)
-        m_labelGuidance->setText(
-            tr("The service's answer was incomplete, so not everything could be shown. Try again."));
+    WindowState state = m_state;
+    state.hasAreas = !m_project->areas()->empty();
+    state.hasSets = !m_project->sets()->empty();
+    state.isSetSelected = selectedSet() != nullptr;
+    if (m_state.isLoaded)
+        state.signedInAs = m_loginUserName;
+    return state;
 }
 
 void TarvexDocument::showState()
 {
-    if (!m_window)
+    if (m_window)
+        m_window->showState(windowState());
+}
+
+void TarvexDocument::tell(const QString &lastDone, bool isInDoubt)
+{
+    m_state.lastDone = lastDone;
+    m_state.isInDoubt = isInDoubt;
+    showState();
+}
+
+void TarvexDocument::tellIncompleteAnswer()
+{
+    tell(WindowWords::incompleteAnswer(), /*isInDoubt=*/true);
+}
+
+void TarvexDocument::actionDidEnd(const ActionOutcome &outcome)
+{
+    tell(WindowWords::sentenceFor(outcome), /*isInDoubt=*/outcome.result == ActionOutcome::Result::Unknown);
+}
+
+void TarvexDocument::whileSaying(const QString &doing, int requests, const std::function<void()> &action)
+{
+    if (!m_window) {
+        action();
         return;
-    const bool hasAreas = !m_project->areas()->empty();
-    const bool hasSets = !m_project->sets()->empty();
-    QString guidance;
-    if (!m_isLoaded)
-        guidance = tr("Sign in to see your wheel.");
-    else if (!hasAreas)
-        guidance = tr("The service sent no wheel. Choose Sign In in the File menu to try again.");
-    else if (lacksSets())
-        guidance = tr("The sets could not be loaded. Choose Sign In in the File menu to load them again.");
-    else if (!hasSets)
-        guidance = tr("There are no sets yet. Choose New Set to begin with one.");
-    else
-        guidance = tr("Click an area to set its value and edit its goals.");
-    m_labelGuidance->setText(guidance);
-    m_dialArea->setWheelShown(m_isLoaded && hasAreas);
-    m_listOfProjects->setPlaceholderText(!m_isLoaded   ? QString()
-                                         : hasSets     ? tr("Choose a set")
-                                         : lacksSets() ? tr("Sets not loaded")
-                                                       : tr("No sets"));
-    m_listOfProjects->setEnabled(hasSets);
-    enableCommands();
-}
-
-void TarvexDocument::colourPlaceholder()
-{
-    const QColor color =
-        quietShadeOf(m_listOfProjects->palette().color(QPalette::Active, QPalette::ButtonText));
-    if (m_listOfProjects->palette().color(QPalette::Active, QPalette::PlaceholderText) == color)
-        return;   // setting it changes the palette and leads here again
-    QPalette own; // of one colour; all others stay those of the look
-    own.setColor(QPalette::PlaceholderText, color);
-    m_listOfProjects->setPalette(own);
-}
-
-void TarvexDocument::enableCommands()
-{
-    const bool hasSet = selectedSet() != nullptr;
-    const auto enable = [this](const char *name, bool enabled) {
-        m_window->findChild<QAction *>(QString::fromLatin1(name))->setEnabled(enabled);
-    };
-    // Cancelling the sheet closes the document, so it is offered again only where there is nothing to lose.
-    enable("actionSignIn", m_isLoaded && (m_project->areas()->empty() || lacksSets()));
-    enable("actionNewSet", m_isLoaded);
-    enable("actionRenameAreas", m_isLoaded && !m_project->areas()->empty());
-    enable("actionRenameSet", hasSet);
-    enable("actionDeleteSet", !m_project->sets()->empty());
-    enable("actionRandomGoal", hasSet);
-    enable("actionPrintPreview", hasSet);
-    enable("actionPrint", hasSet);
-    enable("actionSaveAsPdf", hasSet);
+    }
+    m_window->showStatement(doing);
+    const WaitNotice notice(doing, requests * m_controller.exchange().deadline(),
+                            [this](const QString &text) { m_window->showStatement(text); });
+    const auto ended = qScopeGuard([this] { showState(); });
+    action();
 }

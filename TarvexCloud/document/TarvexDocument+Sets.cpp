@@ -1,14 +1,30 @@
 #include "AlertSheet.h"
 #include "DocumentController.h"
-#include "ProjectNameSheet.h"
+#include "DocumentWindow.h"
 #include "SheetBusyScope.h"
 #include "TarvexDocument.h"
-#include "TarvexView.h"
 #include "TVXManager.h"
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+auto isNamed(const QString &name)
+{
+    return [name](const TVXSetsPtr &set) { return set->name() == name; };
+}
+
+// What a write came to shows in the list that was fetched after it.
+ActionOutcome::Result resultOf(bool isListed, bool isSeen)
+{
+    if (!isListed)
+        return ActionOutcome::Result::Unknown;
+    return isSeen ? ActionOutcome::Result::Done : ActionOutcome::Result::Refused;
+}
+
+} // namespace
 
 TarvexDocument *TarvexDocument::documentToBorrowFrom() const
 {
@@ -46,49 +62,55 @@ void TarvexDocument::projectNameSheetClickedOk()
 {
     const auto endSheet = [this] {
         m_wndProjectName->endSheet();
-        showState();
         m_wheelView->display();
     };
     const auto action = [&] {
         if (!m_wheelView->mainData() || !m_wndProjectName->isBegun())
             return;
-        {
+        const ActionOutcome outcome = [this] {
             const SheetBusyScope busy(m_wndProjectName, m_wndProjectName->projectNameIndicator());
+            const QString name = m_wndProjectName->name();
             const qint64 tag = m_wndProjectName->tag();
-            if (tag == ProjectNameSheet::tagOfNewSet)
-                createSet(m_wndProjectName->name());
-            else
-                renameSet(m_wndProjectName->name(), tag);
-        }
+            return tag == ProjectNameSheet::tagOfNewSet ? createSet(name) : renameSet(name, tag);
+        }();
         endSheet();
+        actionDidEnd(outcome);
     };
     m_controller.runAction(action, [&] {
         m_listOfProjects->reloadData();
         endSheet();
-        showIncompleteAnswer();
+        tellIncompleteAnswer();
     });
 }
 
-void TarvexDocument::createSet(const QString &name)
+ActionOutcome TarvexDocument::createSet(const QString &name)
 {
+    const std::shared_ptr<TVXSetsList> sets = shownSets();
+    const auto before = std::count_if(sets->begin(), sets->end(), isNamed(name));
     TVXManager manager(m_controller.exchange(), m_controller.alert());
     manager.createSestUsingLogin(m_loginUserName, m_loginPassword, name);
-    loadSets(*shownSets());
+    const bool isListed = loadSets(*sets);
     m_listOfProjects->reloadData();
     m_listOfProjects->selectItemAtIndex(/*index=*/1); // where the service lists the newest set
+    const bool isThere = std::count_if(sets->begin(), sets->end(), isNamed(name)) > before;
+    return {ActionOutcome::Kind::SetCreated, name, resultOf(isListed, isThere)};
 }
 
-void TarvexDocument::renameSet(const QString &name, qint64 idOfSets)
+ActionOutcome TarvexDocument::renameSet(const QString &name, qint64 idOfSets)
 {
     TVXManager manager(m_controller.exchange(), m_controller.alert());
     manager.renameSestUsingLogin(m_loginUserName, m_loginPassword, name, idOfSets);
     const std::shared_ptr<TVXSetsList> sets = shownSets();
-    loadSets(*sets);
+    const bool isListed = loadSets(*sets);
     m_listOfProjects->reloadData();
     const TVXSetsPtr renamed = m_wheelView->mainData()->setByName(name);
     const auto found = std::find(sets->begin(), sets->end(), renamed);
     if (found != sets->end())
         m_listOfProjects->selectItemAtIndex(static_cast<int>(found - sets->begin()));
+    const bool isThere = std::any_of(sets->begin(), sets->end(), [&](const TVXSetsPtr &set) {
+        return set->idOfSets() == idOfSets && set->name() == name;
+    });
+    return {ActionOutcome::Kind::SetRenamed, name, resultOf(isListed, isThere)};
 }
 
 void TarvexDocument::projectNameSheetClickedCancel()
@@ -98,10 +120,11 @@ void TarvexDocument::projectNameSheetClickedCancel()
 
 void TarvexDocument::deleteCurrentProject()
 {
-    if (!m_deleteAlert || !mayOpenSheet())
+    if (!m_window || !mayOpenSheet())
         return;
-    m_deleteAlert->setTexts(u"Delete?"_s, u"Delete current Set of Goals?"_s, u"Delete"_s, u"Cancel"_s);
-    beginSheet(m_deleteAlert);
+    m_window->deleteAlert()->setTexts(u"Delete?"_s, u"Delete current Set of Goals?"_s, u"Delete"_s,
+                                      u"Cancel"_s);
+    beginSheet(m_window->deleteAlert());
 }
 
 void TarvexDocument::alertDeleteCurrentprojectEded(AlertSheet *, int code, void *)
@@ -117,7 +140,7 @@ void TarvexDocument::alertDeleteCurrentprojectEded(AlertSheet *, int code, void 
     m_controller.runAction([this] { deleteSelectedSet(); },
                            [this] {
                                m_listOfProjects->reloadData();
-                               showIncompleteAnswer();
+                               tellIncompleteAnswer();
                            });
 }
 
@@ -130,12 +153,19 @@ void TarvexDocument::deleteSelectedSet()
     const auto index = static_cast<std::size_t>(selected == -1 ? 0 : selected);
     if (index >= sets->size())
         return;
-    TVXManager manager(m_controller.exchange(), m_controller.alert());
-    manager.deleteSestUsingLogin(m_loginUserName, m_loginPassword, (*sets)[index]->idOfSets());
-    loadSets(*sets);
+    const TVXSetsPtr set = (*sets)[index];
+    bool isListed = false;
+    whileSaying(tr("Deleting the set…"), /*requests=*/2, [&] {
+        TVXManager manager(m_controller.exchange(), m_controller.alert());
+        manager.deleteSestUsingLogin(m_loginUserName, m_loginPassword, set->idOfSets());
+        isListed = loadSets(*sets);
+    });
     const int before = m_listOfProjects->indexOfSelectedItem();
     m_listOfProjects->selectItemAtIndex(before == 0 ? 0 : before - 1);
     m_listOfProjects->reloadData();
-    showState();
     m_wheelView->display();
+    const bool isGone = std::none_of(sets->begin(), sets->end(), [&](const TVXSetsPtr &left) {
+        return left->idOfSets() == set->idOfSets();
+    });
+    actionDidEnd({ActionOutcome::Kind::SetDeleted, set->name(), resultOf(isListed, isGone)});
 }

@@ -1,31 +1,14 @@
 #include "AreaWindowController.h"
 #include "DocumentController.h"
+#include "DocumentWindow.h"
 #include "MnemonicLabel.h"
-#include "ProjectNameSheet.h"
 #include "RandomGoalWindowController.h"
-#include "RenameAreasWindowController.h"
 #include "TarvexDocument.h"
-#include "TarvexView.h"
 #include "WrappedLabel.h"
 
 #include <algorithm>
-#include <QMainWindow>
 
 using namespace Qt::StringLiterals;
-
-void TarvexDocument::makeSheetControllers()
-{
-    makeSignUpSheet();
-    m_wndAreaDetails = new Sheet(m_window.get());
-    m_areaController = new AreaWindowController(m_controller, m_wndAreaDetails);
-    m_areaController->setParent(m_wndAreaDetails);
-    m_wndNextGoals = new Sheet(m_window.get());
-    m_randomGoalController = new RandomGoalWindowController(m_controller, m_wndNextGoals);
-    m_randomGoalController->QObject::setParent(m_wndNextGoals);
-    m_wndRenameAreas = new Sheet(m_window.get());
-    m_renameController = new RenameAreasWindowController(m_controller, m_wndRenameAreas);
-    m_renameController->QObject::setParent(m_wndRenameAreas);
-}
 
 bool TarvexDocument::mayOpenSheet() const
 {
@@ -41,18 +24,19 @@ bool TarvexDocument::mayOpenSheet() const
 
 void TarvexDocument::showAreaDetails(const TVXAreaPtr &, int ofIndex)
 {
-    const TVXProjectPtr mainData = m_wheelView->mainData();
-    if (!mainData || !mayOpenSheet())
+    const TVXProjectPtr mainData = m_wheelView ? m_wheelView->mainData() : nullptr;
+    if (!mainData || mainData->areas()->empty() || !m_wndAreaDetails || !mayOpenSheet())
         return;
-    m_areaController->buildContents();
+    auto *controller = controllerOf<AreaWindowController>(m_wndAreaDetails);
+    controller->buildContents();
     mainData->goals()->clear();
-    m_areaController->setWheelView(m_wheelView);
-    m_areaController->setAreaIndex(ofIndex);
-    m_areaController->setSetsIndex(m_listOfProjects->indexOfSelectedItem());
-    m_areaController->setLoginPassword(m_loginPassword);
-    m_areaController->setLoginUserName(m_loginUserName);
-    m_areaController->setIsAlreadyLoadedDatas(/*loaded=*/false);
-    m_areaController->labelAreaName()->setText(u"Please Wait..."_s);
+    controller->setWheelView(m_wheelView);
+    controller->setAreaIndex(ofIndex);
+    controller->setSetsIndex(m_listOfProjects->indexOfSelectedItem());
+    controller->setLoginPassword(m_loginPassword);
+    controller->setLoginUserName(m_loginUserName);
+    controller->setIsAlreadyLoadedDatas(/*loaded=*/false);
+    controller->labelAreaName()->setText(u"Please Wait..."_s);
     beginSheet(m_wndAreaDetails);
 }
 
@@ -60,20 +44,20 @@ void TarvexDocument::renameAreas()
 {
     if (const TarvexDocument *current = documentToBorrowFrom()) {
         m_wndRenameAreas = current->m_wndRenameAreas;
-        m_renameController = current->m_renameController;
         m_wheelView = current->m_wheelView;
         m_listOfProjects = current->m_listOfProjects;
         m_loginUserName = current->m_loginUserName;
         m_loginPassword = current->m_loginPassword;
     }
-    if (!m_wndRenameAreas || !m_wheelView->mainData() || !mayOpenSheet())
+    if (!m_wndRenameAreas || !m_wheelView || !m_wheelView->mainData() || !mayOpenSheet())
         return;
-    m_renameController->buildContents();
-    m_renameController->setProject(m_wheelView->mainData());
-    m_renameController->setIsAlreadyLoadedDatas(/*loaded=*/false);
-    m_renameController->setLoginUserName(m_loginUserName);
-    m_renameController->setLoginPassword(m_loginPassword);
-    m_renameController->setParent(this);
+    auto *controller = controllerOf<RenameAreasWindowController>(m_wndRenameAreas);
+    controller->buildContents();
+    controller->setProject(m_wheelView->mainData());
+    controller->setIsAlreadyLoadedDatas(/*loaded=*/false);
+    controller->setLoginUserName(m_loginUserName);
+    controller->setLoginPassword(m_loginPassword);
+    controller->setParent(this);
     beginSheet(m_wndRenameAreas);
 }
 
@@ -81,7 +65,6 @@ void TarvexDocument::getRandomGoal()
 {
     if (const TarvexDocument *current = documentToBorrowFrom()) {
         m_wndNextGoals = current->m_wndNextGoals;
-        m_randomGoalController = current->m_randomGoalController;
         m_wheelView = current->m_wheelView;
         m_listOfProjects = current->m_listOfProjects;
         m_loginUserName = current->m_loginUserName;
@@ -91,14 +74,15 @@ void TarvexDocument::getRandomGoal()
     const TVXSetsPtr set = selectedSet();
     if (!set || !m_wndNextGoals || !mayOpenSheet())
         return;
-    m_randomGoalController->buildContents();
-    m_randomGoalController->setIsAlreadyLoaded(/*loaded=*/false);
-    m_randomGoalController->setLoginPassword(m_loginPassword);
-    m_randomGoalController->setLoginUserName(m_loginUserName);
-    m_randomGoalController->setCurrentProject(m_wheelView->mainData());
-    m_randomGoalController->setCurrentSet(set);
-    m_randomGoalController->setWheelView(m_wheelView);
-    m_randomGoalController->labelArea()->setTitleWithMnemonic(u"Please wait..."_s);
-    m_randomGoalController->labelGoal()->setTitleWithMnemonic(u"Please wait..."_s);
+    auto *controller = controllerOf<RandomGoalWindowController>(m_wndNextGoals);
+    controller->buildContents();
+    controller->setIsAlreadyLoaded(/*loaded=*/false);
+    controller->setLoginPassword(m_loginPassword);
+    controller->setLoginUserName(m_loginUserName);
+    controller->setCurrentProject(m_wheelView->mainData());
+    controller->setCurrentSet(set);
+    controller->setWheelView(m_wheelView);
+    controller->labelArea()->setTitleWithMnemonic(u"Please wait..."_s);
+    controller->labelGoal()->setTitleWithMnemonic(u"Please wait..."_s);
     beginSheet(m_wndNextGoals);
 }

@@ -1,13 +1,13 @@
 #include "AboutBox.h"
 #include "AlertSheet.h"
 #include "DocumentController.h"
+#include "DocumentWindow.h"
 #include "LinkOpener.h"
 #include "TarvexDocument.h"
 #include "WebAddresses.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QMainWindow>
 #include <QUrl>
 
 using namespace Qt::StringLiterals;

@@ -34,14 +34,6 @@ SignUpAnswer signUpAnswer(const QString &json)
 
 } // namespace
 
-void TarvexDocument::makeSignUpSheet()
-{
-    m_wndSignUp = new Sheet(m_window.get());
-    m_registerController = new RegisterViewController(m_wndSignUp);
-    connect(m_registerController, &RegisterViewController::confirmed, this, &TarvexDocument::cickRegister);
-    connect(m_wndSignUp, &Sheet::cancelRequested, this, &TarvexDocument::cancelRegister);
-}
-
 void TarvexDocument::registerClicked()
 {
     const auto action = [this] {

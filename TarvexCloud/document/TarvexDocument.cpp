@@ -1,17 +1,25 @@
 #include "TarvexDocument.h"
 
 #include "BusyIndicator.h"
+#include "DialGeometry.h"
 #include "DocumentController.h"
+#include "DocumentWindow.h"
 #include "MessageLine.h"
+#include "RegisterViewController.h"
 #include "SheetBusyScope.h"
 #include "SignInSheet.h"
 #include "TarvexView.h"
+#include "TVXExchange.h"
 #include "TVXManager.h"
 
-#include <QLineEdit>
-#include <QMainWindow>
+#include <QScopeGuard>
+#include <tuple>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+constexpr int millisecondsBeforeSignIn = 500;
+} // namespace
 
 TarvexDocument::TarvexDocument(DocumentController &controller)
     : m_controller(controller), m_project(std::make_shared<TVXProject>())
@@ -20,14 +28,43 @@ TarvexDocument::TarvexDocument(DocumentController &controller)
 
 TarvexDocument::~TarvexDocument()
 {
-    if (m_listOfProjects)
-        m_listOfProjects->removeEventFilter(this); // the window goes only after the outlets
     if (m_listOfProjects && m_listOfProjects->dataSource() == this)
         m_listOfProjects->setDataSource(nullptr);
-    if (m_renameController && m_renameController->parent() == this)
-        m_renameController->setParent(nullptr);
+    auto *renaming = controllerOf<RenameAreasWindowController>(m_wndRenameAreas);
+    if (renaming && renaming->parent() == this)
+        renaming->setParent(nullptr);
     if (m_wheelView && m_wheelView->theParent() == this)
         m_wheelView->setTheParent(nullptr);
+}
+
+QString TarvexDocument::windowNibName() const
+{
+    return u"TarvexDocument"_s;
+}
+
+QMainWindow *TarvexDocument::window() const
+{
+    return m_window.get();
+}
+
+void TarvexDocument::makeWindow()
+{
+    m_window = std::make_unique<DocumentWindow>(m_controller);
+    m_window->setWindowTitle(windowTitleForDocumentDisplayName(displayName()));
+    m_window->connectTo(*this);
+    m_registerController = controllerOf<RegisterViewController>(m_wndSignUp);
+    windowControllerDidLoadNib();
+}
+
+void TarvexDocument::windowControllerDidLoadNib()
+{
+    for (const std::size_t k : {0U, 1U, 2U, 3U, 7U, 6U, 5U, 4U})
+        m_percentLabels[k]->setFrameRotation(DialGeometry::percentRotations[k]);
+    showState();
+    auto *timer = new QTimer(this);
+    m_startGettingUserNameAndPassword = timer;
+    connect(timer, &QTimer::timeout, this, &TarvexDocument::getUserNameAndPassword);
+    timer->start(millisecondsBeforeSignIn);
 }
 
 void TarvexDocument::getUserNameAndPassword()
@@ -44,12 +81,15 @@ void TarvexDocument::signInAgain()
 {
     if (!mayOpenSheet())
         return;
+    if (windowState().hasAreas)
+        m_credentialsOfWheel.emplace(m_loginUserName, m_loginPassword);
     m_textSignInErrorMessage->setText(u""_s);
     beginSheet(m_wndSignIn);
 }
 
 void TarvexDocument::beginSheet(Sheet *sheet)
 {
+    tell(QString());
     QMainWindow *mainWindow = m_controller.mainWindow();
     sheet->beginOn(mainWindow ? mainWindow : m_window.get());
 }
@@ -71,6 +111,7 @@ void TarvexDocument::signIn()
             return;
         }
         loadStartupDataForLogin(m_textUsername->text(), m_textPassword->text());
+        m_credentialsOfWheel.reset();
         m_wndSignIn->endSheet();
     };
     m_controller.runAction(action, [this] {
@@ -81,13 +122,32 @@ void TarvexDocument::signIn()
 
 void TarvexDocument::cancel()
 {
-    close();
+    if (!m_credentialsOfWheel) {
+        close();
+        return;
+    }
+    std::tie(m_loginUserName, m_loginPassword) = *std::exchange(m_credentialsOfWheel, std::nullopt);
+    m_wndSignIn->endSheet();
+}
+
+void TarvexDocument::close()
+{
+    if (!m_window)
+        return;
+    if (m_startGettingUserNameAndPassword)
+        m_startGettingUserNameAndPassword->stop();
+    const auto sheets = m_window->findChildren<Sheet *>();
+    for (Sheet *sheet : sheets)
+        sheet->endSheet();
+    m_window->hide();
+    m_controller.documentDidClose(this);
 }
 
 void TarvexDocument::loadStartupDataForLogin(const QString &login, const QString &andPassword)
 {
     m_loginUserName = login;
     m_loginPassword = andPassword;
+    m_state.isLoaded = true;
     startGettingData();
     m_wheelView->setMainData(m_project);
     m_listOfProjects->reloadData();
@@ -97,7 +157,6 @@ void TarvexDocument::loadStartupDataForLogin(const QString &login, const QString
     m_wheelView->setTheParent(this);
     m_wheelView->display();
     updatePercentValues();
-    m_isLoaded = true;
     showState();
 }
 
@@ -105,6 +164,35 @@ void TarvexDocument::appendWheelPieces()
 {
     if (!m_wheelView->piecesOfWheel())
         m_wheelView->setPiecesOfWheel(std::make_shared<WheelPieceList>());
-    for (int index = 0; index < areaCount; ++index)
+    for (std::size_t index = 0; index < areaCount; ++index)
         m_wheelView->piecesOfWheel()->push_back(std::make_shared<WheelPiece>());
+}
+
+void TarvexDocument::reload()
+{
+    if (m_state.isLoaded && mayOpenSheet())
+        m_controller.runAction([this] { reloadKeepingWhatFails(); }, [this] { tellIncompleteAnswer(); });
+}
+
+void TarvexDocument::reloadKeepingWhatFails()
+{
+    const TVXSetsPtr selected = selectedSet();
+    const TVXSetsList sets = *m_project->sets();
+    const TVXAreaList areas = *m_project->areas();
+    {
+        const auto putBack = qScopeGuard([&] { // also when an answer ends the action
+            if (m_state.haveSetsFailed)
+                *m_project->sets() = sets;
+            if (m_state.haveAreasFailed)
+                *m_project->areas() = areas;
+            m_listOfProjects->reloadData();
+            if (selected)
+                selectSetWithId(selected->idOfSets());
+            setNamesForAreasOnWindow();
+            showSelectedSet();
+        });
+        whileSaying(tr("Fetching the wheel and its sets…"), /*requests=*/2,
+                    [this] { loadStartupDataForLogin(QString(m_loginUserName), QString(m_loginPassword)); });
+    }
+    tell(WindowWords::reloadOutcome(!m_state.haveSetsFailed, !m_state.haveAreasFailed));
 }

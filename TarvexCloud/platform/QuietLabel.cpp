@@ -13,7 +13,8 @@ void QuietLabel::paintEvent(QPaintEvent *)
     painter.setPen(quietShadeOf(palette().color(QPalette::WindowText)));
     const int wrap = wordWrap() ? Qt::TextWordWrap : Qt::TextSingleLine;
     const int m = margin();
-    painter.drawText(contentsRect().adjusted(m, m, -m, -m), static_cast<int>(alignment()) | wrap, text());
+    painter.drawText(contentsRect().adjusted(m, m, -m, -m), static_cast<int>(alignment()) | wrap,
+                     wordWrap() ? text() : fontMetrics().elidedText(text(), Qt::ElideRight, width() - 2 * m));
 }
 
 QColor quietShadeOf(QColor text)

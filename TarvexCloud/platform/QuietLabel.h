@@ -3,8 +3,8 @@
 #include <QLabel>
 
 /// A label for captions and guidance: plain text in a quieter shade of the window's own text colour, so that
-/// it stays readable in every palette. (The toolkit's placeholder colour is not: some dark palettes leave it
-/// black.)
+/// it stays readable in every palette. Without word wrap a text that is too long is cut with an ellipsis.
+/// (The toolkit's placeholder colour is not: some dark palettes leave it black.)
 class QuietLabel : public QLabel
 {
     Q_OBJECT

@@ -6,8 +6,13 @@
 struct ActionOutcome
 {
     enum class Kind { AreaSaved, GoalMarkedDone, AreasRenamed, SetCreated, SetRenamed, SetDeleted };
+    enum class Result {
+        Done,
+        Refused,
+        Unknown ///< no answer came: nobody knows whether it is stored
+    };
 
     Kind kind = Kind::AreaSaved;
-    QString name;           ///< of the area, the goal or the set
-    bool isAnswered = true; ///< if not, nobody knows whether it is stored
+    QString name; ///< of the area, the goal or the set
+    Result result = Result::Done;
 };

@@ -101,10 +101,10 @@ private Q_SLOTS:
         for (const auto &[selected, deleted, then] :
              {std::tuple(0, "7", "x"), std::tuple(1, "9", "x"), std::tuple(-1, "7", "")}) {
             Client client;
-            const TarvexDocument *document = client.openSignedIn();
+            TarvexDocument *document = client.openSignedIn();
             document->listOfProjects()->selectItemAtIndex(selected);
             client.service.answer("get-sets", sets({"x", "y"}));
-            Client::trigger(document, "actionDeleteSet");
+            document->deleteCurrentProject(); // the command itself is off while no set is selected
             QStringList texts;
             for (const QLabel *label : deleteAlert(document)->findChildren<QLabel *>())
                 texts += label->text();
@@ -157,16 +157,24 @@ private Q_SLOTS:
         Client::trigger(document, "actionNewSet");
         typeName(document, u"One"_s, u"Create"_s);
         QCOMPARE(enabled(),
-                 u"NewSet DeleteSet RenameAreas"_s); // item 1 of one: nothing selected
+                 u"NewSet RenameAreas"_s); // item 1 of one: nothing selected
+        QCOMPARE(Client::guidance(document),
+                 u"“One” was created. Choose a set to see its percentages and goals."_s);
         document->listOfProjects()->selectItemAtIndex(0);
         QCOMPARE(enabled(), u"NewSet RenameSet DeleteSet RandomGoal RenameAreas"_s);
     }
 
-    void eachRequestWithoutAnAnswerRaisesItsAlertAndTheSheetCloses()
+    void eachRequestWithoutAnAnswerRaisesItsAlertAndTheWindowSaysWhatIsKnown()
     {
-        for (const auto &[command, kind] : {std::pair("actionNewSet", QByteArray("create-sets")),
-                                            std::pair("actionRenameSet", QByteArray("set-sets-name")),
-                                            std::pair("actionDeleteSet", QByteArray("delete-sets"))})
+        for (const auto &[command, kind, refused, unknown] :
+             {std::tuple("actionNewSet", QByteArray("create-sets"), u"The service did not create “x”."_s,
+                         u"“x” may not have been created: choose Reload to see."_s),
+              std::tuple("actionRenameSet", QByteArray("set-sets-name"),
+                         u"The service did not rename the set to “x”."_s,
+                         u"The set may not be called “x” now: choose Reload to see."_s),
+              std::tuple("actionDeleteSet", QByteArray("delete-sets"),
+                         u"The service did not delete “First”."_s,
+                         u"“First” may still be there: choose Reload to see."_s)})
             for (const auto &[failing, setsThen] :
                  {std::pair(QByteArrayList{kind}, 2), std::pair(QByteArrayList{"get-sets"}, 0),
                   std::pair(QByteArrayList{kind, "get-sets"}, 0)}) {
@@ -182,7 +190,10 @@ private Q_SLOTS:
                 QCOMPARE(client.alert.errors.size(), failing.size());
                 QCOMPARE(client.service.requests().size(), 5);
                 QCOMPARE(document->listOfProjects()->count(), setsThen);
-                QCOMPARE(Client::guidance(document).contains(u"Choose Sign In"_s), setsThen == 0);
+                QCOMPARE(Client::guidance(document),
+                         setsThen == 0 ? u"The service did not answer. %1 The sets could not be loaded. "
+                                         "Choose Reload to fetch them again."_s.arg(unknown)
+                                       : refused);
                 QVERIFY(!document->wndProjectName()->isVisible());
                 QVERIFY(!client.controller.isBusy());
             }

@@ -198,7 +198,87 @@ private Q_SLOTS:
         Client::signIn(document);
         QCOMPARE(document->wheelView()->piecesOfWheel()->size(), std::size_t(16));
         QCOMPARE(Client::labels(document).value(0), u"only"_s);
-        QVERIFY(!again->isEnabled());
+    }
+
+    void signingInAgainCanBeTakenBackWhileAWheelIsShown()
+    {
+        Client client;
+        const TarvexDocument *document = client.openSignedIn();
+        client.service.answer("sign-in", QByteArray("No."));
+        Client::trigger(document, "actionSignIn");
+        Client::signIn(document, u"bob"_s);
+        QTest::keyClick(document->wndSignIn(), Qt::Key_Escape);
+        QVERIFY(document->window()->isVisible() && !document->wndSignIn()->isVisible());
+        QCOMPARE(document->window()->findChild<QLabel *>(u"labelAccount"_s)->text(), u"Signed in as ann"_s);
+        Client::trigger(document, "actionReload");
+        QCOMPARE(client.service.bodies().last(), "p1=get-areas" + annsDigests);
+    }
+
+    void aReloadKeepsTheSelectionAndWhateverCannotBeFetched()
+    {
+        Client client;
+        const TarvexDocument *document = client.openSignedIn();
+        document->listOfProjects()->selectItemAtIndex(1);
+        client.service.answer("get-sets", setsAnswer({setRow("5", "New", "1 1 1 1 1 1 1 1"),
+                                                      setRow("7", "First", "2 2 2 2 2 2 2 2"),
+                                                      setRow("9", "Second", "3 3 3 3 3 3 3 3")}));
+        client.service.answer("get-areas", ServiceReply{"", /*closes=*/true});
+        Client::trigger(document, "actionReload");
+        QCOMPARE(document->listOfProjects()->currentText(), u"Second"_s);
+        QCOMPARE(Client::average(document), u"3%"_s);
+        QCOMPARE(Client::labels(document).join(u' '), u"Health Work Money Family Growth Fun Home Love"_s);
+        QCOMPARE(document->project()->areas()->size(), std::size_t(8));
+        QVERIFY(Client::guidance(document).startsWith(u"The areas could not be fetched"_s));
+        auto *reload = document->window()->findChild<QPushButton *>(u"buttonReload"_s);
+        QVERIFY(reload->isVisible());
+        client.service.answer("get-areas", areasAnswer(eightNames));
+        client.service.answer("get-sets", httpReply("<a><id>1</id></a>")); // incomplete
+        reload->click();
+        QCOMPARE(document->listOfProjects()->count(), 3);
+        QVERIFY(Client::guidance(document).contains(u"incomplete"_s));
+        client.service.answer("get-sets", setsAnswer({setRow("9", "Second", "4 4 4 4 4 4 4 4")}));
+        reload->click();
+        QCOMPARE(Client::average(document), u"4%"_s);
+        QVERIFY(!reload->isVisible());
+    }
+
+    void aSlowRequestIsCountedInTheWindow()
+    {
+        Client client;
+        const TarvexDocument *document = client.openSignedIn();
+        client.service.hold();
+        QString shown;
+        QTimer meanwhile;
+        connect(&meanwhile, &QTimer::timeout, this, [&] {
+            shown = Client::guidance(document);
+            if (shown.contains(u"Waiting"_s))
+                client.service.release();
+        });
+        meanwhile.start(50);
+        Client::trigger(document, "actionReload");
+        meanwhile.stop();
+        QCOMPARE(shown, u"Fetching the wheel and its sets… Waiting for the service: 1 s of at most 40 s."_s);
+        QVERIFY(!Client::guidance(document).contains(u"Waiting"_s));
+    }
+
+    void aDocumentWithoutAWindowWorksOnTheOutletsItIsGiven()
+    {
+        Client client;
+        const TarvexDocument *shown = client.openSignedIn();
+        TarvexDocument document(client.controller);
+        document.comboBoxSelectionDidChange();
+        QLineEdit field;
+        document.setTextProjectName(&field);
+        QCOMPARE(document.textProjectName(), &field);
+        document.setWheelView(shown->wheelView());
+        document.setListOfProjects(shown->listOfProjects());
+        document.comboBoxSelectionDidChange();
+        QCOMPARE(document.currentSet(), shown->currentSet());
+        document.setListOfProjects(nullptr);
+        document.updatePercentValues();
+        document.reload();
+        document.deleteCurrentProject();
+        QCOMPARE(client.service.requests().size(), 3);
     }
 };
 
