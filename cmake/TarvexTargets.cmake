@@ -14,7 +14,7 @@ find_package(Threads REQUIRED)
 add_library(tarvex-rules INTERFACE)
 target_compile_options(tarvex-rules INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Woverloaded-virtual
-  -Wnon-virtual-dtor -Wimplicit-fallthrough -Wformat=2 -Werror)
+  -Wnon-virtual-dtor -Wimplicit-fallthrough -Wformat=2)
 if(TARVEX_SANITIZE)
   target_compile_options(tarvex-rules INTERFACE -fsanitize=${TARVEX_SANITIZE} -fno-sanitize-recover=all
                          -fno-omit-frame-pointer)
