@@ -1,4 +1,4 @@
-# The rules every target of ours shares: language level, warnings, sanitizers, and the three kinds of target.
+# The rules every target of ours shares: language level, warnings, sanitizers, and the kinds of target.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -28,13 +28,14 @@ target_compile_definitions(tarvex-qt-rules INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING
   QT_NO_KEYWORDS QT_NO_FOREACH QT_STRICT_ITERATORS QT_DISABLE_DEPRECATED_BEFORE=0x060400)
 
-# tarvex_library(NAME SOURCES ... LINKS ... [PRIVATE_LINKS ...])
-# A library is one folder and its include path is that folder alone: LINKS states all that it may know.
+# tarvex_library(NAME SOURCES ... [LINKS ...] [PUBLIC_LINKS ...])
+# A library is one folder and its include path is that folder alone. The links state all that it may know:
+# PUBLIC_LINKS what its headers include, LINKS what only its sources do; tools/check-layers compares.
 function(tarvex_library name)
-  cmake_parse_arguments(arg "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  cmake_parse_arguments(arg "" "" "SOURCES;LINKS;PUBLIC_LINKS" ${ARGN})
   add_library(${name} ${arg_SOURCES})
   target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
-  target_link_libraries(${name} PUBLIC ${arg_LINKS} PRIVATE tarvex-rules ${arg_PRIVATE_LINKS})
+  target_link_libraries(${name} PUBLIC ${arg_PUBLIC_LINKS} PRIVATE tarvex-rules ${arg_LINKS})
 endfunction()
 
 # The same for a library of the client, built with the toolkit's code generators.
@@ -42,6 +43,13 @@ function(tarvex_qt_library name)
   tarvex_library(${name} ${ARGN})
   target_link_libraries(${name} PRIVATE tarvex-qt-rules)
   set_target_properties(${name} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
+endfunction()
+
+# tarvex_program(NAME SOURCES ... LINKS ...): a program of the product.
+function(tarvex_program name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE tarvex-rules ${arg_LINKS})
 endfunction()
 
 # tarvex_qt_test(NAME SOURCES ... LINKS ... [TIMEOUT seconds]): one Qt Test executable, run without a display.
