@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LargestBody.h"
+
 #include <chrono>
 #include <cstddef>
 
@@ -9,7 +11,7 @@ namespace tarvex::http {
 struct Limits
 {
     std::size_t head = 8UL * 1024;
-    std::size_t body = 4UL * 1024 * 1024;
+    std::size_t body = requests::largestBody;
     /// A longer body than this is not even read to its end, and costs the connection.
     std::size_t discardedBody = 64UL * 1024 * 1024;
     /// The bodies of all connections together.

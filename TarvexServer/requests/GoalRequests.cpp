@@ -3,6 +3,7 @@
 #include "Areas.h"
 #include "Call.h"
 #include "Handlers.h"
+#include "LargestBody.h"
 #include "Random.h"
 #include "Records.h"
 #include "Sets.h"
@@ -19,14 +20,12 @@ namespace {
 /// More ids than goals that fit a save; a longer list would only hold up everyone else.
 constexpr std::size_t maximumIds = 100'000;
 
-/// What the goals of one answer may take as the records of a save, whose body is limited to 4 MiB.
-constexpr std::size_t saveRoom = 4UL * 1024 * 1024 - 1024;
+/// What the goals of one answer may take as the records of a save, beside its other fields.
+constexpr std::size_t saveRoom = largestBody - 1024;
 
 constexpr std::size_t longestRecordFrame =
     std::string_view("name:;priority:-2147483648;checked:1;setsId:2147483647;areaId:2147483647;{_end_}")
         .size();
-
-constexpr std::int64_t keptSeconds = 30LL * 24 * 60 * 60;
 
 void writeGoal(wire::XmlAnswer &answer, const store::Goal &goal, bool withArea)
 {
@@ -158,7 +157,7 @@ std::string deleteSomeGoals(Call &call)
     require(!ids.empty() && ids.size() <= maximumIds);
     require(!call.refusedSaves.takeRefusal(call.saver, placesOf(call, ids)));
     store::deleteGoals(call.connection, call.accountId, ids, call.now);
-    store::purgeDeleted(call.connection, call.accountId, /*before=*/call.now - keptSeconds);
+    purgeDeleted(call);
     return done();
 }
 

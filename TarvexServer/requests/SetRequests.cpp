@@ -11,8 +11,6 @@ namespace tarvex::requests {
 
 namespace {
 
-constexpr std::int64_t keptSeconds = 30LL * 24 * 60 * 60;
-
 std::map<wire::GoalPlace, std::int64_t> percentsByPlace(const Call &call)
 {
     std::map<wire::GoalPlace, std::int64_t> percents;
@@ -59,7 +57,7 @@ std::string setSetsName(Call &call)
 std::string deleteSets(Call &call)
 {
     require(store::deleteSet(call.connection, call.accountId, idField(call, /*number=*/4), call.now));
-    store::purgeDeleted(call.connection, call.accountId, /*before=*/call.now - keptSeconds);
+    purgeDeleted(call);
     return done();
 }
 
