@@ -1,7 +1,7 @@
 #include "Columns.h"
 #include "Samples.h"
 
-#include <QElapsedTimer>
+#include <ctime>
 
 namespace {
 
@@ -61,10 +61,9 @@ private Q_SLOTS:
     void hostileDocumentsEndSoon()
     {
         QFETCH(QByteArray, xml);
-        QElapsedTimer timer;
-        timer.start();
+        const std::clock_t started = std::clock();
         QTEST(read(xml) != "refused", "isRead");
-        QVERIFY(timer.elapsed() < 10'000);
+        QVERIFY(std::clock() - started < 10 * CLOCKS_PER_SEC);
     }
 };
 

@@ -43,6 +43,7 @@ public:
         XML_SetElementHandler(m_parser.get(), elementStarts, elementEnds);
         XML_SetCharacterDataHandler(m_parser.get(), characters);
         XML_SetEntityDeclHandler(m_parser.get(), entityDeclared);
+        XML_SetSkippedEntityHandler(m_parser.get(), entitySkipped);
         XML_SetAttlistDeclHandler(m_parser.get(), attributeDeclared);
         if (!parse())
             return std::nullopt;
@@ -87,6 +88,12 @@ private:
 
     static void XMLCALL entityDeclared(void *reader, const XML_Char *, int, const XML_Char *, int,
                                        const XML_Char *, const XML_Char *, const XML_Char *, const XML_Char *)
+    {
+        static_cast<ColumnReader *>(reader)->refuse();
+    }
+
+    /// What an external document type might declare is never read, and its text would be missing.
+    static void XMLCALL entitySkipped(void *reader, const XML_Char *, int)
     {
         static_cast<ColumnReader *>(reader)->refuse();
     }

@@ -16,9 +16,9 @@
 class Columns
 {
 public:
-    /// Nothing unless the bytes are a well-formed document to their very end. Declarations of entities are
-    /// refused, nothing outside the document is ever fetched, and so is a document whose nesting would
-    /// multiply its text: what is read stays in proportion to what arrived.
+    /// Nothing unless the bytes are a well-formed document to their very end. Declarations of entities and
+    /// references to unknown ones are refused, nothing outside the document is ever fetched, and so is a
+    /// document whose nesting would multiply its text: what is read stays in proportion to what arrived.
     static std::optional<Columns> read(QByteArrayView xml, std::span<const std::string_view> names);
 
     /// How many elements the column has; columns are numbered as the names were given.
