@@ -34,7 +34,7 @@ private Q_SLOTS:
         QCOMPARE(answer.data, QByteArray("Error"));
         const QByteArray host = wire.service.url().split('/').at(2);
         const QByteArray head = "POST /tarvex/ HTTP/1.1\r\nHost: " + host +
-                                "\r\nAccept: */*\r\nAccept-Encoding: gzip, deflate\r\nContent-Length: 21\r\n"
+                                "\r\nAccept: */*\r\nContent-Length: 21\r\n"
                                 "Content-Field: application/x-www-form-urlencoded\r\n"
                                 "User-Agent: Tarvex Cloud Mac OS X Client v.0.1.0\r\n"
                                 "Content-Type: application/x-www-form-urlencoded\r\n\r\n";

@@ -113,7 +113,7 @@ public:
         curl_easy_setopt(easy(), CURLOPT_HTTP_VERSION, long(CURL_HTTP_VERSION_1_1));
         curl_easy_setopt(easy(), CURLOPT_PROXY, ""); // whatever the environment says
         curl_easy_setopt(easy(), CURLOPT_FOLLOWLOCATION, 0L);
-        curl_easy_setopt(easy(), CURLOPT_ACCEPT_ENCODING, "gzip, deflate");
+        // Compression is not asked for: libcurl takes a stream that was cut inside for a whole answer.
         curl_easy_setopt(easy(), CURLOPT_TIMEOUT_MS, long(deadline.count()));
         curl_easy_setopt(easy(), CURLOPT_NOSIGNAL, 1L);
         curl_easy_setopt(easy(), CURLOPT_QUICK_EXIT, 1L); // the deadline ends a hanging host look-up too
