@@ -19,7 +19,8 @@ constexpr int hexDigit(char16_t unit)
 
 } // namespace
 
-// Takes over where the string's first run of text, which begins at the cursor, has been found to end.
+// Reads a string that is more than one run of text: the cursor stands behind its opening quotation mark,
+// `end` where the first run ends.
 bool XKJsonParser::scanRestOfStringWithEscapes(const char16_t *end, bool mayHaveSurrogates,
                                                XKJsonNode &string)
 {
@@ -28,8 +29,8 @@ bool XKJsonParser::scanRestOfStringWithEscapes(const char16_t *end, bool mayHave
         if (mayHaveSurrogates && !XKJsonText::isPaired(m_c, end))
             return refuse(Code::Unicode, "Broken unicode character");
         const auto run = static_cast<std::size_t>(end - m_c);
-        const std::size_t needed =
-            length + run + XKJsonText::eight; // the run, an escape, what is overwritten
+        // Copying may overwrite seven units behind the run, of which the escape takes one.
+        const std::size_t needed = length + run + XKJsonText::eight;
         if (m_unescaped.size() < needed)
             m_unescaped.resize(std::max(needed, 2 * m_unescaped.size()));
         XKJsonText::copyRun(m_unescaped.data() + length, m_c, end, m_limit);
@@ -96,7 +97,8 @@ bool XKJsonParser::scanUnicodeChar(char16_t &unit)
     return scanLowSurrogate(unit);
 }
 
-// A pair makes one unit, never a character beyond the first plane: the codec has always read it so.
+// A pair of escapes is folded into one unit, so no character beyond the first plane comes out of it: texts
+// with such escapes have always been read so.
 bool XKJsonParser::scanLowSurrogate(char16_t &unit)
 {
     char16_t low = 0;
