@@ -30,8 +30,12 @@ QByteArray answerWith(int goals)
 
 struct Answering : TVXExchange
 {
-    TVXAnswer post(const QByteArray &) override { return {answer, {}}; }
+    TVXAnswer post(const QByteArray &, TVXPurpose) override
+    {
+        return {.data = answer, .errorDescription = {}};
+    }
     bool isBusy() const override { return false; }
+    std::chrono::milliseconds deadline() const override { return {}; }
     QByteArray answer;
 };
 

@@ -4,23 +4,27 @@
 #include "TVXExchange.h"
 #include "TVXManager.h"
 
+#include <QCoreApplication>
+
 using namespace Qt::StringLiterals;
 
-bool TVXManager::write(const FormString &form)
+bool TVXManager::write(const FormString &form, const char *failure)
 {
     // What the service says to a write is not looked at: the caller reads again what it wants to know.
-    return answerOrAlert(form).has_value();
+    return answerOrAlert(form, TVXPurpose::Writing, failure).has_value();
 }
 
 bool TVXManager::deleteSestUsingLogin(const QString &login, const QString &andPassword, qint64 forSetsId)
 {
-    return write(FormString("delete-sets"_L1).credentials(login, andPassword).number("p4"_L1, forSetsId));
+    return write(FormString("delete-sets"_L1).credentials(login, andPassword).number("p4"_L1, forSetsId),
+                 QT_TRANSLATE_NOOP("TVXManager", "The set may not have been deleted."));
 }
 
 bool TVXManager::deleteGoalByIdUsingLogin(const QString &login, const QString &andPassword,
                                           qint64 forGoalWithId)
 {
-    return write(FormString("delete-goal"_L1).credentials(login, andPassword).number("p4"_L1, forGoalWithId));
+    return write(FormString("delete-goal"_L1).credentials(login, andPassword).number("p4"_L1, forGoalWithId),
+                 QT_TRANSLATE_NOOP("TVXManager", "The goal may not have been deleted."));
 }
 
 bool TVXManager::deleteGoalsByIdUsingLogin(const QString &login, const QString &andPassword,
@@ -28,13 +32,15 @@ bool TVXManager::deleteGoalsByIdUsingLogin(const QString &login, const QString &
 {
     return write(FormString("delete-some-goals"_L1)
                      .credentials(login, andPassword)
-                     .raw("p4"_L1, idRecords(forGoalsWithId)));
+                     .raw("p4"_L1, idRecords(forGoalsWithId)),
+                 QT_TRANSLATE_NOOP("TVXManager", "The former goals may not have been deleted."));
 }
 
 bool TVXManager::createSestUsingLogin(const QString &login, const QString &andPassword,
                                       const QString &withName)
 {
-    return write(FormString("create-sets"_L1).credentials(login, andPassword).text("p4"_L1, withName));
+    return write(FormString("create-sets"_L1).credentials(login, andPassword).text("p4"_L1, withName),
+                 QT_TRANSLATE_NOOP("TVXManager", "The new set may not have been created."));
 }
 
 bool TVXManager::createGoalsUsingLogin(const QString &login, const QString &andPassword,
@@ -42,7 +48,7 @@ bool TVXManager::createGoalsUsingLogin(const QString &login, const QString &andP
 {
     FormString form("create-some-goals"_L1);
     appendGoalRecords(form.credentials(login, andPassword).open("p4"_L1), theGoals, forSetsId, forAreaId);
-    return write(form);
+    return write(form, QT_TRANSLATE_NOOP("TVXManager", "The goals may not have been stored."));
 }
 
 bool TVXManager::createGoalUsingLogin(const QString &login, const QString &andPassword,
@@ -55,7 +61,8 @@ bool TVXManager::createGoalUsingLogin(const QString &login, const QString &andPa
                      .number("p5"_L1, andPriority)
                      .number("p6"_L1, andChecked ? 1 : 0)
                      .number("p7"_L1, forSetsId)
-                     .number("p8"_L1, forAreaId));
+                     .number("p8"_L1, forAreaId),
+                 QT_TRANSLATE_NOOP("TVXManager", "The goal may not have been stored."));
 }
 
 bool TVXManager::renameSestUsingLogin(const QString &login, const QString &andPassword,
@@ -64,14 +71,16 @@ bool TVXManager::renameSestUsingLogin(const QString &login, const QString &andPa
     return write(FormString("set-sets-name"_L1)
                      .credentials(login, andPassword)
                      .text("p4"_L1, withName)
-                     .number("p5"_L1, forSetsWithId));
+                     .number("p5"_L1, forSetsWithId),
+                 QT_TRANSLATE_NOOP("TVXManager", "The set's new name may not have been stored."));
 }
 
 bool TVXManager::renameAreasUsingLogin(const QString &login, const QString &andPassword,
                                        const TVXAreaList &areas)
 {
     return write(
-        FormString("set-area-names"_L1).credentials(login, andPassword).raw("p4"_L1, areaNameRecords(areas)));
+        FormString("set-area-names"_L1).credentials(login, andPassword).raw("p4"_L1, areaNameRecords(areas)),
+        QT_TRANSLATE_NOOP("TVXManager", "The areas' names may not have been stored."));
 }
 
 bool TVXManager::setAreaValueOnServerByUsingLogin(const QString &login, const QString &andPassword,
@@ -80,7 +89,8 @@ bool TVXManager::setAreaValueOnServerByUsingLogin(const QString &login, const QS
     return write(FormString("set-area-value"_L1)
                      .credentials(login, andPassword)
                      .number("p4"_L1, forArea)
-                     .number("p5"_L1, newValue));
+                     .number("p5"_L1, newValue),
+                 QT_TRANSLATE_NOOP("TVXManager", "The area's value may not have been stored."));
 }
 
 QString TVXManager::setCheckedUsingLogin(const QString &login, const QString &andPassword, qint64 goal,
@@ -88,7 +98,7 @@ QString TVXManager::setCheckedUsingLogin(const QString &login, const QString &an
 {
     FormString form("set-checked-area-percent"_L1);
     form.credentials(login, andPassword).number("p5"_L1, goal); // there is no p4, and none is expected
-    const TVXAnswer answer = postInSilence(form.body(), whyNoAnswer);
+    const TVXAnswer answer = postInSilence(form.body(), TVXPurpose::Writing, whyNoAnswer);
     const std::optional<QString> text = answer.data ? asciiText(*answer.data) : std::nullopt;
     return text ? withoutBlanksAround(*text) : u""_s;
 }

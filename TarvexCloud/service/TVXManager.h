@@ -12,13 +12,15 @@
 class FormString;
 class TVXAlert;
 class TVXExchange;
+enum class TVXPurpose;
 struct TVXAnswer;
 
 /// The client of the goal service: each operation is one request, and the caller waits for its answer.
 ///
 /// It keeps nothing between calls; make one per action. Logins and passwords are given plain, and travel as
 /// digests (createNewUser excepted). Ids travel as their low 32 bits. Where no answer came, most operations
-/// show an alert; those that do not say why in `whyNoAnswer`, if given, which is null after an answer.
+/// show an alert that says what is missing or may not have been stored, and why; those that do not say why in
+/// `whyNoAnswer`, if given, which is null after an answer.
 class TVXManager
 {
 public:
@@ -96,12 +98,14 @@ public:
                                  QString *whyNoAnswer = nullptr);
 
 private:
-    bool write(const FormString &form);
-    std::optional<QByteArray> answerOrAlert(const FormString &form);
-    TVXAnswer postInSilence(const QByteArray &body, QString *whyNoAnswer);
+    // In each, `failure` is what an alert begins with, for translation.
+    bool write(const FormString &form, const char *failure);
+    std::optional<QByteArray> answerOrAlert(const FormString &form, TVXPurpose purpose, const char *failure);
+    TVXAnswer postInSilence(const QByteArray &body, TVXPurpose purpose, QString *whyNoAnswer);
+    QString textAnswer(const QByteArray &body, TVXPurpose purpose, QString *whyNoAnswer);
     template<typename List>
     bool readList(const FormString &form, bool (*isError)(const QByteArray &),
-                  bool (*append)(const QByteArray &, List &), List &records);
+                  bool (*append)(const QByteArray &, List &), List &records, const char *failure);
 
     TVXExchange &m_exchange;
     TVXAlert &m_alert;

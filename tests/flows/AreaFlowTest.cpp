@@ -196,7 +196,7 @@ private Q_SLOTS:
     {
         const QByteArray two = areasAnswer({"a", "b"}); // no third area
         const std::tuple<ServiceReply, QByteArray, int> loads[] = {
-            {ServiceReply{"", /*closes=*/true}, areasAnswer(eightNames), 1},
+            {cutReply(), areasAnswer(eightNames), 1},
             {httpReply(" Error "), areasAnswer(eightNames), 0},
             {httpReply("<goals><go"), areasAnswer(eightNames), 0},
             {httpReply("<a><id>1</id><id>2</id><name>x</name></a>"), areasAnswer(eightNames), 0}};

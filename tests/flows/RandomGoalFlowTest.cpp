@@ -12,7 +12,7 @@ namespace {
 
 const QByteArray getGoal = "p1=get-random-goal" + annsDigests + "&p4=7";
 const QByteArray setChecked = "p1=set-checked-area-percent" + annsDigests + "&p5=";
-const ServiceReply noAnswer{.bytes = {}, .closes = true};
+const ServiceReply noAnswer = cutReply();
 
 QByteArray goal(const QByteArray &id, const QByteArray &name, const QByteArray &area)
 {

@@ -181,7 +181,7 @@ private Q_SLOTS:
                 Client client;
                 const TarvexDocument *document = client.openSignedIn();
                 for (const QByteArray &failed : failing)
-                    client.service.answer(failed, ServiceReply{"", /*closes=*/true});
+                    client.service.answer(failed, cutReply());
                 Client::trigger(document, command);
                 if (kind == "delete-sets")
                     QTest::keyClick(deleteAlert(document), Qt::Key_Return);

@@ -104,10 +104,8 @@ private Q_SLOTS:
         QTest::addColumn<int>("sets");
         QTest::addColumn<int>("areas");
         const ServiceReply cut{"HTTP/1.1 200 OK\r\nContent-Length: 900\r\n\r\n<answer>", /*closes=*/true};
-        const ServiceReply gone{"", /*closes=*/true};
         QTest::newRow("sets cut") << QByteArray("get-sets") << cut << 1 << 0 << 8;
         QTest::newRow("areas cut") << QByteArray("get-areas") << cut << 1 << 2 << 0;
-        QTest::newRow("sets gone") << QByteArray("get-sets") << gone << 1 << 0 << 8;
         QTest::newRow("sets refused") << QByteArray("get-sets") << httpReply("Error") << 0 << 0 << 8;
         QTest::newRow("areas not XML")
             << QByteArray("get-areas") << httpReply("hello", "500 Oops") << 0 << 2 << 0;

@@ -74,21 +74,30 @@ private Q_SLOTS:
                  qPrintable(answer.errorDescription));
     }
 
-    void aKeptConnectionThatDiesTakesNoSecondCopy_data() { addSampleRows("dying.txt", {"second", "last"}); }
-    void aKeptConnectionThatDiesTakesNoSecondCopy()
+    void aKeptConnectionThatDiesTakesASecondCopyOfReadsOnly_data()
     {
+        addSampleRows("dying.txt", {"purpose", "second", "last", "dies", "outcome"});
+    }
+    void aKeptConnectionThatDiesTakesASecondCopyOfReadsOnly()
+    {
+        QFETCH(QByteArray, purpose);
         QFETCH(QByteArray, second);
         QFETCH(QByteArray, last);
+        QFETCH(QByteArray, dies);
         second.replace('*', QByteArray(3'000'000, 'x'));
         Wire wire;
-        for (const char *kind : {"save", ""})
-            wire.service.answer(kind, {last, /*closes=*/true});
+        for (const char *kind : {"x", ""})
+            wire.service.answer(kind, {last, /*closes=*/true, /*perByte=*/0ms, dies == "once"});
 
         QVERIFY(wire.exchange.post(form).data);
-        QVERIFY(wire.exchange.post(second).errorDescription.contains(u"was lost"));
+        const TVXAnswer answer =
+            wire.exchange.post(second, purpose == "reads" ? TVXPurpose::Reading : TVXPurpose::Writing);
+        const qsizetype copies = wire.service.bodies().count(second);
         QVERIFY(wire.exchange.post(form).data);
 
-        QVERIFY((wire.service.bodies() == QList<QByteArray>{form, second, form}));
+        QTEST(QByteArray::number(copies) + ' ' + answer.data.value_or("lost"), "outcome");
+        QCOMPARE(answer.errorDescription.contains(u"was lost"), !answer.data);
+        QCOMPARE(wire.service.bodies(), QList<QByteArray>{form} << QList<QByteArray>(copies, second) << form);
     }
 
     void aConnectionClosedWhileIdleIsReplaced()

@@ -137,7 +137,12 @@ ServiceReply LoopbackService::replyTo(const QByteArray &request)
     m_changed.wait(lock, [this] { return !m_isHeld || m_isStopping; });
     const QByteArray kind = bodyOf(request).split('&').first().mid(3); // behind "p1="
     const auto script = m_script.find(kind);
-    return script == m_script.end() ? httpReply("Error") : script->second;
+    if (script == m_script.end())
+        return httpReply("Error");
+    const ServiceReply reply = script->second;
+    if (reply.isOnce)
+        m_script.erase(script);
+    return reply;
 }
 
 bool LoopbackService::send(int connection, const ServiceReply &reply)

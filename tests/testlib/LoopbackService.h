@@ -15,11 +15,18 @@ struct ServiceReply
     QByteArray bytes;
     bool closes = false;                  // the connection, after the last byte; else it is kept
     std::chrono::milliseconds perByte{0}; // waited before each byte
+    bool isOnce = false;                  // later requests are answered as without a script
 };
 
 /// A sound HTTP answer; `headers` are whole lines with their line ends.
 ServiceReply httpReply(const QByteArray &body, const QByteArray &status = "200 OK",
                        const QByteArray &headers = {});
+
+/// No answer: it breaks off behind its first line. After nothing at all a read would be sent once more.
+inline ServiceReply cutReply()
+{
+    return {.bytes = "HTTP/1.1 200 OK\r\n", .closes = true};
+}
 
 /// A real HTTP service on loopback, in threads of its own, that answers by script and keeps what it was sent.
 /// Every member may be called at any time.

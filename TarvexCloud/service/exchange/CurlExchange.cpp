@@ -8,7 +8,6 @@
 #include <curl/curl.h>
 #include <QScopeGuard>
 #include <QUrl>
-#include <utility>
 
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
@@ -35,17 +34,16 @@ using MultiHandle = std::unique_ptr<CURLM, Deleter<curl_multi_cleanup>>;
 struct Transfer
 {
     QByteArray answer = QByteArrayLiteral(""); // an empty answer is one
-    bool isOnItsWay = false;
+    int sendingsLeft = 1;
     bool isHeaderComplete = false;
     bool isTooLarge = false;
 };
 
-/// Asked before a request goes out on a connection. libcurl asks again when the connection died before the
-/// answer and it would send everything once more on another one.
-int allowOneRequest(void *data, char *, char *, int, int)
+/// Asked before a request goes out on a connection. libcurl asks again when a kept connection died before the
+/// answer and it would send everything once more on a fresh one.
+int allowSending(void *data, char *, char *, int, int)
 {
-    auto *transfer = static_cast<Transfer *>(data);
-    return std::exchange(transfer->isOnItsWay, true) ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
+    return static_cast<Transfer *>(data)->sendingsLeft-- > 0 ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
 }
 
 // libcurl counts in bytes here: the size of an item is always 1.
@@ -121,7 +119,7 @@ public:
         curl_easy_setopt(easy(), CURLOPT_BUFFERSIZE, receiveBuffer);
         curl_easy_setopt(easy(), CURLOPT_HTTPHEADER, m_headers.list());
         curl_easy_setopt(easy(), CURLOPT_POST, 1L);
-        m_isGuarded = curl_easy_setopt(easy(), CURLOPT_PREREQFUNCTION, allowOneRequest) == CURLE_OK;
+        m_isGuarded = curl_easy_setopt(easy(), CURLOPT_PREREQFUNCTION, allowSending) == CURLE_OK;
         curl_easy_setopt(easy(), CURLOPT_WRITEFUNCTION, takeAnswer);
         curl_easy_setopt(easy(), CURLOPT_HEADERFUNCTION, takeHeaderLine);
         curl_easy_setopt(easy(), CURLOPT_ERRORBUFFER, m_detail.data());
@@ -193,10 +191,11 @@ CurlExchange::CurlExchange(const QByteArray &url, std::chrono::milliseconds dead
 
 CurlExchange::~CurlExchange() = default;
 
-TVXAnswer CurlExchange::post(const QByteArray &body)
+TVXAnswer CurlExchange::post(const QByteArray &body, TVXPurpose purpose)
 {
     const auto failed = [this](ExchangeError error, const QString &detail = {}) {
-        return TVXAnswer{std::nullopt, describe(error, QUrl::fromEncoded(m_url).authority(), detail)};
+        return TVXAnswer{std::nullopt, describe(error, QUrl::fromEncoded(m_url).authority(), detail),
+                         mayHaveArrived(error)};
     };
     if (m_busy)
         return failed(ExchangeError::Busy);
@@ -209,7 +208,7 @@ TVXAnswer CurlExchange::post(const QByteArray &body)
     if (!m_handles)
         m_handles = std::make_unique<Handles>(m_url, m_deadline);
 
-    Transfer transfer;
+    Transfer transfer{.sendingsLeft = purpose == TVXPurpose::Reading ? 2 : 1};
     const CURLcode code = m_handles->perform(body, transfer, [this] { m_wait.turn(); });
     if (transfer.isTooLarge)
         return failed(ExchangeError::AnswerTooLarge);
@@ -217,5 +216,5 @@ TVXAnswer CurlExchange::post(const QByteArray &body)
         return failed(exchangeErrorOfCurl(code), m_handles->detail(code));
     if (!transfer.isHeaderComplete)
         return failed(ExchangeError::ConnectionLost);
-    return {transfer.answer, {}};
+    return {.data = transfer.answer, .errorDescription = {}};
 }

@@ -18,7 +18,7 @@ public:
     CurlExchange(const QByteArray &url, std::chrono::milliseconds deadline, TVXRequestWait &wait);
     ~CurlExchange() override;
 
-    TVXAnswer post(const QByteArray &body) override;
+    TVXAnswer post(const QByteArray &body, TVXPurpose purpose = TVXPurpose::Writing) override;
     bool isBusy() const override { return m_busy; }
     std::chrono::milliseconds deadline() const override { return m_deadline; }
 

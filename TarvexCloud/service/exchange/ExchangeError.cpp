@@ -25,14 +25,10 @@ const char *sentence(ExchangeError error)
                                  "Could not connect to the service at %1. Check your network "
                                  "connection and that the service is running, then try again.");
     case ExchangeError::TimedOut:
-        return QT_TRANSLATE_NOOP("ExchangeError",
-                                 "The service at %1 did not answer in time. If you were saving "
-                                 "something, check whether it was stored before you try again.");
+        return QT_TRANSLATE_NOOP("ExchangeError", "The service at %1 did not answer in time.");
     case ExchangeError::ConnectionLost:
-        return QT_TRANSLATE_NOOP(
-            "ExchangeError",
-            "The connection to %1 was lost before the answer was complete. If you were saving "
-            "something, check whether it was stored before you try again.");
+        return QT_TRANSLATE_NOOP("ExchangeError",
+                                 "The connection to %1 was lost before the answer was complete.");
     case ExchangeError::NotAWebService:
         return QT_TRANSLATE_NOOP("ExchangeError",
                                  "What answered at %1 is not a web service. Ask whoever runs the "
@@ -44,8 +40,8 @@ const char *sentence(ExchangeError error)
     case ExchangeError::Other:
         break;
     }
-    return QT_TRANSLATE_NOOP("ExchangeError", "The request to %1 failed (%2). Try again later; if it keeps "
-                                              "happening, show this message to whoever runs the service.");
+    return QT_TRANSLATE_NOOP("ExchangeError", "The request to %1 failed (%2). If it keeps happening, show "
+                                              "this message to whoever runs the service.");
 }
 
 } // namespace
@@ -70,6 +66,19 @@ ExchangeError exchangeErrorOfCurl(int code)
         return ExchangeError::NotAWebService;
     default:
         return ExchangeError::Other;
+    }
+}
+
+bool mayHaveArrived(ExchangeError error)
+{
+    switch (error) {
+    case ExchangeError::TimedOut:
+    case ExchangeError::ConnectionLost:
+    case ExchangeError::AnswerTooLarge:
+    case ExchangeError::Other:
+        return true;
+    default:
+        return false;
     }
 }
 

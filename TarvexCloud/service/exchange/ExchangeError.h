@@ -17,7 +17,10 @@ enum class ExchangeError {
 /// The reason behind a libcurl result code other than CURLE_OK.
 ExchangeError exchangeErrorOfCurl(int code);
 
-/// What failed and what to do next, in plain words.
+/// Whether the service may have acted upon the request all the same.
+bool mayHaveArrived(ExchangeError error);
+
+/// Why there is no answer, and what to do about the network or the service, in plain words.
 /// @param address  the service's host and port
 /// @param detail  the transfer library's own words; used where ours could only be vague
 QString describe(ExchangeError error, const QString &address, const QString &detail);

@@ -6,12 +6,16 @@
 #include <QString>
 
 /// What became of one request. An answer is data, an empty body included; without data there was no answer,
-/// and errorDescription tells a person why and what to do next.
+/// and errorDescription tells a person why.
 struct TVXAnswer
 {
     std::optional<QByteArray> data;
     QString errorDescription;
+    bool mayHaveArrived = false; ///< without an answer: whether the service may have acted upon the request
 };
+
+/// What a request does to the service. One that only reads may reach it twice.
+enum class TVXPurpose { Reading, Writing };
 
 /// Sends one request body to the service and waits for the answer.
 class TVXExchange
@@ -22,10 +26,11 @@ public:
     TVXExchange(const TVXExchange &) = delete;
     TVXExchange &operator=(const TVXExchange &) = delete;
 
-    /// Blocks its caller until the answer or the failure is there. At most one request reaches the service,
-    /// whatever happens on the way: a form that arrived twice would be acted upon twice. While another call
-    /// is under way nothing is sent and there is no answer.
-    virtual TVXAnswer post(const QByteArray &body) = 0;
+    /// Blocks its caller until the answer or the failure is there. What writes reaches the service at most
+    /// once, whatever happens on the way: a form that arrived twice would be acted upon twice. What reads is
+    /// sent once more where a connection kept from before ended without a line of the answer. While another
+    /// call is under way nothing is sent and there is no answer.
+    virtual TVXAnswer post(const QByteArray &body, TVXPurpose purpose = TVXPurpose::Writing) = 0;
 
     /// Whether a call of post() is under way, which only code run by the waiting itself can see.
     virtual bool isBusy() const = 0;

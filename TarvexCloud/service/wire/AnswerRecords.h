@@ -8,8 +8,8 @@
 
 /// @file
 /// XML answers as records. The answer is read as parallel columns: record i takes element i of each kind, and
-/// there are as many records as "id" elements. Each append function
-/// tells whether the answer was XML; one that is not adds nothing.
+/// there are as many records as "id" elements. Each append function tells whether the answer was XML; one
+/// that is not adds nothing.
 ///
 /// All throw std::out_of_range when a column is shorter than the one of ids; what was appended stays.
 

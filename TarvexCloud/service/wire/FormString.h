@@ -22,7 +22,6 @@ public:
     /// Begins a field whose value the caller appends; large lists are built in place.
     QString &open(QLatin1StringView field);
 
-    const QString &string() const { return m_string; }
     /// UTF-8; a lone surrogate becomes a question mark.
     QByteArray body() const { return m_string.toUtf8(); }
 
