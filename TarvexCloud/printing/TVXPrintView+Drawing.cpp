@@ -1,8 +1,8 @@
 #include "TVXPrintView.h"
 
-#include <QBackingStore>
+#include "PaintTarget.h"
+
 #include <QImage>
-#include <QPaintEngine>
 #include <QPaintEvent>
 
 using namespace Qt::StringLiterals;
@@ -12,17 +12,6 @@ namespace {
 constexpr std::array<float, WheelGeometry::sliceCount> startAngles = {270, 315, 0, 45, 90, 135, 180, 225};
 constexpr std::array<float, WheelGeometry::sliceCount> endAngles = {315, 360, 45, 90, 135, 180, 225, 270};
 constexpr qreal ruleWidth = 1;
-
-// A widget is the painter's device on the screen, in a grab and in a print of it alike; only the engine tells
-// the window's backing store from the others.
-bool drawsOnScreen(const QPainter &painter)
-{
-    const QPaintDevice *device = painter.device();
-    if (!device || device->devType() != QInternal::Widget)
-        return false;
-    QBackingStore *screen = static_cast<const QWidget *>(device)->backingStore();
-    return screen && painter.paintEngine()->paintDevice() == screen->paintDevice();
-}
 } // namespace
 
 /// The two pictures; loaded for each call to draw.
@@ -55,7 +44,8 @@ void TVXPrintView::paintEvent(QPaintEvent *event)
 
 void TVXPrintView::drawRect(QPainter &painter, const QRectF &rect)
 {
-    if (!drawsOnScreen(painter))
+    const auto *widget = dynamic_cast<const QWidget *>(painter.device());
+    if (!widget || !drawsOnScreen(painter, widget->backingStore()))
         drawItems(painter, layoutOfReport().itemsOnPage(rect, m_countPages));
 }
 

@@ -1,9 +1,8 @@
 #include "TarvexView.h"
 
+#include "PaintTarget.h"
 #include "TarvexViewAccessible.h"
 
-#include <QBackingStore>
-#include <QPaintEngine>
 #include <QPainter>
 
 namespace {
@@ -89,18 +88,10 @@ QPointF TarvexView::centre() const
     return WheelGeometry::centre(size());
 }
 
-// Every target, the window included, shows the widget as the painter's device; only the engine tells them
-// apart. On screen it draws into the window's backing store, in a grab or a print into something else.
-bool TarvexView::drawsOnScreen(const QPainter &painter) const
-{
-    const QPaintEngine *engine = painter.paintEngine();
-    return engine && backingStore() && engine->paintDevice() == backingStore()->paintDevice();
-}
-
 void TarvexView::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    if (!drawsOnScreen(painter))
+    if (!drawsOnScreen(painter, backingStore()))
         return;
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(0, height());

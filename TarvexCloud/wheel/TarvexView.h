@@ -96,7 +96,6 @@ private:
 
     std::shared_ptr<WheelPiece> pieceOfWheel(int index) const;
     QPointF centre() const;
-    bool drawsOnScreen(const QPainter &painter) const;
     void drawPiece(QPainter &painter, int index);
     void drawValue(QPainter &painter, int index) const;
     void drawFocusRing(QPainter &painter) const;
