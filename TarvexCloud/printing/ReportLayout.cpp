@@ -15,7 +15,6 @@ constexpr qreal percentageColumn = 500;
 constexpr qreal priorityColumn = 30;
 constexpr qreal goalColumn = 80;
 
-constexpr qreal checkboxSide = 14;
 constexpr qint32 checkboxDrop = 4;
 
 constexpr qreal wheelCentreY = 170;
@@ -66,7 +65,7 @@ QRectF squareAround(const QPointF &centre, qreal radius)
 }
 } // namespace
 
-/// Takes what lies between two heights and lets the rest go.
+/// Keeps the items that lie between two heights.
 class ReportLayout::Collector
 {
 public:
@@ -174,7 +173,7 @@ void ReportLayout::collectWheel(Collector &collector) const
 {
     const QRectF &page = collector.page();
     const QPointF centre(page.width() / 2, wheelCentreY);
-    // Whatever a pale sector could cover was drawn before it: the title and the slices.
+    // Only title and slices are drawn before the pale sectors; a radius that covers both covers all it can.
     const qreal reach = WheelGeometry::reach(centre, QSizeF(page.right(), wheelCentreY + wheelRadius));
     for (std::size_t i = 0; i < areaCount; ++i) {
         const auto index = static_cast<int>(i);

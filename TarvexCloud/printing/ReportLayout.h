@@ -40,6 +40,7 @@ class ReportLayout
 {
 public:
     static constexpr std::size_t areaCount = 8;
+    static constexpr qreal checkboxSide = 14;
 
     /// Of more areas than eight the first eight are laid out. A goal of none of them is left out.
     ReportLayout(const TVXProject &project, const QString &title, const ReportLineHeights &lineHeights);

@@ -2,24 +2,24 @@
 
 #include "PaintTarget.h"
 
-#include <QImage>
 #include <QPaintEvent>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 // On the page, whose y grows downward, these run clockwise from twelve o'clock as the screen's do.
 constexpr std::array<float, WheelGeometry::sliceCount> startAngles = {270, 315, 0, 45, 90, 135, 180, 225};
 constexpr std::array<float, WheelGeometry::sliceCount> endAngles = {315, 360, 45, 90, 135, 180, 225, 270};
 constexpr qreal ruleWidth = 1;
-} // namespace
 
-/// The two pictures; loaded for each call to draw.
-struct TVXPrintView::Checkboxes
+// A painter on few dots looks at every sixth dot of the picture or so; made smaller before, all of them
+// count.
+QImage fitForDots(const QPainter &painter, const QImage &picture)
 {
-    QImage off = QImage(u":/printing/checkbox_off.gif"_s);
-    QImage on = QImage(u":/printing/checkbox_on.gif"_s);
-};
+    constexpr QRectF square(0, 0, ReportLayout::checkboxSide, ReportLayout::checkboxSide);
+    const QSize dots = painter.deviceTransform().mapRect(square).size().toSize();
+    const bool isFiner = picture.width() > dots.width();
+    return isFiner ? picture.scaled(dots, Qt::IgnoreAspectRatio, Qt::SmoothTransformation) : picture;
+}
+} // namespace
 
 const std::array<float, WheelGeometry::sliceCount> &TVXPrintView::anglesStart() const
 {
@@ -51,10 +51,11 @@ void TVXPrintView::drawRect(QPainter &painter, const QRectF &rect)
 
 void TVXPrintView::drawItems(QPainter &painter, const ReportItems &items) const
 {
-    const Checkboxes checkboxes;
     painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing |
-                           QPainter::SmoothPixmapTransform);
+                           QPainter::SmoothPixmapTransform | QPainter::LosslessImageRendering);
     painter.setPen(QPen(Qt::black, ruleWidth, Qt::SolidLine, Qt::FlatCap));
+    const Checkboxes checkboxes = {fitForDots(painter, m_checkboxes.off),
+                                   fitForDots(painter, m_checkboxes.on)};
     for (const ReportItem &item : items)
         drawItem(painter, item, checkboxes);
 }

@@ -34,9 +34,11 @@ float lineHeightOf(const TextAttributes &attributes)
 }
 } // namespace
 
-TVXPrintView::TVXPrintView(QWidget *parent) : QWidget(parent)
+TVXPrintView::TVXPrintView(const QRectF &frame)
 {
     initResources();
+    m_checkboxes = {QImage(u":/printing/checkbox_off.gif"_s), QImage(u":/printing/checkbox_on.gif"_s)};
+    setFrame(frame);
     const QString sans = u"Futura"_s;
     const QString serif = u"Big Caslon"_s;
     // Symbola is there for emoji: the coloured ones of other fonts do not get into a PDF.
@@ -62,6 +64,13 @@ void TVXPrintView::setTitleOfDocument(const QString &title)
     m_layout.reset();
 }
 
+void TVXPrintView::setFrame(const QRectF &frame)
+{
+    const QSizeF largest(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+    m_frame = frame;
+    resize(frame.size().boundedTo(largest).toSize());
+}
+
 bool TVXPrintView::knowsPageRange(PageRange *range)
 {
     const PrintInfo info = m_printInfo ? *m_printInfo : PrintInfo();
@@ -69,9 +78,7 @@ bool TVXPrintView::knowsPageRange(PageRange *range)
     m_pageRect = info.imageablePageBounds();
     m_pageHeight = ReportPages::pageHeight(m_pageRect);
     m_documentHeight = ReportPages::documentHeight(m_lineHeights, countGoals);
-    m_frame = QRectF(0, 0, info.paperSize().width(), static_cast<qreal>(m_documentHeight));
-    const QSizeF largest(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
-    resize(m_frame.size().boundedTo(largest).toSize());
+    setFrame(QRectF(0, 0, info.paperSize().width(), static_cast<qreal>(m_documentHeight)));
     m_countPages = ReportPages::countPages(m_documentHeight, m_pageHeight);
     m_layout.reset();
     *range = {/*location=*/1, m_countPages};

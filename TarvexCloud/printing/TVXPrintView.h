@@ -7,6 +7,7 @@
 #include "WheelPiece.h"
 
 #include <optional>
+#include <QImage>
 #include <QWidget>
 
 /// The report of one set as it is printed: title, wheel with names, and every area with its goals.
@@ -18,8 +19,12 @@ class TVXPrintView : public QWidget
     Q_OBJECT
 public:
     /// Takes the fonts "Futura" and "Big Caslon", or their substitutes where they are not installed, and
-    /// their line heights.
-    explicit TVXPrintView(QWidget *parent = nullptr);
+    /// their line heights. The frame is set anew by knowsPageRange().
+    explicit TVXPrintView(const QRectF &frame = QRectF());
+
+    /// Told to whoever asks, and used by nobody: y grows downward, and nothing behind the view shows through.
+    static constexpr bool isFlipped() { return true; }
+    static constexpr bool isOpaque() { return true; }
 
     /// The project whose areas and goals are printed; shared, may be empty. The report is laid out from it
     /// at knowsPageRange().
@@ -78,8 +83,13 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    struct Checkboxes;
+    struct Checkboxes
+    {
+        QImage off;
+        QImage on;
+    };
 
+    void setFrame(const QRectF &frame);
     void drawItem(QPainter &painter, const ReportItem &item, const Checkboxes &checkboxes) const;
     void drawSlice(QPainter &painter, const ReportItem &item) const;
     const TextAttributes &attributesOf(ReportItem::Kind kind) const;
@@ -96,6 +106,8 @@ private:
     qint64 m_currentPage = 0;
     qint32 m_pageHeight = 0;
     QRectF m_frame;
+    // Kept for the operation: a file stores each image object once, and one loaded anew would be another.
+    Checkboxes m_checkboxes;
 
     TVXProjectPtr m_project = std::make_shared<TVXProject>();
     std::shared_ptr<WheelPieceList> m_piecesOfWheel;

@@ -92,6 +92,17 @@ private Q_SLOTS:
         static const QRegularExpression embeddedWithUnicode(u" yes (yes|no) +yes "_s);
         for (const QString &font : fonts)
             QVERIFY2(font.contains(embeddedWithUnicode), qPrintable(font));
+
+        // Every goal has a picture; each of the two is in the file once, without loss and fine enough.
+        const QStringList pictures =
+            told(u"pdfimages"_s, {u"-list"_s, path}).split(u'\n', Qt::SkipEmptyParts).mid(2);
+        QSet<QString> objects;
+        for (const QString &picture : pictures) {
+            const QStringList columns = picture.simplified().split(u' ');
+            QVERIFY2(columns[8] == u"image" && columns[12].toInt() >= 500, qPrintable(picture));
+            objects.insert(columns[10]);
+        }
+        QCOMPARE(objects.size(), 2);
     }
 
     void aPrinterPrintsTheChosenPages()
