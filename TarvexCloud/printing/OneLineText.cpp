@@ -13,16 +13,23 @@ bool endsLine(QChar c)
     return c == u'\n' || c == u'\r' || c == QChar::LineSeparator || c == QChar::ParagraphSeparator;
 }
 
+// A tab counts as a blank: the next tab stop, measured in the device's own dots, may lie beyond the paper.
 QString firstLineOf(const QString &text)
 {
     const auto end = std::find_if(text.begin(), text.begin() + std::min(text.size(), longestLine), endsLine);
-    return text.first(end - text.begin());
+    return text.first(end - text.begin()).replace(u'\t', u' ');
 }
 
 bool isPlainLetter(char16_t c)
 {
     constexpr char16_t softHyphen = 0xAD;
     return (c >= u' ' && c < 0x7F) || (c > 0xA0 && c != softHyphen);
+}
+
+// The height on which all texts of a row stand, also one whose letters come from another font.
+qreal baselineIn(const QRectF &rect, const TextAttributes &attributes)
+{
+    return rect.y() + std::max((rect.height() - attributes.height()) / 2, 0.0) + attributes.ascent();
 }
 
 /// The general case: any text, broken and cut.
@@ -41,7 +48,7 @@ void layOutAndDraw(QPainter &painter, const QRectF &rect, const QString &text,
     layout.endLayout();
     painter.save();
     painter.setClipRect(rect, Qt::IntersectClip);
-    layout.draw(&painter, {rect.x(), rect.y() + std::max((rect.height() - line.height()) / 2, 0.0)});
+    layout.draw(&painter, {rect.x(), baselineIn(rect, attributes) - line.ascent()});
     painter.restore();
 }
 } // namespace
@@ -81,6 +88,5 @@ void drawOneLine(QPainter &painter, const QRectF &rect, const QString &text, con
         return;
     }
     painter.setFont(attributes.font());
-    const qreal top = rect.y() + (rect.height() - attributes.height()) / 2;
-    painter.drawText(QPointF(rect.x(), top + attributes.ascent()), text);
+    painter.drawText(QPointF(rect.x(), baselineIn(rect, attributes)), text);
 }

@@ -4,7 +4,8 @@
 #include <QFont>
 #include <QPainter>
 
-/// How a text is set, with the figures of the font that a quick look at a text needs.
+/// A font and an alignment, with the font's measures kept so that most texts need not be laid out to know
+/// that they fit.
 class TextAttributes
 {
 public:
@@ -17,8 +18,8 @@ public:
     qreal ascent() const { return m_ascent; }
     qreal height() const { return m_height; }
 
-    /// Whether the text is surely one line of that width, of letters that stay within the font's height. No
-    /// says nothing.
+    /// Whether the text is known to fit into one line of that width with letters of this font alone. A text
+    /// of which this is false may fit all the same; only laying it out tells.
     bool isPlainLine(const QString &text, qreal width) const;
 
 private:
@@ -31,8 +32,8 @@ private:
     std::array<float, letterCount> m_advances = {}; // 0 for what is no plain letter
 };
 
-/// Draws what of a text fits into a rectangle of one line: its first line, wrapped to the rectangle's width
-/// and halfway down its height, and nothing beyond the rectangle. The text may be of any length and have any
-/// characters.
+/// Draws what of a text fits into a rectangle of one line: its first line, wrapped to the rectangle's width,
+/// and nothing beyond the rectangle. Texts in equal rectangles stand on the same baseline, which puts the
+/// font in the middle of the rectangle's height. The text may be of any length and have any characters.
 void drawOneLine(QPainter &painter, const QRectF &rect, const QString &text,
                  const TextAttributes &attributes);

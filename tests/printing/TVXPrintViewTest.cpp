@@ -116,6 +116,25 @@ private Q_SLOTS:
         QVERIFY(report.view.grab().toImage() != blank);
     }
 
+    void tabsAndLettersOfOtherFontsKeepTheLine()
+    {
+        const TVXPrintView view;
+        const auto drawn = [&](const QString &text) {
+            QImage image(300, 17, QImage::Format_ARGB32_Premultiplied);
+            constexpr int asPrintersHave = 47'244; // 1200 dots per inch
+            image.setDotsPerMeterX(asPrintersHave);
+            image.setDotsPerMeterY(asPrintersHave);
+            image.fill(Qt::white);
+            QPainter painter(&image);
+            drawOneLine(painter, image.rect(), text, view.attributesDefault());
+            return image;
+        };
+        const QImage plain = drawn(u"Buy a tent"_s);
+        QCOMPARE(drawn(u"Buy\ta tent"_s), plain);
+        const QRect letters(0, 0, 55, 17);
+        QCOMPARE(drawn(u"Buy a tent 🎯 שלום"_s).copy(letters), plain.copy(letters));
+    }
+
     void theWheelRunsClockwiseFromTwelve()
     {
         ReportSample sample;
