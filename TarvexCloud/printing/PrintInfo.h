@@ -10,7 +10,7 @@ struct PrintInfo
     enum class Pagination { Automatic, Fit, Clip };
 
     QPageLayout pageLayout;
-    bool printAllPages = false; ///< a choice of pages made for an earlier report does not count
+    bool printAllPages = false; ///< the printer is asked for all pages until the user chooses some
     Pagination horizontalPagination = Pagination::Automatic;
     Pagination verticalPagination = Pagination::Automatic;
 

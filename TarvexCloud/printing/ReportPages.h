@@ -23,7 +23,7 @@ qint32 pageHeight(const QRectF &pageRect);
 /// drawn, and a line for every goal, also for one that belongs to no area.
 float documentHeight(const ReportLineHeights &lineHeights, qint64 countGoals);
 
-/// At least one. A page without a whole point of height cannot divide the report and counts as one.
+/// At least one; exactly one where a page is less than a whole point high.
 qint64 countPages(float documentHeight, qint32 pageHeight);
 
 /// The part of the report that a page shows. It is as high as the printable area while pages advance by whole

@@ -25,7 +25,7 @@ std::optional<QString> write(PrintOperation &operation, const QPageLayout &pageL
     writer.setPageRanges(pages);
     writer.setTitle(operation.view().titleOfDocument());
     writer.setCreator(u"Tarvex Cloud"_s);
-    // The writer does not look at what becomes of its bytes; the file remembers.
+    // The writer ignores whether its bytes could be written; the file keeps the error.
     if (operation.runOn(writer) || !file.flush())
         return file.errorString();
     return std::nullopt;

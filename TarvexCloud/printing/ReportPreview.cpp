@@ -120,7 +120,7 @@ void ReportPreview::paintEvent(QPaintEvent *event)
         drawPage(painter, page, event->rect());
 }
 
-// Through a picture of what is exposed, since the report never draws on the screen.
+// The report never draws on the screen: it is drawn into a picture of what is exposed, and that is shown.
 void ReportPreview::drawPage(QPainter &painter, qint64 page, const QRect &exposed)
 {
     const QRectF sheet = rectOfPage(page);

@@ -42,7 +42,7 @@ ReportPreviewDialog::ReportPreviewDialog(const std::shared_ptr<PrintOperation> &
     bottom->setContentsMargins(margin, 0, margin, 0);
     bottom->addWidget(buttons);
     column->addLayout(bottom);
-    print->setDefault(true); // once it is part of the dialog
+    print->setDefault(true); // which counts only for a button that is in the dialog already
     m_preview->setFocus();
     showPage();
 }
@@ -55,7 +55,7 @@ QLayout *ReportPreviewDialog::makeToolRow()
     const auto add = [&](const QString &text, const QKeySequence &shortcut, const auto &action) {
         auto *button = new QPushButton(text);
         button->setAutoDefault(false);
-        if (!shortcut.isEmpty()) // else the text's own stays
+        if (!shortcut.isEmpty()) // an empty one would take away the letter in the text
             button->setShortcut(shortcut);
         connect(button, &QPushButton::clicked, this, action);
         row->addWidget(button);
