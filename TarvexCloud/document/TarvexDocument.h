@@ -12,7 +12,6 @@
 #include <memory>
 #include <optional>
 #include <QObject>
-#include <QPageRanges>
 #include <QTimer>
 #include <QVariantMap>
 
@@ -20,8 +19,8 @@ class AlertSheet;
 class DocumentController;
 class DocumentWindow;
 class PrintOperation;
-class QPrinter;
 class RegisterViewController;
+class ReportDialogs;
 
 /// The name of a notification that a document changed. It is published for others; the product neither posts
 /// nor observes it. The name is spelt so.
@@ -201,14 +200,8 @@ private:
     void tellIncompleteAnswer();
     /// Runs requests that no sheet is up for: the window says what is being done.
     void whileSaying(const QString &doing, int requests, const std::function<void()> &action);
-    void makePrintOperation(const std::function<void(const std::shared_ptr<PrintOperation> &)> &next);
-    void askForPrinter(const std::shared_ptr<PrintOperation> &operation, QWidget *window);
-    void askForFile(const std::shared_ptr<PrintOperation> &operation, QWidget *window,
-                    const QString &typedPath = {}, const QPageRanges &pages = {});
-    void printOn(QPrinter &printer, const std::shared_ptr<PrintOperation> &operation, QWidget *window);
-    void writePdf(const std::shared_ptr<PrintOperation> &operation, QWidget *window, const QString &path,
-                  const QPageRanges &pages = {});
-    void showSaved(const QString &path);
+    void makeReport(void (ReportDialogs::*next)());
+    ReportDialogs *makeReportDialogs(const std::shared_ptr<PrintOperation> &operation);
 
     DocumentController &m_controller;
     TVXProjectPtr m_project;
@@ -217,8 +210,8 @@ private:
     std::optional<std::pair<QString, QString>> m_credentialsOfWheel; // while signing in again
     std::weak_ptr<TVXSets> m_currentSet;
     WindowState m_state; // what cannot be told from the project
-    bool m_isReportWithoutGoals = false;
     PrintInfo m_printInfo;
+    QPointer<ReportDialogs> m_reportDialogs; // of the latest report; the window's
     std::unique_ptr<DocumentWindow> m_window;
     QPointer<QTimer> m_startGettingUserNameAndPassword;
     QPointer<RegisterViewController> m_registerController;

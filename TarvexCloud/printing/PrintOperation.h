@@ -16,9 +16,14 @@ class PrintOperation
 {
 public:
     PrintOperation(std::unique_ptr<TVXPrintView> view, const PrintInfo &printInfo);
+    Q_DISABLE_COPY_MOVE(PrintOperation) // the view points at the print info in here
 
     PrintInfo &printInfo() { return m_printInfo; }
     TVXPrintView &view() { return *m_view; }
+
+    /// Whether the report shows no goals because they could not be fetched.
+    bool lacksGoals() const { return m_lacksGoals; }
+    void setLacksGoals(bool lacksGoals) { m_lacksGoals = lacksGoals; }
 
     /// Lays the report out for that paper. Pages are as of the last call.
     PageRange layOutFor(const QPageLayout &pageLayout);
@@ -32,4 +37,5 @@ public:
 private:
     PrintInfo m_printInfo;
     std::unique_ptr<TVXPrintView> m_view;
+    bool m_lacksGoals = false;
 };

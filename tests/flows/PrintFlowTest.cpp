@@ -2,6 +2,7 @@
 #include "PrintOperation.h"
 #include "ReportPreview.h"
 #include "ReportPreviewDialog.h"
+#include "ReportTexts.h"
 
 #include <QAction>
 #include <QFileDialog>
@@ -88,7 +89,8 @@ private Q_SLOTS:
         QCOMPARE(client.service.bodies().mid(3), {"p1=get-complex-goals-for-sets" + annsDigests + "&p4=9"});
         QCOMPARE(client.document->project()->goals()->size(), 100);
         QVERIFY(client.alert.errors.isEmpty());
-        QVERIFY(Client::guidance(client.document).contains(u"“mine.pdf”"_s));
+        QCOMPARE(Client::guidance(client.document),
+                 u"The report was saved as “mine.pdf” in %1."_s.arg(folder.path()));
     }
 
     void goalsThatDoNotComeLeaveHeadersAndFullPercentages()
@@ -99,8 +101,24 @@ private Q_SLOTS:
         const QString text = textOf(folder.filePath(u"bare.pdf"_s));
         QCOMPARE(text.count(u"100%"_s), 8);
         QVERIFY(text.contains(u"Love Good - Excellent 100%"_s));
+        const QString warning = u"The goals could not be loaded, so the report shows none."_s;
+        QVERIFY(Client::guidance(client.document).startsWith(u"The report was saved"_s));
+        QVERIFY(Client::guidance(client.document).endsWith(warning));
         client.document->previewPrint();
-        QVERIFY(Client::guidance(client.document).contains(u"report shows none"_s));
+        QCOMPARE(Client::guidance(client.document), warning);
+    }
+
+    void foldersAreNamedShortly()
+    {
+        const auto folder = [](const QString &path) {
+            return ReportTexts::saved(path, /*lacksGoals=*/false).section(u"” in "_s, 1);
+        };
+        const QString home = QDir::homePath();
+        QCOMPARE(folder(home + u"/a.pdf"_s), u"~."_s);
+        QCOMPARE(folder(home + u"/Documents/a.pdf"_s), u"Documents."_s);
+        QCOMPARE(folder(home + u"/Documents/2026/a.pdf"_s), u"~/Documents/2026."_s);
+        QCOMPARE(folder(home + u"s/a.pdf"_s), home + u"s."_s);
+        QVERIFY(folder(u"/long"_s.repeated(90) + u"/a.pdf"_s).size() < 100);
     }
 
     void withoutASelectedSetNothingIsPrintedOrSaid()
