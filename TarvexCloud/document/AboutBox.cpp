@@ -17,9 +17,7 @@ QPixmap wheelPicture(qreal side, qreal pixelRatio)
     picture.fill(Qt::transparent);
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.translate(side / 2, side / 2);
-    const qreal scale = (side / 2 - 1) / WheelGeometry::sliceRadius;
-    painter.scale(scale, -scale); // the wheel's y axis points upward
+    painter.setTransform(WheelGeometry::fittedInto(QRectF(0, 0, side, side)), /*combine=*/true);
     QPen lines(Qt::white, 1.5);
     lines.setCosmetic(true);
     painter.setPen(lines);

@@ -1,7 +1,7 @@
 #include "DialGeometry.h"
 
 #include <cmath>
-#include <numbers>
+#include <QtMath>
 
 namespace {
 
@@ -11,22 +11,21 @@ constexpr int averageLeft = 24;
 constexpr int averageTop = 14;
 constexpr int gapToAverage = 12;
 
-// Clock angle of the middle of slice k, measured counter-clockwise from three o'clock.
-qreal middleAngle(int index)
-{
-    return std::numbers::pi * (90.0 - 22.5 - 45.0 * index) / 180.0;
-}
-
 qreal percentRadius(const DialGeometry::TextSizes &text)
 {
     return DialGeometry::wheelRadius + gap + text.percent.height() / 2;
 }
 
+// The middle of percent label k, from the wheel's centre and with y growing upward.
+QPointF percentMiddle(const DialGeometry::TextSizes &text, int index)
+{
+    return WheelGeometry::polar({}, percentRadius(text), WheelGeometry::middleAngle(index));
+}
+
 // Half the width that a percent label takes up once it is turned along the rim.
 qreal turnedHalfWidth(const DialGeometry::TextSizes &text, int index)
 {
-    const qreal turn =
-        std::numbers::pi * DialGeometry::percentRotations[static_cast<std::size_t>(index)] / 180.0;
+    const qreal turn = qDegreesToRadians(DialGeometry::percentRotations[static_cast<std::size_t>(index)]);
     return (text.percent.width() * std::abs(std::cos(turn)) +
             text.percent.height() * std::abs(std::sin(turn))) /
            2;
@@ -40,18 +39,17 @@ int averageRight(const DialGeometry::TextSizes &text)
 // How far from the wheel's centre a name begins, and how high its middle lies.
 QPointF nameAnchor(const DialGeometry::TextSizes &text, int index)
 {
-    const qreal radius = percentRadius(text);
-    const qreal angle = middleAngle(index);
+    const QPointF percent = percentMiddle(text, index);
     const bool nearPole = index % 4 == 0 || index % 4 == 3;
     if (nearPole) {
         // Above the percent that leans most, whatever the size of the text.
         const qreal rim = DialGeometry::wheelRadius + text.percent.height() / 2;
-        const qreal aboveLeaning = std::abs(radius * std::sin(angle)) + text.percent.height() * 0.6;
+        const qreal aboveLeaning = std::abs(percent.y()) + text.percent.height() * 0.6;
         const qreal height = std::max(rim, aboveLeaning) + text.nameHeight / 2.0;
-        return {std::abs(radius * std::cos(angle)) + gap + 4, std::copysign(height, std::sin(angle))};
+        return {std::abs(percent.x()) + gap + 4, std::copysign(height, percent.y())};
     }
     const qreal beyond = std::max(turnedHalfWidth(text, index), turnedHalfWidth(text, 7 - index));
-    return {std::abs(radius * std::cos(angle)) + beyond + gap, radius * std::sin(angle) * 1.1};
+    return {std::abs(percent.x()) + beyond + gap, percent.y() * 1.1};
 }
 
 } // namespace
@@ -60,17 +58,13 @@ DialGeometry::DialGeometry(QSize area, const TextSizes &text)
     : average(averageLeft, averageTop, text.average.width(), text.average.height()),
       caption(averageLeft, average.bottom() + 1, text.captionWidth, text.captionHeight)
 {
-    const int left = (area.width() - wheelSide) / 2;
-    const int top = (area.height() - wheelSide) / 2;
-    wheel = QRect(left, top, wheelSide, wheelSide);
-    const QPointF centre(left + wheelSide / 2.0, top + wheelSide / 2.0);
+    constexpr int side = WheelGeometry::viewSide;
+    wheel = QRect((area.width() - side) / 2, (area.height() - side) / 2, side, side);
+    const QPointF centre = wheel.toRectF().center();
 
     for (int index = 0; index < areaCount; ++index) {
         const auto k = static_cast<std::size_t>(index);
-        const qreal angle = middleAngle(index);
-        const qreal radius = percentRadius(text);
-        percentCentres[k] = {centre.x() + radius * std::cos(angle),
-                             area.height() - centre.y() + radius * std::sin(angle)};
+        percentCentres[k] = WheelGeometry::flipped(centre, area.height()) + percentMiddle(text, index);
 
         const QPointF anchor = nameAnchor(text, index);
         const int y = static_cast<int>(std::lround(centre.y() - anchor.y() - text.nameHeight / 2.0));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "WheelGeometry.h"
+
 #include <array>
 #include <QPointF>
 #include <QRect>
@@ -9,9 +11,8 @@
 /// and of the text. Plain arithmetic in widget coordinates (y down) unless said otherwise.
 struct DialGeometry
 {
-    static constexpr int areaCount = 8;
-    static constexpr int wheelSide = 430;
-    static constexpr qreal wheelRadius = 210;
+    static constexpr int areaCount = WheelGeometry::sliceCount;
+    static constexpr qreal wheelRadius = WheelGeometry::sliceRadius;
 
     struct TextSizes
     {

@@ -11,7 +11,6 @@ public:
     explicit RotatedLabel(QWidget *parent = nullptr);
 
     /// Degrees, counter-clockwise positive.
-    qreal frameRotation() const { return m_degrees; }
     void setFrameRotation(qreal degrees);
 
     /// The unturned frame whose centre lands on that point once it is turned.

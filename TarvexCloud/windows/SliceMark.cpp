@@ -28,9 +28,7 @@ void SliceMark::paintEvent(QPaintEvent *)
         return;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const qreal scale = (qMin(width(), height()) / 2.0 - 1) / WheelGeometry::sliceRadius;
-    painter.translate(rect().toRectF().center());
-    painter.scale(scale, -scale); // the wheel's y axis points upward
+    painter.setTransform(WheelGeometry::fittedInto(rect()), /*combine=*/true);
     // Pale slices need an edge on a pale window.
     QColor edge = palette().color(QPalette::WindowText);
     edge.setAlphaF(0.4F);

@@ -15,17 +15,6 @@ std::size_t at(int index)
     return static_cast<std::size_t>(index);
 }
 
-qreal middleAngle(int index)
-{
-    return static_cast<qreal>(anglesStart[at(index)]) + halfSliceAngle;
-}
-
-QPointF polar(const QPointF &centre, qreal radius, qreal angle)
-{
-    const qreal radians = qDegreesToRadians(angle);
-    return centre + QPointF(radius * std::cos(radians), radius * std::sin(radians));
-}
-
 QRectF squareAround(const QPointF &centre, qreal halfSide)
 {
     return {centre.x() - halfSide, centre.y() - halfSide, 2 * halfSide, 2 * halfSide};
@@ -37,6 +26,17 @@ void addArc(QPainterPath &path, const QPointF &centre, qreal radius, qreal start
     path.arcTo(squareAround(centre, radius), -startAngle, startAngle - endAngle);
 }
 } // namespace
+
+qreal middleAngle(int index)
+{
+    return static_cast<qreal>(anglesStart[at(index)]) + halfSliceAngle;
+}
+
+QPointF polar(const QPointF &centre, qreal radius, qreal angle)
+{
+    const qreal radians = qDegreesToRadians(angle);
+    return centre + QPointF(radius * std::cos(radians), radius * std::sin(radians));
+}
 
 const std::array<QColor, sliceCount> &colors()
 {
@@ -61,6 +61,12 @@ QPointF centre(const QSizeF &viewSize)
 QPointF flipped(const QPointF &point, qreal viewHeight)
 {
     return {point.x(), viewHeight - point.y()};
+}
+
+QTransform fittedInto(const QRectF &rect)
+{
+    const qreal scale = (std::min(rect.width(), rect.height()) / 2 - 1) / sliceRadius;
+    return QTransform::fromTranslate(rect.center().x(), rect.center().y()).scale(scale, -scale);
 }
 
 qreal reach(const QPointF &centre, const QSizeF &viewSize)

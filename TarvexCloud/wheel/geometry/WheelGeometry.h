@@ -6,6 +6,7 @@
 #include <QPointF>
 #include <QRectF>
 #include <QSizeF>
+#include <QTransform>
 
 /// The wheel as numbers: tables by area index, outlines and sizes, in points.
 ///
@@ -15,6 +16,8 @@
 namespace WheelGeometry {
 inline constexpr int sliceCount = 8;
 inline constexpr qreal sliceRadius = 210.0;
+/// Side of the square view that holds the wheel with a little air round it.
+inline constexpr int viewSide = 430;
 /// Width of the white line round every slice.
 inline constexpr qreal outlineWidth = 1.5;
 
@@ -22,6 +25,11 @@ inline constexpr qreal outlineWidth = 1.5;
 /// one, the others follow clockwise.
 inline constexpr std::array<float, sliceCount> anglesStart = {45, 0, 315, 270, 225, 180, 135, 90};
 inline constexpr std::array<float, sliceCount> anglesEnd = {90, 45, 360, 315, 270, 225, 180, 135};
+
+/// The direction in which a slice's middle lies.
+qreal middleAngle(int index);
+/// The point that far from another in that direction.
+QPointF polar(const QPointF &centre, qreal radius, qreal angle);
 
 /// The slices' fill colours, the same on screen and paper.
 const std::array<QColor, sliceCount> &colors();
@@ -32,6 +40,9 @@ QColor valueColor();
 QPointF centre(const QSizeF &viewSize);
 /// Between a widget's own coordinates (y down) and the wheel's (y up); its own inverse.
 QPointF flipped(const QPointF &point, qreal viewHeight);
+/// From a wheel whose centre is (0, 0) into a small picture of it, which fills the rectangle, y down, up to a
+/// unit from its nearer sides.
+QTransform fittedInto(const QRectF &rect);
 /// No point of the view lies farther from the centre than this.
 qreal reach(const QPointF &centre, const QSizeF &viewSize);
 
