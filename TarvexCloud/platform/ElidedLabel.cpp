@@ -30,6 +30,15 @@ QString singleLineOf(const QString &text)
     return line;
 }
 
+QString shownNameOf(const QString &name)
+{
+    const auto isSeen = [](QChar c) {
+        return !c.isSpace() && !isShownAsBlank(c) && c.category() != QChar::Other_Format;
+    };
+    QString line = singleLineOf(name);
+    return std::any_of(line.cbegin(), line.cend(), isSeen) ? line : ElidedLabel::tr("(no name)");
+}
+
 QString plainToolTip(const QString &text)
 {
     return u"<p style=\"white-space: pre-wrap\">%1</p>"_s.arg(text.left(drawnCharacters).toHtmlEscaped());

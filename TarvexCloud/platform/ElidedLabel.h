@@ -22,6 +22,8 @@ protected:
 /// Text from outside as one line of bounded length, fit for drawing. A text that is so already comes back as
 /// the same object, not as a copy.
 QString singleLineOf(const QString &text);
+/// A name from outside as one line; one that nobody could see has a stand-in.
+QString shownNameOf(const QString &name);
 /// Text from outside as a tooltip that shows it word for word and wraps. Tooltips guess at markup, hence
 /// this.
 QString plainToolTip(const QString &text);

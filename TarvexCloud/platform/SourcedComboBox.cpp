@@ -3,7 +3,9 @@
 #include "ElidedLabel.h"
 
 #include <QAbstractListModel>
+#include <QHelpEvent>
 #include <QSignalBlocker>
+#include <QToolTip>
 #include <QWheelEvent>
 
 class SourcedComboBox::Items : public QAbstractListModel
@@ -18,12 +20,16 @@ public:
 
     QVariant data(const QModelIndex &index, int role) const override
     {
-        if (!m_box->m_source || index.row() < 0 || index.row() >= rowCount())
+        if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::ToolTipRole))
             return {};
-        const QString text = m_box->m_source->comboBoxObjectValueForItemAtIndex(m_box, index.row());
+        const bool isSelected = index.row() == m_box->m_selectedIndex;
+        if (!isSelected && index.row() >= rowCount())
+            return {};
+        const QString text = isSelected ? m_box->m_selectedText : m_box->textOfItem(index.row());
+        const QString shown = shownNameOf(text);
         if (role == Qt::DisplayRole)
-            return singleLineOf(text);
-        return role == Qt::ToolTipRole ? QVariant(plainToolTip(text)) : QVariant();
+            return shown;
+        return plainToolTip(shown == singleLineOf(text) ? text : shown);
     }
 
     void reset()
@@ -87,12 +93,29 @@ void SourcedComboBox::noteSelection()
     std::shared_ptr<const void> record;
     if (m_source && index >= 0)
         record = m_source->comboBoxRecordAtIndex(this, index);
-    setToolTip(itemData(index, Qt::ToolTipRole).toString());
+    m_selectedText = textOfItem(index);
+    setAccessibleDescription(singleLineOf(m_selectedText) == m_selectedText ? QString() : m_selectedText);
+    update();
     if (index == m_selectedIndex && record == m_selectedRecord)
         return;
     m_selectedIndex = index;
     m_selectedRecord = record;
     Q_EMIT selectionDidChange();
+}
+
+QString SourcedComboBox::textOfItem(int index) const
+{
+    return m_source && index >= 0 ? m_source->comboBoxObjectValueForItemAtIndex(this, index) : QString();
+}
+
+bool SourcedComboBox::event(QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QComboBox::event(event);
+    // Set as the box's own, it would be read out by assistive tools with its markup.
+    QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), currentData(Qt::ToolTipRole).toString(),
+                       this);
+    return true;
 }
 
 void SourcedComboBox::showPopup()

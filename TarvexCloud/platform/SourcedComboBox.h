@@ -5,13 +5,15 @@
 
 class SourcedComboBox;
 
-/// Where a combo box gets its items from, asked anew each time they are needed.
+/// Where a combo box gets its items from, asked anew each time they are needed. Only the selected item's text
+/// stays as it was until the next reload, so that the box does not go blank while its source is refilled.
 class ComboBoxDataSource
 {
 public:
     virtual ~ComboBoxDataSource() = default;
     virtual int numberOfItemsInComboBox(const SourcedComboBox *comboBox) const = 0;
-    /// The item's text, or a null string where there is none.
+    /// The item's text, or a null string where there is none. An item without a visible text is listed under
+    /// a stand-in.
     virtual QString comboBoxObjectValueForItemAtIndex(const SourcedComboBox *comboBox, int index) const = 0;
     /// What stands behind an item. The box keeps it only to tell that one record from another.
     virtual std::shared_ptr<const void> comboBoxRecordAtIndex(const SourcedComboBox *comboBox,
@@ -49,15 +51,18 @@ Q_SIGNALS:
     void willDismiss();
 
 protected:
+    bool event(QEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
 
 private:
     class Items;
     void noteSelection();
+    QString textOfItem(int index) const;
 
     const ComboBoxDataSource *m_source = nullptr;
     Items *m_items;
     std::shared_ptr<const void> m_selectedRecord; // held: a freed record's address may come back
+    QString m_selectedText;
     int m_selectedIndex = -1;
     int m_highlighted = -1;
     bool m_listOpen = false;

@@ -1,5 +1,6 @@
 #include "SourcedComboBox.h"
 
+#include <QAccessible>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -49,6 +50,22 @@ private Q_SLOTS:
             box.reloadData();
             QCOMPARE(changes.count(), round);
         }
+    }
+
+    void theSelectedNameStaysUntilTheReload()
+    {
+        Names names({u"a"_s, u"two\nlines"_s, u" \u200B"_s});
+        SourcedComboBox box;
+        box.setDataSource(&names);
+        QCOMPARE(box.itemText(2), u"(no name)"_s);
+        box.selectItemAtIndex(1);
+        const QAccessibleInterface *told = QAccessible::queryAccessibleInterface(&box);
+        for (const QStringList &refilled : {QStringList(), QStringList({u"x"_s, u"y"_s})}) {
+            names = Names(refilled);
+            QCOMPARE(told->text(QAccessible::Value), u"two lines"_s);
+        }
+        box.reloadData();
+        QCOMPARE(box.currentText(), u"y"_s);
     }
 
     void scrollingPastWithoutFocusSelectsNothing()
