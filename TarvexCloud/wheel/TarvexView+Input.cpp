@@ -1,15 +1,21 @@
 // What the user does to the wheel, and what assistive tools are told of it.
 
+#include "ElidedLabel.h"
+#include "SideTip.h"
 #include "TarvexView.h"
 
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QTextDocument>
 #include <QToolTip>
 
 namespace {
-constexpr int toolTipWidth = 480;
+// Events after which the words beside a slice may have to appear, vanish or move.
+bool decidesAboutWords(QEvent::Type type)
+{
+    return type == QEvent::FocusIn || type == QEvent::FocusOut || type == QEvent::ActivationChange ||
+           type == QEvent::Move || type == QEvent::Resize;
+}
 } // namespace
 
 std::optional<int> TarvexView::pieceAt(const QPointF &position) const
@@ -31,7 +37,8 @@ QRect TarvexView::rectOfPiece(int index) const
 
 void TarvexView::choosePiece(int index)
 {
-    if (m_theParent)
+    const bool isEmptyProject = m_mainData && areaCount() == 0;
+    if (m_theParent && !isEmptyProject)
         m_theParent->showAreaDetails(areaAt(index), index);
 }
 
@@ -54,7 +61,10 @@ void TarvexView::mouseReleaseEvent(QMouseEvent *event)
 
 void TarvexView::mouseMoveEvent(QMouseEvent *event)
 {
-    if (pieceAt(event->position()))
+    m_wordsWanted = false;
+    showWordsBesidePiece();
+    const std::optional<int> hit = pieceAt(event->position());
+    if (hit && areaAt(*hit))
         setCursor(Qt::PointingHandCursor);
     else
         unsetCursor();
@@ -63,26 +73,26 @@ void TarvexView::mouseMoveEvent(QMouseEvent *event)
 
 bool TarvexView::event(QEvent *event)
 {
-    if (event->type() != QEvent::ToolTip)
-        return QWidget::event(event);
-    const auto *help = static_cast<QHelpEvent *>(event);
-    showToolTip(help->pos(), help->globalPos());
-    return true;
+    if (event->type() == QEvent::ToolTip) {
+        const auto *help = static_cast<QHelpEvent *>(event);
+        showToolTip(help->pos(), help->globalPos());
+        return true;
+    }
+    const bool isHandled = QWidget::event(event);
+    if (decidesAboutWords(event->type()))
+        showWordsBesidePiece();
+    return isHandled;
 }
 
 void TarvexView::showToolTip(const QPoint &position, const QPoint &globalPosition)
 {
     const std::optional<int> hit = pieceAt(position);
-    const TVXAreaPtr area = hit ? areaAt(*hit) : TVXAreaPtr();
-    if (!area) {
+    const QString words = hit ? wordsOfPiece(*hit) : QString();
+    if (words.isEmpty())
         QToolTip::hideText();
-        return;
-    }
-    const QString name = fontMetrics().elidedText(area->name().simplified(), Qt::ElideRight, toolTipWidth);
-    // Names are the user's own text: escaped, and marked as rich so that the escapes are undone again.
-    const QString text = Qt::convertFromPlainText(
-        tr("%1: %2").arg(name, QString::number(area->valueOfArea())), Qt::WhiteSpacePre);
-    QToolTip::showText(globalPosition, text, this, rectOfPiece(*hit).united(QRect(position, QSize(1, 1))));
+    else
+        QToolTip::showText(globalPosition, plainToolTip(words), this,
+                           rectOfPiece(*hit).united(QRect(position, QSize(1, 1))));
 }
 
 // Down and Right go clockwise whatever the layout direction, since the dial is never mirrored.
@@ -107,6 +117,11 @@ std::optional<int> TarvexView::pieceForKey(int key) const
 
 void TarvexView::keyPressEvent(QKeyEvent *event)
 {
+    if (event->key() == Qt::Key_Escape && m_words && m_words->isVisible()) {
+        m_wordsWanted = false;
+        showWordsBesidePiece();
+        return;
+    }
     const bool plain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
     if (!plain || areaCount() == 0) {
         event->ignore();
@@ -133,19 +148,37 @@ void TarvexView::setCurrentPiece(int index)
         return;
     m_currentPiece = index;
     update();
+    showWordsBesidePiece();
     if (hasFocus())
         announceFocus();
 }
 
 void TarvexView::showFocusRing(bool shown)
 {
-    if (m_focusRingShown == shown)
-        return;
     m_focusRingShown = shown;
+    m_wordsWanted = shown;
     update();
+    showWordsBesidePiece();
 }
 
-// Coming back from a sheet or another window, the ring is as it was before.
+void TarvexView::showWordsBesidePiece()
+{
+    const bool areShown = m_wordsWanted && m_focusRingShown && hasFocus() && isActiveWindow();
+    const QString words = areShown ? wordsOfPiece(currentPiece()) : QString();
+    if (words.isEmpty()) {
+        if (m_words)
+            m_words->hide();
+        return;
+    }
+    if (!m_words)
+        m_words = new SideTip(window());
+    QToolTip::hideText();
+    const QRectF piece = WheelGeometry::sliceOutline(centre(), currentPiece()).boundingRect();
+    const QPointF corner = WheelGeometry::flipped(piece.bottomLeft(), height());
+    m_words->showBeside(QRect(mapTo(window(), corner.toPoint()), piece.size().toSize()), words);
+}
+
+// Coming back from a sheet or another window, the ring and the words are as they were before.
 void TarvexView::focusInEvent(QFocusEvent *event)
 {
     QWidget::focusInEvent(event);
@@ -182,12 +215,13 @@ void TarvexView::areasMayHaveChanged()
         const TVXAreaPtr area = areaAt(index);
         const auto at = static_cast<std::size_t>(index);
         m_announced.push_back(
-            {area ? area->name() : QString(), area ? area->valueOfArea() : 0, m_percentTexts[at]});
+            {area ? area->name() : QString(), area ? area->valueOfArea() : 0, wordsOfPiece(index)});
         if (at < before.size())
             announceDifferences(index, before[at], m_announced[at]);
         else
             announceChange(QAccessible::ObjectCreated, index);
     }
+    showWordsBesidePiece();
 }
 
 void TarvexView::announceDifferences(int index, const Description &before, const Description &now)
@@ -199,7 +233,7 @@ void TarvexView::announceDifferences(int index, const Description &before, const
         event.setChild(index);
         announce(event);
     }
-    if (before.percent != now.percent)
+    if (before.words != now.words)
         announceChange(QAccessible::DescriptionChanged, index);
 }
 

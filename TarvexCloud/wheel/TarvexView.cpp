@@ -1,12 +1,14 @@
 #include "TarvexView.h"
 
 #include "PaintTarget.h"
+#include "SliceWords.h"
 #include "TarvexViewAccessible.h"
 
 #include <QPainter>
 
 namespace {
-constexpr int roomForWheel = 430;
+static_assert(WheelGeometry::sliceCount == TVXSets::areaCount);
+
 // The focus line and the halo it lies in, far enough from the slice's rim to show its colour on both sides.
 constexpr qreal ringWidth = 2.5;
 constexpr qreal ringHalo = 6;
@@ -52,7 +54,7 @@ const std::array<QColor, WheelGeometry::sliceCount> &TarvexView::colors() const
 
 QSize TarvexView::sizeHint() const
 {
-    return {roomForWheel, roomForWheel};
+    return {WheelGeometry::viewSide, WheelGeometry::viewSide};
 }
 
 void TarvexView::display()
@@ -73,6 +75,14 @@ TVXAreaPtr TarvexView::areaAt(int index) const
     if (index < 0 || index >= areaCount())
         return {};
     return (*m_mainData->areas())[static_cast<std::size_t>(index)];
+}
+
+QString TarvexView::wordsOfPiece(int index) const
+{
+    const TVXAreaPtr area = areaAt(index);
+    return area ? sliceWords(area->name(), area->valueOfArea(),
+                             m_percentTexts[static_cast<std::size_t>(index)])
+                : QString();
 }
 
 std::shared_ptr<WheelPiece> TarvexView::pieceOfWheel(int index) const

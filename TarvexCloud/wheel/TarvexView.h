@@ -8,8 +8,11 @@
 #include <algorithm>
 #include <optional>
 #include <QAccessible>
+#include <QPointer>
 #include <QTimer>
 #include <QWidget>
+
+class SideTip;
 
 /// The wheel: eight coloured slices, each covered by a pale sector up to its area's value. It draws, and
 /// reports which slice the user chose; it fetches and edits nothing.
@@ -19,7 +22,8 @@
 /// areas: what is there is drawn. It draws on the screen only, never into a grab or on paper.
 ///
 /// With the keyboard, arrows walk round the dial and Return, Enter or Space choose; assistive tools see one
-/// graphic with a child for every area. All of them end in the same call as a click.
+/// graphic with a child for every area. All of them end in the same call as a click. What a slice says in
+/// words is told to all alike: under the mouse, beside the slice that the keyboard is on, to assistive tools.
 class TarvexView : public QWidget
 {
     Q_OBJECT
@@ -42,14 +46,17 @@ public:
     WheelParent *theParent() const { return m_theParent; }
     void setTheParent(WheelParent *parent) { m_theParent = parent; }
 
+    /// The wheel's own coordinates grow upward, and the click that brings its window forward chooses, too.
+    static constexpr bool isFlipped() { return false; }
+    static constexpr bool acceptsFirstMouse() { return true; }
+
     const std::array<float, WheelGeometry::sliceCount> &anglesStart() const;
     const std::array<float, WheelGeometry::sliceCount> &anglesEnd() const;
     const std::array<QColor, WheelGeometry::sliceCount> &colors() const;
 
-    /// The current set's percentages ("75", no sign) by area index. They are not drawn, only told to
-    /// assistive tools; an empty text says nothing.
+    /// The current set's percentages ("75", no sign) by area index. They are not drawn, only told in words;
+    /// an empty text says nothing.
     void setPercentTexts(const PercentTexts &texts);
-    const PercentTexts &percentTexts() const { return m_percentTexts; }
 
     /// Draws again at once, and tells assistive tools what has changed since the last time.
     void display();
@@ -58,6 +65,8 @@ public:
     int areaCount() const;
     /// The area with that index, or empty.
     TVXAreaPtr areaAt(int index) const;
+    /// What the slice says in words: one plain line, or none without an area.
+    QString wordsOfPiece(int index) const;
     /// The first piece that contains the point, in the widget's coordinates.
     std::optional<int> pieceAt(const QPointF &position) const;
     /// A rectangle inside the slice, in the widget's coordinates.
@@ -67,7 +76,7 @@ public:
     int currentPiece() const { return std::clamp(m_currentPiece, 0, std::max(areaCount() - 1, 0)); }
     /// An index without an area is ignored.
     void setCurrentPiece(int index);
-    /// Reports the slice to theParent as a click on it would.
+    /// Reports the slice to theParent as a click on it would: not on a project that has no areas at all.
     void choosePiece(int index);
 
     QSize sizeHint() const override;
@@ -91,7 +100,7 @@ private:
     {
         QString name;
         qint32 value = 0;
-        QString percent;
+        QString words;
     };
 
     std::shared_ptr<WheelPiece> pieceOfWheel(int index) const;
@@ -103,6 +112,7 @@ private:
     std::optional<int> pieceForKey(int key) const;
     void showToolTip(const QPoint &position, const QPoint &globalPosition);
     void showFocusRing(bool shown);
+    void showWordsBesidePiece();
 
     void areasMayHaveChanged();
     void announceDifferences(int index, const Description &before, const Description &now);
@@ -116,5 +126,7 @@ private:
     std::vector<Description> m_announced;
     int m_currentPiece = 0;
     bool m_focusRingShown = false;
+    bool m_wordsWanted = false; // beside the slice, while the keyboard is in use
+    QPointer<SideTip> m_words;  // a child of the window
     QTimer m_focusAnnouncement;
 };

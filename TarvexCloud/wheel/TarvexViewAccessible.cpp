@@ -1,5 +1,9 @@
 #include "TarvexViewAccessible.h"
 
+#include "ElidedLabel.h"
+#include "Words.h"
+
+#include <algorithm>
 #include <QCoreApplication>
 
 namespace {
@@ -95,14 +99,13 @@ QString WheelSliceAccessible::text(QAccessible::Text kind) const
     const TVXAreaPtr area = m_view ? m_view->areaAt(m_index) : TVXAreaPtr();
     if (!area)
         return {};
-    const QString &percent = m_view->percentTexts()[static_cast<std::size_t>(m_index)];
     switch (kind) {
     case QAccessible::Name:
-        return area->name();
+        return shownNameOf(area->name());
     case QAccessible::Value:
         return QString::number(area->valueOfArea());
     case QAccessible::Description:
-        return percent.isEmpty() ? QString() : TarvexView::tr("%1 percent of goals done").arg(percent);
+        return m_view->wordsOfPiece(m_index);
     default:
         return {};
     }
@@ -155,14 +158,23 @@ void WheelSliceAccessible::doAction(const QString &actionName)
     }
 }
 
-QVariant WheelSliceAccessible::currentValue() const
+qint32 WheelSliceAccessible::valueOfArea() const
 {
     const TVXAreaPtr area = m_view ? m_view->areaAt(m_index) : TVXAreaPtr();
     return area ? area->valueOfArea() : 0;
 }
 
+QVariant WheelSliceAccessible::currentValue() const
+{
+    return valueOfArea();
+}
+
+QVariant WheelSliceAccessible::minimumValue() const
+{
+    return std::min(valueOfArea(), Words::lowestRatedValue);
+}
+
 QVariant WheelSliceAccessible::maximumValue() const
 {
-    constexpr int valueOfFullSlice = 9;
-    return valueOfFullSlice;
+    return std::max(valueOfArea(), Words::highestRatedValue);
 }

@@ -29,7 +29,7 @@ private:
     mutable std::array<QAccessible::Id, WheelGeometry::sliceCount> m_children = {};
 };
 
-/// One slice: its area's name, its value, its percentage as a sentence; pressing it is clicking it.
+/// One slice: its area's name, its value, all of it in words; pressing it is clicking it.
 class WheelSliceAccessible : public QAccessibleInterface,
                              public QAccessibleActionInterface,
                              public QAccessibleValueInterface
@@ -58,14 +58,16 @@ public:
     void doAction(const QString &actionName) override;
     QStringList keyBindingsForAction(const QString &) const override { return {}; }
 
-    /// The value can be read here; it is changed in the area's details.
+    /// The value can be read here, in the range of the slider that changes it in the area's details.
     QVariant currentValue() const override;
     void setCurrentValue(const QVariant &) override {}
-    QVariant minimumValue() const override { return 0; }
+    QVariant minimumValue() const override;
     QVariant maximumValue() const override;
     QVariant minimumStepSize() const override { return 1; }
 
 private:
+    qint32 valueOfArea() const;
+
     QPointer<TarvexView> m_view;
     int m_index;
 };

@@ -1,5 +1,9 @@
 #include "TarvexView.h"
+#include "ElidedLabel.h"
+#include "SideTip.h"
+#include "SliceWords.h"
 
+#include <QToolTip>
 #include <QtTest>
 
 using namespace Qt::StringLiterals;
@@ -38,6 +42,21 @@ public:
         return screen()->grabWindow(winId()).toImage().pixelColor(at(radius, angle));
     }
     void click(qreal radius, qreal angle) { QTest::mouseClick(this, Qt::LeftButton, {}, at(radius, angle)); }
+
+    /// What the pointer shows there: a tooltip, and whether it is a hand.
+    std::pair<QString, bool> hover(qreal radius, qreal angle)
+    {
+        QTest::mouseMove(this, at(radius, angle));
+        QHelpEvent help(QEvent::ToolTip, at(radius, angle), mapToGlobal(at(radius, angle)));
+        QCoreApplication::sendEvent(this, &help);
+        return {QToolTip::text(), cursor().shape() == Qt::PointingHandCursor};
+    }
+    /// The words beside the slice that the keyboard is on.
+    const SideTip *words() const
+    {
+        const auto *tip = findChild<SideTip *>();
+        return tip && tip->isVisible() ? tip : nullptr;
+    }
 
     void showAreaDetails(const TVXAreaPtr &area, int ofIndex) override
     {
@@ -94,9 +113,13 @@ private Q_SLOTS:
         wheel.click(100, 80);
         wheel.project->areas()->resize(2);
         wheel.display();
+        QCOMPARE(wheel.hover(100, -80), std::pair(QString(), false));
+        QCOMPARE(wheel.hover(100, 20), std::pair(plainToolTip(u"b: 0 - Very Bad."_s), true));
         for (const int angle : {80, -80, 100})
             wheel.click(100, angle);
         QAccessibleInterface *slice = wheel.graphic->child(1);
+        wheel.project->areas()->clear();
+        wheel.click(100, 20); // nothing to open
         wheel.setMainData(nullptr);
         for (const Qt::Key key : {Qt::Key_Right, Qt::Key_End, Qt::Key_Return})
             QTest::keyClick(&wheel, key);
@@ -158,6 +181,51 @@ private Q_SLOTS:
         QVERIFY(!isRinged(0) && isRinged(2));
     }
 
+    void aSliceTellsItsValueAndPercentInWords()
+    {
+        const QString huge(500, u'8');
+        const QString cut = huge.left(40) + u'\u2026';
+        for (const auto &[name, value, percent, words] :
+             std::initializer_list<std::tuple<QString, qint32, QString, QString>>{
+                 {u"Health"_s, 6, u"75"_s, u"Health: 6 - Good. 75% of its goals in this set are done."_s},
+                 {u"%2 <b>\n&"_s, 9, u""_s, u"%2 <b> &: 9."_s},
+                 {u" \u200B\t"_s, -1, u" "_s, u"(no name): -1."_s},
+                 {huge, 0, huge,
+                  cut + u": 0 - Very Bad. "_s + cut + u"% of its goals in this set are done."_s}})
+            QCOMPARE(sliceWords(name, value, percent), words);
+    }
+
+    void wordsStandBesideTheSliceReachedByKeyboardOnly()
+    {
+        WheelOnScreen wheel;
+        wheel.project->areas()->at(2)->setName(QString(40, u'W'));
+        for (const int width : {900, 501}) {
+            wheel.resize(width, 431);
+            for (int index = 1; index <= 8; ++index) {
+                QTest::keyClick(&wheel, Qt::Key_Right);
+                wheel.setPercentTexts({QString::number(width)});
+                const QRectF slice =
+                    WheelGeometry::sliceOutline(WheelGeometry::centre(wheel.size()), index % 8)
+                        .boundingRect();
+                const QPointF corner = WheelGeometry::flipped(slice.bottomLeft(), wheel.height());
+                QVERIFY(wheel.words() &&
+                        !wheel.words()->geometry().intersects(QRectF(corner, slice.size()).toRect()));
+                QVERIFY(wheel.rect().contains(wheel.words()->geometry()));
+                QCOMPARE(wheel.words()->text(),
+                         wheel.graphic->child(index % 8)->text(QAccessible::Description));
+            }
+        }
+        const std::vector<std::function<void()>> ways = {
+            [&] { QTest::keyClick(&wheel, Qt::Key_Escape); }, [&] { wheel.hover(90, 20); },
+            [&] { wheel.click(100, 20); }, [&] { wheel.clearFocus(); }};
+        for (const auto &end : ways) {
+            QTest::keyClick(&wheel, Qt::Key_Home);
+            QVERIFY(wheel.words());
+            end();
+            QVERIFY(!wheel.words());
+        }
+    }
+
     void assistiveToolsHearOfChangesAndReadThem()
     {
         WheelOnScreen wheel;
@@ -172,13 +240,19 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         QTest::keyClick(&wheel, Qt::Key_Right);
         using enum QAccessible::Event;
-        const decltype(wheel.announcements) expected = {
-            {NameChanged, 2}, {ValueChanged, 4}, {DescriptionChanged, 0}, {Focus, 0}, {Focus, 1}};
+        const decltype(wheel.announcements) expected = {{NameChanged, 2},
+                                                        {DescriptionChanged, 2},
+                                                        {ValueChanged, 4},
+                                                        {DescriptionChanged, 4},
+                                                        {DescriptionChanged, 0},
+                                                        {Focus, 0},
+                                                        {Focus, 1}};
         QCOMPARE(wheel.announcements, expected);
         const auto slice = [&](int index) { return wheel.graphic->child(index); };
         QCOMPARE(slice(2)->text(QAccessible::Name), u"Health"_s);
         QCOMPARE(slice(4)->text(QAccessible::Value), u"9"_s);
-        QCOMPARE(slice(0)->text(QAccessible::Description), u"75 percent of goals done"_s);
+        QCOMPARE(slice(4)->valueInterface()->maximumValue(), 9); // beyond the slider's usual 8
+        QCOMPARE(slice(2)->valueInterface()->maximumValue(), 8);
         QCOMPARE(wheel.graphic->focusChild(), slice(1));
         QVERIFY(slice(1)->state().focused && !slice(0)->state().focused);
     }

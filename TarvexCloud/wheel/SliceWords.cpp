@@ -1,0 +1,44 @@
+#include "SliceWords.h"
+
+#include "ElidedLabel.h"
+#include "TarvexView.h"
+#include "Words.h"
+
+namespace {
+
+// Enough to know an area by; its label has the whole.
+constexpr qsizetype longestText = 40;
+
+QString inBrief(const QString &text)
+{
+    const QString line = text.simplified();
+    if (line.size() <= longestText)
+        return line;
+    const bool splitsAPair = line.at(longestText - 1).isHighSurrogate();
+    return line.left(longestText - (splitsAPair ? 1 : 0)) + u'\u2026';
+}
+
+// Left alone, a name in Hebrew or Arabic would turn the whole sentence round.
+QString isolated(const QString &name)
+{
+    return name.isRightToLeft() ? u'\u2068' + name + u'\u2069' : name;
+}
+
+QString ratedValue(const QString &name, qint32 value)
+{
+    const QString rating = Words::rating(value);
+    if (rating.isEmpty())
+        return TarvexView::tr("%1: %2.").arg(name, QString::number(value));
+    return TarvexView::tr("%1: %2 - %3.").arg(name, QString::number(value), rating);
+}
+
+} // namespace
+
+QString sliceWords(const QString &name, qint32 value, const QString &percent)
+{
+    const QString rated = ratedValue(isolated(inBrief(shownNameOf(name))), value);
+    const QString done = inBrief(singleLineOf(percent));
+    if (done.isEmpty())
+        return rated;
+    return TarvexView::tr("%1 %2% of its goals in this set are done.").arg(rated, done);
+}
