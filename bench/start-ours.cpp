@@ -13,8 +13,7 @@ int main(int argc, char *argv[])
     const QApplication application(argc, argv);
     HeldInputWait wait;
     CurlExchange exchange("http://127.0.0.1:1/tarvex/", std::chrono::seconds(1), wait);
-    MessageBoxAlertPresenter presenter;
-    ServiceAlert alert(presenter);
+    ServiceAlert alert;
     BrowserLinkOpener links;
     DocumentController controller(exchange, alert, links);
     const FirstFrame frame(controller.openUntitledDocument()->window());

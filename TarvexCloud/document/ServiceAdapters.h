@@ -1,19 +1,15 @@
 #pragma once
 
-#include "AlertPresenter.h"
+#include "ErrorBox.h"
 #include "InputHold.h"
 #include "TVXAlert.h"
 #include "TVXRequestWait.h"
 
-/// Shows the service client's failures through the platform's alert.
+/// Shows the service client's failures in a box.
 class ServiceAlert : public TVXAlert
 {
 public:
-    explicit ServiceAlert(AlertPresenter &presenter) : m_presenter(presenter) {}
-    void showError(const QString &description) override { m_presenter.showError(description); }
-
-private:
-    AlertPresenter &m_presenter;
+    void showError(const QString &description) override { showErrorBox(description); }
 };
 
 /// Keeps the windows alive and drops the user's input for as long as a request is in flight.

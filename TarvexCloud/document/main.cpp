@@ -13,8 +13,7 @@ int main(int argc, char *argv[])
     QApplication::setQuitOnLastWindowClosed(false);
     HeldInputWait wait;
     CurlExchange exchange(QByteArrayLiteral(TARVEX_SERVICE_URL), 30s, wait);
-    MessageBoxAlertPresenter presenter;
-    ServiceAlert alert(presenter);
+    ServiceAlert alert;
     BrowserLinkOpener links;
     DocumentController controller(exchange, alert, links);
 #ifdef Q_OS_MACOS

@@ -1,9 +1,9 @@
-#include "AlertPresenter.h"
+#include "ErrorBox.h"
 
 #include <QApplication>
 #include <QMessageBox>
 
-void MessageBoxAlertPresenter::showError(const QString &description)
+void showErrorBox(const QString &description)
 {
     QMessageBox box(QMessageBox::Warning, QCoreApplication::translate("Alert", "Tarvex Cloud"), description,
                     QMessageBox::NoButton, QApplication::activeWindow());
