@@ -2,15 +2,31 @@
 
 #include "SheetStyle.h"
 
+#include <QAccessibleWidget>
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QPushButton>
 #include <QStyle>
 #include <QVBoxLayout>
 
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// To assistive tools it is what the toolkit's own message box is.
+QAccessibleInterface *makeInterface(const QString &className, QObject *object)
+{
+    auto *alert = className == "AlertSheet"_L1 ? qobject_cast<AlertSheet *>(object) : nullptr;
+    return alert ? new QAccessibleWidget(alert, QAccessible::AlertMessage) : nullptr;
+}
+
+} // namespace
+
 AlertSheet::AlertSheet(QWidget *ownWindow)
     : Sheet(ownWindow), m_picture(new QLabel), m_message(new QLabel), m_information(new QLabel)
 {
+    static const bool installed = (QAccessible::installFactory(makeInterface), true);
+    Q_UNUSED(installed)
     QFont bold = font();
     bold.setBold(true);
     m_message->setFont(bold);
@@ -36,7 +52,6 @@ AlertSheet::AlertSheet(QWidget *ownWindow)
     m_default = buttons->addButton(QString(), QDialogButtonBox::AcceptRole);
     m_alternate = buttons->addButton(QString(), QDialogButtonBox::RejectRole);
     m_default->setDefault(true);
-    m_alternate->setAutoDefault(false);
     SheetStyle::setTabOrderAsShown(buttons);
 
     auto *layout = new QVBoxLayout(this);
@@ -55,6 +70,7 @@ void AlertSheet::setTexts(const QString &messageText, const QString &informative
                           const QString &defaultButton, const QString &alternateButton)
 {
     setWindowTitle(messageText);
+    setAccessibleDescription(informativeText);
     m_message->setText(messageText);
     m_information->setText(informativeText);
     m_default->setText(defaultButton);

@@ -1,6 +1,7 @@
 #include "QuietLabel.h"
 
 #include <QPainter>
+#include <QStyle>
 
 QuietLabel::QuietLabel(QWidget *parent) : QLabel(parent)
 {
@@ -13,7 +14,10 @@ void QuietLabel::paintEvent(QPaintEvent *)
     painter.setPen(quietShadeOf(palette().color(QPalette::WindowText)));
     const int wrap = wordWrap() ? Qt::TextWordWrap : Qt::TextSingleLine;
     const int m = margin();
-    painter.drawText(contentsRect().adjusted(m, m, -m, -m), static_cast<int>(alignment()) | wrap,
+    // The layout says where lines begin, the text in which direction they run.
+    const Qt::Alignment sides = QStyle::visualAlignment(layoutDirection(), alignment()) | Qt::AlignAbsolute;
+    painter.setLayoutDirection(text().isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+    painter.drawText(contentsRect().adjusted(m, m, -m, -m), static_cast<int>(sides) | wrap,
                      wordWrap() ? text() : fontMetrics().elidedText(text(), Qt::ElideRight, width() - 2 * m));
 }
 

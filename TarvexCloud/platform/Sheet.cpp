@@ -1,13 +1,41 @@
 #include "Sheet.h"
 
+#include "SheetShade.h"
+#include "SheetStyle.h"
+
 #include <algorithm>
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QEvent>
+#include <QKeyEvent>
 #include <QLayout>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPushButton>
+#include <QScreen>
 #include <QWindow>
 
 namespace {
+
+#ifdef Q_OS_MACOS
+constexpr bool platformHasSheets = true;
+constexpr Qt::WindowFlags frame;
+#else
+constexpr bool platformHasSheets = false;
+// A window manager's frame would offer to minimize and maximize it.
+constexpr Qt::WindowFlags frame = Qt::FramelessWindowHint;
+#endif
+
+/// Moved as little as possible; what is larger than the screen keeps its top and its left side.
+QRect movedOntoScreen(QRect place, const QRect &screen)
+{
+    place.moveRight(qMin(place.right(), screen.right()));
+    place.moveBottom(qMin(place.bottom(), screen.bottom()));
+    place.moveLeft(qMax(place.left(), screen.left()));
+    place.moveTop(qMax(place.top(), screen.top()));
+    return place;
+}
 
 /// Knows whether the user has just used the mouse, wherever in the application.
 class LatestInput : public QObject
@@ -45,7 +73,7 @@ private:
 
 } // namespace
 
-Sheet::Sheet(QWidget *ownWindow) : QDialog(ownWindow, Qt::Sheet)
+Sheet::Sheet(QWidget *ownWindow) : QDialog(ownWindow, Qt::Sheet | frame)
 {
     setWindowModality(Qt::WindowModal);
     LatestInput::instance(); // which has to see the click that will bring the sheet up
@@ -98,8 +126,33 @@ void Sheet::attach()
     windowHandle()->installEventFilter(this);
     m_mayBeDoubleClick.setRemainingTime(
         LatestInput::instance().isClick() ? QApplication::doubleClickInterval() : 0);
+    SheetStyle::mirrorLabels(this);
+    const auto buttons = findChildren<QPushButton *>();
+    for (QPushButton *button : buttons)
+        button->setAutoDefault(!platformHasSheets); // Return presses it while it has the focus
+    if (m_window && !platformHasSheets) {
+        setSizeGripEnabled(layout() && layout()->sizeConstraint() != QLayout::SetFixedSize);
+        placeOnWindow();
+        SheetShade::setShown(m_window, /*shown=*/true);
+    }
     open();
     m_attached.start();
+}
+
+void Sheet::placeOnWindow()
+{
+    const bool wasResized = testAttribute(Qt::WA_Resized);
+    if (layout())
+        layout()->activate(); // which may set a fixed size
+    if (!wasResized)
+        adjustSize();
+    const auto *mainWindow = qobject_cast<QMainWindow *>(m_window);
+    const QWidget *content = mainWindow ? mainWindow->centralWidget() : nullptr;
+    QRect place(QPoint(), size());
+    place.moveCenter(m_window->geometry().center());
+    place.moveTop((content ? content : m_window)->mapToGlobal(QPoint()).y());
+    setGeometry(movedOntoScreen(place, m_window->screen()->availableGeometry()));
+    setAttribute(Qt::WA_Resized, wasResized);
 }
 
 void Sheet::endSheet()
@@ -113,6 +166,8 @@ void Sheet::endSheet()
         const QList<Sheet *> waiting = begunOn(window);
         if (!waiting.isEmpty() && !hasSheet(window))
             waiting.first()->attach();
+        if (window && !hasSheet(window))
+            SheetShade::setShown(window, /*shown=*/false);
     });
 }
 
@@ -132,7 +187,7 @@ bool Sheet::event(QEvent *event)
     const bool handled = QDialog::event(event);
     if (event->type() == QEvent::WindowActivate)
         Q_EMIT didBecomeKey();
-    else if (event->type() == QEvent::LayoutRequest && layout())
+    else if (event->type() == QEvent::LayoutRequest && layout() && isVisible())
         growToFit();
     return handled;
 }
@@ -142,11 +197,45 @@ void Sheet::growToFit()
     // The toolkit enforces a least height, but not that of wrapped text that has just appeared.
     const int needed =
         layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width()) : sizeHint().height();
-    if (needed > height())
-        resize(width(), needed);
+    if (needed <= height())
+        return;
+    if (platformHasSheets)
+        return resize(width(), needed);
+    // Under X11 the toolkit's window may take itself to be at the screen's corner, and would be resized
+    // there.
+    windowHandle()->setPosition(pos());
+    resize(width(), needed);
+    move(movedOntoScreen(geometry(), screen()->availableGeometry()).topLeft());
+}
+
+void Sheet::keyPressEvent(QKeyEvent *event)
+{
+    const auto *field = qobject_cast<QLineEdit *>(focusWidget());
+    const bool mayPress =
+        platformHasSheets || (field && !field->isReadOnly()) || qobject_cast<QPushButton *>(focusWidget());
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (mayPress || !isReturn)
+        QDialog::keyPressEvent(event);
 }
 
 void Sheet::reject()
 {
     Q_EMIT cancelRequested();
+}
+
+void Sheet::mousePressEvent(QMouseEvent *event)
+{
+    if (!platformHasSheets && event->button() == Qt::LeftButton)
+        windowHandle()->startSystemMove();
+    QDialog::mousePressEvent(event);
+}
+
+void Sheet::paintEvent(QPaintEvent *event)
+{
+    QDialog::paintEvent(event);
+    if (platformHasSheets)
+        return;
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::Dark));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }

@@ -9,8 +9,12 @@
 ///
 /// It stays the child of its own document's window, so that it dies with it, but may be shown on another one.
 /// A window has one sheet at a time: a second one waits until the first is ended. Escape and the close box
-/// ask for the sheet's cancel action and close nothing by themselves. The second half of a double click whose
-/// first half brought the sheet up is no click on it.
+/// ask for the sheet's cancel action and close nothing by themselves. Return presses the button that has the
+/// focus, and the default button only from a field. The second half of a double click whose first half
+/// brought the sheet up is no click on it.
+///
+/// It is a panel without a frame just below its window's tool bars, can be dragged by any part of it that is
+/// no control, and the window is dimmed meanwhile. All this is the platform's own affair where it has sheets.
 class Sheet : public QDialog
 {
     Q_OBJECT
@@ -36,11 +40,15 @@ Q_SIGNALS:
 
 protected:
     bool event(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
 
 private:
     static QList<Sheet *> begunOn(const QWidget *window); // in the order of their beginning
     static bool hasSheet(const QWidget *window);
     void attach();
+    void placeOnWindow();
     void growToFit();
 
     QPointer<QWidget> m_window;

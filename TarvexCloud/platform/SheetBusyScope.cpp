@@ -2,6 +2,8 @@
 
 #include "Sheet.h"
 
+#include <QLineEdit>
+
 SheetBusyScope::SheetBusyScope(Sheet *sheet, BusyIndicator *indicator)
     : m_spinning(indicator), m_focusBefore(sheet->focusWidget())
 {
@@ -21,4 +23,10 @@ SheetBusyScope::~SheetBusyScope()
             child->setEnabled(true);
     if (m_focusBefore)
         m_focusBefore->setFocus();
+}
+
+void SheetBusyScope::endInField(QLineEdit *field)
+{
+    field->selectAll();
+    m_focusBefore = field;
 }

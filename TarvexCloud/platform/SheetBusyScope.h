@@ -5,6 +5,7 @@
 #include <QList>
 #include <QPointer>
 
+class QLineEdit;
 class Sheet;
 
 /// Spins an indicator and greys out whatever in the sheet takes the keyboard, until the scope ends, however
@@ -17,6 +18,9 @@ public:
     ~SheetBusyScope();
     SheetBusyScope(const SheetBusyScope &) = delete;
     SheetBusyScope &operator=(const SheetBusyScope &) = delete;
+
+    /// Has the focus go to that field instead, its text selected.
+    void endInField(QLineEdit *field);
 
 private:
     BusyScope m_spinning;

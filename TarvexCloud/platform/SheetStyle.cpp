@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QLayout>
 #include <QPushButton>
+#include <QStyle>
 
 namespace {
 constexpr int spaceInButton = 16;
@@ -15,6 +16,16 @@ void SheetStyle::makeTitle(QLabel *label)
     title.setBold(true);
     title.setPixelSize(qRound(QFontInfo(label->font()).pixelSize() * 1.25));
     label->setFont(title);
+}
+
+void SheetStyle::mirrorLabels(const QWidget *sheet)
+{
+    const auto labels = sheet->findChildren<QLabel *>();
+    for (QLabel *label : labels) {
+        const Qt::Alignment alignment = label->alignment();
+        if (label->isRightToLeft() && !(alignment & Qt::AlignAbsolute))
+            label->setAlignment(QStyle::visualAlignment(Qt::RightToLeft, alignment) | Qt::AlignAbsolute);
+    }
 }
 
 void SheetStyle::setTabOrderAsShown(const QDialogButtonBox *buttons)

@@ -22,6 +22,7 @@ WrappedLabel::WrappedLabel(QWidget *parent) : QPlainTextEdit(parent)
     viewport()->setAutoFillBackground(false);
     document()->setDocumentMargin(0);
     setFocusPolicy(Qt::ClickFocus);
+    alignLines();
     connect(verticalScrollBar(), &QScrollBar::rangeChanged, this,
             [this](int, int last) { setFocusPolicy(last > 0 ? Qt::StrongFocus : Qt::ClickFocus); });
 }
@@ -72,4 +73,19 @@ void WrappedLabel::resizeEvent(QResizeEvent *event)
     QPlainTextEdit::resizeEvent(event);
     if (event->size().width() != event->oldSize().width())
         updateGeometry(); // another width may wrap into another number of lines
+}
+
+void WrappedLabel::changeEvent(QEvent *event)
+{
+    QPlainTextEdit::changeEvent(event);
+    if (event->type() == QEvent::LayoutDirectionChange)
+        alignLines();
+}
+
+// By themselves lines would begin on the left whatever the layout.
+void WrappedLabel::alignLines()
+{
+    QTextOption option = document()->defaultTextOption();
+    option.setAlignment(isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft);
+    document()->setDefaultTextOption(option);
 }

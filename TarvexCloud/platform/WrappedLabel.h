@@ -13,7 +13,7 @@ public:
 
     /// The whole text; the view shows at most its first twenty thousand characters.
     const QString &text() const { return m_text; }
-    void setText(const QString &text);
+    virtual void setText(const QString &text);
     /// Undoubles "&&" and drops a single "&". A null title gives an empty text.
     void setTitleWithMnemonic(const QString &title);
 
@@ -25,9 +25,11 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     int heightOfText() const;
+    void alignLines();
 
     QString m_text = QStringLiteral("");
     int m_leastLines = 1;

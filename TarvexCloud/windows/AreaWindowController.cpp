@@ -61,8 +61,6 @@ void AreaWindowController::buildContents()
     m_save = ui.areaButtons->addButton(tr("&Save"), QDialogButtonBox::AcceptRole);
     QPushButton *cancel = ui.areaButtons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
     m_save->setDefault(true);
-    for (QPushButton *other : {m_addGoal, m_removeGoal, cancel})
-        other->setAutoDefault(false);
     for (QPushButton *button : {m_addGoal, m_removeGoal})
         SheetStyle::makeRoomy(button, m_save);
     // A button that takes the focus by a click would commit the cell that is still being typed into.

@@ -74,8 +74,6 @@ void RandomGoalWindowController::buildContents()
     QPushButton *next = ui.randomGoalButtons->addButton(tr("Next Goal"), QDialogButtonBox::AcceptRole);
     m_done = ui.randomGoalButtons->addButton(tr("Mark as &Done"), QDialogButtonBox::ActionRole);
     QPushButton *close = ui.randomGoalButtons->addButton(tr("Close"), QDialogButtonBox::RejectRole);
-    m_done->setAutoDefault(false);
-    close->setAutoDefault(false);
     next->setDefault(true);
     next->setFocus();
     SheetStyle::setTabOrderAsShown(ui.randomGoalButtons);

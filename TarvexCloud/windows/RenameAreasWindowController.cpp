@@ -41,7 +41,6 @@ void RenameAreasWindowController::buildContents()
     m_save = ui.renameAreasButtons->addButton(tr("Save"), QDialogButtonBox::AcceptRole);
     QPushButton *cancel = ui.renameAreasButtons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
     m_save->setDefault(true);
-    cancel->setAutoDefault(false);
     SheetStyle::setTabOrderAsShown(ui.renameAreasButtons);
     connect(m_save, &QPushButton::clicked, this, &RenameAreasWindowController::clickSaveAndClose);
     connect(cancel, &QPushButton::clicked, this, &RenameAreasWindowController::clickCancel);

@@ -1,7 +1,11 @@
 #include "ElidedLabel.h"
+#include "MessageLine.h"
 #include "OneLineEdit.h"
+#include "QuietLabel.h"
 #include "RotatedLabel.h"
+#include "Sheet.h"
 
+#include <QMainWindow>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -28,6 +32,33 @@ private Q_SLOTS:
         field.insert(u"\r\n\tand more"_s); // as pasting does
         QCOMPARE(field.text(), u"left alone and more"_s);
         QVERIFY(field.isModified());
+    }
+
+    void linesBeginWhereTheLayoutBegins()
+    {
+        QMainWindow window;
+        Sheet sheet(&window);
+        sheet.setLayoutDirection(Qt::RightToLeft);
+        sheet.resize(300, 60);
+        for (QWidget *label : std::initializer_list<QWidget *>{
+                 new QLabel(u"One."_s, &sheet), new QuietLabel(&sheet), new MessageLine(&sheet)}) {
+            label->setProperty("text", u"One."_s);
+            if (auto *line = qobject_cast<MessageLine *>(label))
+                line->setError(u"One."_s);
+            label->resize(300, 60);
+        }
+        sheet.beginOn(nullptr);
+        for (QWidget *label : sheet.findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
+            const QImage image = label->grab().toImage();
+            const auto hasInk = [&](int from, int to) {
+                for (int x = from; x < to; ++x)
+                    for (int y = 0; y < image.height(); ++y)
+                        if (image.pixel(x, y) != image.pixel(image.width() / 2, image.height() - 1))
+                            return true;
+                return false;
+            };
+            QVERIFY(hasInk(image.width() / 2, image.width()) && !hasInk(0, image.width() / 2));
+        }
     }
 
     void aLabelTurnsAboutTheCentreItIsGiven()

@@ -1,11 +1,15 @@
 #include "Sheet.h"
+#include "SheetShade.h"
 
 #include <QLineEdit>
 #include <QMainWindow>
+#include <QMenuBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QSignalSpy>
 #include <QSlider>
 #include <QTest>
+#include <QVBoxLayout>
 #include <QWindow>
 
 class SheetTest : public QObject
@@ -54,6 +58,37 @@ private Q_SLOTS:
         QVERIFY(signUp.isVisible() && !waiting.isVisible());
         signUp.endSheet();
         QTRY_VERIFY(waiting.isVisible());
+    }
+
+    void aSheetStandsAtTheSamePlaceAtEveryShowingAndDimsItsWindow()
+    {
+        QMainWindow window;
+        window.setCentralWidget(new QWidget);
+        window.menuBar()->addAction(QStringLiteral("File"));
+        window.resize(500, 400);
+        window.show();
+        Sheet sheet(&window);
+        QVBoxLayout layout(&sheet);
+        QLineEdit field;
+        layout.addWidget(&field);
+        sheet.beginOn(&window);
+        const QRect place = sheet.geometry();
+        QVERIFY(qAbs(place.center().x() - window.geometry().center().x()) <= 1);
+        QCOMPARE(sheet.frameGeometry().top(), window.centralWidget()->mapToGlobal(QPoint()).y());
+        window.resize(600, 500);
+        const auto *shade = window.findChild<SheetShade *>();
+        QCOMPARE(shade->geometry(), window.rect());
+
+        window.resize(500, 400);
+        sheet.move(0, 300);
+        sheet.endSheet();
+        QTRY_VERIFY(!shade->isVisible());
+        sheet.beginOn(&window);
+        QCOMPARE(sheet.geometry(), place);
+        window.move(window.screen()->availableGeometry().bottomRight() - QPoint(60, 60));
+        sheet.endSheet();
+        sheet.beginOn(&window);
+        QVERIFY(window.screen()->availableGeometry().contains(sheet.frameGeometry()));
     }
 
     void aDoubleClickThatBringsASheetUpEndsBeforeIt()
