@@ -1,5 +1,6 @@
 #include "ProjectNameSheet.h"
 
+#include "BusyIndicator.h"
 #include "SheetStyle.h"
 #include "ui_ProjectNameSheet.h"
 
@@ -14,12 +15,14 @@ void ProjectNameSheet::buildContents()
     Ui::ProjectNameSheet ui;
     ui.setupUi(this);
     m_title = ui.labelProjectNameTitle;
-    m_textProjectName = ui.textProjectName;
-    m_projectNameIndicator = ui.projectNameIndicator;
+    m_hint = ui.labelProjectNameHint;
+    if (!m_textProjectName)
+        m_textProjectName = ui.textProjectName;
+    if (!m_projectNameIndicator)
+        m_projectNameIndicator = ui.projectNameIndicator;
     m_confirm = ui.projectNameButtons->addButton(QString(), QDialogButtonBox::AcceptRole);
     m_confirm->setDefault(true);
     auto *cancel = ui.projectNameButtons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
-    cancel->setAutoDefault(false);
     SheetStyle::makeTitle(m_title);
     SheetStyle::setTabOrderAsShown(ui.projectNameButtons);
     connect(m_confirm, &QPushButton::clicked, this, &ProjectNameSheet::nameConfirmed);
@@ -28,14 +31,18 @@ void ProjectNameSheet::buildContents()
 
 void ProjectNameSheet::askForName(const QString &name, qint64 tag)
 {
-    if (!m_textProjectName)
+    if (!m_confirm)
         buildContents();
     const bool isNew = tag == tagOfNewSet;
     m_tag = tag;
     m_givenName = name.isNull() ? u""_s : name;
-    m_textProjectName->setText(name);
-    m_textProjectName->selectAll();
-    m_textProjectName->setFocus();
+    if (m_textProjectName) {
+        m_textProjectName->setText(name);
+        m_shownName = m_textProjectName->text();
+        m_textProjectName->selectAll();
+        m_textProjectName->setFocus();
+    }
+    setStatus(QString());
     m_confirm->setText(isNew ? tr("Create") : tr("Rename"));
     m_title->setText(isNew ? tr("New set") : tr("Rename set"));
     setWindowTitle(isNew ? tr("New Set") : tr("Rename Set"));
@@ -43,5 +50,31 @@ void ProjectNameSheet::askForName(const QString &name, qint64 tag)
 
 QString ProjectNameSheet::name() const
 {
-    return m_textProjectName->isModified() ? m_textProjectName->text() : m_givenName;
+    const bool isGiven = !m_textProjectName || m_textProjectName->text() == m_shownName;
+    return isGiven ? m_givenName : m_textProjectName->text();
+}
+
+void ProjectNameSheet::setStatus(const QString &text)
+{
+    m_hint->setText(text.isEmpty() ? tr("A date in the name makes it easy to compare sets later.") : text);
+}
+
+QLineEdit *ProjectNameSheet::textProjectName() const
+{
+    return m_textProjectName;
+}
+
+void ProjectNameSheet::setTextProjectName(QLineEdit *field)
+{
+    m_textProjectName = field;
+}
+
+BusyIndicator *ProjectNameSheet::projectNameIndicator() const
+{
+    return m_projectNameIndicator;
+}
+
+void ProjectNameSheet::setProjectNameIndicator(BusyIndicator *indicator)
+{
+    m_projectNameIndicator = indicator;
 }

@@ -2,6 +2,8 @@
 
 #include "Sheet.h"
 
+#include <QPointer>
+
 class BusyIndicator;
 class QLabel;
 class QLineEdit;
@@ -21,16 +23,20 @@ public:
     /// Puts the name and the tag into the field and words the sheet accordingly. Begin it afterwards.
     void askForName(const QString &name, qint64 tag);
 
-    /// As typed. A name that was not edited comes back as it was given, line breaks included, which a field
-    /// of one line could not hold.
+    /// What the field says. A name that it still shows as it was given comes back so, line breaks included,
+    /// which a field of one line could not hold.
     QString name() const;
     qint64 tag() const { return m_tag; }
 
-    /// Null before the first showing.
-    QLineEdit *textProjectName() const { return m_textProjectName; }
-    void setTextProjectName(QLineEdit *field) { m_textProjectName = field; }
-    BusyIndicator *projectNameIndicator() const { return m_projectNameIndicator; }
-    void setProjectNameIndicator(BusyIndicator *indicator) { m_projectNameIndicator = indicator; }
+    /// What is being done, in place of the hint; empty for nothing.
+    void setStatus(const QString &text);
+
+    /// Null before the first showing, unless set by then. One that is set is used from then on instead of the
+    /// sheet's own; it is not owned.
+    QLineEdit *textProjectName() const;
+    void setTextProjectName(QLineEdit *field);
+    BusyIndicator *projectNameIndicator() const;
+    void setProjectNameIndicator(BusyIndicator *indicator);
 
 Q_SIGNALS:
     void nameConfirmed();
@@ -40,8 +46,10 @@ private:
 
     qint64 m_tag = tagOfNewSet;
     QString m_givenName;
+    QString m_shownName;
     QLabel *m_title = nullptr;
-    QLineEdit *m_textProjectName = nullptr;
-    BusyIndicator *m_projectNameIndicator = nullptr;
+    QLabel *m_hint = nullptr;
+    QPointer<QLineEdit> m_textProjectName;
+    QPointer<BusyIndicator> m_projectNameIndicator;
     QPushButton *m_confirm = nullptr;
 };

@@ -6,6 +6,9 @@
 #include "ui_SignUpSheet.h"
 
 #include <QPushButton>
+#include <QRegularExpression>
+
+using namespace Qt::StringLiterals;
 
 RegisterViewController::RegisterViewController(Sheet *window) : QObject(window), m_window(window) {}
 
@@ -33,7 +36,6 @@ void RegisterViewController::buildContents()
     auto *confirm = ui.signUpButtons->addButton(tr("Create Account"), QDialogButtonBox::AcceptRole);
     auto *cancel = ui.signUpButtons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
     confirm->setDefault(true);
-    cancel->setAutoDefault(false);
     SheetStyle::setTabOrderAsShown(ui.signUpButtons);
     connect(confirm, &QPushButton::clicked, this, &RegisterViewController::confirmed);
     connect(cancel, &QPushButton::clicked, m_window, &Sheet::cancelRequested);
@@ -45,6 +47,18 @@ QLineEdit *RegisterViewController::firstEmptyField() const
         if (field->text().isEmpty())
             return field;
     return nullptr;
+}
+
+QLineEdit *RegisterViewController::fieldNamedIn(const QString &message) const
+{
+    static const QRegularExpression fieldNames(u"\\b(?:(e-?mail|address)|(password)|(?:user)?name)\\b"_s,
+                                               QRegularExpression::CaseInsensitiveOption);
+    const QRegularExpressionMatch found = fieldNames.match(message);
+    if (!found.hasMatch())
+        return nullptr;
+    if (found.hasCaptured(1))
+        return m_loginEmail;
+    return found.hasCaptured(2) ? m_loginPassword : m_loginName;
 }
 
 void RegisterViewController::setStatus(const QString &text)

@@ -38,6 +38,8 @@ public:
 
     /// The first field without a text, or null.
     QLineEdit *firstEmptyField() const;
+    /// The field that the service's message speaks of first, or null.
+    QLineEdit *fieldNamedIn(const QString &message) const;
     /// What is being done just now, beside the buttons; empty for nothing.
     void setStatus(const QString &text);
     /// Shows or hides a sentence on what to do about a refusal that came without a message.

@@ -16,14 +16,31 @@ SignInSheet::SignInSheet(QWidget *ownWindow) : Sheet(ownWindow)
     m_textPassword = ui.textPassword;
     m_textSignInErrorMessage = ui.textSignInErrorMessage;
     auto *signIn = ui.signInButtons->addButton(tr("Sign In"), QDialogButtonBox::AcceptRole);
-    auto *cancel = ui.signInButtons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
+    m_cancel = ui.signInButtons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
     signIn->setDefault(true);
-    cancel->setAutoDefault(false);
     SheetStyle::setTabOrderAsShown(ui.signInButtons);
     SheetStyle::makeRoomy(ui.registerButton, signIn);
     SheetStyle::makeTitle(ui.labelSignInTitle);
     ui.textUsername->setFocus();
     connect(signIn, &QPushButton::clicked, this, &SignInSheet::signInRequested);
-    connect(cancel, &QPushButton::clicked, this, &Sheet::cancelRequested);
+    connect(m_cancel, &QPushButton::clicked, this, &Sheet::cancelRequested);
     connect(ui.registerButton, &QPushButton::clicked, this, &SignInSheet::registerRequested);
+}
+
+void SignInSheet::setCancelMeans(CancelMeans means)
+{
+    switch (means) {
+    case CancelMeans::Cancel:
+        return m_cancel->setText(tr("Cancel"));
+    case CancelMeans::CloseWindow:
+        return m_cancel->setText(tr("Close Window"));
+    case CancelMeans::Quit:
+        return m_cancel->setText(tr("Quit"));
+    }
+}
+
+void SignInSheet::setHint(const QString &sentence)
+{
+    m_hint->setText(sentence);
+    m_hint->setVisible(!sentence.isEmpty());
 }

@@ -4,7 +4,9 @@
 
 class BusyIndicator;
 class MessageLine;
+class QLabel;
 class QLineEdit;
+class QPushButton;
 
 /// The sign-in sheet's window and its controls; what they do is the document's.
 class SignInSheet : public Sheet
@@ -13,8 +15,12 @@ class SignInSheet : public Sheet
 public:
     explicit SignInSheet(QWidget *ownWindow);
 
-    /// Shows or hides a sentence on what to do about a bare "Error" in the message line.
-    void setHintShown(bool shown) { m_hint->setVisible(shown); }
+    /// What comes of cancelRequested(), which the button says. A sheet does not know: its owner tells.
+    enum class CancelMeans { Cancel, CloseWindow, Quit };
+    void setCancelMeans(CancelMeans means);
+
+    /// A sentence beneath the message line; an empty one leaves no room there.
+    void setHint(const QString &sentence);
 
     BusyIndicator *indicator() const { return m_indicator; }
     QLineEdit *textUsername() const { return m_textUsername; }
@@ -26,7 +32,8 @@ Q_SIGNALS:
     void registerRequested();
 
 private:
-    QWidget *m_hint;
+    QLabel *m_hint;
+    QPushButton *m_cancel;
     BusyIndicator *m_indicator;
     QLineEdit *m_textUsername;
     QLineEdit *m_textPassword;

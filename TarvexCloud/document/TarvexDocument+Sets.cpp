@@ -3,7 +3,9 @@
 #include "DocumentWindow.h"
 #include "SheetBusyScope.h"
 #include "TarvexDocument.h"
+#include "TVXExchange.h"
 #include "TVXManager.h"
+#include "WaitNotice.h"
 
 #include <algorithm>
 
@@ -71,6 +73,10 @@ void TarvexDocument::projectNameSheetClickedOk()
             const SheetBusyScope busy(m_wndProjectName, m_wndProjectName->projectNameIndicator());
             const QString name = m_wndProjectName->name();
             const qint64 tag = m_wndProjectName->tag();
+            const WaitNotice notice(tag == ProjectNameSheet::tagOfNewSet ? tr("Creating the set…")
+                                                                         : tr("Renaming the set…"),
+                                    2 * m_controller.exchange().deadline(),
+                                    [this](const QString &words) { m_wndProjectName->setStatus(words); });
             return tag == ProjectNameSheet::tagOfNewSet ? createSet(name) : renameSet(name, tag);
         }();
         endSheet();

@@ -4,7 +4,9 @@
 #include "SheetBusyScope.h"
 #include "SignInSheet.h"
 #include "TarvexDocument.h"
+#include "TVXExchange.h"
 #include "TVXManager.h"
+#include "WaitNotice.h"
 #include "XKJsonParser.h"
 
 #include <QLineEdit>
@@ -66,7 +68,7 @@ void TarvexDocument::cickRegister()
             createAccount();
     };
     m_controller.runAction(action, [this] {
-        m_registerController->labelErrorMessage()->setText(
+        m_registerController->labelErrorMessage()->setError(
             tr("Your account was created, but the service's answer was incomplete, so not everything could "
                "be shown. Cancel, and sign in with your e-mail address."));
     });
@@ -75,7 +77,7 @@ void TarvexDocument::cickRegister()
 bool TarvexDocument::mayRegister()
 {
     const auto refuse = [this](const QString &message, QLineEdit *field) {
-        m_registerController->labelErrorMessage()->setText(message);
+        m_registerController->labelErrorMessage()->setError(message);
         field->setFocus();
         return false;
     };
@@ -92,8 +94,9 @@ bool TarvexDocument::mayRegister()
 
 void TarvexDocument::createAccount()
 {
-    const SheetBusyScope busy(m_wndSignUp, /*indicator=*/nullptr);
+    SheetBusyScope busy(m_wndSignUp, /*indicator=*/nullptr);
     const auto idle = qScopeGuard([this] { m_registerController->setStatus(QString()); });
+    const auto say = [this](const QString &words) { m_registerController->setStatus(words); };
     const QString email = m_registerController->loginEmail()->text();
     const QString password = m_registerController->loginPassword()->text();
     MessageLine *const line = m_registerController->labelErrorMessage();
@@ -103,18 +106,24 @@ void TarvexDocument::createAccount()
         line->setText(u""_s);
         const BusyScope spinning(m_indicator);
         const auto shown = qScopeGuard([line] { line->show(); });
-        m_registerController->setStatus(tr("Creating the account…"));
+        const QString doing = tr("Creating the account…");
+        m_registerController->setStatus(doing);
+        const WaitNotice notice(doing, m_controller.exchange().deadline(), say);
         m_wndSignUp->repaint(); // seen before the request leaves, however soon it is answered
         TVXManager manager(m_controller.exchange(), m_controller.alert());
         answer =
             signUpAnswer(manager.createNewUser(m_registerController->loginName()->text(), email, password));
     }
     if (answer.result != u"OK"_s) {
-        line->setText(answer.message);
+        line->setError(answer.message);
         m_registerController->setHintShown(answer.message.isEmpty());
+        if (QLineEdit *const field = m_registerController->fieldNamedIn(answer.message))
+            busy.endInField(field);
         return;
     }
-    m_registerController->setStatus(tr("Fetching the wheel…"));
+    const QString doing = tr("Fetching the wheel…");
+    m_registerController->setStatus(doing);
+    const WaitNotice notice(doing, 2 * m_controller.exchange().deadline(), say);
     loadStartupDataForLogin(email, password);
     m_wndSignUp->endSheet();
 }

@@ -11,6 +11,7 @@
 #include "TarvexView.h"
 #include "TVXExchange.h"
 #include "TVXManager.h"
+#include "WaitNotice.h"
 
 #include <QScopeGuard>
 #include <tuple>
@@ -19,6 +20,21 @@ using namespace Qt::StringLiterals;
 
 namespace {
 constexpr int millisecondsBeforeSignIn = 500;
+#ifdef Q_OS_MACOS
+constexpr bool endsWithLastWindow = false;
+#else
+constexpr bool endsWithLastWindow = true;
+#endif
+
+/// What a message that is the bare word leaves open.
+QString hintOnError(const QString &whyNoAnswer)
+{
+    return whyNoAnswer.isNull()
+               ? TarvexDocument::tr("The service did not answer, or could not check the login. Try again in "
+                                    "a moment.")
+               : whyNoAnswer;
+}
+
 } // namespace
 
 TarvexDocument::TarvexDocument(DocumentController &controller)
@@ -74,6 +90,15 @@ void TarvexDocument::getUserNameAndPassword()
         m_startGettingUserNameAndPassword->deleteLater();
         m_startGettingUserNameAndPassword.clear();
     }
+    const auto wordCancel = [this] {
+        using Means = SignInSheet::CancelMeans;
+        const bool isLast = endsWithLastWindow && m_controller.documents().size() == 1;
+        m_wndSignIn->setCancelMeans(m_credentialsOfWheel ? Means::Cancel
+                                    : isLast             ? Means::Quit
+                                                         : Means::CloseWindow);
+    };
+    wordCancel();
+    connect(m_wndSignIn, &Sheet::didBecomeKey, this, wordCancel); // windows come and go meanwhile
     beginSheet(m_wndSignIn);
 }
 
@@ -97,25 +122,34 @@ void TarvexDocument::beginSheet(Sheet *sheet)
 void TarvexDocument::signIn()
 {
     const auto action = [this] {
-        const SheetBusyScope busy(m_wndSignIn, m_indicator);
+        SheetBusyScope busy(m_wndSignIn, m_indicator);
         m_loginUserName = u""_s;
         m_loginPassword = u""_s;
         m_textSignInErrorMessage->setText(u"Checking..."_s);
-        m_wndSignIn->setHintShown(/*shown=*/false);
+        m_wndSignIn->setHint(QString());
         m_wndSignIn->repaint(); // seen before the request leaves, however soon it is answered
+        const WaitNotice notice(tr("Signing in…"), 3 * m_controller.exchange().deadline(),
+                                [this](const QString &words) { m_wndSignIn->setHint(words); });
         TVXManager manager(m_controller.exchange(), m_controller.alert());
-        const QString answer = manager.signInWithLogin(m_textUsername->text(), m_textPassword->text());
-        if (answer != u"OK"_s) {
-            m_textSignInErrorMessage->setText(answer);
-            m_wndSignIn->setHintShown(answer == u"Error"_s);
+        QString whyNoAnswer;
+        const QString answer =
+            manager.signInWithLogin(m_textUsername->text(), m_textPassword->text(), &whyNoAnswer);
+        const bool isSignedIn = answer == u"OK"_s;
+        if (isSignedIn)
+            loadStartupDataForLogin(m_textUsername->text(), m_textPassword->text());
+        m_wndSignIn->setHint(answer == u"Error"_s ? hintOnError(whyNoAnswer) : QString());
+        if (isSignedIn) {
+            m_credentialsOfWheel.reset();
+            m_wndSignIn->endSheet();
             return;
         }
-        loadStartupDataForLogin(m_textUsername->text(), m_textPassword->text());
-        m_credentialsOfWheel.reset();
-        m_wndSignIn->endSheet();
+        m_textSignInErrorMessage->setError(answer);
+        if (whyNoAnswer.isNull())
+            busy.endInField(m_textPassword);
     };
     m_controller.runAction(action, [this] {
-        m_textSignInErrorMessage->setText(
+        m_wndSignIn->setHint(QString());
+        m_textSignInErrorMessage->setError(
             tr("The service's answer was incomplete, so not everything could be shown. Try again."));
     });
 }

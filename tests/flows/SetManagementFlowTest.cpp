@@ -3,6 +3,7 @@
 #include "AlertSheet.h"
 #include "ProjectNameSheet.h"
 
+#include <QAccessible>
 #include <QAction>
 
 using namespace Qt::StringLiterals;
@@ -94,6 +95,34 @@ private Q_SLOTS:
         Client::trigger(document, "actionRenameSet");
         QTest::keyClick(document->wndProjectName(), Qt::Key_Return);
         QCOMPARE(client.service.bodies().value(3), "p1=set-sets-name" + annsDigests + "&p4=two\nlines&p5=70");
+    }
+
+    void aNameThatIsDictatedCountsHoweverLongItIs()
+    {
+        Client client;
+        const TarvexDocument *document = client.openSignedIn();
+        Client::trigger(document, "actionNewSet");
+        const QString name(40'000, u'x');
+        QAccessible::queryAccessibleInterface(document->wndProjectName()->textProjectName())
+            ->setText(QAccessible::Value, name);
+        QTest::mouseClick(Client::button(document->wndProjectName(), u"Create"_s), Qt::LeftButton);
+        QCOMPARE(client.service.bodies().value(3), "p1=create-sets" + annsDigests + "&p4=" + name.toLatin1());
+    }
+
+    void aFieldThatIsSetTakesThePlaceOfTheSheetsOwn()
+    {
+        QMainWindow window;
+        ProjectNameSheet sheet(&window);
+        QCOMPARE(sheet.name(), QString());
+        auto *field = new QLineEdit(&window);
+        sheet.setTextProjectName(field);
+        sheet.askForName(u"two\nlines"_s, /*tag=*/5);
+        QCOMPARE(sheet.name(), u"two\nlines"_s);
+        field->setText(u"typed"_s);
+        QCOMPARE(sheet.name(), u"typed"_s);
+        sheet.setTextProjectName(nullptr);
+        sheet.askForName(u"next"_s, ProjectNameSheet::tagOfNewSet);
+        QCOMPARE(sheet.name(), u"next"_s);
     }
 
     void deletingSelectsTheSetBefore()

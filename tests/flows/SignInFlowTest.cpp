@@ -59,6 +59,7 @@ private Q_SLOTS:
         QTest::newRow("line break behind") << QByteArray("OK\n") << u"OK\n"_s;
         QTest::newRow("markup") << QByteArray("<b>No</b> &amp; <img src=x>")
                                 << u"<b>No</b> &amp; <img src=x>"_s;
+        QTest::newRow("none") << QByteArray() << u"Error"_s;
         QTest::newRow("not ASCII") << QByteArray("\xC3\xA9") << u"Error"_s;
         QTest::newRow("empty") << QByteArray("") << u""_s;
     }
@@ -68,10 +69,19 @@ private Q_SLOTS:
         QFETCH(QByteArray, answer);
         QFETCH(QString, shown);
         Client client;
-        client.service.answer("sign-in", answer);
+        client.service.answer("sign-in",
+                              answer.isNull() ? ServiceReply{"", /*closes=*/true} : httpReply(answer));
         const TarvexDocument *document = client.openSignedIn();
         QCOMPARE(document->textSignInErrorMessage()->text(), shown);
         QVERIFY(document->wndSignIn()->isVisible());
+        const auto *hint = document->wndSignIn()->findChild<QLabel *>(u"labelSignInHint"_s);
+        QCOMPARE(hint->isVisible(), shown == u"Error"_s);
+        QCOMPARE(hint->text().contains(u"127.0.0.1"_s), answer.isNull());
+        QCOMPARE(document->textSignInErrorMessage()->accessibleName(),
+                 shown.isEmpty() ? u"Message"_s : u"Error"_s);
+        const auto *password = document->wndSignIn()->findChild<QLineEdit *>(u"textPassword"_s);
+        QCOMPARE(document->wndSignIn()->focusWidget() == password && password->hasSelectedText(),
+                 !answer.isNull());
         QVERIFY(document->loginUserName().isEmpty() && document->loginPassword().isEmpty());
         QCOMPARE(client.service.bodies().size(), 1);
 
@@ -89,11 +99,26 @@ private Q_SLOTS:
             if (byKey)
                 QTest::keyClick(document->wndSignIn(), Qt::Key_Escape);
             else
-                QTest::mouseClick(Client::button(document->wndSignIn(), u"Cancel"_s), Qt::LeftButton);
+                QTest::mouseClick(Client::button(document->wndSignIn(), u"Quit"_s), Qt::LeftButton);
             QVERIFY(client.controller.documents().empty());
             QTRY_VERIFY(document.isNull());
             QVERIFY(client.service.requests().isEmpty());
         }
+    }
+
+    void theButtonThatClosesSaysWhatItEnds()
+    {
+        Client client;
+        client.openSignedIn();
+        const QPointer second = client.open();
+        QTest::mouseClick(Client::button(second->wndSignIn(), u"Close Window"_s), Qt::LeftButton);
+        QTRY_VERIFY(second.isNull());
+        const TarvexDocument *third = client.open();
+        const QPushButton *cancel = Client::button(third->wndSignIn(), u"Close Window"_s);
+        QTest::mouseClick(Client::button(third->wndSignIn(), u"Create Account…"_s), Qt::LeftButton);
+        client.controller.documents().front()->close();
+        QTest::keyClick(third->wndSignUp(), Qt::Key_Escape);
+        QTRY_COMPARE(cancel->text(), u"Quit"_s);
     }
 
     void whatArrivedIsShownWhateverFails_data()
@@ -158,12 +183,13 @@ private Q_SLOTS:
         Client client;
         TarvexDocument *document = client.open();
         Sheet *sheet = document->wndSignIn();
+        const auto *hint = sheet->findChild<QLabel *>(u"labelSignInHint"_s);
         client.service.hold();
         QString shownMeanwhile;
         bool busyMeanwhile = false;
         QTimer meanwhile;
         connect(&meanwhile, &QTimer::timeout, this, [&] {
-            if (client.service.requests().isEmpty())
+            if (!hint->text().contains(u"of at most 60 s"_s)) // seen after a second
                 return;
             meanwhile.stop();
             shownMeanwhile = document->textSignInErrorMessage()->text();

@@ -122,6 +122,26 @@ private Q_SLOTS:
         QVERIFY(!client.sheet->isVisible() && client.message()->text().isEmpty());
     }
 
+    void theFocusGoesToTheFieldThatARefusalNames()
+    {
+        NewUser client;
+        client.signUp(u"Ann|ann@example.org|secret|"_s);
+        for (const auto &[message, field] :
+             {std::pair("An account with this e-mail address already exists.", "loginEmail"),
+              std::pair("EMAIL?", "loginEmail"),
+              std::pair("The name or the password is too long.", "loginName"),
+              std::pair("This user name is taken.", "loginName"),
+              std::pair("Choose a longer password", "loginPassword"),
+              std::pair("Enamel and surnames.", "loginConfirmPassword")}) {
+            client.service.answer("create-new-user", json(R"({'message': ')" + QByteArray(message) + "'}"));
+            auto *last = client.sheet->findChild<QLineEdit *>(u"loginConfirmPassword"_s);
+            last->setText(u"secret"_s);
+            last->setFocus();
+            QTest::keyClick(last, Qt::Key_Return);
+            QCOMPARE(client.sheet->focusWidget()->objectName(), QString::fromLatin1(field));
+        }
+    }
+
     void theTwoSheetsTakeTurnsAndKeepTheirTexts()
     {
         const NewUser client;
@@ -149,11 +169,10 @@ private Q_SLOTS:
         bool seen = false;
         QTimer meanwhile;
         connect(&meanwhile, &QTimer::timeout, this, [&] {
-            if (client.service.requests().isEmpty())
-                return;
+            if (!client.label(u"labelSignUpStatus"_s)->text().contains(u"of at most 20 s"_s))
+                return; // which is seen after a second
             meanwhile.stop();
-            seen = !client.label(u"labelSignUpStatus"_s)->text().isEmpty() &&
-                   !client.message()->isVisible() && NewUser::isSpinning(client.document->wndSignIn()) &&
+            seen = !client.message()->isVisible() && NewUser::isSpinning(client.document->wndSignIn()) &&
                    !NewUser::isSpinning(client.sheet);
             QTest::mouseClick(Client::button(client.sheet, u"Create Account"_s), Qt::LeftButton);
             QTest::keyClick(client.sheet, Qt::Key_Escape);
