@@ -108,7 +108,7 @@ protected:
     DocumentOutlets() = default;
     ~DocumentOutlets() = default;
 
-    static constexpr std::size_t areaCount = 8;
+    static constexpr std::size_t areaCount = WheelGeometry::sliceCount;
 
     QPointer<ProjectNameSheet> m_wndProjectName;
     QPointer<QLineEdit> m_textProjectName;          // until there is a sheet to give it to
