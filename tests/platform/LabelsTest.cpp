@@ -61,6 +61,14 @@ private Q_SLOTS:
         }
     }
 
+    void aMnemonicOfWhatIsOffIsNoText()
+    {
+        OneLineEdit field;
+        QTest::keyClick(&field, Qt::Key_S, Qt::AltModifier);
+        QTest::keyClick(&field, Qt::Key_T);
+        QCOMPARE(field.text(), u"t"_s);
+    }
+
     void aLabelTurnsAboutTheCentreItIsGiven()
     {
         QWidget parent;
