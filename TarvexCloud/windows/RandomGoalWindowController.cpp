@@ -6,7 +6,9 @@
 #include "SheetStyle.h"
 #include "SliceMark.h"
 #include "TarvexView.h"
+#include "TVXExchange.h"
 #include "TVXManager.h"
+#include "WaitNotice.h"
 #include "WindowServices.h"
 #include "WrappedLabel.h"
 
@@ -44,7 +46,7 @@ qint64 idOfAreaOf(const TVXGoalPtr &goal)
 } // namespace
 
 RandomGoalWindowController::RandomGoalWindowController(WindowServices &services, Sheet *myWindow)
-    : m_services(services), m_myWindow(myWindow)
+    : QObject(myWindow), m_services(services), m_myWindow(myWindow)
 {
     connect(myWindow, &Sheet::didBecomeKey, this, &RandomGoalWindowController::windowDidBecomeKey);
     connect(myWindow, &Sheet::cancelRequested, this, &RandomGoalWindowController::closeWindow);
@@ -63,6 +65,7 @@ void RandomGoalWindowController::buildContents()
     m_labelHint = ui.labelRandomGoalHint;
     m_progress = ui.progress;
     SheetStyle::makeTitle(ui.labelRandomGoalTitle);
+    SheetStyle::alignAsLaidOut(m_labelSet);
     QFont large = m_labelGoal->font();
     large.setPixelSize(qRound(QFontInfo(large).pixelSize() * 1.25));
     m_labelGoal->setFont(large);
@@ -81,7 +84,12 @@ void RandomGoalWindowController::buildContents()
     connect(m_done, &QPushButton::clicked, this, &RandomGoalWindowController::done);
     connect(close, &QPushButton::clicked, this, &RandomGoalWindowController::closeWindow);
     setCurrentSet(m_currentSet);
-    showState();
+    windowDidLoad();
+}
+
+void RandomGoalWindowController::windowDidLoad()
+{
+    setIsAlreadyLoaded(/*loaded=*/false);
 }
 
 TarvexView *RandomGoalWindowController::wheelView() const
@@ -133,25 +141,36 @@ void RandomGoalWindowController::loadFirstGoal()
 {
     if (m_isAlreadyLoaded || !m_myWindow->isBegun())
         return;
-    runBusy([this] {
-        showRandomGoal();
-        m_isAlreadyLoaded = true;
-    });
+    fetchRandomGoal();
+}
+
+void RandomGoalWindowController::fetchRandomGoal()
+{
+    runBusy(tr("Looking for a goal…"), m_services.exchange().deadline(), [this] { showRandomGoal(); });
 }
 
 void RandomGoalWindowController::nextGoal()
 {
-    m_services.runAction([this] { runBusy([this] { showRandomGoal(); }); },
-                         [this] { showIncompleteAnswer(); });
+    m_services.runAction([this] { fetchRandomGoal(); }, [this] { showIncompleteAnswer(); });
 }
 
 void RandomGoalWindowController::done()
 {
-    const auto requests = [this] {
-        markCurrentGoalDone();
+    constexpr int requestCount = 2;
+    std::optional<ActionOutcome> outcome;
+    const auto requests = [&] {
+        const TVXGoalPtr goal = m_currentGoal;
+        const bool isAnswered = markCurrentGoalDone();
+        if (goal)
+            outcome = {ActionOutcome::Kind::GoalMarkedDone, goal->nameOfGoal(), isAnswered};
         showRandomGoal();
     };
-    m_services.runAction([&] { runBusy(requests); }, [this] { showIncompleteAnswer(); });
+    const auto action = [&] {
+        runBusy(tr("Marking the goal done…"), requestCount * m_services.exchange().deadline(), requests);
+    };
+    m_services.runAction(action, [this] { showIncompleteAnswer(); });
+    if (outcome)
+        Q_EMIT actionEnded(*outcome);
 }
 
 void RandomGoalWindowController::closeWindow()
@@ -167,24 +186,28 @@ void RandomGoalWindowController::closeWindow()
     m_services.runAction(action, [] {});
 }
 
-void RandomGoalWindowController::runBusy(const std::function<void()> &requests)
+void RandomGoalWindowController::runBusy(const QString &doing, std::chrono::milliseconds atMost,
+                                         const std::function<void()> &requests)
 {
     buildContents();
     {
         const SheetBusyScope busy(m_myWindow, m_progress);
+        const WaitNotice notice(doing, atMost, [this](const QString &text) { m_labelHint->setText(text); });
         m_myWindow->repaint(); // seen before the request leaves, however soon it is answered
         requests();
     }
     showState();
 }
 
-void RandomGoalWindowController::markCurrentGoalDone()
+bool RandomGoalWindowController::markCurrentGoalDone()
 {
     TVXManager manager(m_services.exchange(), m_services.alert());
-    const QString percent =
-        manager.setCheckedUsingLogin(m_loginUserName, m_loginPassword, /*goal=*/idOf(m_currentGoal));
+    QString whyNoAnswer;
+    const QString percent = manager.setCheckedUsingLogin(
+        m_loginUserName, m_loginPassword, /*goal=*/idOf(m_currentGoal), /*whyNoAnswer=*/&whyNoAnswer);
+    const bool isAnswered = whyNoAnswer.isNull();
     if (!m_currentProject)
-        return;
+        return isAnswered;
     const TVXGoalList &goals = *m_currentProject->goals();
     const auto goal = std::find_if(goals.begin(), goals.end(), [this](const TVXGoalPtr &candidate) {
         return candidate->idOfGoal() == idOf(m_currentGoal);
@@ -192,20 +215,22 @@ void RandomGoalWindowController::markCurrentGoalDone()
     if (goal != goals.end())
         (*goal)->setIsChecked(true);
     if (percent.isEmpty() || !m_currentSet)
-        return;
+        return isAnswered;
     const std::optional<std::size_t> index = indexOfArea(m_currentProject, idOfAreaOf(m_currentGoal));
     if (index && *index < TVXSets::areaCount)
         m_currentSet->setPercentOfArea(static_cast<int>(*index), percent);
+    return isAnswered;
 }
 
 void RandomGoalWindowController::showRandomGoal()
 {
     TVXManager manager(m_services.exchange(), m_services.alert());
-    m_currentGoal =
-        manager.getRandomGoalUsingLogin(m_loginUserName, m_loginPassword,
-                                        /*forSetsId=*/m_currentSet ? m_currentSet->idOfSets() : 0);
+    m_currentGoal = manager.getRandomGoalUsingLogin(m_loginUserName, m_loginPassword,
+                                                    /*forSetsId=*/m_currentSet ? m_currentSet->idOfSets() : 0,
+                                                    /*whyNoAnswer=*/&m_whyNoAnswer);
     m_labelGoal->setTitleWithMnemonic(m_currentGoal ? m_currentGoal->nameOfGoal() : QString());
     m_isWaiting = false;
+    m_isAlreadyLoaded = true;
     const TVXProjectPtr project = m_wheelView ? m_wheelView->mainData() : nullptr;
     m_indexOfArea = indexOfArea(project, idOfAreaOf(m_currentGoal));
     if (!m_indexOfArea)
@@ -228,12 +253,19 @@ void RandomGoalWindowController::showState()
     m_labelArea->setEnabled(m_isWaiting || m_indexOfArea);
     m_sliceMark->setIndex(m_indexOfArea);
     m_sliceMark->setVisible(m_indexOfArea.has_value());
-    QString hint;
-    if (!m_isWaiting && !hasGoal())
-        hint = tr("No goal to show: all may be done, or the service did not answer.");
-    else if (hasGoal() && m_currentGoal->nameOfGoal().isEmpty())
-        hint = tr("This goal has no text.");
-    m_labelHint->setText(hint);
+    m_labelHint->setText(hint());
+}
+
+QString RandomGoalWindowController::hint() const
+{
+    if (m_isWaiting)
+        return {};
+    if (hasGoal())
+        return m_currentGoal->nameOfGoal().isEmpty() ? tr("This goal has no text.") : QString();
+    if (!m_whyNoAnswer.isNull())
+        return tr("%1 Next Goal tries again.").arg(m_whyNoAnswer);
+    return m_currentGoal ? tr("The service's answer could not be read. Choose Next Goal to try again.")
+                         : tr("No goal is left in this set: all are done, or it has none.");
 }
 
 void RandomGoalWindowController::showIncompleteAnswer()

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "ActionOutcome.h"
 #include "TVXProject.h"
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <QObject>
@@ -26,7 +28,7 @@ class RandomGoalWindowController : public QObject
 {
     Q_OBJECT
 public:
-    /// Neither is owned; the services must outlive the controller, and it must not outlive the sheet.
+    /// The sheet owns the controller; the services must outlive it.
     RandomGoalWindowController(WindowServices &services, Sheet *myWindow);
 
     /// Fills the sheet's window, once; the labels exist from then on.
@@ -36,6 +38,15 @@ public:
     WrappedLabel *labelArea() const { return m_labelArea; }
     WrappedLabel *labelGoal() const { return m_labelGoal; }
     BusyIndicator *progress() const { return m_progress; }
+
+    /// @name Outlets for who fills the sheet by other means
+    /// These only set.
+    /// @{
+    void setMyWindow(Sheet *window) { m_myWindow = window; }
+    void setLabelArea(WrappedLabel *label) { m_labelArea = label; }
+    void setLabelGoal(WrappedLabel *label) { m_labelGoal = label; }
+    void setProgress(BusyIndicator *indicator) { m_progress = indicator; }
+    /// @}
 
     /// The goal on show. Empty when the service had none; kept from showing to showing otherwise.
     const TVXGoalPtr &currentGoal() const { return m_currentGoal; }
@@ -62,6 +73,8 @@ public:
     void setIsAlreadyLoaded(bool loaded);
 
 public Q_SLOTS:
+    /// The sheet has its contents: no goal was fetched yet.
+    void windowDidLoad();
     /// Fetches the first goal of the showing as soon as nothing else runs, unless the sheet is down by then.
     void windowDidBecomeKey();
     void nextGoal();
@@ -70,10 +83,18 @@ public Q_SLOTS:
     void done();
     void closeWindow();
 
+Q_SIGNALS:
+    /// A goal was sent to be marked done. The sheet may stay up.
+    void actionEnded(const ActionOutcome &outcome);
+
 private:
-    void runBusy(const std::function<void()> &requests);
+    void runBusy(const QString &doing, std::chrono::milliseconds atMost,
+                 const std::function<void()> &requests);
+    void fetchRandomGoal();
     void loadFirstGoal();
-    void markCurrentGoalDone();
+    /// Whether the service answered.
+    bool markCurrentGoalDone();
+    QString hint() const;
     void showRandomGoal();
     /// Greys, hides and explains according to what there is to show.
     void showState();
@@ -81,7 +102,7 @@ private:
     bool hasGoal() const;
 
     WindowServices &m_services;
-    Sheet *const m_myWindow;
+    Sheet *m_myWindow;
     TVXProjectPtr m_currentProject;
     TVXSetsPtr m_currentSet;
     TVXGoalPtr m_currentGoal;
@@ -92,6 +113,7 @@ private:
 
     bool m_isWaiting = true;                  // for the first goal of the showing
     bool m_wasAreaNamed = false;              // in this showing
+    QString m_whyNoAnswer;                    // to the latest request for a goal; null after an answer
     std::optional<std::size_t> m_indexOfArea; // of the goal on show
 
     QLabel *m_labelSet = nullptr;
