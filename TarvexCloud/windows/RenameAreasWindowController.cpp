@@ -6,7 +6,9 @@
 #include "SheetStyle.h"
 #include "SliceMark.h"
 #include "TarvexView.h"
+#include "TVXExchange.h"
 #include "TVXManager.h"
+#include "WaitNotice.h"
 #include "WindowServices.h"
 
 #include "ui_RenameAreasSheet.h"
@@ -15,10 +17,8 @@
 #include <limits>
 #include <QPushButton>
 
-using namespace Qt::StringLiterals;
-
 RenameAreasWindowController::RenameAreasWindowController(WindowServices &services, Sheet *myWindow)
-    : m_services(services), m_myWindow(myWindow)
+    : QObject(myWindow), m_services(services), m_myWindow(myWindow)
 {
     connect(myWindow, &Sheet::didBecomeKey, this, &RenameAreasWindowController::windowDidBecomeKey);
     connect(myWindow, &Sheet::cancelRequested, this, &RenameAreasWindowController::clickCancel);
@@ -32,10 +32,14 @@ void RenameAreasWindowController::buildContents()
     ui.setupUi(m_myWindow);
     m_labelHint = ui.labelRenameAreasHint;
     m_uploadIndicator = ui.uploadIndicator;
+    m_textNames = {ui.textName1, ui.textName2, ui.textName3, ui.textName4,
+                   ui.textName5, ui.textName6, ui.textName7, ui.textName8};
+    const std::array<SliceMark *, fieldCount> marks = {ui.sliceMark1, ui.sliceMark2, ui.sliceMark3,
+                                                       ui.sliceMark4, ui.sliceMark5, ui.sliceMark6,
+                                                       ui.sliceMark7, ui.sliceMark8};
     for (std::size_t k = 0; k < fieldCount; ++k) {
-        m_fields[k].textName = m_myWindow->findChild<QLineEdit *>(u"textName%1"_s.arg(k + 1));
-        m_fields[k].textName->setMaxLength(std::numeric_limits<int>::max()); // cut nothing off in silence
-        m_myWindow->findChild<SliceMark *>(u"sliceMark%1"_s.arg(k + 1))->setIndex(k);
+        m_textNames[k]->setMaxLength(std::numeric_limits<int>::max()); // cut nothing off in silence
+        marks[k]->setIndex(k);
     }
     SheetStyle::makeTitle(ui.labelRenameAreasTitle);
     m_save = ui.renameAreasButtons->addButton(tr("Save"), QDialogButtonBox::AcceptRole);
@@ -71,13 +75,11 @@ void RenameAreasWindowController::windowDidBecomeKey()
 void RenameAreasWindowController::fillFields()
 {
     for (std::size_t k = 0; k < fieldCount; ++k) {
-        Field &field = m_fields[k];
+        OneLineEdit *field = m_textNames[k];
         const bool hasArea = k < areaCount();
-        field.filledIn = hasArea ? m_project->areas()->at(k)->name() : QString();
-        field.textName->setText(field.filledIn);
-        field.textName->setCursorPosition(0); // a long name shows its beginning
-        field.textName->setEnabled(hasArea);
-        field.shown = field.textName->text();
+        field->fillIn(hasArea ? m_project->areas()->at(k)->name() : QString());
+        field->setCursorPosition(0); // a long name shows its beginning
+        field->setEnabled(hasArea);
     }
     if (areaCount() == 0)
         m_labelHint->setText(tr("The service sent no areas, so there is nothing to rename."));
@@ -90,38 +92,40 @@ void RenameAreasWindowController::fillFields()
 
 void RenameAreasWindowController::clickSaveAndClose()
 {
-    const auto action = [this] {
+    std::optional<ActionOutcome> outcome;
+    const auto action = [&] {
         buildContents();
-        {
-            const SheetBusyScope busy(m_myWindow, m_uploadIndicator);
-            saveNames();
-        }
+        outcome = saveNames();
         m_myWindow->endSheet();
     };
     m_services.runAction(action, [this] { showIncompleteAnswer(); });
+    if (outcome)
+        Q_EMIT actionEnded(*outcome);
 }
 
-void RenameAreasWindowController::saveNames()
+std::optional<ActionOutcome> RenameAreasWindowController::saveNames()
 {
     if (!m_project)
-        return;
+        return std::nullopt;
+    constexpr int requests = 2;
+    const SheetBusyScope busy(m_myWindow, m_uploadIndicator);
+    const WaitNotice notice(tr("Saving the names…"), requests * m_services.exchange().deadline(),
+                            [this](const QString &text) { m_labelHint->setText(text); });
     nameAreasAsTyped();
     TVXAreaList &areas = *m_project->areas();
     TVXManager manager(m_services.exchange(), m_services.alert());
-    manager.renameAreasUsingLogin(m_loginUserName, m_loginPassword, areas);
+    const bool isAnswered = manager.renameAreasUsingLogin(m_loginUserName, m_loginPassword, areas);
     areas.clear();
     manager.getAreasFormServeByUsingLogin(m_loginUserName, m_loginPassword, areas);
     showAreasOnWindow();
+    return ActionOutcome{ActionOutcome::Kind::AreasRenamed, /*name=*/QString(), isAnswered};
 }
 
 void RenameAreasWindowController::nameAreasAsTyped()
 {
-    for (std::size_t k = 0; k < areaCount(); ++k) {
-        const Field &field = m_fields[k];
+    for (std::size_t k = 0; k < areaCount(); ++k)
         // A field of one line may not hold a name as it is; one that was left alone must not change it.
-        const QString typed = field.textName->text();
-        m_project->areas()->at(k)->setName(typed == field.shown ? field.filledIn : typed);
-    }
+        m_project->areas()->at(k)->setName(m_textNames[k]->textOrFilledIn());
 }
 
 void RenameAreasWindowController::showAreasOnWindow()

@@ -1,13 +1,15 @@
 #pragma once
 
+#include "ActionOutcome.h"
+#include "OneLineEdit.h"
 #include "TVXProject.h"
 
 #include <array>
+#include <optional>
 #include <QObject>
 
 class BusyIndicator;
 class QLabel;
-class QLineEdit;
 class QPushButton;
 class Sheet;
 class TarvexView;
@@ -35,29 +37,43 @@ class RenameAreasWindowController : public QObject
 public:
     static constexpr std::size_t fieldCount = 8;
 
-    /// Neither is owned; the services must outlive the controller, and it must not outlive the sheet.
+    /// The sheet owns the controller; the services must outlive it.
     RenameAreasWindowController(WindowServices &services, Sheet *myWindow);
 
     /// Fills the sheet's window, once; the fields exist from then on.
     void buildContents();
 
     Sheet *myWindow() const { return m_myWindow; }
-    QLineEdit *textName1() const { return m_fields[0].textName; }
-    QLineEdit *textName2() const { return m_fields[1].textName; }
-    QLineEdit *textName3() const { return m_fields[2].textName; }
-    QLineEdit *textName4() const { return m_fields[3].textName; }
-    QLineEdit *textName5() const { return m_fields[4].textName; }
-    QLineEdit *textName6() const { return m_fields[5].textName; }
-    QLineEdit *textName7() const { return m_fields[6].textName; }
-    QLineEdit *textName8() const { return m_fields[7].textName; }
+    OneLineEdit *textName1() const { return m_textNames[0]; }
+    OneLineEdit *textName2() const { return m_textNames[1]; }
+    OneLineEdit *textName3() const { return m_textNames[2]; }
+    OneLineEdit *textName4() const { return m_textNames[3]; }
+    OneLineEdit *textName5() const { return m_textNames[4]; }
+    OneLineEdit *textName6() const { return m_textNames[5]; }
+    OneLineEdit *textName7() const { return m_textNames[6]; }
+    OneLineEdit *textName8() const { return m_textNames[7]; }
     BusyIndicator *uploadIndicator() const { return m_uploadIndicator; }
+
+    /// @name Outlets for who fills the sheet by other means
+    /// These only set.
+    /// @{
+    void setMyWindow(Sheet *window) { m_myWindow = window; }
+    void setTextName1(OneLineEdit *field) { m_textNames[0] = field; }
+    void setTextName2(OneLineEdit *field) { m_textNames[1] = field; }
+    void setTextName3(OneLineEdit *field) { m_textNames[2] = field; }
+    void setTextName4(OneLineEdit *field) { m_textNames[3] = field; }
+    void setTextName5(OneLineEdit *field) { m_textNames[4] = field; }
+    void setTextName6(OneLineEdit *field) { m_textNames[5] = field; }
+    void setTextName7(OneLineEdit *field) { m_textNames[6] = field; }
+    void setTextName8(OneLineEdit *field) { m_textNames[7] = field; }
+    void setUploadIndicator(BusyIndicator *indicator) { m_uploadIndicator = indicator; }
+    /// @}
 
     const TVXProjectPtr &project() const { return m_project; }
     void setProject(const TVXProjectPtr &project) { m_project = project; }
 
-    /// The document, which is told after saving; not owned. These are not the object's parent in the
-    /// toolkit's sense.
-    /// Told when names have changed. It must outlive this or be unset.
+    /// The document, which is told when the names have been saved. Not owned: it must outlive the controller
+    /// or be unset. It is not the object's parent in the toolkit's sense, which is the sheet.
     RenameAreasParent *parent() const { return m_parent; }
     void setParent(RenameAreasParent *parent) { m_parent = parent; }
 
@@ -77,30 +93,28 @@ public Q_SLOTS:
     void clickSaveAndClose();
     void clickCancel();
 
-private:
-    struct Field
-    {
-        QLineEdit *textName = nullptr;
-        QString filledIn; // the area's own name,
-        QString shown;    // and what the field made of it
-    };
+Q_SIGNALS:
+    /// The names were sent and the areas fetched anew, and the sheet is down.
+    void actionEnded(const ActionOutcome &outcome);
 
+private:
     void fillFields();
     void nameAreasAsTyped();
-    void saveNames();
+    /// Nothing if there is no project, so that nothing was sent.
+    std::optional<ActionOutcome> saveNames();
     void showAreasOnWindow();
     void showIncompleteAnswer();
     std::size_t areaCount() const;
 
     WindowServices &m_services;
-    Sheet *const m_myWindow;
+    Sheet *m_myWindow;
     TVXProjectPtr m_project;
     RenameAreasParent *m_parent = nullptr;
     QString m_loginUserName = QStringLiteral("");
     QString m_loginPassword = QStringLiteral("");
     bool m_isAlreadyLoadedDatas = false;
 
-    std::array<Field, fieldCount> m_fields;
+    std::array<OneLineEdit *, fieldCount> m_textNames = {};
     QLabel *m_labelHint = nullptr;
     BusyIndicator *m_uploadIndicator = nullptr;
     QPushButton *m_save = nullptr;

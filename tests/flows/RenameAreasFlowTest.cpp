@@ -2,6 +2,8 @@
 
 #include "RenameAreasWindowController.h"
 
+#include <QTimer>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -42,6 +44,7 @@ struct OpenNames : Client
 
     QList<QByteArray> sent() const { return service.bodies().mid(3); }
     QPushButton *button(const char *text) const { return Client::button(sheet, QString::fromLatin1(text)); }
+    QString hint() const { return sheet->findChild<QLabel *>(u"labelRenameAreasHint"_s)->text(); }
     void click(const char *text) const { QTest::mouseClick(button(text), Qt::LeftButton); }
 
     /// The project's areas by name.
@@ -71,7 +74,14 @@ private Q_SLOTS:
         open.type(open.names->textName2(), "");
         open.type(open.names->textName4(), "  R&D; ");
         QVERIFY(!open.names->textName6()->isEnabled());
+        open.service.hold();
+        QString told;
+        QTimer::singleShot(1400, open.sheet, [&] {
+            told = open.hint();
+            open.service.release();
+        });
         QTest::keyClick(open.names->textName4(), Qt::Key_Return);
+        QVERIFY(told.startsWith(u"Saving the names… Waiting for the service: 1"_s));
         QCOMPARE(open.sent(), (QList<QByteArray>{setNames +
                                                      "id:1;name:two\r\nlines\u2028\t"
                                                      ";{_end_}id:2;name:;{_end_}id:3;name:L {_amp_} F;{_end_}"
@@ -111,9 +121,9 @@ private Q_SLOTS:
         const ServiceReply ok = httpReply("OK");
         const ServiceReply old = httpReply(areasAnswer({"a", "b"}));
         const ServiceReply part = httpReply("<x><id>1</id><id>2</id><name>a</name><color/><value/></x>");
-        QTest::newRow("refused") << httpReply("Error") << old << QStringLiteral("a,b 0");
-        QTest::newRow("not sent") << noAnswer << old << QStringLiteral("a,b 1");
-        QTest::newRow("not reloaded") << ok << noAnswer << QStringLiteral(" 1");
+        QTest::newRow("refused") << httpReply("Error") << old << u"a,b 0, answered"_s;
+        QTest::newRow("not sent") << noAnswer << old << u"a,b 1, not answered"_s;
+        QTest::newRow("not reloaded") << ok << noAnswer << u" 1, answered"_s;
         QTest::newRow("reloaded in part") << ok << part << QStringLiteral("a 0, and incomplete");
     }
 
@@ -125,13 +135,17 @@ private Q_SLOTS:
         open.service.answer("set-area-names", saved);
         open.service.answer("get-areas", reloaded);
         open.type(open.names->textName1(), "new");
+        QString outcome;
+        connect(open.names, &RenameAreasWindowController::actionEnded, this, [&](const ActionOutcome &ended) {
+            outcome = ended.isAnswered ? u", answered"_s : u", not answered"_s;
+        });
         open.click("Save");
         QString left = open.areas() + u' ' + QString::number(open.alert.errors.size());
         if (open.sheet->isVisible())
             left += QStringLiteral(", and incomplete");
+        left += outcome;
         QTEST(left, "left");
-        QCOMPARE(open.sheet->findChild<QLabel *>(u"labelRenameAreasHint"_s)->text().contains(u"incomplete"),
-                 open.sheet->isVisible());
+        QCOMPARE(open.hint().contains(u"incomplete"), open.sheet->isVisible());
     }
 
     void aDocumentThatBorrowedTheSheetMayGoBeforeItIsSaved()
