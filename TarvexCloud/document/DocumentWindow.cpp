@@ -60,11 +60,11 @@ void DocumentWindow::makeSheets(DocumentController &controller)
     m_signUp = new Sheet(this);
     new RegisterViewController(m_signUp);
     m_areaDetails = new Sheet(this);
-    (new AreaWindowController(controller, m_areaDetails))->setParent(m_areaDetails);
+    new AreaWindowController(controller, m_areaDetails);
     m_nextGoals = new Sheet(this);
-    (new RandomGoalWindowController(controller, m_nextGoals))->QObject::setParent(m_nextGoals);
+    new RandomGoalWindowController(controller, m_nextGoals);
     m_renameAreas = new Sheet(this);
-    (new RenameAreasWindowController(controller, m_renameAreas))->QObject::setParent(m_renameAreas);
+    new RenameAreasWindowController(controller, m_renameAreas);
 }
 
 void DocumentWindow::fitScreen()

@@ -19,4 +19,6 @@ public:
 protected:
     /// Scrolling the sheet must not change what nobody chose: only a slider with the focus follows the wheel.
     void wheelEvent(QWheelEvent *event) override;
+    /// With tick marks in a shade of the text's colour: the style's own are lost on a dark window.
+    void paintEvent(QPaintEvent *event) override;
 };

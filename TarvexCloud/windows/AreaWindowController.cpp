@@ -2,6 +2,7 @@
 
 #include "AreaValueSlider.h"
 #include "BusyIndicator.h"
+#include "ElidedLabel.h"
 #include "GoalTableModel.h"
 #include "GoalTableView.h"
 #include "MnemonicLabel.h"
@@ -9,12 +10,15 @@
 #include "SheetBusyScope.h"
 #include "SheetStyle.h"
 #include "TarvexView.h"
+#include "TVXExchange.h"
 #include "TVXManager.h"
+#include "WaitNotice.h"
 #include "WindowServices.h"
 #include "Words.h"
 
 #include "ui_AreaSheet.h"
 
+#include <optional>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
@@ -22,16 +26,15 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// The name as a title with mnemonics has to be given it.
-QString titleOf(const TVXArea &area)
+QString titleOf(QString name)
 {
-    QString title = area.name();
-    return title.replace(u'&', u"&&"_s);
+    return name.replace(u'&', u"&&"_s);
 }
 
 } // namespace
 
 AreaWindowController::AreaWindowController(WindowServices &services, Sheet *thisWindow)
-    : m_services(services), m_thisWindow(thisWindow)
+    : QObject(thisWindow), m_services(services), m_thisWindow(thisWindow)
 {
     connect(thisWindow, &Sheet::didBecomeKey, this, &AreaWindowController::windowDidBecomeKey);
     connect(thisWindow, &Sheet::cancelRequested, this, &AreaWindowController::closeAreaDetailsWindow);
@@ -55,6 +58,9 @@ void AreaWindowController::buildContents()
     m_areaIndicator = ui.areaIndicator;
     m_addGoal = ui.buttonAddGoal;
     m_removeGoal = ui.buttonRemoveGoal;
+    m_tryAgain = ui.buttonTryAgain;
+    m_keepText = ui.buttonKeepText;
+    m_dropText = ui.buttonDropText;
     SheetStyle::makeTitle(m_labelAreaName);
     m_goalModel = new GoalTableModel([this] { return goals(); }, this);
     m_tableViewTargets->setGoals(m_goalModel);
@@ -63,8 +69,9 @@ void AreaWindowController::buildContents()
     m_save->setDefault(true);
     for (QPushButton *button : {m_addGoal, m_removeGoal})
         SheetStyle::makeRoomy(button, m_save);
+    ui.stateRow->addStrut(m_tryAgain->sizeHint().height()); // as high without its buttons
     // A button that takes the focus by a click would commit the cell that is still being typed into.
-    for (QPushButton *button : {m_save, cancel, m_addGoal, m_removeGoal})
+    for (QPushButton *button : {m_save, cancel, m_addGoal, m_removeGoal, m_tryAgain, m_keepText, m_dropText})
         button->setFocusPolicy(Qt::TabFocus);
     SheetStyle::setTabOrderAsShown(ui.areaButtons);
     connectControls(cancel);
@@ -76,6 +83,9 @@ void AreaWindowController::connectControls(QPushButton *cancel)
     connect(cancel, &QPushButton::clicked, this, &AreaWindowController::closeAreaDetailsWindow);
     connect(m_addGoal, &QPushButton::clicked, this, &AreaWindowController::addNewGoal);
     connect(m_removeGoal, &QPushButton::clicked, this, &AreaWindowController::removeSelectedGoal);
+    connect(m_tryAgain, &QPushButton::clicked, this, &AreaWindowController::tryAgain);
+    connect(m_keepText, &QPushButton::clicked, m_tableViewTargets, &GoalTableView::commitEditing);
+    connect(m_dropText, &QPushButton::clicked, m_tableViewTargets, &GoalTableView::abortEditing);
     connect(m_tableViewTargets, &GoalTableView::removalRequested, this, [this] {
         if (m_removeGoal->isEnabled())
             removeSelectedGoal();
@@ -113,12 +123,14 @@ void AreaWindowController::setIsAlreadyLoadedDatas(bool loaded)
     m_isAlreadyLoadedDatas = loaded;
     if (loaded)
         return;
-    m_isLoadedWell = false;
-    m_hasLoadFailed = false;
+    m_load = Load::Waiting;
+    m_isAreaShown = false;
+    m_addedUnread.clear();
     if (!m_save)
         return;
     m_goalModel->reloadData();
     m_labelSetName->clear();
+    nameWindow();
     showState();
 }
 
@@ -141,45 +153,81 @@ void AreaWindowController::windowDidBecomeKey()
 
 void AreaWindowController::load()
 {
-    TVXGoalList &list = *goals();
-    list.clear();
+    goals()->clear();
     m_goalModel->reloadData();
+    const TVXProjectPtr project = mainData();
+    const TVXAreaPtr area = project->areas()->at(static_cast<std::size_t>(m_areaIndex));
+    if (static_cast<std::size_t>(m_setsIndex) < project->sets()->size())
+        fetchGoals(*area, *chosenSet());
+    else
+        m_load = Load::NoSet;
+    showArea(*area);
+}
+
+void AreaWindowController::fetchGoals(const TVXArea &area, const TVXSets &set)
+{
+    const SheetBusyScope busy(m_thisWindow, m_downloadIndicator);
+    const QString doing = tr("Loading the goals…");
+    say(doing);
+    const WaitNotice notice(doing, m_services.exchange().deadline(),
+                            [this](const QString &text) { say(text); });
+    m_labelSetName->setText(set.name());
+    m_thisWindow->repaint(); // seen before the request leaves, however soon it is answered
     TVXManager manager(m_services.exchange(), m_services.alert());
-    TVXAreaPtr area;
-    {
-        const SheetBusyScope busy(m_thisWindow, m_downloadIndicator);
-        area = mainData()->areas()->at(static_cast<std::size_t>(m_areaIndex));
-        const TVXSetsPtr set = mainData()->sets()->at(static_cast<std::size_t>(m_setsIndex));
-        m_labelSetName->setText(set->name());
-        m_thisWindow->repaint(); // seen before the request leaves, however soon it is answered
-        m_isLoadedWell = manager.getGoalsFormServeByUsingLogin(m_loginUserName, m_loginPassword,
-                                                               /*forArea=*/area->idOfArea(),
-                                                               /*forSets=*/set->idOfSets(), list);
-        m_idsForRemove.clear();
-        for (const TVXGoalPtr &goal : list)
-            m_idsForRemove.push_back(static_cast<qint32>(goal->idOfGoal()));
-    }
-    m_hasLoadFailed = !m_isLoadedWell;
-    showArea(area);
+    TVXGoalList &list = *goals();
+    const bool isRead =
+        manager.getGoalsFormServeByUsingLogin(m_loginUserName, m_loginPassword, /*forArea=*/area.idOfArea(),
+                                              /*forSets=*/set.idOfSets(), list);
+    m_load = isRead ? Load::Good : Load::Unread;
+    m_idsForRemove.clear();
+    for (const TVXGoalPtr &goal : list)
+        m_idsForRemove.push_back(static_cast<qint32>(goal->idOfGoal()));
+    list.insert(list.end(), m_addedUnread.begin(), m_addedUnread.end());
+}
+
+void AreaWindowController::tryAgain()
+{
+    m_services.runAction(
+        [this] {
+            if (!m_thisWindow->isBegun() || !mainData())
+                return;
+            m_tableViewTargets->commitEditing();
+            if (m_load == Load::Unread)
+                m_addedUnread = *goals();
+            load();
+        },
+        [this] { loadEndedEarly(); });
 }
 
 void AreaWindowController::loadEndedEarly()
 {
-    m_hasLoadFailed = true;
-    const TVXProjectPtr project = mainData();
-    const auto index = static_cast<std::size_t>(m_areaIndex); // a negative one is past every end
-    const bool hasArea = project && index < project->areas()->size();
-    m_labelAreaName->setTitleWithMnemonic(hasArea ? titleOf(*(*project->areas())[index])
-                                                  : tr("No such area"));
+    m_load = Load::EndedEarly;
+    const QString name = areaName();
+    m_labelAreaName->setTitleWithMnemonic(name.isNull() ? tr("No such area") : titleOf(name));
     m_goalModel->reloadData();
     showState();
 }
 
-void AreaWindowController::showArea(const TVXAreaPtr &area)
+QString AreaWindowController::areaName() const
+{
+    const TVXProjectPtr project = mainData();
+    const auto index = static_cast<std::size_t>(m_areaIndex); // a negative one is past every end
+    return project && index < project->areas()->size() ? (*project->areas())[index]->name() : QString();
+}
+
+void AreaWindowController::nameWindow()
+{
+    const QString name = singleLineOf(areaName()).replace(u"[*]"_s, u"[*][*]"_s); // the toolkit's own mark
+    m_thisWindow->setWindowTitle(name.trimmed().isEmpty() ? tr("Area") : name);
+}
+
+void AreaWindowController::showArea(const TVXArea &area)
 {
     m_tableViewTargets->setHidden(false);
-    m_sliderOfArea->setIntegerValue(area->valueOfArea());
-    m_labelAreaName->setTitleWithMnemonic(titleOf(*area));
+    if (!m_isAreaShown)
+        m_sliderOfArea->setIntegerValue(area.valueOfArea());
+    m_isAreaShown = true;
+    m_labelAreaName->setTitleWithMnemonic(titleOf(area.name()));
     m_labelAreaName->setTag(m_areaIndex);
     m_goalModel->reloadData();
     showRating();
@@ -191,46 +239,69 @@ void AreaWindowController::showArea(const TVXAreaPtr &area)
 
 void AreaWindowController::closeAndSavedetailsWindow()
 {
+    std::optional<ActionOutcome> outcome;
     m_services.runAction(
-        [this] {
-            if (m_thisWindow->isBegun() && m_isLoadedWell)
-                save();
+        [&] {
+            if (m_thisWindow->isBegun() && mayEdit())
+                outcome = save();
         },
         [this] {
-            m_hasLoadFailed = true;
+            m_load = Load::EndedEarly;
             showState();
         });
+    if (outcome)
+        Q_EMIT actionEnded(*outcome);
 }
 
-void AreaWindowController::save()
+ActionOutcome AreaWindowController::save()
 {
     m_tableViewTargets->abortEditing();
+    ActionOutcome outcome;
     {
         const SheetBusyScope busy(m_thisWindow, m_areaIndicator);
-        const TVXProjectPtr project = mainData();
-        const TVXAreaPtr area = project->areas()->at(static_cast<std::size_t>(m_labelAreaName->tag()));
-        const qint32 value = m_sliderOfArea->integerValue();
-        area->setValueOfArea(value);
-        TVXManager manager(m_services.exchange(), m_services.alert());
-        manager.setAreaValueOnServerByUsingLogin(m_loginUserName, m_loginPassword,
-                                                 /*forArea=*/area->idOfArea(), /*newValue=*/value);
-        const TVXSetsPtr set = project->sets()->at(static_cast<std::size_t>(m_setsIndex));
-        manager.createGoalsUsingLogin(m_loginUserName, m_loginPassword, *project->goals(),
-                                      /*forSetsId=*/set->idOfSets(), /*forAreaId=*/area->idOfArea());
-        manager.deleteGoalsByIdUsingLogin(m_loginUserName, m_loginPassword, m_idsForRemove);
-        storePercent(*set);
+        const TVXAreaPtr area = mainData()->areas()->at(static_cast<std::size_t>(m_labelAreaName->tag()));
+        area->setValueOfArea(m_sliderOfArea->integerValue());
+        outcome = {ActionOutcome::Kind::AreaSaved, area->name(), sendAll(*area)};
+        storePercent();
     }
     emptyAndClose();
     if (WheelParent *document = m_wheelView->theParent())
         document->updatePercentValues();
     m_wheelView->display();
+    return outcome;
 }
 
-void AreaWindowController::storePercent(TVXSets &set) const
+TVXSetsPtr AreaWindowController::chosenSet() const
+{
+    return mainData()->sets()->at(static_cast<std::size_t>(m_setsIndex)); // a negative one is past every end
+}
+
+ActionOutcome::Result AreaWindowController::sendAll(const TVXArea &area)
+{
+    constexpr int requests = 3;
+    constexpr int roomForName = 240;
+    const QString name =
+        m_labelState->fontMetrics().elidedText(singleLineOf(area.name()), Qt::ElideRight, roomForName);
+    const WaitNotice notice(tr("Saving %1…").arg(name), requests * m_services.exchange().deadline(),
+                            [this](const QString &text) { say(text); });
+    TVXManager manager(m_services.exchange(), m_services.alert());
+    const bool isValueAnswered = manager.setAreaValueOnServerByUsingLogin(m_loginUserName, m_loginPassword,
+                                                                          /*forArea=*/area.idOfArea(),
+                                                                          /*newValue=*/area.valueOfArea());
+    const bool isCreationAnswered =
+        manager.createGoalsUsingLogin(m_loginUserName, m_loginPassword, *goals(),
+                                      /*forSetsId=*/chosenSet()->idOfSets(), /*forAreaId=*/area.idOfArea());
+    const bool isDeletionAnswered =
+        manager.deleteGoalsByIdUsingLogin(m_loginUserName, m_loginPassword, m_idsForRemove);
+    const bool isAllAnswered = isValueAnswered && isCreationAnswered && isDeletionAnswered;
+    return isAllAnswered ? ActionOutcome::Result::Done : ActionOutcome::Result::Unknown;
+}
+
+void AreaWindowController::storePercent() const
 {
     const qint64 index = m_labelAreaName->tag();
     if (index >= 0 && index < TVXSets::areaCount)
-        set.setPercentOfArea(static_cast<int>(index), QString::number(percentDone(*goals())));
+        chosenSet()->setPercentOfArea(static_cast<int>(index), QString::number(percentDone(*goals())));
 }
 
 void AreaWindowController::closeAreaDetailsWindow()
@@ -265,7 +336,7 @@ void AreaWindowController::addNewGoal()
     goal->setPriorityOfGoal(*Words::priorityOfWord(u"Normal"_s));
     m_goalModel->addGoal(goal);
     m_tableViewTargets->showRow(m_goalModel->rowCount() - 1);
-    m_tableViewTargets->setFocus();
+    m_tableViewTargets->openCell(m_tableViewTargets->currentIndex());
     showState();
 }
 
@@ -275,7 +346,7 @@ void AreaWindowController::removeSelectedGoal()
         [this] {
             if (!goals())
                 return;
-            m_tableViewTargets->abortEditing();
+            m_tableViewTargets->commitEditing();
             const int row = m_tableViewTargets->selectedRow();
             m_goalModel->removeGoalAtRow(row);
             if (m_goalModel->rowCount() > 0)
@@ -296,30 +367,43 @@ void AreaWindowController::showRating()
 
 QString AreaWindowController::stateText() const
 {
-    const int count = m_goalModel->rowCount();
-    if (m_hasLoadFailed && mainData() && mainData()->sets()->empty())
-        return tr("Goals belong to a set, and no set is loaded. Cancel, then create one or sign in again.");
-    if (m_hasLoadFailed)
-        return tr(
-            "The goals could not be loaded, so nothing can be saved. Cancel, then open the area again.");
-    if (!m_isLoadedWell)
+    if (m_load == Load::Waiting)
         return tr("Loading the goals…");
+    if (m_load == Load::NoSet)
+        return !mainData() || mainData()->sets()->empty()
+                   ? tr("Goals belong to a set, and there is no set. Create one, then open the area again.")
+                   : tr("Choose a set, then open the area again.");
+    if (m_load == Load::EndedEarly)
+        return tr("The goals could not be loaded, so nothing can be saved.");
+    if (m_tableViewTargets->hasChangedText())
+        return tr("Return keeps the text, Escape drops it. Then save.");
     if (m_tableViewTargets->isEditingText())
         return tr("Return keeps the text, Escape drops it.");
+    if (m_load == Load::Unread)
+        return tr("The goals could not be loaded. What is stored stays; what you save is added to it.");
+    const int count = m_goalModel->rowCount();
     return count > 0 ? tr("%1 of %2 done").arg(m_goalModel->doneCount()).arg(count)
                      : tr("An area without goals counts as 100% done");
 }
 
 void AreaWindowController::showState()
 {
-    const QString state = stateText();
-    m_labelState->setText(state);
-    m_tableViewTargets->setPlaceholder(m_isLoadedWell ? tr("No goals yet") : QString());
-    m_save->setEnabled(m_isLoadedWell);
-    m_save->setToolTip(m_hasLoadFailed ? state : QString());
-    m_addGoal->setEnabled(m_isLoadedWell);
-    m_sliderOfArea->setEnabled(m_isLoadedWell);
+    const bool isTextOpen = m_tableViewTargets->hasChangedText();
+    say(stateText());
+    m_keepText->setVisible(isTextOpen);
+    m_dropText->setVisible(isTextOpen);
+    m_tryAgain->setVisible(!isTextOpen && (m_load == Load::Unread || m_load == Load::EndedEarly));
+    m_tableViewTargets->setPlaceholder(m_load == Load::Good ? tr("No goals yet") : QString());
+    m_save->setEnabled(mayEdit() && !isTextOpen); // it would drop the text
+    m_save->setToolTip(m_save->isEnabled() ? QString() : stateText());
+    m_addGoal->setEnabled(mayEdit());
+    m_sliderOfArea->setEnabled(mayEdit());
     const int selected = m_tableViewTargets->selectedRowCount();
-    m_removeGoal->setEnabled(m_isLoadedWell && selected == 1);
+    m_removeGoal->setEnabled(mayEdit() && selected == 1);
     m_removeGoal->setToolTip(selected > 1 ? tr("Goals are removed one at a time.") : QString());
+}
+
+void AreaWindowController::say(const QString &state)
+{
+    m_labelState->setText(state);
 }

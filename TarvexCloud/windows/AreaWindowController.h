@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ActionOutcome.h"
 #include "TVXProject.h"
 
 #include <memory>
@@ -26,7 +27,7 @@ class AreaWindowController : public QObject
 {
     Q_OBJECT
 public:
-    /// Neither is owned; the services must outlive the controller, and it must not outlive the sheet.
+    /// The sheet owns the controller; the services must outlive it.
     AreaWindowController(WindowServices &services, Sheet *thisWindow);
     ~AreaWindowController() override;
 
@@ -45,7 +46,7 @@ public:
     void setAreaIndex(qint64 index) { m_areaIndex = index; }
     qint64 setsIndex() const { return m_setsIndex; }
     void setSetsIndex(qint64 index) { m_setsIndex = index; }
-    /// Whether the goals were fetched in this showing; false begins a new one, with saving off.
+    /// Whether the goals were asked for in this showing; false begins a new one, with saving off.
     bool isAlreadyLoadedDatas() const { return m_isAlreadyLoadedDatas; }
     void setIsAlreadyLoadedDatas(bool loaded);
 
@@ -57,6 +58,19 @@ public:
     GoalTableView *tableViewTargets() const { return m_tableViewTargets; }
     BusyIndicator *downloadIndicator() const { return m_downloadIndicator; }
     Sheet *thisWindow() const { return m_thisWindow; }
+
+    /// @name Outlets for who fills the sheet by other means
+    /// These only set. The second table is held for its owner; nothing here uses it.
+    /// @{
+    void setIdsForRemove(const std::vector<qint64> &ids) { m_idsForRemove = ids; }
+    void setLabelAreaName(MnemonicLabel *label) { m_labelAreaName = label; }
+    void setSliderOfArea(AreaValueSlider *slider) { m_sliderOfArea = slider; }
+    void setTableViewTargets(GoalTableView *table) { m_tableViewTargets = table; }
+    GoalTableView *allTableView() const { return m_allTableView; }
+    void setAllTableView(GoalTableView *table) { m_allTableView = table; }
+    void setDownloadIndicator(BusyIndicator *indicator) { m_downloadIndicator = indicator; }
+    void setThisWindow(Sheet *window) { m_thisWindow = window; }
+    /// @}
 
 public Q_SLOTS:
     /// Loads once per showing, as soon as nothing else runs, unless the sheet is down by then.
@@ -70,22 +84,44 @@ public Q_SLOTS:
     /// Without a selected row the removal fails and the list stays as it is.
     void removeSelectedGoal();
 
+Q_SIGNALS:
+    /// The area was saved, and the sheet is down.
+    void actionEnded(const ActionOutcome &outcome);
+
 private:
+    /// What became of this showing's load.
+    enum class Load {
+        Waiting,
+        NoSet,
+        Good,
+        Unread, // it came to its end without goals: nothing is there to be deleted, so saving is possible
+        EndedEarly
+    };
+
     TVXProjectPtr mainData() const;
     std::shared_ptr<TVXGoalList> goals() const;
     void connectControls(QPushButton *cancel);
     void load();
+    void fetchGoals(const TVXArea &area, const TVXSets &set);
+    void tryAgain();
     void loadEndedEarly();
-    void showArea(const TVXAreaPtr &area);
-    void save();
-    void storePercent(TVXSets &set) const;
+    void showArea(const TVXArea &area);
+    ActionOutcome save();
+    /// @throws std::out_of_range without a set, as the two below.
+    ActionOutcome::Result sendAll(const TVXArea &area);
+    void storePercent() const;
+    TVXSetsPtr chosenSet() const;
     void emptyAndClose();
+    bool mayEdit() const { return m_load == Load::Good || m_load == Load::Unread; }
+    QString areaName() const;
+    void nameWindow();
+    void say(const QString &state);
     void showRating();
     QString stateText() const;
     void showState();
 
     WindowServices &m_services;
-    Sheet *const m_thisWindow;
+    Sheet *m_thisWindow;
     QPointer<TarvexView> m_wheelView;
     QString m_loginUserName = QStringLiteral("");
     QString m_loginPassword = QStringLiteral("");
@@ -93,8 +129,9 @@ private:
     qint64 m_setsIndex = 0;
     std::vector<qint64> m_idsForRemove;
     bool m_isAlreadyLoadedDatas = false;
-    bool m_isLoadedWell = false;
-    bool m_hasLoadFailed = false;
+    Load m_load = Load::Waiting;
+    bool m_isAreaShown = false; // in this showing; what the user does with the slider from then on stays
+    TVXGoalList m_addedUnread;  // by the user, to a table whose goals could not be read
 
     GoalTableModel *m_goalModel = nullptr;
     MnemonicLabel *m_labelAreaName = nullptr;
@@ -102,10 +139,14 @@ private:
     AreaValueSlider *m_sliderOfArea = nullptr;
     QLabel *m_labelRating = nullptr;
     GoalTableView *m_tableViewTargets = nullptr;
+    GoalTableView *m_allTableView = nullptr;
     QLabel *m_labelState = nullptr;
     BusyIndicator *m_downloadIndicator = nullptr;
     BusyIndicator *m_areaIndicator = nullptr;
     QPushButton *m_addGoal = nullptr;
     QPushButton *m_removeGoal = nullptr;
+    QPushButton *m_tryAgain = nullptr;
+    QPushButton *m_keepText = nullptr;
+    QPushButton *m_dropText = nullptr;
     QPushButton *m_save = nullptr;
 };

@@ -67,20 +67,22 @@ QWidget *GoalTextDelegate::createEditor(QWidget *parent, const QStyleOptionViewI
     auto *field = new OneLineEdit(parent);
     field->setMaxLength(std::numeric_limits<int>::max());
     field->setAccessibleName(tr("Goal text"));
+    auto *self = const_cast<GoalTextDelegate *>(this); // the toolkit makes editors in const delegates
+    connect(field, &QLineEdit::textChanged, self, &GoalTextDelegate::textChanged);
     return field;
 }
 
 void GoalTextDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
 {
-    static_cast<QLineEdit *>(editor)->setText(index.data(Qt::EditRole).toString());
+    static_cast<OneLineEdit *>(editor)->fillIn(index.data(Qt::EditRole).toString());
 }
 
 void GoalTextDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,
                                     const QModelIndex &index) const
 {
-    const auto *field = static_cast<QLineEdit *>(editor);
-    if (field->isModified())
-        model->setData(index, field->text());
+    const auto *field = static_cast<OneLineEdit *>(editor);
+    if (field->isChanged())
+        model->setData(index, field->textOrFilledIn());
 }
 
 bool GoalTextDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
@@ -122,7 +124,7 @@ QWidget *GoalPriorityDelegate::createEditor(QWidget *parent, const QStyleOptionV
 {
     auto *popUp = new GoalPriorityPopUp(parent);
     popUp->setAccessibleName(tr("Priority"));
-    auto *self = const_cast<GoalPriorityDelegate *>(this); // the toolkit makes editors in const delegates
+    auto *self = const_cast<GoalPriorityDelegate *>(this);
     connect(popUp, &QComboBox::activated, self, [self, popUp] { self->commitAndClose(popUp); });
     connect(popUp, &GoalPriorityPopUp::dismissed, self, [self, popUp] { self->dismiss(popUp); });
     return popUp;

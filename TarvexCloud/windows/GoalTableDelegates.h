@@ -17,8 +17,8 @@ public:
                      const QModelIndex &index) override;
 };
 
-/// The text of a goal, edited in place. A text nobody typed into stays as it is, line breaks included, which
-/// a field of one line cannot show. A text too long for its cell is whole in its tooltip.
+/// The text of a goal, edited in place. A text nobody changed stays as it is, line breaks included, which a
+/// field of one line cannot show. A text too long for its cell is whole in its tooltip.
 class GoalTextDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
@@ -31,6 +31,10 @@ public:
     void setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const override;
     bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
                    const QModelIndex &index) override;
+
+Q_SIGNALS:
+    /// The text in the open field is another.
+    void textChanged();
 };
 
 /// A list of words that comes up by itself, and says when it is gone again, with or without a choice.

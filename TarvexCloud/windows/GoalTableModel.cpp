@@ -56,17 +56,22 @@ void GoalTableModel::tableViewSetObjectValue(const QVariant &value, const QStrin
     const TVXGoalPtr goal = goalAt(row);
     if (!goal)
         return;
+    Column column = columnTotal;
     if (forTableColumn == identifiers[CheckColumn]) {
+        column = CheckColumn;
         goal->setIsChecked(!goal->isChecked());
         m_doneCount += goal->isChecked() ? 1 : -1;
     } else if (forTableColumn == identifiers[GoalColumn]) {
+        column = GoalColumn;
         goal->setNameOfGoal(value.toString());
     } else if (forTableColumn == identifiers[PriorityColumn]) {
+        column = PriorityColumn;
         if (const std::optional<qint32> priority = Words::priorityOfWord(value.toString()))
             goal->setPriorityOfGoal(*priority);
     }
-    const QModelIndex first = index(row, CheckColumn);
-    Q_EMIT dataChanged(first, index(row, PriorityColumn));
+    // That cell alone: a field that is open in another would be filled in anew, over what was typed.
+    if (column != columnTotal)
+        Q_EMIT dataChanged(index(row, column), index(row, column));
 }
 
 void GoalTableModel::addGoal(const TVXGoalPtr &goal)
@@ -122,12 +127,22 @@ QVariant GoalTableModel::checkData(int row, int role) const
     return {};
 }
 
+QString GoalTableModel::descriptionOfGoal(int row) const
+{
+    QStringList words = {checkData(row, Qt::AccessibleTextRole).toString(),
+                         tableViewObjectValueForTableColumn(identifiers[PriorityColumn], row).toString()};
+    words.removeAll(QString());
+    return words.join(u", "_s);
+}
+
 QVariant GoalTableModel::data(const QModelIndex &index, int role) const
 {
     if (!index.isValid())
         return {};
     if (index.column() == CheckColumn)
         return checkData(index.row(), role);
+    if (role == Qt::AccessibleDescriptionRole && index.column() == GoalColumn)
+        return descriptionOfGoal(index.row());
     if (role != Qt::DisplayRole && role != Qt::EditRole)
         return {};
     const QVariant value =

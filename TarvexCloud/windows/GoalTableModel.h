@@ -50,6 +50,8 @@ public:
 private:
     TVXGoalPtr goalAt(int row) const;
     QVariant checkData(int row, int role) const;
+    /// The rest of the row, for who hears the goal's text only.
+    QString descriptionOfGoal(int row) const;
 
     GoalsSource m_goals;
     int m_doneCount = 0;

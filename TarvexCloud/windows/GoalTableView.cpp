@@ -1,7 +1,9 @@
 #include "GoalTableView.h"
 
+#include "GoalTableAccessible.h"
 #include "GoalTableDelegates.h"
 #include "GoalTableModel.h"
+#include "OneLineEdit.h"
 #include "QuietLabel.h"
 
 #include <algorithm>
@@ -20,6 +22,7 @@ constexpr int spaceInColumn = 24;
 
 GoalTableView::GoalTableView(QWidget *parent) : QTableView(parent)
 {
+    GoalTableAccessible::install();
     setSelectionBehavior(SelectRows);
     setSelectionMode(ExtendedSelection);
     setEditTriggers(EditKeyPressed | AnyKeyPressed | DoubleClicked);
@@ -35,9 +38,11 @@ GoalTableView::GoalTableView(QWidget *parent) : QTableView(parent)
     horizontalHeader()->setSectionsClickable(false);
     horizontalHeader()->setMinimumSectionSize(1);
     setItemDelegateForColumn(GoalTableModel::CheckColumn, new GoalCheckDelegate(this));
-    setItemDelegateForColumn(GoalTableModel::GoalColumn, new GoalTextDelegate(this));
+    auto *texts = new GoalTextDelegate(this);
+    setItemDelegateForColumn(GoalTableModel::GoalColumn, texts);
     setItemDelegateForColumn(GoalTableModel::PriorityColumn, new GoalPriorityDelegate(this));
-    connect(this, &QTableView::clicked, this, &GoalTableView::openPopUp);
+    connect(texts, &GoalTextDelegate::textChanged, this, &GoalTableView::editingChanged);
+    connect(this, &QTableView::clicked, this, &GoalTableView::cellClicked);
 }
 
 void GoalTableView::setGoals(GoalTableModel *goals)
@@ -81,7 +86,6 @@ void GoalTableView::showRow(int row)
     const QModelIndex index =
         model()->index(std::clamp(row, 0, model()->rowCount() - 1), GoalTableModel::GoalColumn);
     setCurrentIndex(index);
-    selectRow(index.row());
     scrollTo(index);
 }
 
@@ -93,6 +97,20 @@ QWidget *GoalTableView::openEditor() const
 bool GoalTableView::isEditingText() const
 {
     return openEditor() && currentIndex().column() == GoalTableModel::GoalColumn;
+}
+
+bool GoalTableView::hasChangedText() const
+{
+    const auto *field = qobject_cast<OneLineEdit *>(openEditor());
+    return field && field->isChanged();
+}
+
+void GoalTableView::openCell(const QModelIndex &index)
+{
+    commitEditing();
+    setCurrentIndex(index);
+    setFocus();
+    edit(index, AllEditTriggers, /*event=*/nullptr);
 }
 
 void GoalTableView::abortEditing()
@@ -139,11 +157,31 @@ void GoalTableView::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditH
     Q_EMIT editingChanged();
 }
 
-void GoalTableView::openPopUp(const QModelIndex &index)
+void GoalTableView::cellClicked(const QModelIndex &index)
 {
-    const bool isPlainClick = QApplication::keyboardModifiers() == Qt::NoModifier;
-    if (index.column() == GoalTableModel::PriorityColumn && isPlainClick && !openEditor())
+    if (QApplication::keyboardModifiers() != Qt::NoModifier || openEditor())
+        return;
+    if (index.column() == GoalTableModel::PriorityColumn)
         edit(index, AllEditTriggers, /*event=*/nullptr);
+    else
+        selectionModel()->setCurrentIndex(index.siblingAtColumn(GoalTableModel::GoalColumn),
+                                          QItemSelectionModel::NoUpdate);
+}
+
+QModelIndex GoalTableView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
+{
+    const QModelIndex cell = QTableView::moveCursor(action, modifiers);
+    const bool isInRow = action == MoveLeft || action == MoveRight;
+    return isInRow ? cell : cell.siblingAtColumn(GoalTableModel::GoalColumn);
+}
+
+void GoalTableView::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    // Two quick clicks on a tick are two clicks.
+    if (indexAt(event->position().toPoint()).column() == GoalTableModel::CheckColumn)
+        mousePressEvent(event);
+    else
+        QTableView::mouseDoubleClickEvent(event);
 }
 
 void GoalTableView::copySelectedTexts() const

@@ -6,7 +6,8 @@ class GoalTableModel;
 
 /// The table of an area's goals. Space flips the tick of the current row; typing, F2 or a double click edits
 /// its text; a click on a priority opens its pop-up; Delete asks for the selected row's removal; the standard
-/// copy key copies the texts of the selected rows.
+/// copy key copies the texts of the selected rows. The current cell is the goal's text unless the user goes
+/// to another cell of the row, so that a screen reader which follows it says what the row is about.
 class GoalTableView : public QTableView
 {
     Q_OBJECT
@@ -22,8 +23,12 @@ public:
     /// Selects that row alone and scrolls to it; the nearest there is for a row outside the table.
     void showRow(int row);
 
-    /// Whether a cell is being typed into.
+    /// Whether a goal's text is being edited.
     bool isEditingText() const;
+    /// Whether it is, and stands there as another text than the goal's.
+    bool hasChangedText() const;
+    /// Opens that cell to be changed, a text with all of it selected. What another open one holds is kept.
+    void openCell(const QModelIndex &index);
     /// Closes an open cell; what was typed is dropped.
     void abortEditing();
     /// Closes an open cell; what was typed is kept.
@@ -34,13 +39,15 @@ public:
 
 Q_SIGNALS:
     void removalRequested();
-    /// A cell has been opened, or closed again.
+    /// A cell has been opened, its text changed, or it has been closed again.
     void editingChanged();
 
 protected:
     using QTableView::edit;
     bool edit(const QModelIndex &index, EditTrigger trigger, QEvent *event) override;
     void closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint hint) override;
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void changeEvent(QEvent *event) override;
@@ -48,7 +55,7 @@ protected:
 private:
     QWidget *openEditor() const;
     void fitRowsAndColumns();
-    void openPopUp(const QModelIndex &index);
+    void cellClicked(const QModelIndex &index);
     void copySelectedTexts() const;
 
     QString m_placeholder;

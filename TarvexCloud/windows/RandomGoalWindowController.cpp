@@ -65,7 +65,6 @@ void RandomGoalWindowController::buildContents()
     m_labelHint = ui.labelRandomGoalHint;
     m_progress = ui.progress;
     SheetStyle::makeTitle(ui.labelRandomGoalTitle);
-    SheetStyle::alignAsLaidOut(m_labelSet);
     QFont large = m_labelGoal->font();
     large.setPixelSize(qRound(QFontInfo(large).pixelSize() * 1.25));
     m_labelGoal->setFont(large);
@@ -160,9 +159,9 @@ void RandomGoalWindowController::done()
     std::optional<ActionOutcome> outcome;
     const auto requests = [&] {
         const TVXGoalPtr goal = m_currentGoal;
-        const bool isAnswered = markCurrentGoalDone();
+        const ActionOutcome::Result result = markCurrentGoalDone();
         if (goal)
-            outcome = {ActionOutcome::Kind::GoalMarkedDone, goal->nameOfGoal(), isAnswered};
+            outcome = {ActionOutcome::Kind::GoalMarkedDone, goal->nameOfGoal(), result};
         showRandomGoal();
     };
     const auto action = [&] {
@@ -199,27 +198,33 @@ void RandomGoalWindowController::runBusy(const QString &doing, std::chrono::mill
     showState();
 }
 
-bool RandomGoalWindowController::markCurrentGoalDone()
+ActionOutcome::Result RandomGoalWindowController::markCurrentGoalDone()
 {
     TVXManager manager(m_services.exchange(), m_services.alert());
     QString whyNoAnswer;
     const QString percent = manager.setCheckedUsingLogin(
         m_loginUserName, m_loginPassword, /*goal=*/idOf(m_currentGoal), /*whyNoAnswer=*/&whyNoAnswer);
-    const bool isAnswered = whyNoAnswer.isNull();
+    tickInProject();
+    if (!whyNoAnswer.isNull())
+        return ActionOutcome::Result::Unknown;
+    if (percent.isEmpty())
+        return ActionOutcome::Result::Refused;
+    const std::optional<std::size_t> index = indexOfArea(m_currentProject, idOfAreaOf(m_currentGoal));
+    if (m_currentSet && index && *index < TVXSets::areaCount)
+        m_currentSet->setPercentOfArea(static_cast<int>(*index), percent);
+    return ActionOutcome::Result::Done;
+}
+
+void RandomGoalWindowController::tickInProject()
+{
     if (!m_currentProject)
-        return isAnswered;
+        return;
     const TVXGoalList &goals = *m_currentProject->goals();
     const auto goal = std::find_if(goals.begin(), goals.end(), [this](const TVXGoalPtr &candidate) {
         return candidate->idOfGoal() == idOf(m_currentGoal);
     });
     if (goal != goals.end())
         (*goal)->setIsChecked(true);
-    if (percent.isEmpty() || !m_currentSet)
-        return isAnswered;
-    const std::optional<std::size_t> index = indexOfArea(m_currentProject, idOfAreaOf(m_currentGoal));
-    if (index && *index < TVXSets::areaCount)
-        m_currentSet->setPercentOfArea(static_cast<int>(*index), percent);
-    return isAnswered;
 }
 
 void RandomGoalWindowController::showRandomGoal()

@@ -92,8 +92,8 @@ private:
                  const std::function<void()> &requests);
     void fetchRandomGoal();
     void loadFirstGoal();
-    /// Whether the service answered.
-    bool markCurrentGoalDone();
+    ActionOutcome::Result markCurrentGoalDone();
+    void tickInProject();
     QString hint() const;
     void showRandomGoal();
     /// Greys, hides and explains according to what there is to show.

@@ -118,7 +118,8 @@ std::optional<ActionOutcome> RenameAreasWindowController::saveNames()
     areas.clear();
     manager.getAreasFormServeByUsingLogin(m_loginUserName, m_loginPassword, areas);
     showAreasOnWindow();
-    return ActionOutcome{ActionOutcome::Kind::AreasRenamed, /*name=*/QString(), isAnswered};
+    return ActionOutcome{ActionOutcome::Kind::AreasRenamed, /*name=*/QString(),
+                         isAnswered ? ActionOutcome::Result::Done : ActionOutcome::Result::Unknown};
 }
 
 void RenameAreasWindowController::nameAreasAsTyped()

@@ -7,6 +7,9 @@
 #include "MnemonicLabel.h"
 
 #include <QAbstractItemModelTester>
+#include <QAccessible>
+#include <QComboBox>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -40,6 +43,12 @@ struct OpenArea : Client
         controller = sheet->findChild<AreaWindowController *>();
         table = controller->tableViewTargets();
         labelThen = controller->labelAreaName()->text();
+        QObject::connect(
+            controller, &AreaWindowController::actionEnded, controller, [this](const ActionOutcome &outcome) {
+                outcomes += outcome.name +
+                            (outcome.result == ActionOutcome::Result::Done ? u" done"_s : u""_s) +
+                            (sheet->isVisible() ? u" too early"_s : u""_s);
+            });
         if (!QTest::qWaitFor([&] {
                 return controller->isAlreadyLoadedDatas() && !Client::controller.isBusy() &&
                        service.bodies().size() > 3;
@@ -53,11 +62,37 @@ struct OpenArea : Client
     {
         QTest::mouseClick(button(sheet, QString::fromLatin1(text)), Qt::LeftButton);
     }
+    bool isOffered(const char *text) const { return button(sheet, QString::fromLatin1(text))->isEnabled(); }
+    bool isShown(const char *text) const { return button(sheet, QString::fromLatin1(text))->isVisible(); }
+    void clickCell(int row, int column) const
+    {
+        QTest::mouseClick(table->viewport(), Qt::LeftButton, {},
+                          table->visualRect(cell(row, column)).center());
+    }
+    void doubleClickCell(int row, int column) const
+    {
+        const QPoint place = table->visualRect(cell(row, column)).center();
+        QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, place);
+        QTest::mouseDClick(table->viewport(), Qt::LeftButton, {}, place); // the press alone
+        QTest::mouseRelease(table->viewport(), Qt::LeftButton, {}, place);
+    }
     QLineEdit *openEditor(int row) const
     {
         table->setCurrentIndex(cell(row, GoalTableModel::GoalColumn));
         QTest::keyClick(table, Qt::Key_F2);
-        return table->findChild<QLineEdit *>();
+        return editor();
+    }
+    QLineEdit *editor() const { return qobject_cast<QLineEdit *>(sheet->focusWidget()); }
+    QString texts() const
+    {
+        QStringList all;
+        for (int row = 0; row < table->model()->rowCount(); ++row)
+            all += cell(row, GoalTableModel::GoalColumn).data().toString();
+        return all.join(u',');
+    }
+    QAccessibleInterface *accessibleCell(int row, int column) const
+    {
+        return QAccessible::queryAccessibleInterface(table)->tableInterface()->cellAt(row, column);
     }
 
     TarvexDocument *document;
@@ -65,6 +100,7 @@ struct OpenArea : Client
     AreaWindowController *controller;
     GoalTableView *table;
     QString labelThen;
+    QStringList outcomes;
 };
 
 } // namespace
@@ -79,6 +115,7 @@ private Q_SLOTS:
         OpenArea area;
         const QAbstractItemModelTester tester(area.table->model());
         QCOMPARE(area.labelThen, u"Please Wait..."_s);
+        QCOMPARE(area.sheet->windowTitle(), u"Money"_s);
         QCOMPARE(area.service.bodies().last(), getGoals);
         QCOMPARE(area.controller->labelAreaName()->text(), u"Money"_s);
         QCOMPARE(area.controller->idsForRemove(), (std::vector<qint64>{101, 102, 2147483647}));
@@ -86,8 +123,7 @@ private Q_SLOTS:
         QCOMPARE(area.cell(1, GoalTableModel::PriorityColumn).data().toString(), QString());
 
         QTest::keyClick(area.table, Qt::Key_Space); // the first goal is not done after all
-        QTest::mouseClick(area.table->viewport(), Qt::LeftButton, {},
-                          area.table->visualRect(area.cell(1, 0)).center());
+        area.clickCell(1, GoalTableModel::CheckColumn);
         QLineEdit *editor = area.openEditor(2);
         QTest::keyClicks(editor, u"a;b:c"_s);
         QTest::keyClick(editor, Qt::Key_Return);
@@ -108,6 +144,7 @@ private Q_SLOTS:
                                                    "name:New Goal;priority:5;checked:0" + place),
                      sent("delete-some-goals", "&p4=101;102;2147483647;")}));
         QVERIFY(!area.sheet->isVisible());
+        QCOMPARE(area.outcomes, QStringList(u"Money done"_s));
         QVERIFY(area.document->project()->goals()->empty());
         QCOMPARE(area.document->project()->areas()->at(2)->valueOfArea(), 8);
         QCOMPARE(Client::percents(area.document).value(2), u"25%"_s);
@@ -119,9 +156,13 @@ private Q_SLOTS:
         OpenArea area;
         area.controller->sliderOfArea()->setValue(7);
         area.click("Add Goal");
-        QTest::keyClick(area.table, Qt::Key_Escape);
+        QVERIFY(area.editor());
+        QVERIFY(area.sheet->isVisible());
+        QTest::keyClick(area.editor(), Qt::Key_Escape);
+        QVERIFY(area.sheet->isVisible());
+        QTest::keyClick(area.sheet->focusWidget(), Qt::Key_Escape);
         QVERIFY(!area.sheet->isVisible());
-        QVERIFY(area.written().isEmpty());
+        QVERIFY(area.written().isEmpty() && area.outcomes.isEmpty());
         QCOMPARE(area.document->project()->areas()->at(2)->valueOfArea(), 2);
         QCOMPARE(Client::percents(area.document).value(2), u"30%"_s);
         QVERIFY(area.document->project()->goals()->empty());
@@ -141,21 +182,163 @@ private Q_SLOTS:
         QCOMPARE(Client::percents(area.document).value(2), u"100%"_s);
     }
 
-    void aHalfTypedCellIsDroppedBySavingInAnyWay()
+    void aChangedTextIsKeptOrDroppedByTheUserAlone_data()
     {
-        for (const bool byKey : {false, true}) {
-            OpenArea area;
-            QLineEdit *editor = area.openEditor(0);
-            QTest::keyClicks(editor, u"half"_s);
-            QCOMPARE(area.state(), u"Return keeps the text, Escape drops it."_s);
-            if (byKey)
-                QTest::keyClick(area.sheet, Qt::Key_S, Qt::AltModifier);
-            else
-                area.click("Save");
-            QTRY_VERIFY(!area.sheet->isVisible());
-            QVERIFY(area.written().value(1).contains("name:Run;") &&
-                    !area.written().value(1).contains("half"));
+        using Act = std::function<void(const OpenArea &)>;
+        QTest::addColumn<Act>("act");
+        QTest::addColumn<QString>("left");
+        const QString kept = u"half,Read & write,Sing"_s;
+        const QString dropped = u"Run,Read & write,Sing"_s;
+        const auto press = [](Qt::Key key) {
+            return [key](const OpenArea &area) { QTest::keyClick(area.editor(), key); };
+        };
+        const auto click = [](const char *text) {
+            return [text](const OpenArea &area) { area.click(text); };
+        };
+        QTest::newRow("Return") << Act(press(Qt::Key_Return)) << kept;
+        QTest::newRow("Tab") << Act(press(Qt::Key_Tab)) << kept;
+        QTest::newRow("another cell")
+            << Act([](const OpenArea &area) { area.clickCell(1, GoalTableModel::GoalColumn); }) << kept;
+        QTest::newRow("Keep Text") << Act(click("Keep Text")) << kept;
+        QTest::newRow("Add Goal") << Act(click("Add Goal")) << kept + u",New Goal"_s;
+        QTest::newRow("Remove Goal") << Act(click("Remove Goal")) << u"Read & write,Sing"_s;
+        QTest::newRow("Escape") << Act(press(Qt::Key_Escape)) << dropped;
+        QTest::newRow("Drop Text") << Act(click("Drop Text")) << dropped;
+    }
+
+    void aChangedTextIsKeptOrDroppedByTheUserAlone()
+    {
+        QFETCH(std::function<void(const OpenArea &)>, act);
+        const OpenArea area;
+        area.openEditor(0);
+        QVERIFY(area.isOffered("Save") && !area.isShown("Keep Text"));
+        QTest::keyClicks(area.editor(), u"half"_s);
+        QVERIFY(!area.isOffered("Save") && area.isShown("Drop Text"));
+        QVERIFY(area.state().startsWith(u"Return keeps"_s));
+        QTest::keyClick(area.editor(), Qt::Key_S, Qt::AltModifier);
+        area.accessibleCell(0, GoalTableModel::CheckColumn)->actionInterface()->doAction(u"Toggle"_s);
+        QCOMPARE(area.editor()->text(), u"half"_s);
+        act(area);
+        QTRY_VERIFY(area.isOffered("Save"));
+        QTEST(area.texts(), "left");
+        QVERIFY(area.sheet->isVisible() && !area.isShown("Keep Text"));
+    }
+
+    void aSaveThatRunsInSpiteOfAnOpenTextDropsIt()
+    {
+        OpenArea area;
+        area.click("Add Goal");
+        QCOMPARE(area.editor()->selectedText(), u"New Goal"_s);
+        QTest::keyClicks(area.editor(), u"half"_s);
+        area.controller->closeAndSavedetailsWindow();
+        QVERIFY(!area.sheet->isVisible() && area.written().value(1).contains("name:New Goal;"));
+    }
+
+    void aTextThatNobodyTypedCountsAsTyped()
+    {
+        const OpenArea area;
+        QLineEdit *editor = area.openEditor(0);
+        QAccessible::queryAccessibleInterface(editor)->setText(QAccessible::Value, u"dictated\nlines"_s);
+        QVERIFY(!editor->isModified() && !area.isOffered("Save"));
+        QTest::keyClick(editor, Qt::Key_Return);
+        QTRY_COMPARE(area.texts(), u"dictated lines,Read & write,Sing"_s);
+    }
+
+    void theTableWorksInBothDirections()
+    {
+        for (const Qt::LayoutDirection direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+            QGuiApplication::setLayoutDirection(direction);
+            const OpenArea area;
+            const QRect view = area.table->viewport()->rect();
+            const auto place = [&](int column) { return area.table->visualRect(area.cell(1, column)); };
+            QVERIFY(view.contains(place(0)) && view.contains(place(1)) && view.contains(place(2)));
+            QCOMPARE(place(0).left() < place(1).left(), direction == Qt::LeftToRight);
+            area.doubleClickCell(1, GoalTableModel::CheckColumn);
+            QCOMPARE(area.state(), u"1 of 3 done"_s); // two clicks
+            area.clickCell(1, GoalTableModel::CheckColumn);
+            QCOMPARE(area.state(), u"2 of 3 done"_s);
+            QCOMPARE(area.table->currentIndex(), area.cell(1, GoalTableModel::GoalColumn));
+            area.clickCell(1, GoalTableModel::PriorityColumn);
+            auto *words = area.table->findChild<QComboBox *>();
+            QTRY_VERIFY(words->view()->isVisible());
+            QTest::keyClick(words->view(), Qt::Key_Up);
+            QTest::keyClick(words->view(), Qt::Key_Return);
+            QTRY_COMPARE(area.cell(1, GoalTableModel::PriorityColumn).data().toString(), u"Low"_s);
+            area.doubleClickCell(1, GoalTableModel::GoalColumn);
+            QCOMPARE(area.editor()->text(), u"Read & write"_s);
+            area.click("Add Goal");
+            QVERIFY(view.contains(area.editor()->geometry()));
+            QTest::keyClicks(area.editor(), u"Dance"_s);
+            QTest::keyClick(area.editor(), Qt::Key_Return);
+            QTRY_COMPARE(area.texts(), u"Run,Read & write,Sing,Dance"_s);
+            for (int more = 0; more < 20; ++more)
+                area.click("Add Goal");
+            for (int column = 0; column < 3; ++column) // beside the scroll bar
+                QVERIFY(
+                    area.table->viewport()->rect().contains(area.table->visualRect(area.cell(23, column))));
+            area.clickCell(23, GoalTableModel::CheckColumn);
+            QCOMPARE(area.state(), u"3 of 24 done"_s);
         }
+        QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+    }
+
+    void everyCellCanBeChangedByAssistiveToolsAlone()
+    {
+        const OpenArea area;
+        QAccessibleInterface *table = QAccessible::queryAccessibleInterface(area.table);
+        const auto act = [&](int row, int column, const QString &action) {
+            area.accessibleCell(row, column)->actionInterface()->doAction(action);
+        };
+        const auto name = [&](int row, int column) {
+            return area.accessibleCell(row, column)->text(QAccessible::Name);
+        };
+        QCOMPARE(QAccessible::queryAccessibleInterface(area.sheet)->text(QAccessible::Name), u"Money"_s);
+        QTest::keyClick(area.table, Qt::Key_Right);
+        QCOMPARE(table->focusChild()->text(QAccessible::Name), u"Hight"_s);
+        QTest::keyClick(area.table, Qt::Key_Down);
+        QCOMPARE(table->focusChild()->text(QAccessible::Name), u"Read & write"_s);
+        QCOMPARE(table->focusChild()->text(QAccessible::Description), u"Not done"_s);
+        QCOMPARE(table->tableInterface()->columnDescription(GoalTableModel::CheckColumn), u"Done"_s);
+        const QPoint middle = area.accessibleCell(2, 1)->rect().center();
+        QCOMPARE(table->childAt(middle.x(), middle.y()), area.accessibleCell(2, 1));
+        QCOMPARE(table->child(table->indexOfChild(area.accessibleCell(2, 1))), area.accessibleCell(2, 1));
+
+        act(1, GoalTableModel::CheckColumn, QAccessibleActionInterface::toggleAction());
+        QVERIFY(area.accessibleCell(1, 0)->state().checked && area.state() == u"2 of 3 done"_s);
+        act(1, GoalTableModel::PriorityColumn, QAccessibleActionInterface::increaseAction());
+        QCOMPARE(name(1, GoalTableModel::PriorityColumn), u"Low"_s);
+        act(0, GoalTableModel::PriorityColumn, QAccessibleActionInterface::increaseAction());
+        act(0, GoalTableModel::PriorityColumn, QAccessibleActionInterface::decreaseAction());
+        QCOMPARE(name(0, GoalTableModel::PriorityColumn), u"Normal"_s);
+        area.accessibleCell(2, GoalTableModel::GoalColumn)->setText(QAccessible::Value, u"Hum"_s);
+        act(1, GoalTableModel::GoalColumn, QAccessibleActionInterface::pressAction());
+        QAccessible::queryAccessibleInterface(area.editor())->setText(QAccessible::Value, u"Read"_s);
+        QAccessible::queryAccessibleInterface(Client::button(area.sheet, u"Keep Text"_s))
+            ->actionInterface()
+            ->doAction(QAccessibleActionInterface::pressAction());
+        QTRY_COMPARE(area.texts(), u"Run,Read,Hum"_s);
+        const QAccessibleInterface *slider =
+            QAccessible::queryAccessibleInterface(area.controller->sliderOfArea());
+        QCOMPARE(const_cast<QAccessibleInterface *>(slider)->valueInterface()->maximumValue().toInt(), 8);
+    }
+
+    void theSlidersMarksAreSeenOnADarkWindow()
+    {
+        AreaValueSlider slider;
+        QPalette dark(QColor(52, 52, 56), QColor(36, 36, 38));
+        slider.setPalette(dark);
+        slider.resize(300, slider.sizeHint().height());
+        const QImage image = slider.grab().toImage();
+        const auto marks = [&](int y) {
+            int bright = 0;
+            for (int x = 0; x < image.width(); ++x)
+                bright += qGray(image.pixel(x, y)) > 128 ? 1 : 0;
+            return bright;
+        };
+        int y = image.height() - 1;
+        while (y > 0 && marks(y) == 0)
+            --y;
+        QCOMPARE(marks(y), 9);
     }
 
     void whatNobodyTouchedIsSavedUnchanged()
@@ -187,40 +370,78 @@ private Q_SLOTS:
             area.click("Save");
             QCOMPARE(area.alert.errors.size(), failing.size());
             QCOMPARE(area.written().size(), 3);
+            QCOMPARE(area.outcomes, QStringList(u"Money"_s));
             QVERIFY(!area.sheet->isVisible());
             QCOMPARE(Client::percents(area.document).value(2), u"33%"_s);
         }
     }
 
-    void withoutAGoodLoadThereIsNoSaving()
+    void aLoadWithoutGoalsCanBeEditedSavedAndTriedAgain()
     {
-        const QByteArray two = areasAnswer({"a", "b"}); // no third area
-        const std::tuple<ServiceReply, QByteArray, int> loads[] = {
-            {cutReply(), areasAnswer(eightNames), 1},
-            {httpReply(" Error "), areasAnswer(eightNames), 0},
-            {httpReply("<goals><go"), areasAnswer(eightNames), 0},
-            {httpReply("<a><id>1</id><id>2</id><name>x</name></a>"), areasAnswer(eightNames), 0}};
-        for (const auto &[reply, areas, alerts] : loads) {
-            OpenArea area(reply, areas);
+        for (const auto &[reply, alerts] :
+             {std::tuple(cutReply(), 1), {httpReply(" Error "), 0}, {httpReply("<goals><go"), 0}}) {
+            OpenArea area(reply);
             QCOMPARE(area.alert.errors.size(), alerts);
-            QVERIFY(!Client::button(area.sheet, u"Save"_s)->isEnabled());
-            QVERIFY(area.state().contains(u"could not be loaded"_s));
-            area.click("Cancel");
-            QVERIFY(!area.sheet->isVisible() && area.written().isEmpty());
+            QVERIFY(area.state().startsWith(u"The goals could not be loaded. What is stored stays"_s));
+            area.click("Add Goal");
+            QTest::keyClicks(area.editor(), u"Dance"_s);
+            QTest::keyClick(area.editor(), Qt::Key_Return);
+            QTRY_VERIFY(area.isOffered("Save"));
+            area.controller->sliderOfArea()->setValue(7);
+            if (alerts == 0) {
+                area.service.answer("get-goals", goals(three));
+                area.click("Try Again");
+                QCOMPARE(area.texts(), u"Run,Read & write,Sing,Dance"_s);
+                QVERIFY(!area.isShown("Try Again"));
+            }
+            area.click("Save");
+            QVERIFY(area.written().contains(sent("set-area-value", "&p4=3&p5=7")));
+            QVERIFY(area.written().at(area.written().size() - 2).contains("name:Dance;"));
+            QCOMPARE(area.written().last(),
+                     sent("delete-some-goals", alerts ? "&p4=" : "&p4=101;102;2147483647;"));
         }
-        for (const auto &[sets, index, reason] :
-             {std::tuple(setsAnswer({setRow("7", "One", "1 1 1 1 1 1 1 1")}), 2, u"could not be loaded"_s),
-              std::tuple(setsAnswer({}), 1, u"no set"_s)}) {
+    }
+
+    void aLoadThatEndedEarlyOrHadNoSetCannotBeSaved()
+    {
+        OpenArea area(httpReply("<a><id>1</id><id>2</id><name>x</name></a>"));
+        QVERIFY(area.state().contains(u"nothing can be saved"_s) && !area.isOffered("Save"));
+        area.controller->closeAndSavedetailsWindow();
+        QVERIFY(area.sheet->isVisible() && area.written().isEmpty());
+        area.service.answer("get-goals", goals(three));
+        area.click("Try Again");
+        QVERIFY(area.isOffered("Save") && area.texts().startsWith(u"Run"_s));
+        QCOMPARE(area.controller->sliderOfArea()->value(), 2);
+
+        for (const auto &[sets, index, selected, reason] :
+             {std::tuple(setsAnswer({setRow("7", "One", "1 1 1 1 1 1 1 1")}), 2, 0, u"could not be loaded"_s),
+              {setsAnswer({setRow("7", "One", "1 1 1 1 1 1 1 1")}), 1, -1, u"Choose a set"_s},
+              {setsAnswer({}), 1, -1, u"no set"_s}}) {
             Client client;
-            client.service.answer("get-areas", two);
+            client.service.answer("get-areas", areasAnswer({"a", "b"})); // no third area
             client.service.answer("get-sets", sets);
             const TarvexDocument *document = client.openSignedIn();
+            document->listOfProjects()->setCurrentIndex(selected);
             document->wheelView()->theParent()->showAreaDetails(nullptr, index);
             const Sheet *sheet = document->wndAreaDetails();
             QTRY_VERIFY(sheet->findChild<QLabel *>(u"labelState"_s)->text().contains(reason));
             QVERIFY(!Client::button(sheet, u"Save"_s)->isEnabled());
             QCOMPARE(client.service.bodies().size(), 3);
         }
+    }
+
+    void aLongWaitIsToldInWords()
+    {
+        OpenArea area;
+        area.service.hold();
+        QString told;
+        QTimer::singleShot(1400, area.sheet, [&] {
+            told = area.state();
+            area.service.release();
+        });
+        area.click("Save");
+        QCOMPARE(told, u"Saving Money… Waiting for the service: 1\u00A0s of at most 60\u00A0s."_s);
+        QVERIFY(!area.sheet->isVisible());
     }
 
     void focusThatComesBackLoadsNothingAndOneSheetOpensOnce()

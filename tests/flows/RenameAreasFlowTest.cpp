@@ -121,9 +121,9 @@ private Q_SLOTS:
         const ServiceReply ok = httpReply("OK");
         const ServiceReply old = httpReply(areasAnswer({"a", "b"}));
         const ServiceReply part = httpReply("<x><id>1</id><id>2</id><name>a</name><color/><value/></x>");
-        QTest::newRow("refused") << httpReply("Error") << old << u"a,b 0, answered"_s;
-        QTest::newRow("not sent") << noAnswer << old << u"a,b 1, not answered"_s;
-        QTest::newRow("not reloaded") << ok << noAnswer << u" 1, answered"_s;
+        QTest::newRow("refused") << httpReply("Error") << old << u"a,b 0, done"_s;
+        QTest::newRow("not sent") << noAnswer << old << u"a,b 1, unknown"_s;
+        QTest::newRow("not reloaded") << ok << noAnswer << u" 1, done"_s;
         QTest::newRow("reloaded in part") << ok << part << QStringLiteral("a 0, and incomplete");
     }
 
@@ -137,7 +137,7 @@ private Q_SLOTS:
         open.type(open.names->textName1(), "new");
         QString outcome;
         connect(open.names, &RenameAreasWindowController::actionEnded, this, [&](const ActionOutcome &ended) {
-            outcome = ended.isAnswered ? u", answered"_s : u", not answered"_s;
+            outcome = ended.result == ActionOutcome::Result::Done ? u", done"_s : u", unknown"_s;
         });
         open.click("Save");
         QString left = open.areas() + u' ' + QString::number(open.alert.errors.size());
