@@ -139,6 +139,12 @@ void DocumentWindow::connectSheets(TarvexDocument &document)
         document.alertDeleteCurrentprojectEded(m_deleteAlert, code, /*context=*/nullptr);
     });
 
+    connect(controllerOf<AreaWindowController>(m_areaDetails), &AreaWindowController::actionEnded, &document,
+            &TarvexDocument::actionDidEnd);
+    connect(controllerOf<RandomGoalWindowController>(m_nextGoals), &RandomGoalWindowController::actionEnded,
+            &document, &TarvexDocument::actionDidEnd);
+    connect(controllerOf<RenameAreasWindowController>(m_renameAreas),
+            &RenameAreasWindowController::actionEnded, &document, &TarvexDocument::actionDidEnd);
     document.setWndAreaDetails(m_areaDetails);
     document.setWndNextGoals(m_nextGoals);
     document.setWndRenameAreas(m_renameAreas);

@@ -173,7 +173,9 @@ void TarvexDocument::tellIncompleteAnswer()
 
 void TarvexDocument::actionDidEnd(const ActionOutcome &outcome)
 {
-    tell(WindowWords::sentenceFor(outcome), /*isInDoubt=*/outcome.result == ActionOutcome::Result::Unknown);
+    if (outcome.kind == ActionOutcome::Kind::AreasRenamed)
+        m_state.haveAreasFailed = m_project->areas()->empty(); // they were fetched anew
+    tell(WindowWords::sentenceFor(outcome), /*isInDoubt=*/outcome.result == TVXWritten::Unknown);
 }
 
 void TarvexDocument::whileSaying(const QString &doing, int requests, const std::function<void()> &action)

@@ -19,11 +19,11 @@ auto isNamed(const QString &name)
 }
 
 // What a write came to shows in the list that was fetched after it.
-ActionOutcome::Result resultOf(bool isListed, bool isSeen)
+TVXWritten resultOf(bool isListed, bool isSeen)
 {
     if (!isListed)
-        return ActionOutcome::Result::Unknown;
-    return isSeen ? ActionOutcome::Result::Done : ActionOutcome::Result::Refused;
+        return TVXWritten::Unknown;
+    return isSeen ? TVXWritten::Done : TVXWritten::Refused;
 }
 
 } // namespace

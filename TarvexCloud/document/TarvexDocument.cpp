@@ -106,9 +106,12 @@ void TarvexDocument::signInAgain()
 {
     if (!mayOpenSheet())
         return;
-    if (windowState().hasAreas)
+    if (windowState().hasAreas) {
         m_credentialsOfWheel.emplace(m_loginUserName, m_loginPassword);
+        m_wndSignIn->setCancelMeans(SignInSheet::CancelMeans::Cancel);
+    }
     m_textSignInErrorMessage->setText(u""_s);
+    m_wndSignIn->setHint(QString());
     beginSheet(m_wndSignIn);
 }
 

@@ -137,8 +137,8 @@ QString WindowWords::sentenceFor(const ActionOutcome &outcome)
 {
     const Sentences sentences = sentencesOf(outcome.kind);
     const char *sentence = sentences.unknown;
-    if (outcome.result != ActionOutcome::Result::Unknown)
-        sentence = outcome.result == ActionOutcome::Result::Done ? sentences.done : sentences.refused;
+    if (outcome.result != TVXWritten::Unknown)
+        sentence = outcome.result == TVXWritten::Done ? sentences.done : sentences.refused;
     const QString text = tr(sentence);
     return text.contains("%1"_L1) ? text.arg(subjectOf(outcome)) : text;
 }

@@ -26,8 +26,10 @@ std::optional<QString> write(PrintOperation &operation, const QPageLayout &pageL
     writer.setTitle(operation.view().titleOfDocument());
     writer.setCreator(u"Tarvex Cloud"_s);
     // The writer ignores whether its bytes could be written; the file keeps the error.
-    if (operation.runOn(writer) || !file.flush())
+    if (operation.runOn(writer) || !file.flush()) {
+        file.flush(); // a write that was cut short has no reason yet; the one after it is told
         return file.errorString();
+    }
     return std::nullopt;
 }
 } // namespace

@@ -8,27 +8,30 @@
 
 using namespace Qt::StringLiterals;
 
-bool TVXManager::write(const FormString &form, const char *failure)
+TVXWritten TVXManager::write(const FormString &form, const char *failure)
 {
-    // What the service says to a write is not looked at: the caller reads again what it wants to know.
-    return answerOrAlert(form, TVXPurpose::Writing, failure).has_value();
+    const auto answer = answerOrAlert(form, TVXPurpose::Writing, failure);
+    if (!answer)
+        return TVXWritten::Unknown;
+    return isErrorAnswerAmongBlanks(*answer) ? TVXWritten::Refused : TVXWritten::Done;
 }
 
-bool TVXManager::deleteSestUsingLogin(const QString &login, const QString &andPassword, qint64 forSetsId)
+TVXWritten TVXManager::deleteSestUsingLogin(const QString &login, const QString &andPassword,
+                                            qint64 forSetsId)
 {
     return write(FormString("delete-sets"_L1).credentials(login, andPassword).number("p4"_L1, forSetsId),
                  QT_TRANSLATE_NOOP("TVXManager", "The set may not have been deleted."));
 }
 
-bool TVXManager::deleteGoalByIdUsingLogin(const QString &login, const QString &andPassword,
-                                          qint64 forGoalWithId)
+TVXWritten TVXManager::deleteGoalByIdUsingLogin(const QString &login, const QString &andPassword,
+                                                qint64 forGoalWithId)
 {
     return write(FormString("delete-goal"_L1).credentials(login, andPassword).number("p4"_L1, forGoalWithId),
                  QT_TRANSLATE_NOOP("TVXManager", "The goal may not have been deleted."));
 }
 
-bool TVXManager::deleteGoalsByIdUsingLogin(const QString &login, const QString &andPassword,
-                                           const std::vector<qint64> &forGoalsWithId)
+TVXWritten TVXManager::deleteGoalsByIdUsingLogin(const QString &login, const QString &andPassword,
+                                                 const std::vector<qint64> &forGoalsWithId)
 {
     return write(FormString("delete-some-goals"_L1)
                      .credentials(login, andPassword)
@@ -36,24 +39,24 @@ bool TVXManager::deleteGoalsByIdUsingLogin(const QString &login, const QString &
                  QT_TRANSLATE_NOOP("TVXManager", "The former goals may not have been deleted."));
 }
 
-bool TVXManager::createSestUsingLogin(const QString &login, const QString &andPassword,
-                                      const QString &withName)
+TVXWritten TVXManager::createSestUsingLogin(const QString &login, const QString &andPassword,
+                                            const QString &withName)
 {
     return write(FormString("create-sets"_L1).credentials(login, andPassword).text("p4"_L1, withName),
                  QT_TRANSLATE_NOOP("TVXManager", "The new set may not have been created."));
 }
 
-bool TVXManager::createGoalsUsingLogin(const QString &login, const QString &andPassword,
-                                       const TVXGoalList &theGoals, qint64 forSetsId, qint64 forAreaId)
+TVXWritten TVXManager::createGoalsUsingLogin(const QString &login, const QString &andPassword,
+                                             const TVXGoalList &theGoals, qint64 forSetsId, qint64 forAreaId)
 {
     FormString form("create-some-goals"_L1);
     appendGoalRecords(form.credentials(login, andPassword).open("p4"_L1), theGoals, forSetsId, forAreaId);
     return write(form, QT_TRANSLATE_NOOP("TVXManager", "The goals may not have been stored."));
 }
 
-bool TVXManager::createGoalUsingLogin(const QString &login, const QString &andPassword,
-                                      const QString &withName, qint32 andPriority, bool andChecked,
-                                      qint64 forSetsId, qint64 forAreaId)
+TVXWritten TVXManager::createGoalUsingLogin(const QString &login, const QString &andPassword,
+                                            const QString &withName, qint32 andPriority, bool andChecked,
+                                            qint64 forSetsId, qint64 forAreaId)
 {
     return write(FormString("create-goal"_L1)
                      .credentials(login, andPassword)
@@ -65,8 +68,8 @@ bool TVXManager::createGoalUsingLogin(const QString &login, const QString &andPa
                  QT_TRANSLATE_NOOP("TVXManager", "The goal may not have been stored."));
 }
 
-bool TVXManager::renameSestUsingLogin(const QString &login, const QString &andPassword,
-                                      const QString &withName, qint64 forSetsWithId)
+TVXWritten TVXManager::renameSestUsingLogin(const QString &login, const QString &andPassword,
+                                            const QString &withName, qint64 forSetsWithId)
 {
     return write(FormString("set-sets-name"_L1)
                      .credentials(login, andPassword)
@@ -75,16 +78,16 @@ bool TVXManager::renameSestUsingLogin(const QString &login, const QString &andPa
                  QT_TRANSLATE_NOOP("TVXManager", "The set's new name may not have been stored."));
 }
 
-bool TVXManager::renameAreasUsingLogin(const QString &login, const QString &andPassword,
-                                       const TVXAreaList &areas)
+TVXWritten TVXManager::renameAreasUsingLogin(const QString &login, const QString &andPassword,
+                                             const TVXAreaList &areas)
 {
     return write(
         FormString("set-area-names"_L1).credentials(login, andPassword).raw("p4"_L1, areaNameRecords(areas)),
         QT_TRANSLATE_NOOP("TVXManager", "The areas' names may not have been stored."));
 }
 
-bool TVXManager::setAreaValueOnServerByUsingLogin(const QString &login, const QString &andPassword,
-                                                  qint64 forArea, qint32 newValue)
+TVXWritten TVXManager::setAreaValueOnServerByUsingLogin(const QString &login, const QString &andPassword,
+                                                        qint64 forArea, qint32 newValue)
 {
     return write(FormString("set-area-value"_L1)
                      .credentials(login, andPassword)

@@ -15,6 +15,13 @@ class TVXExchange;
 enum class TVXPurpose;
 struct TVXAnswer;
 
+/// What is known of a change once its request has ended, the best first.
+enum class TVXWritten {
+    Done,
+    Refused, ///< the service said "Error"
+    Unknown  ///< no answer came: nobody knows whether it is stored
+};
+
 /// The client of the goal service: each operation is one request, and the caller waits for its answer.
 ///
 /// It keeps nothing between calls; make one per action. Logins and passwords are given plain, and travel as
@@ -71,26 +78,29 @@ public:
                                        QString *whyNoAnswer = nullptr);
 
     /// @name Writing
-    /// No answer: an alert. Whatever the service answers is not looked at, "Error" included. Each returns
-    /// whether an answer came: without one, nobody knows whether it was stored.
+    /// No answer: an alert. Whatever the service answers shows nothing and changes nothing; each returns what
+    /// is known of it.
     /// @{
-    bool deleteSestUsingLogin(const QString &login, const QString &andPassword, qint64 forSetsId);
-    bool deleteGoalByIdUsingLogin(const QString &login, const QString &andPassword, qint64 forGoalWithId);
+    TVXWritten deleteSestUsingLogin(const QString &login, const QString &andPassword, qint64 forSetsId);
+    TVXWritten deleteGoalByIdUsingLogin(const QString &login, const QString &andPassword,
+                                        qint64 forGoalWithId);
     /// The ids go out in full decimal.
-    bool deleteGoalsByIdUsingLogin(const QString &login, const QString &andPassword,
-                                   const std::vector<qint64> &forGoalsWithId);
-    bool createSestUsingLogin(const QString &login, const QString &andPassword, const QString &withName);
+    TVXWritten deleteGoalsByIdUsingLogin(const QString &login, const QString &andPassword,
+                                         const std::vector<qint64> &forGoalsWithId);
+    TVXWritten createSestUsingLogin(const QString &login, const QString &andPassword,
+                                    const QString &withName);
     /// Every goal of the list is created anew in that set and area, with an id of the service's; the records'
     /// own ids are not sent.
-    bool createGoalsUsingLogin(const QString &login, const QString &andPassword, const TVXGoalList &theGoals,
-                               qint64 forSetsId, qint64 forAreaId);
-    bool createGoalUsingLogin(const QString &login, const QString &andPassword, const QString &withName,
-                              qint32 andPriority, bool andChecked, qint64 forSetsId, qint64 forAreaId);
-    bool renameSestUsingLogin(const QString &login, const QString &andPassword, const QString &withName,
-                              qint64 forSetsWithId);
-    bool renameAreasUsingLogin(const QString &login, const QString &andPassword, const TVXAreaList &areas);
-    bool setAreaValueOnServerByUsingLogin(const QString &login, const QString &andPassword, qint64 forArea,
-                                          qint32 newValue);
+    TVXWritten createGoalsUsingLogin(const QString &login, const QString &andPassword,
+                                     const TVXGoalList &theGoals, qint64 forSetsId, qint64 forAreaId);
+    TVXWritten createGoalUsingLogin(const QString &login, const QString &andPassword, const QString &withName,
+                                    qint32 andPriority, bool andChecked, qint64 forSetsId, qint64 forAreaId);
+    TVXWritten renameSestUsingLogin(const QString &login, const QString &andPassword, const QString &withName,
+                                    qint64 forSetsWithId);
+    TVXWritten renameAreasUsingLogin(const QString &login, const QString &andPassword,
+                                     const TVXAreaList &areas);
+    TVXWritten setAreaValueOnServerByUsingLogin(const QString &login, const QString &andPassword,
+                                                qint64 forArea, qint32 newValue);
     /// @}
     /// Marks the goal with that id done. The new percentage of its area in its set as the service words it;
     /// empty, without an alert, when there was no answer or it was not ASCII.
@@ -99,7 +109,7 @@ public:
 
 private:
     // In each, `failure` is what an alert begins with, for translation.
-    bool write(const FormString &form, const char *failure);
+    TVXWritten write(const FormString &form, const char *failure);
     std::optional<QByteArray> answerOrAlert(const FormString &form, TVXPurpose purpose, const char *failure);
     TVXAnswer postInSilence(const QByteArray &body, TVXPurpose purpose, QString *whyNoAnswer);
     QString textAnswer(const QByteArray &body, TVXPurpose purpose, QString *whyNoAnswer);

@@ -18,6 +18,7 @@
 
 #include "ui_AreaSheet.h"
 
+#include <algorithm>
 #include <optional>
 #include <QPushButton>
 
@@ -276,7 +277,7 @@ TVXSetsPtr AreaWindowController::chosenSet() const
     return mainData()->sets()->at(static_cast<std::size_t>(m_setsIndex)); // a negative one is past every end
 }
 
-ActionOutcome::Result AreaWindowController::sendAll(const TVXArea &area)
+TVXWritten AreaWindowController::sendAll(const TVXArea &area)
 {
     constexpr int requests = 3;
     constexpr int roomForName = 240;
@@ -285,16 +286,14 @@ ActionOutcome::Result AreaWindowController::sendAll(const TVXArea &area)
     const WaitNotice notice(tr("Saving %1…").arg(name), requests * m_services.exchange().deadline(),
                             [this](const QString &text) { say(text); });
     TVXManager manager(m_services.exchange(), m_services.alert());
-    const bool isValueAnswered = manager.setAreaValueOnServerByUsingLogin(m_loginUserName, m_loginPassword,
-                                                                          /*forArea=*/area.idOfArea(),
-                                                                          /*newValue=*/area.valueOfArea());
-    const bool isCreationAnswered =
+    const TVXWritten value = manager.setAreaValueOnServerByUsingLogin(
+        m_loginUserName, m_loginPassword, /*forArea=*/area.idOfArea(), /*newValue=*/area.valueOfArea());
+    const TVXWritten created =
         manager.createGoalsUsingLogin(m_loginUserName, m_loginPassword, *goals(),
                                       /*forSetsId=*/chosenSet()->idOfSets(), /*forAreaId=*/area.idOfArea());
-    const bool isDeletionAnswered =
+    const TVXWritten deleted =
         manager.deleteGoalsByIdUsingLogin(m_loginUserName, m_loginPassword, m_idsForRemove);
-    const bool isAllAnswered = isValueAnswered && isCreationAnswered && isDeletionAnswered;
-    return isAllAnswered ? ActionOutcome::Result::Done : ActionOutcome::Result::Unknown;
+    return std::max({value, created, deleted});
 }
 
 void AreaWindowController::storePercent() const

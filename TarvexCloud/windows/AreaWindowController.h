@@ -108,7 +108,7 @@ private:
     void showArea(const TVXArea &area);
     ActionOutcome save();
     /// @throws std::out_of_range without a set, as the two below.
-    ActionOutcome::Result sendAll(const TVXArea &area);
+    TVXWritten sendAll(const TVXArea &area);
     void storePercent() const;
     TVXSetsPtr chosenSet() const;
     void emptyAndClose();

@@ -159,7 +159,7 @@ void RandomGoalWindowController::done()
     std::optional<ActionOutcome> outcome;
     const auto requests = [&] {
         const TVXGoalPtr goal = m_currentGoal;
-        const ActionOutcome::Result result = markCurrentGoalDone();
+        const TVXWritten result = markCurrentGoalDone();
         if (goal)
             outcome = {ActionOutcome::Kind::GoalMarkedDone, goal->nameOfGoal(), result};
         showRandomGoal();
@@ -198,7 +198,7 @@ void RandomGoalWindowController::runBusy(const QString &doing, std::chrono::mill
     showState();
 }
 
-ActionOutcome::Result RandomGoalWindowController::markCurrentGoalDone()
+TVXWritten RandomGoalWindowController::markCurrentGoalDone()
 {
     TVXManager manager(m_services.exchange(), m_services.alert());
     QString whyNoAnswer;
@@ -206,13 +206,13 @@ ActionOutcome::Result RandomGoalWindowController::markCurrentGoalDone()
         m_loginUserName, m_loginPassword, /*goal=*/idOf(m_currentGoal), /*whyNoAnswer=*/&whyNoAnswer);
     tickInProject();
     if (!whyNoAnswer.isNull())
-        return ActionOutcome::Result::Unknown;
+        return TVXWritten::Unknown;
     if (percent.isEmpty())
-        return ActionOutcome::Result::Refused;
+        return TVXWritten::Refused;
     const std::optional<std::size_t> index = indexOfArea(m_currentProject, idOfAreaOf(m_currentGoal));
     if (m_currentSet && index && *index < TVXSets::areaCount)
         m_currentSet->setPercentOfArea(static_cast<int>(*index), percent);
-    return ActionOutcome::Result::Done;
+    return TVXWritten::Done;
 }
 
 void RandomGoalWindowController::tickInProject()

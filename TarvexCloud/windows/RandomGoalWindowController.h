@@ -92,7 +92,7 @@ private:
                  const std::function<void()> &requests);
     void fetchRandomGoal();
     void loadFirstGoal();
-    ActionOutcome::Result markCurrentGoalDone();
+    TVXWritten markCurrentGoalDone();
     void tickInProject();
     QString hint() const;
     void showRandomGoal();

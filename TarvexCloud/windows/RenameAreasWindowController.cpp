@@ -114,12 +114,11 @@ std::optional<ActionOutcome> RenameAreasWindowController::saveNames()
     nameAreasAsTyped();
     TVXAreaList &areas = *m_project->areas();
     TVXManager manager(m_services.exchange(), m_services.alert());
-    const bool isAnswered = manager.renameAreasUsingLogin(m_loginUserName, m_loginPassword, areas);
+    const TVXWritten written = manager.renameAreasUsingLogin(m_loginUserName, m_loginPassword, areas);
     areas.clear();
     manager.getAreasFormServeByUsingLogin(m_loginUserName, m_loginPassword, areas);
     showAreasOnWindow();
-    return ActionOutcome{ActionOutcome::Kind::AreasRenamed, /*name=*/QString(),
-                         isAnswered ? ActionOutcome::Result::Done : ActionOutcome::Result::Unknown};
+    return ActionOutcome{ActionOutcome::Kind::AreasRenamed, /*name=*/QString(), written};
 }
 
 void RenameAreasWindowController::nameAreasAsTyped()

@@ -84,7 +84,7 @@ private Q_SLOTS:
     void outcomesNameWhatTheyAreAbout()
     {
         using Kind = ActionOutcome::Kind;
-        using Result = ActionOutcome::Result;
+        using Result = TVXWritten;
         const QString lines = u"two\nlines %1 "_s.repeated(9);
         for (const auto &[outcome, sentence] :
              {std::pair(ActionOutcome{Kind::AreaSaved, u"Health"_s}, u"Health was saved."_s),

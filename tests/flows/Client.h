@@ -78,7 +78,9 @@ public:
         : exchange(address.isEmpty() ? service.url() : address, deadline, wait),
           controller(exchange, alert, links)
     {
-        service.answer("sign-in", QByteArray("OK"));
+        for (const char *kind : {"sign-in", "delete-sets", "create-sets", "set-sets-name", "set-area-names",
+                                 "set-area-value", "create-some-goals", "delete-some-goals"})
+            service.answer(kind, QByteArray("OK"));
         service.answer("get-areas", areasAnswer(eightNames));
         service.answer("get-sets", setsAnswer({setRow("7", "First", "10 20 30 40 50 60 70 80"),
                                                setRow("9", "Second", "99 99 99 99 99 99 99 6")}));

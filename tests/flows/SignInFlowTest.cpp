@@ -189,7 +189,7 @@ private Q_SLOTS:
         bool busyMeanwhile = false;
         QTimer meanwhile;
         connect(&meanwhile, &QTimer::timeout, this, [&] {
-            if (!hint->text().contains(u"of at most 60 s"_s)) // seen after a second
+            if (!hint->text().contains(u"of at most 60\u00A0s"_s)) // seen after a second
                 return;
             meanwhile.stop();
             shownMeanwhile = document->textSignInErrorMessage()->text();
@@ -281,7 +281,9 @@ private Q_SLOTS:
         meanwhile.start(50);
         Client::trigger(document, "actionReload");
         meanwhile.stop();
-        QCOMPARE(shown, u"Fetching the wheel and its sets… Waiting for the service: 1 s of at most 40 s."_s);
+        QCOMPARE(
+            shown,
+            u"Fetching the wheel and its sets… Waiting for the service: 1\u00A0s of at most 40\u00A0s."_s);
         QVERIFY(!Client::guidance(document).contains(u"Waiting"_s));
     }
 

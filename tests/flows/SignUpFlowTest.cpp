@@ -169,7 +169,7 @@ private Q_SLOTS:
         bool seen = false;
         QTimer meanwhile;
         connect(&meanwhile, &QTimer::timeout, this, [&] {
-            if (!client.label(u"labelSignUpStatus"_s)->text().contains(u"of at most 20 s"_s))
+            if (!client.label(u"labelSignUpStatus"_s)->text().contains(u"of at most 20\u00A0s"_s))
                 return; // which is seen after a second
             meanwhile.stop();
             seen = !client.message()->isVisible() && NewUser::isSpinning(client.document->wndSignIn()) &&

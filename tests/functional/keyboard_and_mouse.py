@@ -90,39 +90,6 @@ class User:
         self.sees(MAIN)
         self.expects([*names[:2], "Money{_dp_} all of it", *names[3:]], "name", "get-areas")
 
-    def marks_a_random_goal_done(self):
-        def goals_of_first_set(element):
-            first = self.service.texts("id", "get-sets", *SAMPLE)[0]
-            return self.service.texts(element, "get-complex-goals-for-sets", *SAMPLE, f"&p4={first}")
-
-        before = goals_of_first_set("checked").count("y")
-        self.display.keys("ctrl+g")
-        self.sees("Random Goal")
-        self.display.keys("alt+d")
-        wait_for("the goal to be done", lambda: goals_of_first_set("checked").count("y") == before + 1)
-        self.display.keys("Escape")
-        self.sees(MAIN)
-
-    def keeps_the_report_of_another_set(self, path):
-        second = self.service.texts("id", "get-sets", *SAMPLE)[1]
-        kind = ("get-complex-goals-for-sets", *SAMPLE, f"&p4={second}")
-        goals = list(zip(self.service.texts("area", *kind), self.service.texts("name", *kind)))
-        self.display.keys("alt+e", "Down", "alt+f", "d")
-        self.sees("Save as PDF")
-        self.display.keys("ctrl+a")
-        self.display.type(path)
-        self.display.keys("Return")
-        self.sees(MAIN)
-        printed = wire(subprocess.run(["pdftotext", "-raw", path, "-"], capture_output=True, text=True, check=True).stdout)
-        expected = [name for area in self.service.texts("id", "get-areas", *SAMPLE) for of, name in goals if of == area]
-        at = 0
-        for name in expected:
-            at = printed.find(name, at)
-            if at < 0:
-                raise SystemExit(f"{name} is missing from the report, or in the wrong place:\n{printed}")
-        if not expected:
-            raise SystemExit("There was nothing to print.")
-
 
 def main():
     server, client = sys.argv[1:]
@@ -136,8 +103,6 @@ def main():
             user.edits_an_area()
             user.manages_sets()
             user.renames_an_area()
-            user.marks_a_random_goal_done()
-            user.keeps_the_report_of_another_set(f"{folder}/report.pdf")
             display.keys("ctrl+q")
             if process.wait(timeout=10) != 0:
                 raise SystemExit("The client did not end well.")

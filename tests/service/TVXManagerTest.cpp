@@ -4,6 +4,7 @@
 #include "Samples.h"
 #include "ServiceFakes.h"
 
+#include <array>
 #include <map>
 
 using namespace Qt::StringLiterals;
@@ -39,6 +40,9 @@ QString shown(const TVXGoalPtr &goal)
     return numbers + (goal->isChecked() ? u"/done/"_s : u"/open/"_s) + name;
 }
 
+/// By TVXWritten.
+const std::array names = {u"done"_s, u"refused"_s, u"unknown"_s};
+
 template<typename Operation, typename... Arguments>
 Call call(Operation operation, Arguments... arguments)
 {
@@ -48,8 +52,8 @@ Call call(Operation operation, Arguments... arguments)
         if constexpr (std::is_invocable_v<Operation, Manager, Text, Text, Arguments..., QString *>)
             return std::invoke(operation, manager, login, password, arguments..., &why);
         else
-            return std::invoke(operation, manager, login, password, arguments...) ? u"answered"_s
-                                                                                  : u"unanswered"_s;
+            return names.at(
+                static_cast<std::size_t>(std::invoke(operation, manager, login, password, arguments...)));
     };
 }
 

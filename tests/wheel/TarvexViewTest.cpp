@@ -207,10 +207,10 @@ private Q_SLOTS:
                 const QRectF slice =
                     WheelGeometry::sliceOutline(WheelGeometry::centre(wheel.size()), index % 8)
                         .boundingRect();
-                const QPointF corner = WheelGeometry::flipped(slice.bottomLeft(), wheel.height());
-                QVERIFY(wheel.words() &&
-                        !wheel.words()->geometry().intersects(QRectF(corner, slice.size()).toRect()));
-                QVERIFY(wheel.rect().contains(wheel.words()->geometry()));
+                QVERIFY(wheel.words());
+                const QRect words = wheel.words()->geometry();
+                QVERIFY(words.right() < slice.left() || words.left() > slice.right());
+                QVERIFY(wheel.rect().contains(words));
                 QCOMPARE(wheel.words()->text(),
                          wheel.graphic->child(index % 8)->text(QAccessible::Description));
             }
@@ -233,26 +233,22 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         wheel.announcements.clear();
         wheel.project->areas()->at(2)->setName(u"Health"_s);
-        wheel.project->areas()->at(4)->setValueOfArea(9);
+        wheel.project->areas()->at(2)->setValueOfArea(9);
         wheel.display();
         wheel.setPercentTexts({u"75"_s});
         wheel.setFocus(Qt::TabFocusReason);
         QCoreApplication::processEvents();
         QTest::keyClick(&wheel, Qt::Key_Right);
         using enum QAccessible::Event;
-        const decltype(wheel.announcements) expected = {{NameChanged, 2},
-                                                        {DescriptionChanged, 2},
-                                                        {ValueChanged, 4},
-                                                        {DescriptionChanged, 4},
-                                                        {DescriptionChanged, 0},
-                                                        {Focus, 0},
-                                                        {Focus, 1}};
+        const decltype(wheel.announcements) expected = {
+            {NameChanged, 2},        {ValueChanged, 2}, {DescriptionChanged, 2},
+            {DescriptionChanged, 0}, {Focus, 0},        {Focus, 1}};
         QCOMPARE(wheel.announcements, expected);
         const auto slice = [&](int index) { return wheel.graphic->child(index); };
         QCOMPARE(slice(2)->text(QAccessible::Name), u"Health"_s);
-        QCOMPARE(slice(4)->text(QAccessible::Value), u"9"_s);
-        QCOMPARE(slice(4)->valueInterface()->maximumValue(), 9); // beyond the slider's usual 8
-        QCOMPARE(slice(2)->valueInterface()->maximumValue(), 8);
+        QCOMPARE(slice(2)->text(QAccessible::Value), u"9"_s);
+        QCOMPARE(slice(2)->valueInterface()->maximumValue(), 9); // beyond the slider's usual 8
+        QCOMPARE(slice(4)->valueInterface()->maximumValue(), 8);
         QCOMPARE(wheel.graphic->focusChild(), slice(1));
         QVERIFY(slice(1)->state().focused && !slice(0)->state().focused);
     }

@@ -1,0 +1,184 @@
+"""A whole first use of the client, from signing up to the printed report, with one kind of hand alone.
+
+What the user did is then read back from the service itself.
+usage: first_use.py SERVER CLIENT keys|assistive
+"""
+
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
+from desktop import Display, Service, begin, wait_for  # noqa: E402
+
+ADDRESS = "127.0.0.1:8719"  # what the client of this test is built for
+MAIN = "Tarvex Cloud - Client for Mac OS X"
+NEW = ("zoe@example.org", "a new wheel")
+AREA = "Career and Business"  # the second of a new account
+
+
+class Keys:
+    """Nothing but the keyboard."""
+
+    def __init__(self, display):
+        self.display = display
+
+    def sees(self, title):
+        wait_for(f"the window {title!r} to be active", lambda: self.display.active(title))
+
+    def signs_up(self):
+        self.sees("Sign In")
+        self.display.keys("alt+c")
+        self.sees("Create Account")
+        for text, key in [("Zoe", "Tab"), (NEW[0], "Tab"), (NEW[1], "Tab"), (NEW[1], "Return")]:
+            self.display.type(text)
+            self.display.keys(key)
+        self.sees(MAIN)
+
+    def edits_the_area(self):
+        self.display.keys("alt+e", "Tab", "Right", "Return")
+        self.sees(AREA)
+        for goal in ("Learn to juggle", "Ask for a rise"):
+            self.display.keys("alt+a")
+            self.display.type(goal)
+            self.display.keys("Return")
+        self.display.keys("Up", "space", "alt+v", "End", "alt+s")
+        self.sees(MAIN)
+
+    def marks_a_random_goal_done(self):
+        self.display.keys("ctrl+g")
+        self.sees("Random Goal")
+        self.display.keys("alt+d", "Escape")
+        self.sees(MAIN)
+
+    def keeps_the_report(self, path):
+        self.display.keys("alt+f", "d")
+        self.sees("Save as PDF")
+        self.display.keys("ctrl+a")
+        self.display.type(path)
+        self.display.keys("Return")
+        self.sees(MAIN)
+
+    def quits(self):
+        self.display.keys("ctrl+q")
+
+
+class Assistive:
+    """Nothing but what assistive tools can do: press, set texts, set values."""
+
+    def __init__(self, display):
+        os.environ["DISPLAY"] = display.name
+        begin(["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"], stderr=subprocess.DEVNULL)
+        import pyatspi  # reads the environment
+
+        self.desktop = pyatspi.Registry.getDesktop(0)
+
+    def find(self, name, role, within=None):
+        def here(node):
+            if node.name == name and node.getRoleName() == role and node.getState().contains(showing):
+                return node
+            return next((found for child in node if child and (found := here(child))), None)
+
+        import pyatspi
+
+        showing = pyatspi.STATE_SHOWING
+
+        def found():
+            try:
+                return here(within or self.desktop)
+            except Exception:  # the tree changes while it is walked
+                return None
+
+        return wait_for(f"the {role} {name!r}", found)
+
+    def act(self, name, role, action="Press", within=None):
+        actions = self.find(name, role, within).queryAction()
+        names = [actions.getName(i) for i in range(actions.nActions)]
+        if action not in names:
+            raise SystemExit(f"The {role} {name!r} offers {names}, not {action}.")
+        actions.doAction(names.index(action))
+
+    def write(self, name, text, role="text", within=None):
+        self.find(name, role, within).queryEditableText().setTextContents(text)
+
+    def signs_up(self):
+        self.act("Create Account…", "push button")
+        sheet = self.find("Create Account", "dialog")
+        for field, text in [("Name", "Zoe"), ("E-mail", NEW[0])]:
+            self.write(field, text, within=sheet)
+        for field in ("Password", "Password again"):
+            self.write(field, NEW[1], role="password text", within=sheet)
+        self.act("Create Account", "push button", within=sheet)
+
+    def edits_the_area(self):
+        self.act(AREA, "push button")
+        sheet = self.find(AREA, "dialog")
+        for goal in ("Learn to juggle", "Ask for a rise"):
+            self.act("Add Goal", "push button", within=sheet)
+            self.write("Goal text", goal, within=sheet)
+            self.act("Keep Text", "push button", within=sheet)
+        self.act("Not done", "table cell", "Toggle", within=sheet)
+        self.find("Value", "slider", within=sheet).queryValue().currentValue = 8
+        self.act("Save", "push button", within=sheet)
+
+    def marks_a_random_goal_done(self):
+        self.act("Random Goal", "push button")
+        sheet = self.find("Random Goal", "dialog")
+        self.act("Mark as Done", "push button", within=sheet)
+        self.act("Close", "push button", within=sheet)
+
+    def keeps_the_report(self, path):
+        self.act("Save as PDF…", "menu item")
+        sheet = self.find("Save as PDF", "dialog")
+        self.write("File name:", path, within=sheet)
+        self.act("Save", "push button", within=sheet)
+
+    def quits(self):
+        self.act("Quit", "menu item")
+
+
+def check(service, path):
+    """What the service and the file hold is what the user did."""
+    def texts(element, kind, more=""):
+        return service.texts(element, kind, *NEW, more)
+
+    areas, sets = texts("id", "get-areas"), texts("id", "get-sets")
+    goals = ("get-goals", f"&p4={sets[0]}&p5={areas[1]}")
+    for expected, what in [(["Learn to juggle", "Ask for a rise"], ("name", *goals)), (["y", "y"], ("checked", *goals)),
+                           (["0", "8", *["0"] * 6], ("value", "get-areas")), (["100"], ("percent2", "get-sets"))]:
+        if texts(*what) != expected:
+            raise SystemExit(f"{what[1]}: {what[0]} is {texts(*what)}, not {expected}")
+    printed = subprocess.run(["pdftotext", "-raw", path, "-"], capture_output=True, text=True, check=True).stdout
+    for line in (f"{AREA} Excellent 100%", "Learn to juggle", "Ask for a rise"):
+        if line not in printed.replace("\n", " "):
+            raise SystemExit(f"{line!r} is missing from the report:\n{printed}")
+
+
+def main():
+    server, client, kind = sys.argv[1:]
+    with tempfile.TemporaryDirectory() as folder:
+        service = Service(server, folder, ADDRESS)
+        display = Display(1000, 800)
+        environment = display.environment(XDG_RUNTIME_DIR=folder, HOME=folder, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
+        try:
+            user = {"keys": Keys, "assistive": Assistive}[kind](display)
+            process = begin([client], env=environment)
+            path = f"{folder}/report.pdf"
+            user.signs_up()
+            user.edits_the_area()
+            user.marks_a_random_goal_done()
+            user.keeps_the_report(path)
+            wait_for("the report", pathlib.Path(path).exists)
+            user.quits()
+            if process.wait(timeout=10) != 0:
+                raise SystemExit("The client did not end well.")
+            check(service, path)
+        finally:
+            display.stop()
+            service.stop()
+
+
+if __name__ == "__main__":
+    main()
