@@ -252,6 +252,12 @@ QAccessible::State GoalCellAccessible::state() const
     return state;
 }
 
+QAccessibleInterface *GoalCellAccessible::child(int index) const
+{
+    QWidget *editor = m_view && index == 0 && !isHeading() ? m_view->indexWidget(this->index()) : nullptr;
+    return editor ? QAccessible::queryAccessibleInterface(editor) : nullptr;
+}
+
 void *GoalCellAccessible::interface_cast(QAccessible::InterfaceType type)
 {
     if (type == QAccessible::TableCellInterface)

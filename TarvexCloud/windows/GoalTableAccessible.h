@@ -72,10 +72,14 @@ public:
     QObject *object() const override { return nullptr; }
     QWindow *window() const override;
     QAccessibleInterface *parent() const override;
-    QAccessibleInterface *child(int) const override { return nullptr; }
-    QAccessibleInterface *childAt(int, int) const override { return nullptr; }
-    int childCount() const override { return 0; }
-    int indexOfChild(const QAccessibleInterface *) const override { return -1; }
+    /// The open editor, while there is one.
+    QAccessibleInterface *child(int index) const override;
+    QAccessibleInterface *childAt(int, int) const override { return child(/*index=*/0); }
+    int childCount() const override { return child(/*index=*/0) ? 1 : 0; }
+    int indexOfChild(const QAccessibleInterface *asked) const override
+    {
+        return asked && asked == child(/*index=*/0) ? 0 : -1;
+    }
     QString text(QAccessible::Text kind) const override;
     void setText(QAccessible::Text kind, const QString &text) override;
     QRect rect() const override;

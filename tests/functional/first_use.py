@@ -73,25 +73,24 @@ class Assistive:
         begin(["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"], stderr=subprocess.DEVNULL)
         import pyatspi  # reads the environment
 
-        self.desktop = pyatspi.Registry.getDesktop(0)
+        self.desktop, self.showing = pyatspi.Registry.getDesktop(0), pyatspi.STATE_SHOWING
 
-    def find(self, name, role, within=None):
+    def look(self, name, role, within=None):
         def here(node):
-            if node.name == name and node.getRoleName() == role and node.getState().contains(showing):
+            if node.name == name and node.getRoleName() == role and node.getState().contains(self.showing):
                 return node
             return next((found for child in node if child and (found := here(child))), None)
 
-        import pyatspi
+        try:
+            return here(within or self.desktop)
+        except Exception:  # the tree changes while it is walked
+            return None
 
-        showing = pyatspi.STATE_SHOWING
+    def find(self, name, role, within=None):
+        return wait_for(f"the {role} {name!r}", lambda: self.look(name, role, within))
 
-        def found():
-            try:
-                return here(within or self.desktop)
-            except Exception:  # the tree changes while it is walked
-                return None
-
-        return wait_for(f"the {role} {name!r}", found)
+    def ends(self, sheet):
+        wait_for(f"the end of {sheet!r}", lambda: not self.look(sheet, "dialog"))
 
     def act(self, name, role, action="Press", within=None):
         actions = self.find(name, role, within).queryAction()
@@ -102,6 +101,10 @@ class Assistive:
 
     def write(self, name, text, role="text", within=None):
         self.find(name, role, within).queryEditableText().setTextContents(text)
+
+    def chooses(self, command):
+        self.act("File", "menu item", "ShowMenu")
+        self.act(command, "menu item")
 
     def signs_up(self):
         self.act("Create Account…", "push button")
@@ -119,24 +122,27 @@ class Assistive:
             self.act("Add Goal", "push button", within=sheet)
             self.write("Goal text", goal, within=sheet)
             self.act("Keep Text", "push button", within=sheet)
+            self.find(goal, "table cell", within=sheet)  # a press takes a moment
         self.act("Not done", "table cell", "Toggle", within=sheet)
         self.find("Value", "slider", within=sheet).queryValue().currentValue = 8
         self.act("Save", "push button", within=sheet)
+        self.ends(AREA)
 
     def marks_a_random_goal_done(self):
         self.act("Random Goal", "push button")
         sheet = self.find("Random Goal", "dialog")
         self.act("Mark as Done", "push button", within=sheet)
         self.act("Close", "push button", within=sheet)
+        self.ends("Random Goal")
 
     def keeps_the_report(self, path):
-        self.act("Save as PDF…", "menu item")
+        self.chooses("Save as PDF…")
         sheet = self.find("Save as PDF", "dialog")
         self.write("File name:", path, within=sheet)
         self.act("Save", "push button", within=sheet)
 
     def quits(self):
-        self.act("Quit", "menu item")
+        self.chooses("Quit")
 
 
 def check(service, path):
