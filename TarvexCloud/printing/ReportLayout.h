@@ -2,6 +2,7 @@
 
 #include "ReportPages.h"
 #include "TVXProject.h"
+#include "WheelGeometry.h"
 
 #include <array>
 #include <vector>
@@ -39,7 +40,7 @@ using ReportItems = std::vector<ReportItem>;
 class ReportLayout
 {
 public:
-    static constexpr std::size_t areaCount = 8;
+    static constexpr std::size_t areaCount = WheelGeometry::sliceCount;
     static constexpr qreal checkboxSide = 14;
 
     /// Of more areas than eight the first eight are laid out. A goal of none of them is left out.

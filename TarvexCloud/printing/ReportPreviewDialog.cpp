@@ -54,7 +54,6 @@ QLayout *ReportPreviewDialog::makeToolRow()
     row->setSpacing(spacing);
     const auto add = [&](const QString &text, const QKeySequence &shortcut, const auto &action) {
         auto *button = new QPushButton(text);
-        button->setAutoDefault(false);
         if (!shortcut.isEmpty()) // an empty one would take away the letter in the text
             button->setShortcut(shortcut);
         connect(button, &QPushButton::clicked, this, action);
