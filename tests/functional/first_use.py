@@ -4,8 +4,10 @@ What the user did is then read back from the service itself.
 usage: first_use.py SERVER CLIENT keys|assistive
 """
 
+import atexit
 import os
 import pathlib
+import signal
 import subprocess
 import sys
 import tempfile
@@ -70,7 +72,9 @@ class Assistive:
 
     def __init__(self, display):
         os.environ["DISPLAY"] = display.name
-        begin(["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"], stderr=subprocess.DEVNULL)
+        launcher = begin(["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"], stdout=subprocess.DEVNULL,
+                         stderr=subprocess.DEVNULL, start_new_session=True)
+        atexit.register(os.killpg, launcher.pid, signal.SIGTERM)  # with the bus that it starts
         import pyatspi  # reads the environment
 
         self.desktop, self.showing = pyatspi.Registry.getDesktop(0), pyatspi.STATE_SHOWING
