@@ -123,6 +123,8 @@ TVXGoalPtr TVXManager::getRandomGoalUsingLogin(const QString &login, const QStri
     form.credentials(login, andPassword).number("p4"_L1, forSetsId);
     const TVXAnswer answer = postInSilence(form.body(), TVXPurpose::Reading, whyNoAnswer);
     const std::optional<QString> text = answer.data ? asciiText(*answer.data) : std::nullopt;
+    if (answer.data && !text && whyNoAnswer)
+        *whyNoAnswer = translated(QT_TRANSLATE_NOOP("TVXManager", "The service's answer could not be read."));
     if (!text || withoutBlanksAround(*text) == "Error"_L1)
         return {};
     return firstGoal(*answer.data);
