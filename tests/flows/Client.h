@@ -5,6 +5,7 @@
 #include "LinkOpener.h"
 #include "LoopbackService.h"
 #include "MessageLine.h"
+#include "Samples.h"
 #include "ServiceAdapters.h"
 #include "ServiceFakes.h"
 #include "SignInSheet.h"
@@ -69,14 +70,12 @@ public:
 };
 
 /// The client as the application assembles it, against a scripted service; alerts are written down, not
-/// shown. Given another address, it talks to whatever serves there.
+/// shown.
 class Client
 {
 public:
-    explicit Client(std::chrono::milliseconds deadline = std::chrono::seconds(20),
-                    const QByteArray &address = QByteArray())
-        : exchange(address.isEmpty() ? service.url() : address, deadline, wait),
-          controller(exchange, alert, links)
+    explicit Client(std::chrono::milliseconds beforeSignIn = std::chrono::milliseconds(0))
+        : controller(exchange, alert, links, beforeSignIn)
     {
         for (const char *kind : {"sign-in", "delete-sets", "create-sets", "set-sets-name", "set-area-names",
                                  "set-area-value", "create-some-goals", "delete-some-goals"})
@@ -164,7 +163,7 @@ public:
     HeldInputWait wait;
     RecordingAlert alert;
     RecordingLinks links;
-    CurlExchange exchange;
+    CurlExchange exchange{service.url(), /*deadline=*/std::chrono::seconds(20), wait};
     DocumentController controller;
 };
 

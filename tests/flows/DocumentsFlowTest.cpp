@@ -34,7 +34,7 @@ private Q_SLOTS:
 
     void theSheetComesUpOnTheMainWindowAndTheSecondWaits()
     {
-        Client client;
+        Client client(DocumentController::timeBeforeSignIn);
         TarvexDocument *one = client.controller.openUntitledDocument();
         TarvexDocument *two = client.controller.openUntitledDocument();
         one->window()->activateWindow();

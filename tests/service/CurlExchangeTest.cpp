@@ -106,7 +106,7 @@ private Q_SLOTS:
         wire.service.answer("get-sets", {httpReply("x").bytes, /*closes=*/true});
 
         QVERIFY(wire.exchange.post(form).data);
-        QTRY_COMPARE(wire.service.openConnections(), std::size_t(0));
+        QTRY_COMPARE(wire.service.openConnections(), 0);
         QCOMPARE(wire.exchange.post(form).data, QByteArray("x"));
 
         QCOMPARE(wire.service.bodies(), QList<QByteArray>(2, form));
