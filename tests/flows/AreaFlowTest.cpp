@@ -2,14 +2,15 @@
 
 #include "AreaValueSlider.h"
 #include "AreaWindowController.h"
+#include "BusyIndicator.h"
 #include "GoalTableModel.h"
 #include "GoalTableView.h"
 #include "MnemonicLabel.h"
 
 #include <QAbstractItemModelTester>
 #include <QAccessible>
+#include <QClipboard>
 #include <QComboBox>
-#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -38,14 +39,19 @@ struct OpenArea : Client
         service.answer("get-goals", reply);
         service.answer("get-areas", areas);
         document = openSignedIn();
-        document->wheelView()->choosePiece(2);
         sheet = document->wndAreaDetails();
         controller = sheet->findChild<AreaWindowController *>();
+        openPiece(2);
+    }
+    void openPiece(int index)
+    {
+        const auto sentBefore = service.bodies().size();
+        document->wheelView()->choosePiece(index);
         table = controller->tableViewTargets();
         labelThen = controller->labelAreaName()->text();
         if (!QTest::qWaitFor([&] {
                 return controller->isAlreadyLoadedDatas() && !Client::controller.isBusy() &&
-                       service.bodies().size() > 3;
+                       service.bodies().size() > sentBefore;
             }))
             qFatal("the area did not load");
     }
@@ -144,6 +150,47 @@ private Q_SLOTS:
         QCOMPARE(Client::average(area.document), u"44%"_s);
     }
 
+    void everyOpeningBeginsAfresh()
+    {
+        OpenArea area(cutReply());
+        area.click("Add Goal");
+        area.service.answer("get-goals", goals(three));
+        area.click("Try Again");
+        QCOMPARE(area.texts(), u"Run,Read & write,Sing,New Goal"_s);
+        area.click("Cancel");
+
+        area.document->listOfProjects()->selectItemAtIndex(1);
+        area.service.answer("get-goals", goals({{"201", "Dance", "5", "n"}}));
+        const BusyIndicator *indicator = area.controller->downloadIndicator();
+        area.holdUntil([&] {
+            return area.state().startsWith(u"Loading"_s) && !area.isOffered("Save") &&
+                   indicator->isAnimating();
+        });
+        area.openPiece(4);
+        QVERIFY(!indicator->isAnimating());
+        QCOMPARE(area.service.bodies().last(), "p1=get-goals" + annsDigests + "&p4=9&p5=5");
+        QCOMPARE(area.sheet->findChild<QLabel *>(u"labelSetName"_s)->text(), u"Second"_s);
+        QCOMPARE(area.texts(), u"Dance"_s);
+        QCOMPARE(area.controller->sliderOfArea()->value(), 4);
+        const auto drawn = Client::drawn(area.document);
+        area.click("Save");
+        QVERIFY(Client::drawn(area.document) > drawn);
+        QCOMPARE(area.written().mid(2, 1), QList<QByteArray>{sent("set-area-value", "&p4=5&p5=4")});
+        QCOMPARE(area.written().last(), sent("delete-some-goals", "&p4=201;"));
+        QCOMPARE(Client::percents(area.document).value(4), u"0%"_s);
+
+        area.service.answer("get-goals", QByteArray("Error"));
+        area.openPiece(6);
+        QVERIFY(area.texts().isEmpty() && area.controller->idsForRemove().empty());
+        QVERIFY(area.isOffered("Save"));
+        area.click("Cancel");
+        area.document->wheelView()->choosePiece(0);
+        area.controller->closeAreaDetailsWindow(); // before it loads
+        const auto sent = area.service.bodies();
+        QCoreApplication::processEvents();
+        QCOMPARE(area.service.bodies(), sent);
+    }
+
     void cancelSendsNothingAndKeepsEverything()
     {
         OpenArea area;
@@ -165,10 +212,18 @@ private Q_SLOTS:
     void anAreaWithoutGoalsCountsAsDone()
     {
         OpenArea area;
-        for (int row = 0; row < 3; ++row)
+        area.table->selectAll();
+        QTest::keyClick(area.table, Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QGuiApplication::clipboard()->text(), u"Run\nRead & write\nSing"_s);
+        QTest::keyClick(area.table, Qt::Key_Down);
+        for (int row = 0; row < 2; ++row)
             area.click("Remove Goal");
+        QTest::keyClick(area.table, Qt::Key_Delete);
         area.controller->removeSelectedGoal(); // nothing is selected: the list stays as it is
         QVERIFY(!area.Client::controller.isBusy());
+        const QImage told = area.table->grab().toImage();
+        area.table->setPlaceholder(QString());
+        QVERIFY(area.table->grab().toImage() != told);
         area.click("Save");
         QCOMPARE(area.written().mid(1),
                  (QList<QByteArray>{sent("create-some-goals", "&p4="),
@@ -433,15 +488,13 @@ private Q_SLOTS:
     void aLongWaitIsToldInWords()
     {
         OpenArea area;
-        area.service.hold();
-        QString told;
-        QTimer::singleShot(1400, area.sheet, [&] {
-            told = area.state();
-            area.service.release();
+        area.holdUntil([&] {
+            return area.state() ==
+                       u"Saving Money… Waiting for the service: 1\u00A0s of at most 60\u00A0s."_s &&
+                   area.sheet->findChild<BusyIndicator *>(u"areaIndicator"_s)->isAnimating();
         });
         area.click("Save");
-        QCOMPARE(told, u"Saving Money… Waiting for the service: 1\u00A0s of at most 60\u00A0s."_s);
-        QVERIFY(!area.sheet->isVisible());
+        QVERIFY(!area.sheet->isVisible() && area.alert.errors.isEmpty());
     }
 
     void focusThatComesBackLoadsNothingAndOneSheetOpensOnce()

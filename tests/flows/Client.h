@@ -19,6 +19,7 @@
 #include <QMainWindow>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 #include <QUrl>
 
 using namespace Qt::StringLiterals;
@@ -109,6 +110,26 @@ public:
         sheet->findChild<QLineEdit *>(u"textUsername"_s)->setText(login);
         sheet->findChild<QLineEdit *>(u"textPassword"_s)->setText(password);
         QTest::mouseClick(button(sheet, u"Sign In"_s), Qt::LeftButton);
+    }
+
+    /// Lets requests wait from now on until `seen` is true, which is asked again and again meanwhile.
+    void holdUntil(const std::function<bool()> &seen)
+    {
+        service.hold();
+        auto *meanwhile = new QTimer(&controller);
+        QObject::connect(meanwhile, &QTimer::timeout, meanwhile, [=, this] {
+            if (!seen())
+                return;
+            meanwhile->stop();
+            service.release();
+        });
+        meanwhile->start(/*msec=*/5);
+    }
+
+    /// How often the wheel was drawn by now.
+    static qint64 drawn(const TarvexDocument *document)
+    {
+        return document->wheelView()->piecesOfWheel()->front()->copies();
     }
 
     /// Chooses a command of the menu, whatever is up.

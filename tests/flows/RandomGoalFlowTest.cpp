@@ -4,8 +4,6 @@
 #include "RandomGoalWindowController.h"
 #include "WrappedLabel.h"
 
-#include <QTimer>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -136,19 +134,15 @@ private Q_SLOTS:
     void nothingFiresWhileARequestIsInFlightOrOnceClosed()
     {
         OpenGoal open;
-        open.service.hold();
-        QTimer whenReceived;
-        connect(&whenReceived, &QTimer::timeout, this, [&] {
-            if (!open.hint().startsWith(u"Looking for a goal… Waiting for the service: 1"_s))
-                return;
-            whenReceived.stop();
-            QVERIFY(open.random->progress()->isAnimating() && !open.button("Close")->isEnabled());
+        open.holdUntil([&] {
+            if (!open.hint().startsWith(u"Looking for a goal… Waiting for the service: 1"_s) ||
+                !open.random->progress()->isAnimating() || open.button("Close")->isEnabled())
+                return false;
             open.random->nextGoal();
             open.random->done();
             open.random->closeWindow();
-            open.service.release();
+            return true;
         });
-        whenReceived.start();
         open.click("Next Goal");
         QVERIFY(open.sheet->isVisible());
         QCOMPARE(open.sheet->focusWidget(), open.button("Next Goal"));

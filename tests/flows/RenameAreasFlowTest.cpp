@@ -1,8 +1,7 @@
 #include "Client.h"
 
+#include "BusyIndicator.h"
 #include "RenameAreasWindowController.h"
-
-#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -74,14 +73,13 @@ private Q_SLOTS:
         open.type(open.names->textName2(), "");
         open.type(open.names->textName4(), "  R&D; ");
         QVERIFY(!open.names->textName6()->isEnabled());
-        open.service.hold();
-        QString told;
-        QTimer::singleShot(1400, open.sheet, [&] {
-            told = open.hint();
-            open.service.release();
+        open.holdUntil([&] {
+            return open.hint().startsWith(u"Saving the names… Waiting for the service: 1"_s) &&
+                   open.sheet->findChild<BusyIndicator *>()->isAnimating();
         });
+        const auto drawn = Client::drawn(open.document);
         QTest::keyClick(open.names->textName4(), Qt::Key_Return);
-        QVERIFY(told.startsWith(u"Saving the names… Waiting for the service: 1"_s));
+        QVERIFY(open.alert.errors.isEmpty() && Client::drawn(open.document) > drawn);
         QCOMPARE(open.sent(), (QList<QByteArray>{setNames +
                                                      "id:1;name:two\r\nlines\u2028\t"
                                                      ";{_end_}id:2;name:;{_end_}id:3;name:L {_amp_} F;{_end_}"

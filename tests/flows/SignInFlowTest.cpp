@@ -152,14 +152,11 @@ private Q_SLOTS:
         TarvexDocument *document = client.open();
         Sheet *sheet = document->wndSignIn();
         const auto *hint = sheet->findChild<QLabel *>(u"labelSignInHint"_s);
-        client.service.hold();
         QString shownMeanwhile;
         bool busyMeanwhile = false;
-        QTimer meanwhile;
-        connect(&meanwhile, &QTimer::timeout, this, [&] {
+        client.holdUntil([&] {
             if (!hint->text().contains(u"of at most 60\u00A0s"_s)) // seen after a second
-                return;
-            meanwhile.stop();
+                return false;
             shownMeanwhile = document->textSignInErrorMessage()->text();
             busyMeanwhile = client.controller.isBusy();
             QTest::mouseClick(Client::button(sheet, u"Sign In"_s), Qt::LeftButton);
@@ -167,9 +164,8 @@ private Q_SLOTS:
             QMetaObject::invokeMethod(document, "signIn"); // what gets past any filter
             sheet->windowHandle()->close();
             document->window()->windowHandle()->close();
-            client.service.release();
+            return true;
         });
-        meanwhile.start(5);
         Client::signIn(document);
         QCOMPARE(shownMeanwhile, u"Checking..."_s);
         QVERIFY(busyMeanwhile);
@@ -238,21 +234,14 @@ private Q_SLOTS:
     {
         Client client;
         const TarvexDocument *document = client.openSignedIn();
-        client.service.hold();
-        QString shown;
-        QTimer meanwhile;
-        connect(&meanwhile, &QTimer::timeout, this, [&] {
-            shown = Client::guidance(document);
-            if (shown.contains(u"Waiting"_s) && document->wheelView()->mainData()->areas()->size() == 8)
-                client.service.release();
+        const QString told =
+            u"Fetching the wheel and its sets… Waiting for the service: 1\u00A0s of at most 40\u00A0s."_s;
+        client.holdUntil([&] {
+            return Client::guidance(document) == told &&
+                   document->wheelView()->mainData()->areas()->size() == 8; // is shown meanwhile
         });
-        meanwhile.start(50);
         Client::trigger(document, "actionReload");
-        meanwhile.stop();
-        QCOMPARE(
-            shown,
-            u"Fetching the wheel and its sets… Waiting for the service: 1\u00A0s of at most 40\u00A0s."_s);
-        QVERIFY(!Client::guidance(document).contains(u"Waiting"_s));
+        QVERIFY(Client::guidance(document).startsWith(u"Click an area"_s) && client.alert.errors.isEmpty());
     }
 
     void aDocumentWithoutAWindowWorksOnTheOutletsItIsGiven()

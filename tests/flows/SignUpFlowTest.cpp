@@ -1,8 +1,6 @@
 #include "BusyIndicator.h"
 #include "Client.h"
 
-#include <QTimer>
-
 namespace {
 
 const QByteArray annsForm = "p1=create-new-user&p2=ann@example.org&p3=secret&p4=Ann&type=json";
@@ -131,22 +129,18 @@ private Q_SLOTS:
     void whileItRunsTheSheetSaysSoAndInputIsDropped()
     {
         NewUser client;
-        client.service.hold();
         bool seen = false;
-        QTimer meanwhile;
-        connect(&meanwhile, &QTimer::timeout, this, [&] {
+        client.holdUntil([&] {
             if (!client.label(u"labelSignUpStatus"_s)->text().contains(u"of at most 20\u00A0s"_s))
-                return; // which is seen after a second
-            meanwhile.stop();
+                return false; // which is seen after a second
             seen = !client.message()->isVisible() && NewUser::isSpinning(client.document->wndSignIn()) &&
                    !NewUser::isSpinning(client.sheet);
             QTest::mouseClick(Client::button(client.sheet, u"Create Account"_s), Qt::LeftButton);
             QTest::keyClick(client.sheet, Qt::Key_Escape);
             for (const char *slot : {"cickRegister", "cancelRegister", "registerClicked"})
                 QMetaObject::invokeMethod(client.document, slot); // what gets past any filter
-            client.service.release();
+            return true;
         });
-        meanwhile.start(5);
         client.service.answer("get-sets", QByteArray("<a><id>1</id></a>")); // and the load ends early
         client.signUp();
         QVERIFY(seen);
