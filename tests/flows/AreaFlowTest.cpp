@@ -371,25 +371,6 @@ private Q_SLOTS:
         QCOMPARE(const_cast<QAccessibleInterface *>(slider)->valueInterface()->maximumValue().toInt(), 8);
     }
 
-    void theSlidersMarksAreSeenOnADarkWindow()
-    {
-        AreaValueSlider slider;
-        QPalette dark(QColor(52, 52, 56), QColor(36, 36, 38));
-        slider.setPalette(dark);
-        slider.resize(300, slider.sizeHint().height());
-        const QImage image = slider.grab().toImage();
-        const auto marks = [&](int y) {
-            int bright = 0;
-            for (int x = 0; x < image.width(); ++x)
-                bright += qGray(image.pixel(x, y)) > 128 ? 1 : 0;
-            return bright;
-        };
-        int y = image.height() - 1;
-        while (y > 0 && marks(y) == 0)
-            --y;
-        QCOMPARE(marks(y), 9);
-    }
-
     void whatNobodyTouchedIsSavedUnchanged()
     {
         const QByteArray areas =

@@ -1,4 +1,6 @@
+#include "AlertSheet.h"
 #include "Client.h"
+#include "ProjectNameSheet.h"
 
 #include <QSignalSpy>
 
@@ -56,13 +58,41 @@ private Q_SLOTS:
         QCOMPARE(current->currentDocument(), current);
 
         TarvexDocument routed(client.controller);
-        QVERIFY(!routed.wndProjectName());
         current->project()->areas()->at(2)->setName(u"Renamed"_s);
         routed.setNamesForAreasOnWindow();
         QCOMPARE(Client::labels(current).value(2), u"Renamed"_s);
         QCOMPARE(routed.project(), current->project());
-        routed.updatePercentValues(); // no selector, so nothing is selected
-        QCOMPARE(Client::average(current), u"45%"_s);
+        TarvexDocument adding(client.controller);
+        adding.addNewProject();
+        QTest::keyClick(current->wndProjectName(), Qt::Key_Escape);
+        TarvexDocument editing(client.controller);
+        editing.editCurrentProject();
+        QCOMPARE(current->wndProjectName()->tag(), 7);
+        QTest::keyClick(current->wndProjectName(), Qt::Key_Escape);
+        TarvexDocument deleting(client.controller);
+        deleting.alertDeleteCurrentprojectEded(nullptr, AlertSheet::alternateReturn, nullptr);
+        deleting.alertDeleteCurrentprojectEded(nullptr, AlertSheet::defaultReturn, nullptr);
+        QCOMPARE(client.service.bodies().value(3), "p1=delete-sets" + annsDigests + "&p4=7");
+    }
+
+    void aDocumentWithoutAWindowWorksOnTheOutletsItIsGiven()
+    {
+        Client client;
+        const TarvexDocument *shown = client.openSignedIn();
+        TarvexDocument document(client.controller);
+        document.comboBoxSelectionDidChange();
+        QLineEdit field;
+        document.setTextProjectName(&field);
+        QCOMPARE(document.textProjectName(), &field);
+        document.setWheelView(shown->wheelView());
+        document.setListOfProjects(shown->listOfProjects());
+        document.comboBoxSelectionDidChange();
+        QCOMPARE(document.currentSet(), shown->currentSet());
+        document.setListOfProjects(nullptr);
+        document.updatePercentValues();
+        document.reload();
+        document.deleteCurrentProject();
+        QCOMPARE(client.service.requests().size(), 3);
     }
 
     void everythingThatTakesTheFocusHasAName()

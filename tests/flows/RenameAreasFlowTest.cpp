@@ -161,6 +161,7 @@ private Q_SLOTS:
         QVERIFY(signInAgain("get-areas", httpReply(areasAnswer(eightNames))).contains(u"sets could not"_s));
         QVERIFY(signInAgain("get-sets", httpReply("Error")).contains(u"sets could not"_s));
         QVERIFY(signInAgain("get-sets", httpReply(setsAnswer({}))).contains(u"no sets yet"_s));
+        QCOMPARE(open.document->wheelView()->piecesOfWheel()->size(), std::size_t(4 * 8)); // more each time
     }
 };
 

@@ -227,26 +227,6 @@ private Q_SLOTS:
                 QVERIFY(!client.controller.isBusy());
             }
     }
-
-    void actionsRoutedToAnotherInstanceUseTheCurrentDocument()
-    {
-        Client client;
-        const TarvexDocument *current = client.openSignedIn();
-        QVERIFY(QTest::qWaitForWindowActive(current->window()));
-        TarvexDocument adding(client.controller);
-        adding.addNewProject();
-        QVERIFY(current->wndProjectName()->isVisible());
-        QTest::keyClick(current->wndProjectName(), Qt::Key_Escape);
-        TarvexDocument editing(client.controller);
-        editing.editCurrentProject();
-        QCOMPARE(current->wndProjectName()->tag(), 7);
-        QTest::keyClick(current->wndProjectName(), Qt::Key_Escape);
-        TarvexDocument deleting(client.controller);
-        deleting.alertDeleteCurrentprojectEded(nullptr, AlertSheet::alternateReturn, nullptr);
-        QCOMPARE(client.service.requests().size(), 3);
-        deleting.alertDeleteCurrentprojectEded(nullptr, AlertSheet::defaultReturn, nullptr);
-        QCOMPARE(client.service.bodies().value(3), "p1=delete-sets" + annsDigests + "&p4=7");
-    }
 };
 
 QTEST_MAIN(SetManagementFlowTest)
