@@ -470,8 +470,8 @@ private Q_SLOTS:
     {
         OpenArea area;
         area.holdUntil([&] {
-            return area.state() ==
-                       u"Saving Money… Waiting for the service: 1\u00A0s of at most 60\u00A0s."_s &&
+            return area.state().startsWith(u"Saving Money… Waiting for the service: "_s) &&
+                   area.state().endsWith(u"\u00A0s of at most 60\u00A0s."_s) &&
                    area.sheet->findChild<BusyIndicator *>(u"areaIndicator"_s)->isAnimating();
         });
         area.click("Save");

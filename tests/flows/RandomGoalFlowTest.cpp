@@ -135,7 +135,7 @@ private Q_SLOTS:
     {
         OpenGoal open;
         open.holdUntil([&] {
-            if (!open.hint().startsWith(u"Looking for a goal… Waiting for the service: 1"_s) ||
+            if (!open.hint().startsWith(u"Looking for a goal… Waiting for the service: "_s) ||
                 !open.random->progress()->isAnimating() || open.button("Close")->isEnabled())
                 return false;
             open.random->nextGoal();

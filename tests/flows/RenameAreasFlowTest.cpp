@@ -74,7 +74,7 @@ private Q_SLOTS:
         open.type(open.names->textName4(), "  R&D; ");
         QVERIFY(!open.names->textName6()->isEnabled());
         open.holdUntil([&] {
-            return open.hint().startsWith(u"Saving the names… Waiting for the service: 1"_s) &&
+            return open.hint().startsWith(u"Saving the names… Waiting for the service: "_s) &&
                    open.sheet->findChild<BusyIndicator *>()->isAnimating();
         });
         const auto drawn = Client::drawn(open.document);

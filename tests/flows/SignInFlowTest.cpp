@@ -227,10 +227,9 @@ private Q_SLOTS:
     {
         Client client;
         const TarvexDocument *document = client.openSignedIn();
-        const QString told =
-            u"Fetching the wheel and its sets… Waiting for the service: 1\u00A0s of at most 40\u00A0s."_s;
         client.holdUntil([&] {
-            return Client::guidance(document) == told &&
+            return Client::guidance(document).startsWith(
+                       u"Fetching the wheel and its sets… Waiting for the service: "_s) &&
                    document->wheelView()->mainData()->areas()->size() == 8; // is shown meanwhile
         });
         Client::trigger(document, "actionReload");
