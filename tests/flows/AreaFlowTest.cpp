@@ -178,6 +178,8 @@ private Q_SLOTS:
         QCOMPARE(area.written().mid(2, 1), QList<QByteArray>{sent("set-area-value", "&p4=5&p5=4")});
         QCOMPARE(area.written().last(), sent("delete-some-goals", "&p4=201;"));
         QCOMPARE(Client::percents(area.document).value(4), u"0%"_s);
+        area.document->listOfProjects()->selectItemAtIndex(0); // what was saved concerned another set
+        QVERIFY(Client::guidance(area.document).startsWith(u"Click an area"_s));
 
         area.service.answer("get-goals", QByteArray("Error"));
         area.openPiece(6);
@@ -216,9 +218,11 @@ private Q_SLOTS:
         QTest::keyClick(area.table, Qt::Key_C, Qt::ControlModifier);
         QCOMPARE(QGuiApplication::clipboard()->text(), u"Run\nRead & write\nSing"_s);
         QTest::keyClick(area.table, Qt::Key_Down);
-        for (int row = 0; row < 2; ++row)
-            area.click("Remove Goal");
+        QTest::keyClick(area.table, Qt::Key_Up);
         QTest::keyClick(area.table, Qt::Key_Delete);
+        QCOMPARE(area.state(), u"0 of 2 done"_s);
+        for (int row = 1; row < 3; ++row)
+            area.click("Remove Goal");
         area.controller->removeSelectedGoal(); // nothing is selected: the list stays as it is
         QVERIFY(!area.Client::controller.isBusy());
         const QImage told = area.table->grab().toImage();
@@ -306,6 +310,15 @@ private Q_SLOTS:
             QCOMPARE(area.state(), u"1 of 3 done"_s); // two clicks
             area.clickCell(1, GoalTableModel::CheckColumn);
             QCOMPARE(area.state(), u"2 of 3 done"_s);
+            const QImage seen = area.table->viewport()->grab().toImage();
+            const auto ink = [&](int row) { // of the box in that row
+                const QImage box = seen.copy(area.table->visualRect(area.cell(row, 0)));
+                int dark = 0;
+                for (int at = 0; at < box.width() * box.height(); ++at)
+                    dark += qGray(box.pixel(at % box.width(), at / box.width())) < 128 ? 1 : 0;
+                return dark;
+            };
+            QVERIFY(ink(0) > ink(2)); // which is not ticked
             QCOMPARE(area.table->currentIndex(), area.cell(1, GoalTableModel::GoalColumn));
             area.clickCell(1, GoalTableModel::PriorityColumn);
             auto *words = area.table->findChild<QComboBox *>();
@@ -327,6 +340,12 @@ private Q_SLOTS:
                     area.table->viewport()->rect().contains(area.table->visualRect(area.cell(23, column))));
             area.clickCell(23, GoalTableModel::CheckColumn);
             QCOMPARE(area.state(), u"3 of 24 done"_s);
+            QTest::keyClick(area.table, Qt::Key_Tab);
+            QVERIFY(area.sheet->focusWidget() != area.table);
+            QWheelEvent scroll(QPointF(1, 1), QPointF(1, 1), {}, QPoint(0, 120), Qt::NoButton, {},
+                               Qt::NoScrollPhase, /*inverted=*/false);
+            QCoreApplication::sendEvent(area.controller->sliderOfArea(), &scroll);
+            QCOMPARE(area.controller->sliderOfArea()->value(), 2); // which has not the focus
         }
         QGuiApplication::setLayoutDirection(Qt::LeftToRight);
     }
@@ -348,6 +367,8 @@ private Q_SLOTS:
         QCOMPARE(table->focusChild()->text(QAccessible::Name), u"Read & write"_s);
         QCOMPARE(table->focusChild()->text(QAccessible::Description), u"Not done"_s);
         QCOMPARE(table->tableInterface()->columnDescription(GoalTableModel::CheckColumn), u"Done"_s);
+        QVERIFY(area.accessibleCell(1, 1)->state().selected && !area.accessibleCell(2, 1)->state().selected);
+        QCOMPARE(area.accessibleCell(1, 1)->role(), QAccessible::Cell);
         const QPoint middle = area.accessibleCell(2, 1)->rect().center();
         QCOMPARE(table->childAt(middle.x(), middle.y()), area.accessibleCell(2, 1));
         QCOMPARE(table->child(table->indexOfChild(area.accessibleCell(2, 1))), area.accessibleCell(2, 1));
@@ -403,6 +424,7 @@ private Q_SLOTS:
             QCOMPARE(Client::guidance(area.document),
                      u"The service did not answer. Money may not be stored: open it to see."_s);
             QVERIFY(!area.sheet->isVisible());
+            QVERIFY(area.document->window()->findChild<QPushButton *>(u"buttonReload"_s)->isVisible());
             QCOMPARE(Client::percents(area.document).value(2), u"33%"_s);
         }
         OpenArea area;

@@ -126,6 +126,16 @@ public:
         meanwhile->start(/*msec=*/5);
     }
 
+    /// Whether the widget has that colour anywhere.
+    static bool shows(QWidget *widget, QRgb color)
+    {
+        const QImage image = widget->grab().toImage();
+        for (int at = 0; at < image.width() * image.height(); ++at)
+            if (((image.pixel(at % image.width(), at / image.width()) ^ color) & 0xffffff) == 0)
+                return true;
+        return false;
+    }
+
     /// How often the wheel was drawn by now.
     static qint64 drawn(const TarvexDocument *document)
     {

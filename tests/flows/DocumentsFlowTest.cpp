@@ -45,6 +45,7 @@ private Q_SLOTS:
         QTRY_VERIFY(two->wndSignIn()->isBegun());
         QVERIFY(!two->wndSignIn()->isVisible());
         one->close();
+        QVERIFY(!one->wndSignIn()->isVisible());
         QTRY_VERIFY(two->wndSignIn()->isVisible());
         QVERIFY(two->window()->isVisible());
         QVERIFY(client.service.requests().isEmpty());

@@ -130,7 +130,12 @@ private Q_SLOTS:
         client.document->previewPrint();
         client.document->saveAsPdf();
         QVERIFY(!client.dialog<ReportPreviewDialog>() && !client.dialog<QFileDialog>());
-        QCOMPARE(client.service.requests().size(), 3);
+        client.document->listOfProjects()->selectItemAtIndex(0);
+        const QPageLayout paper = client.document->printOperationWithSettings({})->printInfo().pageLayout;
+        QCOMPARE(paper.marginsPoints(), QMargins(18, 18, 18, 18));
+        const bool usesInches = QLocale::system().measurementSystem() == QLocale::ImperialUSSystem;
+        QCOMPARE(paper.pageSize().id(), usesInches ? QPageSize::Letter : QPageSize::A4);
+        QCOMPARE(client.service.requests().size(), 4);
         QVERIFY(client.alert.errors.isEmpty());
     }
 

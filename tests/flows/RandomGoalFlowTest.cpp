@@ -2,6 +2,7 @@
 
 #include "BusyIndicator.h"
 #include "RandomGoalWindowController.h"
+#include "SliceMark.h"
 #include "WrappedLabel.h"
 
 using namespace Qt::StringLiterals;
@@ -61,6 +62,11 @@ private Q_SLOTS:
         const QString host = QString::fromLatin1(open.service.url()).section(u'/', 2, 2);
         const QStringList shown = {open.random->labelArea()->text(), labelGoal->text(), open.hint()};
         QTEST(shown.join(u'/').replace(host, u"HOST"_s).toUtf8(), "shown");
+        auto *mark = open.sheet->findChild<SliceMark *>();
+        const bool isOfFirst = answer.contains("<area>1<"); // else of the second, if anything is marked
+        QCOMPARE(mark->isVisible(), mayBeDone && !answer.contains("99"));
+        QVERIFY(!mark->isVisible() || Client::shows(mark, isOfFirst ? 0xb699c9 : 0xf5bf39));
+        QCOMPARE(open.sheet->focusWidget(), open.button("Next Goal"));
         QCOMPARE(labelGoal->isVisible(), mayBeDone);
         QCOMPARE(open.button("Mark as Done")->isEnabled(), mayBeDone);
         QVERIFY(!open.random->progress()->isAnimating());
@@ -90,6 +96,13 @@ private Q_SLOTS:
         open.random->done();
         QCOMPARE(open.sent().mid(2), (QList<QByteArray>{getGoal, getGoal, setChecked + "12", getGoal,
                                                         setChecked + "0", getGoal}));
+        open.service.answer("get-random-goal", goal("12", "Run", "3"));
+        open.click("Next Goal");
+        open.click("Close");
+        open.service.answer("get-random-goal", QByteArray("<a/>"));
+        Client::trigger(open.document, "actionRandomGoal");
+        QTRY_VERIFY(open.hint().contains(u"incomplete"));
+        QVERIFY(!open.button("Mark as Done")->isEnabled()); // nothing of the showing before
     }
 
     void doneStoresThePercentageForWhenTheSheetCloses_data()
@@ -100,6 +113,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("label");
         QTest::newRow("third area") << "3"_ba << httpReply(" 090 ") << u"090"_s << u"090%"_s;
         QTest::newRow("no answer") << "3"_ba << noAnswer << u"30"_s << u"30%"_s;
+        QTest::newRow("refused") << "3"_ba << httpReply("") << u"30"_s << u"30%"_s;
         QTest::newRow("unknown area") << "99"_ba << httpReply("40") << u"30"_s << u"30%"_s;
         QTest::newRow("ninth area") << "9"_ba << httpReply("40") << u"30"_s << u"30%"_s;
     }
@@ -120,14 +134,16 @@ private Q_SLOTS:
                  answer.closes
                      ? u"The service did not answer. “Run” may not be marked as done: open its area "
                        "to see."_s
-                     : u"“Run” was marked as done."_s);
+                 : answer.bytes.endsWith("\n") ? u"The service refused to mark “Run” as done."_s
+                                               : u"“Run” was marked as done."_s);
         QCOMPARE(open.sent(), (QList<QByteArray>{getGoal, setChecked + "12", getGoal}));
         QCOMPARE(open.random->labelGoal()->text(), QStringLiteral("Paint"));
         QTEST(open.document->currentSet()->percent3(), "percent");
         QVERIFY(goalOfProject->isChecked());
         QCOMPARE(Client::percents(open.document).value(2), u"30%"_s);
+        const auto drawn = Client::drawn(open.document);
         QTest::keyClick(open.sheet, Qt::Key_Escape);
-        QVERIFY(!open.sheet->isVisible());
+        QVERIFY(!open.sheet->isVisible() && Client::drawn(open.document) > drawn);
         QTEST(Client::percents(open.document).value(2), "label");
     }
 

@@ -1,5 +1,6 @@
 #include "Client.h"
 
+#include <QAccessible>
 #include <QTimer>
 #include <QWindow>
 
@@ -44,12 +45,19 @@ private Q_SLOTS:
         QCOMPARE(document->loginUserName(), u"ann"_s);
         QCOMPARE(document->loginPassword(), u"secret"_s);
         QCOMPARE(document->currentSet(), document->project()->sets()->front());
-        QString lean; // of the percents round the rim: lying or standing
+        QString lean;  // of the percents round the rim: lying or standing
+        QString sides; // of the names towards the wheel
         for (int k = 1; k <= 8; ++k) {
+            const auto *name = document->window()->findChild<QLabel *>(u"label%1"_s.arg(k));
+            sides += name->alignment() & Qt::AlignLeft ? u'<' : u'>';
             const auto *label = document->window()->findChild<QLabel *>(u"label%1Percent"_s.arg(k));
             lean += label->width() > label->height() ? u'_' : u'|';
         }
-        QCOMPARE(lean, u"_||__||_"_s);
+        QCOMPARE(lean + sides, u"_||__||_<<<<>>>>"_s);
+        QVERIFY(QFontInfo(document->labelMainPercent()->font()).pixelSize() >
+                2 * QFontInfo(document->label1()->font()).pixelSize());
+        QAccessibleInterface *slices = QAccessible::queryAccessibleInterface(document->wheelView());
+        QVERIFY(slices->child(0)->text(QAccessible::Description).contains(u"10% of its goals"_s));
         QCOMPARE(document->wheelView()->piecesOfWheel()->size(), std::size_t(8));
         QCOMPARE(document->wheelView()->mainData(), document->project());
         QVERIFY(client.alert.errors.isEmpty());
@@ -74,7 +82,9 @@ private Q_SLOTS:
         QCOMPARE(hint->text().contains(u"127.0.0.1"_s), isNone);
         QCOMPARE(document->textSignInErrorMessage()->accessibleName(),
                  shown.isEmpty() ? u"Message"_s : u"Error"_s);
+        QVERIFY(shown.isEmpty() || document->textSignInErrorMessage()->findChild<QLabel *>()->isVisible());
         const auto *password = document->wndSignIn()->findChild<QLineEdit *>(u"textPassword"_s);
+        QCOMPARE(password->echoMode(), QLineEdit::Password);
         QCOMPARE(document->wndSignIn()->focusWidget() == password && password->hasSelectedText(), !isNone);
         QVERIFY(document->loginUserName().isEmpty() && document->loginPassword().isEmpty());
         QCOMPARE(client.service.bodies().size(), 1);
@@ -230,10 +240,12 @@ private Q_SLOTS:
         client.holdUntil([&] {
             return Client::guidance(document).startsWith(
                        u"Fetching the wheel and its sets… Waiting for the service: "_s) &&
+                   (QTest::keyClick(document->window(), Qt::Key_F4, Qt::ControlModifier), true) && // Close
                    document->wheelView()->mainData()->areas()->size() == 8; // is shown meanwhile
         });
         Client::trigger(document, "actionReload");
         QVERIFY(Client::guidance(document).startsWith(u"Click an area"_s) && client.alert.errors.isEmpty());
+        QVERIFY(document->window()->isVisible());
     }
 };
 
