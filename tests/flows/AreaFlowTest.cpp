@@ -174,7 +174,7 @@ private Q_SLOTS:
         QCOMPARE(area.sheet->findChild<QLabel *>(u"labelSetName"_s)->text(), u"Second"_s);
         QCOMPARE(area.texts(), u"Dance"_s);
         QCOMPARE(area.controller->sliderOfArea()->value(), 4);
-        const auto drawn = Client::drawn(area.document);
+        const auto drawn = Client::drawn(area.document, /*settled=*/true);
         area.click("Save");
         QVERIFY(Client::drawn(area.document) > drawn);
         QCOMPARE(area.written().mid(2, 1), QList<QByteArray>{sent("set-area-value", "&p4=5&p5=4")});
@@ -467,6 +467,7 @@ private Q_SLOTS:
     {
         OpenArea area(httpReply("<a><id>1</id><id>2</id><name>x</name></a>"));
         QVERIFY(area.state().contains(u"nothing can be saved"_s) && !area.isOffered("Save"));
+        QVERIFY(area.isShown("Try Again"));
         area.controller->closeAndSavedetailsWindow();
         QVERIFY(area.sheet->isVisible() && area.written().isEmpty());
         area.service.answer("get-goals", goals(three));

@@ -136,9 +136,11 @@ public:
         return false;
     }
 
-    /// How often the wheel was drawn by now.
-    static qint64 drawn(const TarvexDocument *document)
+    /// How often the wheel was drawn by now. What is due anyway counts if `settled`.
+    static qint64 drawn(const TarvexDocument *document, bool settled = false)
     {
+        if (settled)
+            QCoreApplication::processEvents();
         return document->wheelView()->piecesOfWheel()->front()->copies();
     }
 

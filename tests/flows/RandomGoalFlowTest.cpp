@@ -141,7 +141,7 @@ private Q_SLOTS:
         QTEST(open.document->currentSet()->percent3(), "percent");
         QVERIFY(goalOfProject->isChecked());
         QCOMPARE(Client::percents(open.document).value(2), u"30%"_s);
-        const auto drawn = Client::drawn(open.document);
+        const auto drawn = Client::drawn(open.document, /*settled=*/true);
         QTest::keyClick(open.sheet, Qt::Key_Escape);
         QVERIFY(!open.sheet->isVisible() && Client::drawn(open.document) > drawn);
         QTEST(Client::percents(open.document).value(2), "label");

@@ -77,7 +77,7 @@ private Q_SLOTS:
             return open.hint().startsWith(u"Saving the names… Waiting for the service: "_s) &&
                    open.sheet->findChild<BusyIndicator *>()->isAnimating();
         });
-        const auto drawn = Client::drawn(open.document);
+        const auto drawn = Client::drawn(open.document, /*settled=*/true);
         QTest::keyClick(open.names->textName4(), Qt::Key_Return);
         QVERIFY(open.alert.errors.isEmpty() && Client::drawn(open.document) > drawn);
         QCOMPARE(open.sent(), (QList<QByteArray>{setNames +
