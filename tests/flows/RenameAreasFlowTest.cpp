@@ -3,6 +3,8 @@
 #include "BusyIndicator.h"
 #include "RenameAreasWindowController.h"
 
+#include <QAccessible>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -72,6 +74,8 @@ private Q_SLOTS:
         OpenNames open({"two&#13;&#10;lines&#8232;&#9;", "b", "L {_amp_} F", "d", QByteArray(40'000, 'x')});
         open.type(open.names->textName2(), "");
         open.type(open.names->textName4(), "  R&D; ");
+        QAccessible::queryAccessibleInterface(open.names->textName3())
+            ->setText(QAccessible::Value, u"dic\ntated"_s);
         QVERIFY(!open.names->textName6()->isEnabled());
         open.holdUntil([&] {
             return open.hint().startsWith(u"Saving the names… Waiting for the service: "_s) &&
@@ -82,7 +86,7 @@ private Q_SLOTS:
         QVERIFY(open.alert.errors.isEmpty() && Client::drawn(open.document) > drawn);
         QCOMPARE(open.sent(), (QList<QByteArray>{setNames +
                                                      "id:1;name:two\r\nlines\u2028\t"
-                                                     ";{_end_}id:2;name:;{_end_}id:3;name:L {_amp_} F;{_end_}"
+                                                     ";{_end_}id:2;name:;{_end_}id:3;name:dic tated;{_end_}"
                                                      "id:4;name:  R{_amp_}D{_dc_} ;{_end_}id:5;name:" +
                                                      QByteArray(40'000, 'x') + ";{_end_}",
                                                  getAreas}));

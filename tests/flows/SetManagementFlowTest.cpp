@@ -63,7 +63,7 @@ private Q_SLOTS:
 
             QCOMPARE(client.service.bodies().mid(3),
                      (QList<QByteArray>{"p1=create-sets" + annsDigests + "&p4=" + sent, getSets}));
-            QVERIFY(!document->wndProjectName()->isVisible());
+            QVERIFY(!document->wndProjectName()->isVisible() && client.alert.errors.isEmpty());
             QCOMPARE(document->listOfProjects()->currentText(), u"Newest"_s);
             QCOMPARE(Client::average(document), u"1%"_s);
         }
