@@ -343,6 +343,7 @@ private Q_SLOTS:
                     area.table->viewport()->rect().contains(area.table->visualRect(area.cell(23, column))));
             area.clickCell(23, GoalTableModel::CheckColumn);
             QCOMPARE(area.state(), u"3 of 24 done"_s);
+            area.table->setCurrentIndex(area.cell(5, GoalTableModel::PriorityColumn));
             QTest::keyClick(area.table, Qt::Key_Tab);
             QCOMPARE(area.sheet->focusWidget()->objectName(), u"buttonAddGoal"_s);
             QWheelEvent scroll(QPointF(1, 1), QPointF(1, 1), {}, QPoint(0, 120), Qt::NoButton, {},
