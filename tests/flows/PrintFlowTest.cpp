@@ -139,24 +139,19 @@ private Q_SLOTS:
         QVERIFY(client.alert.errors.isEmpty());
     }
 
-    void aFileThatCannotBeWrittenIsTold_data()
-    {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("reason");
-        QTest::newRow("full disk") << u"/dev/full"_s << u"No space left on device"_s;
-        QTest::newRow("no folder") << u"/no/such/folder/a.pdf"_s << u"No such file or directory"_s;
-    }
     void aFileThatCannotBeWrittenIsTold()
     {
-        QFETCH(QString, path);
-        QFETCH(QString, reason);
-        const PrintingClient client;
-        client.saveAs(path);
-        QCOMPARE(client.alert.errors.size(), 1);
-        QVERIFY2(client.alert.errors[0].contains(path) && client.alert.errors[0].contains(reason),
-                 qPrintable(client.alert.errors[0]));
-        QTRY_VERIFY(client.dialog<QFileDialog>() && client.dialog<QFileDialog>()->isVisible()); // once more
-        QVERIFY(client.dialog<QFileDialog>()->selectedFiles().value(0).startsWith(path));
+        for (const auto &[path, reason] :
+             {std::pair(u"/dev/full"_s, u"No space left on device"_s),
+              std::pair(u"/no/folder/a.pdf"_s, u"No such file or directory"_s)}) {
+            const PrintingClient client;
+            client.saveAs(path);
+            QCOMPARE(client.alert.errors.size(), 1);
+            const QString &told = client.alert.errors[0];
+            QVERIFY2(told.contains(path) && told.contains(reason), qPrintable(told));
+            QTRY_VERIFY(client.dialog<QFileDialog>() && client.dialog<QFileDialog>()->isVisible()); // anew
+            QVERIFY(client.dialog<QFileDialog>()->selectedFiles().value(0).startsWith(path));
+        }
     }
 
     void thePreviewShowsThePagesOneByOneAndSavesThem()
