@@ -90,22 +90,17 @@ void Server::accept()
     m_acceptor.async_accept([this](error_code error, asio::ip::tcp::socket socket) {
         if (m_context.isDraining)
             return;
-        if (error) {
-            acceptLater();
+        if (!error) {
+            welcome(std::move(socket));
+            accept();
             return;
         }
-        welcome(std::move(socket));
-        accept();
-    });
-}
-
-// Out of descriptors, most likely: trying again at once would only burn time.
-void Server::acceptLater()
-{
-    m_acceptTimer.expires_after(acceptPause);
-    m_acceptTimer.async_wait([this](error_code error) {
-        if (!error && !m_context.isDraining)
-            accept();
+        // Out of descriptors, most likely: trying again at once would only burn time.
+        m_acceptTimer.expires_after(acceptPause);
+        m_acceptTimer.async_wait([this](error_code ended) {
+            if (!ended)
+                accept();
+        });
     });
 }
 
@@ -128,8 +123,6 @@ void Server::welcome(asio::ip::tcp::socket socket)
 
 void Server::beginDrain()
 {
-    if (m_context.isDraining)
-        return;
     m_context.isDraining = true;
     error_code ignored;
     m_acceptor.close(ignored);

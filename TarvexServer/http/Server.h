@@ -46,7 +46,6 @@ public:
 private:
     void accept();
     void welcome(boost::asio::ip::tcp::socket socket);
-    void acceptLater();
     void beginDrain();
 
     // In this order the sessions that the last two still hold end before what they use.
