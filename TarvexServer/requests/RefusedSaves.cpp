@@ -21,17 +21,12 @@ void RefusedSaves::signedIn(const std::string &saver)
     m_strangers.erase(saver);
 }
 
-RefusedSaves::Entries &RefusedSaves::entriesOf(const std::string &saver)
-{
-    Entries *known = m_known.find(saver);
-    return known != nullptr ? *known : m_strangers[saver];
-}
-
 void RefusedSaves::refused(const std::string &saver, std::optional<wire::GoalPlace> place)
 {
     const auto until = m_clock() + lifetime;
     const std::lock_guard lock(m_mutex);
-    Entries &entries = entriesOf(saver);
+    Entries *known = m_known.find(saver);
+    Entries &entries = known != nullptr ? *known : m_strangers[saver];
     std::erase_if(entries, [&](const Entry &entry) { return entry.place == place; });
     if (entries.size() >= placesPerSaver)
         entries.erase(entries.begin());

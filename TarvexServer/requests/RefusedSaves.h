@@ -53,8 +53,6 @@ private:
 
     using Entries = std::vector<Entry>;
 
-    Entries &entriesOf(const std::string &saver);
-
     Clock m_clock;
     std::mutex m_mutex;
     security::RecentMap<Entries> m_known;
