@@ -3,15 +3,15 @@
 #include "Areas.h"
 #include "Call.h"
 #include "Handlers.h"
-#include "LargestBody.h"
-#include "Random.h"
 #include "Records.h"
+#include "RequestKind.h"
 #include "Sets.h"
 #include "WireText.h"
 #include "XmlAnswer.h"
 
 #include <algorithm>
 #include <map>
+#include <random>
 
 namespace tarvex::requests {
 
@@ -110,9 +110,10 @@ std::string getRandomGoal(Call &call)
         store::goalsOfSet(call.connection, call.accountId, idField(call, /*number=*/4));
     std::erase_if(goals, [](const store::Goal &goal) { return goal.isChecked; });
     require(!goals.empty());
-    const store::Goal &goal = goals[security::randomBelow(static_cast<std::uint32_t>(goals.size()))];
+    std::random_device source;
+    std::uniform_int_distribution<std::size_t> place(0, goals.size() - 1);
     wire::XmlAnswer answer(wire::XmlAnswer::Encoding::Ascii);
-    writeGoal(answer, goal, /*withArea=*/true);
+    writeGoal(answer, goals[place(source)], /*withArea=*/true);
     return answer.finish();
 }
 
