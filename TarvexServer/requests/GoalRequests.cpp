@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <map>
 #include <random>
+#include <set>
 
 namespace tarvex::requests {
 
@@ -65,13 +66,11 @@ std::vector<store::Goal> soundGoals(const Call &call, const std::vector<wire::Go
     return goals;
 }
 
-std::vector<wire::GoalPlace> placesOf(const Call &call, const std::vector<std::int64_t> &goalIds)
+std::set<wire::GoalPlace> placesOf(const Call &call, const std::vector<std::int64_t> &goalIds)
 {
-    std::vector<wire::GoalPlace> places;
+    std::set<wire::GoalPlace> places;
     for (const store::Goal &goal : store::findGoals(call.connection, call.accountId, goalIds))
-        places.push_back({.setId = goal.setId, .areaId = goal.areaId});
-    std::sort(places.begin(), places.end());
-    places.erase(std::unique(places.begin(), places.end()), places.end());
+        places.insert({.setId = goal.setId, .areaId = goal.areaId});
     return places;
 }
 

@@ -1,14 +1,8 @@
 #include "RefusedSaves.h"
 
-#include <algorithm>
-
 namespace tarvex::requests {
 
-namespace {
-
 constexpr std::size_t placesPerSaver = 64;
-
-} // namespace
 
 void RefusedSaves::signedIn(const std::string &saver)
 {
@@ -29,7 +23,7 @@ void RefusedSaves::refused(const std::string &saver, std::optional<wire::GoalPla
     Entries &entries = known != nullptr ? *known : m_strangers[saver];
     std::erase_if(entries, [&](const Entry &entry) { return entry.place == place; });
     if (entries.size() >= placesPerSaver)
-        entries.erase(entries.begin());
+        entries.pop_front();
     entries.push_back(Entry{.place = place, .until = until});
 }
 
@@ -40,7 +34,7 @@ void RefusedSaves::accepted(const std::string &saver, wire::GoalPlace place)
         std::erase_if(*entries, [&](const Entry &entry) { return entry.place == place; });
 }
 
-bool RefusedSaves::takeRefusal(const std::string &saver, const std::vector<wire::GoalPlace> &places)
+bool RefusedSaves::takeRefusal(const std::string &saver, const std::set<wire::GoalPlace> &places)
 {
     const auto now = m_clock();
     const std::lock_guard lock(m_mutex);
@@ -48,10 +42,9 @@ bool RefusedSaves::takeRefusal(const std::string &saver, const std::vector<wire:
     if (entries == nullptr)
         return false;
     std::erase_if(*entries, [&](const Entry &entry) { return entry.until <= now; });
-    const auto taken = std::erase_if(*entries, [&](const Entry &entry) {
-        return !entry.place || std::find(places.begin(), places.end(), *entry.place) != places.end();
-    });
-    return taken > 0;
+    return std::erase_if(*entries, [&](const Entry &entry) {
+               return !entry.place || places.contains(*entry.place);
+           }) > 0;
 }
 
 } // namespace tarvex::requests

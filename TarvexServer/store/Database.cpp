@@ -22,11 +22,6 @@ constexpr std::size_t readerCount = 4;
 /// Marks a file as a database of ours, in the words of the engine: "TVXC".
 constexpr int applicationId = 0x54565843;
 
-std::string cause(int error)
-{
-    return std::generic_category().message(error);
-}
-
 /// Makes the file before the engine does, so that no one but its owner can ever read it.
 void createFile(const std::filesystem::path &file)
 {
@@ -38,7 +33,8 @@ void createFile(const std::filesystem::path &file)
                          " cannot be made: " + error.message() + ".");
     const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
     if (descriptor < 0)
-        throw CannotOpen("The database " + file.string() + " cannot be opened: " + cause(errno) + ".");
+        throw CannotOpen("The database " + file.string() +
+                         " cannot be opened: " + std::generic_category().message(errno) + ".");
     ::close(descriptor);
 }
 

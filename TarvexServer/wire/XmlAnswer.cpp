@@ -6,11 +6,6 @@
 
 namespace tarvex::wire {
 
-XmlAnswer::XmlAnswer(Encoding encoding)
-    : m_document(R"(<?xml version="1.0" encoding="UTF-8"?><answer>)"), m_encoding(encoding)
-{
-}
-
 void XmlAnswer::beginRecord()
 {
     m_document += "<record>";
