@@ -42,9 +42,8 @@ bool RefusedSaves::takeRefusal(const std::string &saver, const std::set<wire::Go
     if (entries == nullptr)
         return false;
     std::erase_if(*entries, [&](const Entry &entry) { return entry.until <= now; });
-    return std::erase_if(*entries, [&](const Entry &entry) {
-               return !entry.place || places.contains(*entry.place);
-           }) > 0;
+    const auto isTaken = [&](const Entry &entry) { return !entry.place || places.contains(*entry.place); };
+    return std::erase_if(*entries, isTaken) > 0;
 }
 
 } // namespace tarvex::requests

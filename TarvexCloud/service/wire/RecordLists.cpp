@@ -8,11 +8,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
 constexpr QLatin1StringView endMark = ";{_end_}"_L1;
-
-} // namespace
 
 void appendGoalRecords(QString &text, const TVXGoalList &goals, qint64 setsId, qint64 areaId)
 {
