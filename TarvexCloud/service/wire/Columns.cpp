@@ -45,7 +45,10 @@ public:
         XML_SetEntityDeclHandler(m_parser.get(), entityDeclared);
         XML_SetSkippedEntityHandler(m_parser.get(), entitySkipped);
         XML_SetAttlistDeclHandler(m_parser.get(), attributeDeclared);
-        if (!parse())
+        // In a single call: expat copies the document either way, but looks at every byte once more when it
+        // comes in pieces.
+        if (XML_Parse(m_parser.get(), m_xml.data(), static_cast<int>(m_xml.size()), /*isFinal=*/1) !=
+            XML_STATUS_OK)
             return std::nullopt;
         return std::move(m_columns);
     }
@@ -60,14 +63,6 @@ private:
         std::size_t column = 0;
         std::size_t index = 0;
     };
-
-    /// In a single call: expat copies the document either way, but looks at every byte once more when it
-    /// comes in pieces.
-    bool parse()
-    {
-        return XML_Parse(m_parser.get(), m_xml.data(), static_cast<int>(m_xml.size()), /*isFinal=*/1) ==
-               XML_STATUS_OK;
-    }
 
     static void XMLCALL elementStarts(void *reader, const XML_Char *name, const XML_Char **)
     {
