@@ -16,8 +16,7 @@ QAccessibleInterface *makeInterface(const QString &, QObject *object)
 
 void TarvexViewAccessible::install()
 {
-    static const bool installed = (QAccessible::installFactory(makeInterface), true);
-    Q_UNUSED(installed)
+    [[maybe_unused]] static const bool installed = (QAccessible::installFactory(makeInterface), true);
 }
 
 TarvexViewAccessible::TarvexViewAccessible(TarvexView *view) : QAccessibleWidget(view, QAccessible::Graphic)
