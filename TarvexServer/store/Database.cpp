@@ -1,6 +1,5 @@
 #include "Database.h"
 
-#include "EmbeddedSchema.h"
 #include "Schema.h"
 
 #include <cerrno>
