@@ -92,7 +92,7 @@ protected:
     void changeEvent(QEvent *event) override;
 
     /// Hands an event about a slice, its child, to assistive tools.
-    virtual void announce(QAccessibleEvent &event);
+    virtual void announce(QAccessibleEvent &event) { QAccessible::updateAccessibility(&event); }
 
 private:
     /// What assistive tools were last told of a slice.

@@ -56,11 +56,6 @@ Server::Server(requests::Service &service, const std::string &host, std::uint16_
                            " cannot be listened on: " + error.message() + ".");
 }
 
-std::uint16_t Server::port() const
-{
-    return m_acceptor.local_endpoint().port();
-}
-
 void Server::drainOnSignals()
 {
     m_signals.add(SIGTERM);

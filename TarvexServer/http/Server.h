@@ -31,7 +31,7 @@ public:
     Server(requests::Service &service, const std::string &host, std::uint16_t port, const Limits &limits = {},
            Reporter report = {});
 
-    std::uint16_t port() const;
+    std::uint16_t port() const { return m_acceptor.local_endpoint().port(); }
 
     /// Makes SIGTERM and SIGINT drain the server.
     void drainOnSignals();

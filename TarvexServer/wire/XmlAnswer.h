@@ -20,11 +20,11 @@ public:
 
     explicit XmlAnswer(Encoding encoding = Encoding::Utf8) : m_encoding(encoding) {}
 
-    void beginRecord();
+    void beginRecord() { m_document += "<record>"; }
     /// The text must be storable: well-formed UTF-8 without characters that XML cannot carry.
     void element(std::string_view name, std::string_view text);
-    void element(std::string_view name, std::int64_t number);
-    void endRecord();
+    void element(std::string_view name, std::int64_t number) { element(name, std::to_string(number)); }
+    void endRecord() { m_document += "</record>"; }
 
     /// The finished document; the builder is spent afterwards.
     std::string finish();
