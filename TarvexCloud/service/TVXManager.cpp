@@ -152,9 +152,10 @@ TVXAnswer TVXManager::postInSilence(const QByteArray &body, TVXPurpose purpose, 
     return answer;
 }
 
-QString TVXManager::textAnswer(const QByteArray &body, TVXPurpose purpose, QString *whyNoAnswer)
+QString TVXManager::textAnswer(const QByteArray &body, TVXPurpose purpose, QString *whyNoAnswer,
+                               const QString &otherwise)
 {
     const TVXAnswer answer = postInSilence(body, purpose, whyNoAnswer);
     const std::optional<QString> text = answer.data ? asciiText(*answer.data) : std::nullopt;
-    return text ? withoutBlanksAround(*text) : u"Error"_s;
+    return text ? withoutBlanksAround(*text) : otherwise;
 }
