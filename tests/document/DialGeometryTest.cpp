@@ -1,4 +1,5 @@
 #include "DialGeometry.h"
+#include "Samples.h"
 
 #include <QPainterPath>
 #include <QTest>
@@ -21,24 +22,13 @@ private:
     }
 
 private Q_SLOTS:
-    void nothingOverlapsAtAnySize_data()
-    {
-        QTest::addColumn<QSize>("area");
-        QTest::addColumn<qreal>("textScale");
-        for (const qreal scale : {1.0, 1.5, 2.0}) {
-            DialGeometry::TextSizes text = scaled(scale);
-            const QSize least = DialGeometry::minimumArea(text);
-            QTest::addRow("least at %.1f", scale) << least << scale;
-            QTest::addRow("odd at %.1f", scale) << least + QSize(37, 11) << scale;
-            QTest::addRow("large at %.1f", scale) << QSize(1900, 1100) << scale;
-        }
-    }
-
+    void nothingOverlapsAtAnySize_data() { addSampleRows("windows.txt"); }
     void nothingOverlapsAtAnySize()
     {
-        QFETCH(QSize, area);
-        QFETCH(qreal, textScale);
+        const auto [scale, width, height] = sampleRow<3>();
+        const qreal textScale = scale.toDouble();
         const DialGeometry::TextSizes text = scaled(textScale);
+        const QSize area = DialGeometry::minimumArea(text) + QSize(width.toInt(), height.toInt());
         const DialGeometry dial(area, text);
         QCOMPARE(DialGeometry::percentRotations,
                  (std::array<qreal, 8>{-22.5, -67.5, -115.0, -160.0, 150.5, 118.5, 67.5, 22.5}));

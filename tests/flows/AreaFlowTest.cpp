@@ -2,17 +2,13 @@
 
 #include "AreaValueSlider.h"
 #include "AreaWindowController.h"
-#include "BusyIndicator.h"
 #include "GoalTableModel.h"
 #include "GoalTableView.h"
 #include "MnemonicLabel.h"
 
 #include <QAbstractItemModelTester>
-#include <QAccessible>
 #include <QClipboard>
 #include <QComboBox>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -238,33 +234,10 @@ private Q_SLOTS:
         QCOMPARE(Client::percents(area.document).value(2), u"100%"_s);
     }
 
-    void aChangedTextIsKeptOrDroppedByTheUserAlone_data()
-    {
-        using Act = std::function<void(const OpenArea &)>;
-        QTest::addColumn<Act>("act");
-        QTest::addColumn<QString>("left");
-        const QString kept = u"half,Read & write,Sing"_s;
-        const QString dropped = u"Run,Read & write,Sing"_s;
-        const auto press = [](Qt::Key key) {
-            return [key](const OpenArea &area) { QTest::keyClick(area.editor(), key); };
-        };
-        const auto click = [](const char *text) {
-            return [text](const OpenArea &area) { area.click(text); };
-        };
-        QTest::newRow("Return") << Act(press(Qt::Key_Return)) << kept;
-        QTest::newRow("Tab") << Act(press(Qt::Key_Tab)) << kept;
-        QTest::newRow("another cell")
-            << Act([](const OpenArea &area) { area.clickCell(1, GoalTableModel::GoalColumn); }) << kept;
-        QTest::newRow("Keep Text") << Act(click("Keep Text")) << kept;
-        QTest::newRow("Add Goal") << Act(click("Add Goal")) << kept + u",New Goal"_s;
-        QTest::newRow("Remove Goal") << Act(click("Remove Goal")) << u"Read & write,Sing"_s;
-        QTest::newRow("Escape") << Act(press(Qt::Key_Escape)) << dropped;
-        QTest::newRow("Drop Text") << Act(click("Drop Text")) << dropped;
-    }
-
+    void aChangedTextIsKeptOrDroppedByTheUserAlone_data() { addSampleRows("typed-texts.txt"); }
     void aChangedTextIsKeptOrDroppedByTheUserAlone()
     {
-        QFETCH(std::function<void(const OpenArea &)>, act);
+        const auto [act, then, left] = sampleRow<3>();
         const OpenArea area;
         area.openEditor(0);
         QVERIFY(area.isOffered("Save") && !area.isShown("Keep Text"));
@@ -274,9 +247,14 @@ private Q_SLOTS:
         QTest::keyClick(area.editor(), Qt::Key_S, Qt::AltModifier);
         area.accessibleCell(0, GoalTableModel::CheckColumn)->actionInterface()->doAction(u"Toggle"_s);
         QCOMPARE(area.editor()->text(), u"half"_s);
-        act(area);
+        if (act == "press")
+            QTest::keyClick(area.editor(), QKeySequence(QString::fromLatin1(then))[0].key());
+        else if (act == "button")
+            area.click(then.constData());
+        else
+            area.clickCell(1, GoalTableModel::GoalColumn);
         QTRY_VERIFY(area.isOffered("Save"));
-        QTEST(area.texts(), "left");
+        QCOMPARE(area.texts().toUtf8(), left);
         QVERIFY(area.sheet->isVisible() && !area.isShown("Keep Text"));
     }
 
@@ -371,8 +349,6 @@ private Q_SLOTS:
         QCOMPARE(table->focusChild()->text(QAccessible::Name), u"Read & write"_s);
         QCOMPARE(table->focusChild()->text(QAccessible::Description), u"Not done"_s);
         QCOMPARE(table->tableInterface()->columnDescription(GoalTableModel::CheckColumn), u"Done"_s);
-        QVERIFY(area.accessibleCell(1, 1)->state().selected && !area.accessibleCell(2, 1)->state().selected);
-        QCOMPARE(area.accessibleCell(1, 1)->role(), QAccessible::Cell);
         const QPoint middle = area.accessibleCell(2, 1)->rect().center();
         QCOMPARE(table->childAt(middle.x(), middle.y()), area.accessibleCell(2, 1));
         QCOMPARE(table->child(table->indexOfChild(area.accessibleCell(2, 1))), area.accessibleCell(2, 1));
@@ -391,9 +367,6 @@ private Q_SLOTS:
             ->actionInterface()
             ->doAction(QAccessibleActionInterface::pressAction());
         QTRY_COMPARE(area.texts(), u"Run,Read,Hum"_s);
-        const QAccessibleInterface *slider =
-            QAccessible::queryAccessibleInterface(area.controller->sliderOfArea());
-        QCOMPARE(const_cast<QAccessibleInterface *>(slider)->valueInterface()->maximumValue().toInt(), 8);
     }
 
     void whatNobodyTouchedIsSavedUnchanged()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BusyIndicator.h"
 #include "CurlExchange.h"
 #include "DocumentController.h"
 #include "LinkOpener.h"
@@ -13,6 +14,7 @@
 #include "TarvexDocument.h"
 #include "TarvexView.h"
 
+#include <QAccessible>
 #include <QAction>
 #include <QLabel>
 #include <QLineEdit>
@@ -145,7 +147,7 @@ public:
     }
 
     /// Chooses a command of the menu, whatever is up.
-    static void trigger(const TarvexDocument *document, const char *command)
+    static void trigger(const TarvexDocument *document, const QByteArray &command)
     {
         document->window()->findChild<QAction *>(QString::fromLatin1(command))->trigger();
     }

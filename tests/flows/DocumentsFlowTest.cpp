@@ -4,8 +4,6 @@
 
 #include <QSignalSpy>
 
-using namespace Qt::StringLiterals;
-
 class DocumentsFlowTest : public QObject
 {
     Q_OBJECT
@@ -74,26 +72,6 @@ private Q_SLOTS:
         deleting.alertDeleteCurrentprojectEded(nullptr, AlertSheet::alternateReturn, nullptr);
         deleting.alertDeleteCurrentprojectEded(nullptr, AlertSheet::defaultReturn, nullptr);
         QCOMPARE(client.service.bodies().value(3), "p1=delete-sets" + annsDigests + "&p4=7");
-    }
-
-    void aDocumentWithoutAWindowWorksOnTheOutletsItIsGiven()
-    {
-        Client client;
-        const TarvexDocument *shown = client.openSignedIn();
-        TarvexDocument document(client.controller);
-        document.comboBoxSelectionDidChange();
-        QLineEdit field;
-        document.setTextProjectName(&field);
-        QCOMPARE(document.textProjectName(), &field);
-        document.setWheelView(shown->wheelView());
-        document.setListOfProjects(shown->listOfProjects());
-        document.comboBoxSelectionDidChange();
-        QCOMPARE(document.currentSet(), shown->currentSet());
-        document.setListOfProjects(nullptr);
-        document.updatePercentValues();
-        document.reload();
-        document.deleteCurrentProject();
-        QCOMPARE(client.service.requests().size(), 3);
     }
 
     void everythingThatTakesTheFocusHasAName()

@@ -4,7 +4,6 @@
 #include "ReportPreviewDialog.h"
 #include "ReportTexts.h"
 
-#include <QAction>
 #include <QFileDialog>
 #include <QPrinterInfo>
 #include <QProcess>

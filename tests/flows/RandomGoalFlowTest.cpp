@@ -1,11 +1,8 @@
 #include "Client.h"
 
-#include "BusyIndicator.h"
 #include "RandomGoalWindowController.h"
 #include "SliceMark.h"
 #include "WrappedLabel.h"
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -51,17 +48,17 @@ class RandomGoalFlowTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void aGoalIsShownOrItsAbsenceExplained_data() { addSampleRows("random-goals.txt", {"answer", "shown"}); }
+    void aGoalIsShownOrItsAbsenceExplained_data() { addSampleRows("random-goals.txt"); }
     void aGoalIsShownOrItsAbsenceExplained()
     {
-        QFETCH(QByteArray, answer);
+        const auto [answer, expected] = sampleRow<2>();
         OpenGoal open(answer == "(none)" ? noAnswer : httpReply(answer));
         QCOMPARE(open.sent(), QList<QByteArray>{getGoal});
         const WrappedLabel *labelGoal = open.random->labelGoal();
         const bool mayBeDone = answer.contains("<id>12") && !open.hint().contains(u"read"_s);
         const QString host = QString::fromLatin1(open.service.url()).section(u'/', 2, 2);
         const QStringList shown = {open.random->labelArea()->text(), labelGoal->text(), open.hint()};
-        QTEST(shown.join(u'/').replace(host, u"HOST"_s).toUtf8(), "shown");
+        QCOMPARE(shown.join(u'/').replace(host, u"HOST"_s).toUtf8(), expected);
         auto *mark = open.sheet->findChild<SliceMark *>();
         const bool isOfFirst = answer.contains("<area>1<"); // else of the second, if anything is marked
         QCOMPARE(mark->isVisible(), mayBeDone && !answer.contains("99"));
@@ -105,15 +102,10 @@ private Q_SLOTS:
         QVERIFY(!open.button("Mark as Done")->isEnabled()); // nothing of the showing before
     }
 
-    void doneStoresThePercentageForWhenTheSheetCloses_data()
-    {
-        addSampleRows("done.txt", {"area", "answer", "percent"});
-    }
+    void doneStoresThePercentageForWhenTheSheetCloses_data() { addSampleRows("done.txt"); }
     void doneStoresThePercentageForWhenTheSheetCloses()
     {
-        QFETCH(QByteArray, area);
-        QFETCH(QByteArray, answer);
-        QFETCH(QByteArray, percent);
+        const auto [area, answer, percent] = sampleRow<3>();
         OpenGoal open(httpReply(goal("12", "Run", area)));
         auto goalOfProject = std::make_shared<TVXGoal>();
         goalOfProject->setIdOfGoal(12);

@@ -1,13 +1,7 @@
 #include "Client.h"
 
 #include "AlertSheet.h"
-#include "BusyIndicator.h"
 #include "ProjectNameSheet.h"
-
-#include <QAccessible>
-#include <QAction>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -46,12 +40,8 @@ private:
 private Q_SLOTS:
     void creatingSendsTheNameAndSelectsTheSecondItem()
     {
-        const QByteArray nineteen =
-            "{_quest_}{_cbc_}{_cbo_}{_amp_}{_dp_}{_dc_}{_d_}{_c_}{_bq1_}{_tbc_}{_tbo_}"
-            "{_prcnt_}{_slr_}{_sll_}{_v_}{_buks_}{_woof_}{_-_}{_l_}";
         for (const auto &[typed, sent] :
-             {std::pair("May 2026", QByteArray("May 2026")), std::pair("", QByteArray()),
-              std::pair("?][&:;.,`><%/\\^$@~|", nineteen)}) {
+             {std::pair("May 2026", "May 2026"), {"", ""}, {"R&D 50%", "R{_amp_}D 50{_prcnt_}"}}) {
             Client client;
             const TarvexDocument *document = client.openSignedIn();
             Client::trigger(document, "actionNewSet");
@@ -110,22 +100,6 @@ private Q_SLOTS:
             ->setText(QAccessible::Value, name);
         QTest::mouseClick(Client::button(document->wndProjectName(), u"Create"_s), Qt::LeftButton);
         QCOMPARE(client.service.bodies().value(3), "p1=create-sets" + annsDigests + "&p4=" + name.toLatin1());
-    }
-
-    void aFieldThatIsSetTakesThePlaceOfTheSheetsOwn()
-    {
-        QMainWindow window;
-        ProjectNameSheet sheet(&window);
-        QCOMPARE(sheet.name(), QString());
-        auto *field = new QLineEdit(&window);
-        sheet.setTextProjectName(field);
-        sheet.askForName(u"two\nlines"_s, /*tag=*/5);
-        QCOMPARE(sheet.name(), u"two\nlines"_s);
-        field->setText(u"typed"_s);
-        QCOMPARE(sheet.name(), u"typed"_s);
-        sheet.setTextProjectName(nullptr);
-        sheet.askForName(u"next"_s, ProjectNameSheet::tagOfNewSet);
-        QCOMPARE(sheet.name(), u"next"_s);
     }
 
     void deletingSelectsTheSetBefore()
@@ -198,39 +172,27 @@ private Q_SLOTS:
         QCOMPARE(enabled(), u"NewSet RenameSet DeleteSet RandomGoal RenameAreas"_s);
     }
 
+    void eachRequestWithoutAnAnswerRaisesItsAlertAndTheWindowSaysWhatIsKnown_data()
+    {
+        addSampleRows("set-failures.txt");
+    }
     void eachRequestWithoutAnAnswerRaisesItsAlertAndTheWindowSaysWhatIsKnown()
     {
-        for (const auto &[command, kind, refused, unknown] :
-             {std::tuple("actionNewSet", QByteArray("create-sets"), u"The service did not create “x”."_s,
-                         u"“x” may not have been created: choose Reload to see."_s),
-              std::tuple("actionRenameSet", QByteArray("set-sets-name"),
-                         u"The service did not rename the set to “x”."_s,
-                         u"The set may not be called “x” now: choose Reload to see."_s),
-              std::tuple("actionDeleteSet", QByteArray("delete-sets"),
-                         u"The service did not delete “First”."_s,
-                         u"“First” may still be there: choose Reload to see."_s)})
-            for (const auto &[failing, setsThen] :
-                 {std::pair(QByteArrayList{kind}, 2), std::pair(QByteArrayList{"get-sets"}, 0),
-                  std::pair(QByteArrayList{kind, "get-sets"}, 0)}) {
-                Client client;
-                const TarvexDocument *document = client.openSignedIn();
-                for (const QByteArray &failed : failing)
-                    client.service.answer(failed, cutReply());
-                Client::trigger(document, command);
-                if (kind == "delete-sets")
-                    QTest::keyClick(deleteAlert(document), Qt::Key_Return);
-                else
-                    typeName(document, u"x"_s, kind == "create-sets" ? u"Create"_s : u"Rename"_s);
-                QCOMPARE(client.alert.errors.size(), failing.size());
-                QCOMPARE(client.service.requests().size(), 5);
-                QCOMPARE(document->listOfProjects()->count(), setsThen);
-                QCOMPARE(Client::guidance(document),
-                         setsThen == 0 ? u"The service did not answer. %1 The sets could not be loaded. "
-                                         "Choose Reload to fetch them again."_s.arg(unknown)
-                                       : refused);
-                QVERIFY(!document->wndProjectName()->isVisible());
-                QVERIFY(!client.controller.isBusy());
-            }
+        const auto [command, failing, setsThen, sentence] = sampleRow<4>();
+        Client client;
+        const TarvexDocument *document = client.openSignedIn();
+        for (const QByteArray &failed : failing.split(' '))
+            client.service.answer(failed, cutReply());
+        Client::trigger(document, "action" + command);
+        if (command == "DeleteSet")
+            QTest::keyClick(deleteAlert(document), Qt::Key_Return);
+        else
+            typeName(document, u"x"_s, command == "NewSet" ? u"Create"_s : u"Rename"_s);
+        QCOMPARE(client.alert.errors.size(), failing.split(' ').size());
+        QCOMPARE(client.service.requests().size(), 5);
+        QCOMPARE(document->listOfProjects()->count(), setsThen.toInt());
+        QCOMPARE(Client::guidance(document).toUtf8(), sentence);
+        QVERIFY(!document->wndProjectName()->isVisible() && !client.controller.isBusy());
     }
 };
 

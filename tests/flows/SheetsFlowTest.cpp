@@ -36,21 +36,10 @@ private:
     }
 
 private Q_SLOTS:
-    void returnPressesTheButtonThatHasTheFocus_data()
-    {
-        QTest::addColumn<int>("sent");
-        for (const char *command : {"sign-in", "register"})
-            QTest::newRow(command) << 0;
-        for (const char *command :
-             {"actionRenameAreas", "actionNewSet", "actionRenameSet", "actionDeleteSet", "actionAbout"})
-            QTest::newRow(command) << 3;
-        for (const char *command : {"area", "actionRandomGoal"})
-            QTest::newRow(command) << 4;
-    }
-
+    void returnPressesTheButtonThatHasTheFocus_data() { addSampleRows("sheets.txt"); }
     void returnPressesTheButtonThatHasTheFocus()
     {
-        QFETCH(int, sent);
+        const int sent = sampleRow<1>().front().toInt();
         Client client;
         client.service.answer("get-goals", QByteArray("<answer/>"));
         client.service.answer("get-random-goal", xmlAnswer({"id", "name", "area"}, {{"1", "Sing", "1"}}));

@@ -1,17 +1,11 @@
 #include "Client.h"
 
-#include <QAccessible>
-
-using namespace Qt::StringLiterals;
-
 class UntrustedTextFlowTest : public QObject
 {
     Q_OBJECT
 
 private:
-    static QString untrusted(int index)
-    {
-        const QStringList texts = {u"<b>bold</b><img src=x>"_s,
+    const QStringList untrusted = {u"<b>bold</b><img src=x>"_s,
                                    u"R&D &amp; &lt;"_s,
                                    u"two\nlines\tand"_s,
                                    u"\u05E2\u05D1\u05E8\u05D9\u05EA"_s,
@@ -19,8 +13,6 @@ private:
                                    QString(500, u'W'),
                                    u"  blanks  "_s,
                                    QString(200'000, u'x')};
-        return texts[index];
-    }
 
 private Q_SLOTS:
     void namesStayWhatTheyAreAndTheLayoutStands()
@@ -28,7 +20,7 @@ private Q_SLOTS:
         Client client;
         QList<QByteArray> names;
         for (int index = 0; index < 8; ++index)
-            names += untrusted(index).toHtmlEscaped().toUtf8();
+            names += untrusted[index].toHtmlEscaped().toUtf8();
         client.service.answer("get-areas", areasAnswer(names));
         client.service.answer("get-sets", setsAnswer({setRow("1", names[5], names[7] + " <b/> 3 4 5 6 7 8"),
                                                       setRow("2", names[2], "1 2 3 4 5 6 7 8")}));
@@ -38,10 +30,10 @@ private Q_SLOTS:
         Client::signIn(document);
 
         for (int index = 0; index < 8; ++index)
-            QCOMPARE(Client::labels(document)[index], untrusted(index));
-        QCOMPARE(document->listOfProjects()->itemText(0), untrusted(5));
+            QCOMPARE(Client::labels(document)[index], untrusted[index]);
+        QCOMPARE(document->listOfProjects()->itemText(0), untrusted[5]);
         QCOMPARE(document->listOfProjects()->itemText(1), u"two lines and"_s);
-        QVERIFY(document->listOfProjects()->itemData(1, Qt::ToolTipRole).toString().contains(untrusted(2)));
+        QVERIFY(document->listOfProjects()->itemData(1, Qt::ToolTipRole).toString().contains(untrusted[2]));
         QCoreApplication::processEvents();
         QCOMPARE(document->window()->size(), before);
         QCOMPARE(document->window()->minimumSizeHint(), least);

@@ -4,16 +4,13 @@ What the user did is then read back from the service itself.
 usage: first_use.py SERVER CLIENT keys|assistive
 """
 
-import atexit
-import os
 import pathlib
-import signal
 import subprocess
 import sys
 import tempfile
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
-from desktop import Display, Service, begin, wait_for  # noqa: E402
+from desktop import AccessibleDesktop, Display, Service, begin, wait_for  # noqa: E402
 
 MAIN = "Tarvex Cloud - Client for Mac OS X"
 NEW = ("Zoe+1@Example.org", "a&b=c+d%41&p3=x \"'\\?")
@@ -89,44 +86,8 @@ class Keys:
         self.display.keys("ctrl+q")
 
 
-class Assistive:
+class Assistive(AccessibleDesktop):
     """Nothing but what assistive tools can do: press, set texts, set values."""
-
-    def __init__(self, display):
-        os.environ["DISPLAY"] = display.name
-        launcher = begin(["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"], stdout=subprocess.DEVNULL,
-                         stderr=subprocess.DEVNULL, start_new_session=True)
-        atexit.register(os.killpg, launcher.pid, signal.SIGTERM)  # with the bus that it starts
-        import pyatspi  # reads the environment
-
-        self.desktop, self.showing = pyatspi.Registry.getDesktop(0), pyatspi.STATE_SHOWING
-
-    def look(self, name, role, within=None):
-        def here(node):
-            if node.name == name and node.getRoleName() == role and node.getState().contains(self.showing):
-                return node
-            return next((found for child in node if child and (found := here(child))), None)
-
-        try:
-            return here(within or self.desktop)
-        except Exception:  # the tree changes while it is walked
-            return None
-
-    def find(self, name, role, within=None):
-        return wait_for(f"the {role} {name!r}", lambda: self.look(name, role, within))
-
-    def ends(self, sheet):
-        wait_for(f"the end of {sheet!r}", lambda: not self.look(sheet, "dialog"))
-
-    def act(self, name, role, action="Press", within=None):
-        actions = self.find(name, role, within).queryAction()
-        names = [actions.getName(i) for i in range(actions.nActions)]
-        if action not in names:
-            raise SystemExit(f"The {role} {name!r} offers {names}, not {action}.")
-        actions.doAction(names.index(action))
-
-    def write(self, name, text, role="text", within=None):
-        self.find(name, role, within).queryEditableText().setTextContents(text)
 
     def chooses(self, command):
         self.act("File", "menu item", "ShowMenu")

@@ -68,22 +68,17 @@ private Q_SLOTS:
             QCOMPARE(actualLines.value(i), expectedLines.value(i));
     }
 
-    void pagesAreCountedInSinglePrecision_data()
-    {
-        addSampleRows("pages.rows", {"printable", "lines", "goals", "outcome"});
-    }
+    void pagesAreCountedInSinglePrecision_data() { addSampleRows("pages.rows"); }
     void pagesAreCountedInSinglePrecision()
     {
-        QFETCH(QByteArray, printable);
-        QFETCH(QByteArray, lines);
-        QFETCH(QByteArray, goals);
+        const auto [printable, lines, goals, outcome] = sampleRow<4>();
         const QRectF page(28.8, 28.8, 554.4, printable.toDouble());
         const ReportLineHeights heights{/*title=*/30, lines.split(' ')[0].toFloat(),
                                         lines.split(' ')[1].toFloat()};
         const float height = ReportPages::documentHeight(heights, goals.toLongLong());
         const qint64 pages = ReportPages::countPages(height, ReportPages::pageHeight(page));
         const QRectF last = ReportPages::rectForPage(page, pages);
-        QTEST(QByteArray::number(pages) + ' ' + QByteArray::number(last.y(), 'g', 12), "outcome");
+        QCOMPARE(QByteArray::number(pages) + ' ' + QByteArray::number(last.y(), 'g', 12), outcome);
         QCOMPARE(last.height(), page.height());
     }
 };

@@ -1,6 +1,6 @@
 #include "Md5.h"
 #include "RawClient.h"
-#include "Samples.h"
+#include "SampleRows.h"
 #include "TemporaryFolder.h"
 
 #define BOOST_PROCESS_USE_STD_FS
@@ -94,6 +94,6 @@ TEST(Binary, ServesTheSampleAccountUntilItIsTold)
 TEST(Binary, SaysInOneLineWhyItCannotStart)
 {
     const TemporaryFolder folder;
-    for (const SampleRow &row : sampleRows("refused-starts.txt", /*fields=*/2))
+    for (const SampleRow &row : sampleRows("refused-starts.txt"))
         EXPECT_EQ(ServerProcess(folder, row[0]).ended(), std::pair(1, "tarvex-server: " + row[1] + "\n"));
 }

@@ -1,6 +1,6 @@
 #include "PeerAddress.h"
 #include "RawClient.h"
-#include "Samples.h"
+#include "SampleRows.h"
 #include "Server.h"
 #include "ServiceFixture.h"
 
@@ -98,7 +98,7 @@ TEST_F(Http, RefusesALargeBodyInTheWordsOfItsKindAndGoesOn)
 TEST_F(Http, AnswersWhatIsNotTheProtocolWithAPlainStatus)
 {
     start();
-    for (const SampleRow &row : sampleRows("refused-heads.txt", /*fields=*/2)) {
+    for (const SampleRow &row : sampleRows("refused-heads.txt")) {
         RawClient client(port());
         client.send(row[0]);
         const auto response = client.read();
@@ -258,6 +258,6 @@ TEST(ConnectionCounts, LimitConnectionsPerPeerAndAltogether)
 
 TEST(PeerName, IsWhatOneSubscriberHas)
 {
-    for (const SampleRow &row : sampleRows("peer-names.txt", /*fields=*/2))
+    for (const SampleRow &row : sampleRows("peer-names.txt"))
         EXPECT_EQ(http::peerName(boost::asio::ip::make_address(row[0])), row[1]) << row[0];
 }

@@ -1,5 +1,5 @@
 #include "SampleAccount.h"
-#include "Samples.h"
+#include "SampleRows.h"
 #include "ServiceFixture.h"
 
 using namespace tarvex;
@@ -13,7 +13,7 @@ protected:
     /// Takes the steps of a sample file one after the other.
     void converse(const std::string &file)
     {
-        for (const SampleRow &row : sampleRows(file, /*fields=*/3))
+        for (const SampleRow &row : sampleRows(file))
             EXPECT_EQ(shown(step(row[0]), row[1]), row[2]) << row[0].substr(0, 200);
     }
 

@@ -1,7 +1,7 @@
 #include "Decimal.h"
 #include "Form.h"
 #include "Records.h"
-#include "Samples.h"
+#include "SampleRows.h"
 #include "SignUpAnswer.h"
 #include "SignUpForm.h"
 #include "WireText.h"
@@ -69,7 +69,7 @@ TEST(Wire, ReadsWhatItsSamplesSay)
         {"names.txt", showName},
     };
     for (const auto &[file, show] : subjects) {
-        for (const SampleRow &row : sampleRows(file, /*fields=*/3)) {
+        for (const SampleRow &row : sampleRows(file)) {
             std::ostringstream shown;
             show(shown, row[1]);
             EXPECT_EQ(shown.str(), row[2]) << file << ": " << row[0];

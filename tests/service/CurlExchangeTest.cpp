@@ -40,12 +40,10 @@ private Q_SLOTS:
         QCOMPARE(wire.service.requests(), {head + form});
     }
 
-    void everyReplyHasOneOutcome_data() { addSampleRows("replies.txt", {"reply", "then", "outcome"}); }
+    void everyReplyHasOneOutcome_data() { addSampleRows("replies.txt"); }
     void everyReplyHasOneOutcome()
     {
-        QFETCH(QByteArray, reply);
-        QFETCH(QByteArray, then);
-        QFETCH(QByteArray, outcome);
+        const auto [reply, then, outcome] = sampleRow<3>();
         Wire wire{outcome.endsWith("in time") ? 300ms : 20'000ms};
         wire.service.answer("get-sets", {reply, then == "closed", std::chrono::milliseconds(then.toInt())});
 
@@ -61,28 +59,20 @@ private Q_SLOTS:
         QCOMPARE(wire.wait.ended, 1);
     }
 
-    void unreachableServicesAreDescribed_data() { addSampleRows("unreachable.txt", {"url", "said"}); }
+    void unreachableServicesAreDescribed_data() { addSampleRows("unreachable.txt"); }
     void unreachableServicesAreDescribed()
     {
-        QFETCH(QByteArray, url);
-        QFETCH(QByteArray, said);
+        const auto [url, said] = sampleRow<2>();
         RecordingWait wait;
         const TVXAnswer answer = CurlExchange(url, /*deadline=*/20s, wait).post(form);
         QVERIFY2(!answer.data && answer.errorDescription.toUtf8().contains(said),
                  qPrintable(answer.errorDescription));
     }
 
-    void aKeptConnectionThatDiesTakesASecondCopyOfReadsOnly_data()
-    {
-        addSampleRows("dying.txt", {"purpose", "second", "last", "dies", "outcome"});
-    }
+    void aKeptConnectionThatDiesTakesASecondCopyOfReadsOnly_data() { addSampleRows("dying.txt"); }
     void aKeptConnectionThatDiesTakesASecondCopyOfReadsOnly()
     {
-        QFETCH(QByteArray, purpose);
-        QFETCH(QByteArray, second);
-        QFETCH(QByteArray, last);
-        QFETCH(QByteArray, dies);
-        second.replace('*', QByteArray(3'000'000, 'x'));
+        const auto [purpose, second, last, dies, outcome] = sampleRow<5>();
         Wire wire;
         for (const char *kind : {"x", ""})
             wire.service.answer(kind, {last, /*closes=*/true, /*perByte=*/0ms, dies == "once"});
@@ -93,21 +83,9 @@ private Q_SLOTS:
         const qsizetype copies = wire.service.bodies().count(second);
         QVERIFY(wire.exchange.post(form).data);
 
-        QTEST(QByteArray::number(copies) + ' ' + answer.data.value_or("lost"), "outcome");
+        QCOMPARE(QByteArray::number(copies) + ' ' + answer.data.value_or("lost"), outcome);
         QCOMPARE(answer.errorDescription.contains(u"was lost"), !answer.data);
         QCOMPARE(wire.service.bodies(), QList<QByteArray>{form} << QList<QByteArray>(copies, second) << form);
-    }
-
-    void aConnectionClosedWhileIdleIsReplaced()
-    {
-        Wire wire;
-        wire.service.answer("get-sets", {httpReply("x").bytes, /*closes=*/true});
-
-        QVERIFY(wire.exchange.post(form).data);
-        QTRY_COMPARE(wire.service.openConnections(), 0);
-        QCOMPARE(wire.exchange.post(form).data, QByteArray("x"));
-
-        QCOMPARE(wire.service.bodies(), QList<QByteArray>(2, form));
     }
 
     void largeAnswersCountUpToTheLimit()

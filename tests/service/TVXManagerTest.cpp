@@ -162,33 +162,31 @@ class TVXManagerTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void eachRequestIsOneForm_data() { addSampleRows("forms.txt", {"form", "copies", "outcome"}); }
+    void eachRequestIsOneForm_data() { addSampleRows("forms.txt"); }
     void eachRequestIsOneForm()
     {
-        QFETCH(QByteArray, form);
-        QFETCH(QByteArray, copies);
+        const auto [form, copies, outcome] = sampleRow<3>();
         Client client;
         QVERIFY(client.exchange.post({}).data); // leaves a connection, which dies with the next request
-        QTEST(client.outcome(QTest::currentDataTag(), {{}, /*closes=*/true}), "outcome");
+        QCOMPARE(client.outcome(QTest::currentDataTag(), {{}, /*closes=*/true}), outcome);
         QCOMPARE(client.service.bodies(), QList<QByteArray>{""} << QList<QByteArray>(copies.toInt(), form));
     }
 
-    void eachAnswerHasItsOutcome_data() { addSampleRows("answers.txt", {"kind", "answer", "outcome"}); }
+    void eachAnswerHasItsOutcome_data() { addSampleRows("answers.txt"); }
     void eachAnswerHasItsOutcome()
     {
-        QFETCH(QByteArray, kind);
-        QFETCH(QByteArray, answer);
+        const auto [kind, answer, outcome] = sampleRow<3>();
         Client client;
-        QTEST(client.outcome(kind, httpReply(answer)), "outcome");
+        QCOMPARE(client.outcome(kind, httpReply(answer)), outcome);
         QCOMPARE(client.service.bodies().size(), 1);
     }
 
-    void addressesAreJudgedWhole_data() { addSampleRows("addresses.txt", {"address", "verdict"}); }
+    void addressesAreJudgedWhole_data() { addSampleRows("addresses.txt"); }
     void addressesAreJudgedWhole()
     {
-        QFETCH(QByteArray, address);
+        const auto [address, verdict] = sampleRow<2>();
         const bool isValid = Client().manager.isItValidEmail(QString::fromUtf8(address));
-        QTEST(QByteArray(isValid ? "valid" : "invalid"), "verdict");
+        QCOMPARE(QByteArray(isValid ? "valid" : "invalid"), verdict);
     }
 };
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <QTcpSocket>
-#include <QTimer>
 #include <utility>
 
 namespace {
@@ -24,20 +23,6 @@ bool isComplete(const QByteArray &request)
     const qsizetype at = head.indexOf(field);
     const QByteArray length = at < 0 ? "0" : head.sliced(at + field.size()).split('\r').first();
     return request.size() >= headEnd + 4 + length.toLongLong();
-}
-
-void sendSlowly(QTcpSocket *socket, const ServiceReply &reply)
-{
-    auto *timer = new QTimer(socket);
-    QObject::connect(timer, &QTimer::timeout, socket, [=, sent = qsizetype(0)]() mutable {
-        if (sent < reply.bytes.size())
-            socket->write(reply.bytes.constData() + sent++, 1);
-        else if (reply.closes)
-            socket->disconnectFromHost();
-        else
-            timer->stop();
-    });
-    timer->start(reply.perByte);
 }
 
 } // namespace
@@ -101,13 +86,6 @@ QList<QByteArray> LoopbackService::bodies() const
     return bodies;
 }
 
-qsizetype LoopbackService::openConnections() const
-{
-    qsizetype count = 0;
-    inItsThread([&] { count = m_server.findChildren<QTcpSocket *>().size(); });
-    return count;
-}
-
 // Clients send nothing more before they have their answer; if one did, it would show as part of the request.
 void LoopbackService::acceptConnections()
 {
@@ -141,11 +119,14 @@ void LoopbackService::take(const QPointer<QTcpSocket> &socket, const QByteArray 
         m_script.remove(kind);
     if (!socket)
         return;
-    if (reply.perByte.count() > 0) {
-        sendSlowly(socket, reply);
-        return;
+    const bool isSlow = reply.perByte.count() > 0;
+    for (qsizetype sent = 0, step = isSlow ? 1 : reply.bytes.size(); sent < reply.bytes.size();
+         sent += step) {
+        socket->write(reply.bytes.constData() + sent, step);
+        if (isSlow && !socket->waitForReadyRead(static_cast<int>(reply.perByte.count())) &&
+            !socket->isValid())
+            return; // nobody waits any longer
     }
-    socket->write(reply.bytes);
     if (reply.closes)
         socket->disconnectFromHost();
 }

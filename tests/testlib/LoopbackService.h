@@ -54,8 +54,6 @@ public:
     /// Their bodies alone.
     QList<QByteArray> bodies() const;
 
-    qsizetype openConnections() const;
-
 private:
     void inItsThread(const std::function<void()> &action) const;
     void acceptConnections();

@@ -1,35 +1,25 @@
 #pragma once
 
-#include <QFile>
+#include "SampleRows.h"
+
+#include <array>
 #include <QTest>
 
-/// The bytes of a file in the folder "samples" beside the test; without any the test cannot go on.
-inline QByteArray sampleFile(const char *name)
+/// Gives the test a row for each line of a sample file, under the name that is its first field.
+inline void addSampleRows(const char *file)
 {
-    QFile file(QLatin1String(TARVEX_SAMPLES "/") + QLatin1String(name));
-    QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    if (bytes.isEmpty())
-        qFatal("the samples of %s are missing", name);
-    return bytes;
+    QTest::addColumn<SampleRow>("row");
+    for (const SampleRow &row : sampleRows(file))
+        QTest::newRow(row.front().c_str()) << row;
 }
 
-/// Gives the test a row of byte arrays for each line of a sample file: its name, "|", the fields with "|"
-/// between them. Blanks around a field do not count; \n, \r and, for any other byte, a backslash and two
-/// hexadecimal digits stand for what a line cannot hold. "#" starts a remark.
-inline void addSampleRows(const char *file, const QList<const char *> &columns)
+/// The fields behind that name, each for a variable of its own.
+template<std::size_t count>
+std::array<QByteArray, count> sampleRow()
 {
-    for (const char *column : columns)
-        QTest::addColumn<QByteArray>(column);
-    for (const QByteArray &line : sampleFile(file).split('\n')) {
-        const QByteArrayList fields = line.split('|');
-        if (line.isEmpty() || line.startsWith('#'))
-            continue;
-        if (fields.size() != columns.size() + 1)
-            qFatal("%s: too few fields or too many: %s", file, line.constData());
-        QTestData &row = QTest::newRow(fields.first().trimmed().constData());
-        for (QByteArray field : fields.sliced(1)) {
-            field = field.trimmed().replace("\\r", "\r").replace("\\n", "\n");
-            row << QByteArray::fromPercentEncoding(field, /*percent=*/'\\');
-        }
-    }
+    QFETCH(SampleRow, row);
+    std::array<QByteArray, count> fields;
+    for (std::size_t i = 0; i < count; ++i)
+        fields.at(i) = QByteArray::fromStdString(row.at(i + 1));
+    return fields;
 }

@@ -1,5 +1,6 @@
 #include "TarvexView.h"
 #include "ElidedLabel.h"
+#include "Samples.h"
 #include "SideTip.h"
 #include "SliceWords.h"
 
@@ -181,18 +182,12 @@ private Q_SLOTS:
         QVERIFY(!isRinged(0) && isRinged(2));
     }
 
+    void aSliceTellsItsValueAndPercentInWords_data() { addSampleRows("words.txt"); }
     void aSliceTellsItsValueAndPercentInWords()
     {
-        const QString huge(500, u'8');
-        const QString cut = huge.left(40) + u'\u2026';
-        for (const auto &[name, value, percent, words] :
-             std::initializer_list<std::tuple<QString, qint32, QString, QString>>{
-                 {u"Health"_s, 6, u"75"_s, u"Health: 6 - Good. 75% of its goals in this set are done."_s},
-                 {u"%2 <b>\n&"_s, 9, u""_s, u"%2 <b> &: 9."_s},
-                 {u" \u200B\t"_s, -1, u" "_s, u"(no name): -1."_s},
-                 {huge, 0, huge,
-                  cut + u": 0 - Very Bad. "_s + cut + u"% of its goals in this set are done."_s}})
-            QCOMPARE(sliceWords(name, value, percent), words);
+        const auto [name, value, percent, words] = sampleRow<4>();
+        const QString said = sliceWords(QString::fromUtf8(name), value.toInt(), QString::fromUtf8(percent));
+        QCOMPARE(said.toUtf8(), words);
     }
 
     void wordsStandBesideTheSliceReachedByKeyboardOnly()

@@ -3,6 +3,7 @@
 #include <boost/algorithm/string.hpp>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -15,31 +16,34 @@ inline std::filesystem::path samplesFolder()
     return TARVEX_SAMPLES;
 }
 
-/// \r and \n stand for themselves, a backslash with two hexadecimal digits for any byte, and {c*9} for nine
-/// times the character c.
+/// \r and \n stand for themselves, a backslash with two hexadecimal digits for any byte, and {text*9} for
+/// nine times the text.
 inline std::string sampleBytes(std::string text)
 {
+    static const std::regex repeated(R"(\{([^{}*]+)\*(\d+)\})");
     boost::replace_all(text, "\\r", "\r");
     boost::replace_all(text, "\\n", "\n");
     std::string bytes;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] == '\\') {
+    for (std::size_t at = 0; at < text.size();) {
+        std::cmatch found;
+        if (std::regex_search(text.c_str() + at, found, repeated, std::regex_constants::match_continuous)) {
+            for (auto left = std::stoul(found[2]); left > 0; --left)
+                bytes += found[1];
+            at += static_cast<std::size_t>(found.length());
+        } else if (text[at] == '\\') {
             bytes += static_cast<char>(std::stoi(text.substr(at + 1, 2), nullptr, /*base=*/16));
-            at += 2;
-        } else if (text.compare(at, 1, "{") == 0 && text.compare(at + 2, 1, "*") == 0) {
-            bytes.append(std::stoul(text.substr(at + 3)), text[at + 1]);
-            at = text.find('}', at);
+            at += 3;
         } else {
-            bytes += text[at];
+            bytes += text[at++];
         }
     }
     return bytes;
 }
 
-/// The rows of a file in the folder "samples" beside this one, each with that many fields, "|" between them.
-/// Blanks at the ends of a field do not count; lines that start with "#" explain. Throws if a row has other
-/// fields, or if there is none.
-inline std::vector<SampleRow> sampleRows(const std::string &file, std::size_t fields)
+/// The rows of a file in the folder "samples" beside the test, "|" between their fields. Blanks at the ends
+/// of a field do not count; lines that start with "#" explain. Throws if there is no row, or one of another
+/// length.
+inline std::vector<SampleRow> sampleRows(const std::string &file)
 {
     std::ifstream lines(samplesFolder() / file);
     std::vector<SampleRow> rows;
@@ -48,7 +52,7 @@ inline std::vector<SampleRow> sampleRows(const std::string &file, std::size_t fi
             continue;
         SampleRow &row = rows.emplace_back();
         boost::split(row, line, [](char character) { return character == '|'; });
-        if (row.size() != fields)
+        if (row.size() != rows.front().size())
             throw std::runtime_error(line.append(" in ").append(file));
         for (std::string &field : row)
             field = sampleBytes(boost::trim_copy(field));
