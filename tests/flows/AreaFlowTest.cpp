@@ -258,16 +258,6 @@ private Q_SLOTS:
         QVERIFY(area.sheet->isVisible() && !area.isShown("Keep Text"));
     }
 
-    void aSaveThatRunsInSpiteOfAnOpenTextDropsIt()
-    {
-        OpenArea area;
-        area.click("Add Goal");
-        QCOMPARE(area.editor()->selectedText(), u"New Goal"_s);
-        QTest::keyClicks(area.editor(), u"half"_s);
-        area.controller->closeAndSavedetailsWindow();
-        QVERIFY(!area.sheet->isVisible() && area.written().value(1).contains("name:New Goal;"));
-    }
-
     void aTextThatNobodyTypedCountsAsTyped()
     {
         const OpenArea area;

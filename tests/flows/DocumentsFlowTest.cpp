@@ -61,9 +61,6 @@ private Q_SLOTS:
         routed.setNamesForAreasOnWindow();
         QCOMPARE(Client::labels(current).value(2), u"Renamed"_s);
         QCOMPARE(routed.project(), current->project());
-        TarvexDocument adding(client.controller);
-        adding.addNewProject();
-        QTest::keyClick(current->wndProjectName(), Qt::Key_Escape);
         TarvexDocument editing(client.controller);
         editing.editCurrentProject();
         QCOMPARE(current->wndProjectName()->tag(), 7);

@@ -40,18 +40,6 @@ private Q_SLOTS:
         }
     }
 
-    void labelsFollowTheRecordAlsoWhenItsIndexStays()
-    {
-        Client client;
-        TarvexDocument *document = client.openSignedIn();
-        client.service.answer("get-sets", setsAnswer({setRow("8", "Other", "1 1 1 1 1 1 1 1"),
-                                                      setRow("9", "Second", "2 2 2 2 2 2 2 2")}));
-        document->startGettingData();
-        document->listOfProjects()->reloadData();
-        QCOMPARE(document->listOfProjects()->currentText(), u"Other"_s);
-        QCOMPARE(Client::average(document), u"1%"_s);
-    }
-
     void aNameResolvesByIdentityAndElseToTheFirst()
     {
         Client client;
@@ -64,11 +52,6 @@ private Q_SLOTS:
         QCOMPARE(document->comboBoxIndexOfItemWithStringValue(selector, selector->currentText()), 1);
         QCOMPARE(document->comboBoxIndexOfItemWithStringValue(selector, u"Twin"_s), 0);
         QCOMPARE(document->comboBoxIndexOfItemWithStringValue(selector, u"nobody"_s), 0);
-
-        const SourcedComboBox another;
-        QCOMPARE(document->numberOfItemsInComboBox(&another), 0);
-        QVERIFY(document->comboBoxObjectValueForItemAtIndex(&another, 0).isNull());
-        QCOMPARE(document->comboBoxIndexOfItemWithStringValue(&another, selector->currentText()), 0);
     }
 
     void theSelectionStaysWhileSetsAreFetchedAndWhenScrolledPast()

@@ -4,6 +4,7 @@
 #include "Server.h"
 #include "ServiceFixture.h"
 
+#include <future>
 #include <thread>
 
 using namespace tarvex;
@@ -201,18 +202,16 @@ TEST_F(Http, SaysThatItIsBusyWhenARequestTakesTooLong)
 TEST_F(Http, ServesManyConnectionsAtOnce)
 {
     start();
-    std::vector<std::thread> clients;
-    clients.reserve(8);
-    for (int i = 0; i < 8; ++i)
-        clients.emplace_back([&] {
+    std::vector<std::future<void>> clients(8);
+    for (std::future<void> &running : clients)
+        running = std::async(std::launch::async, [&] {
             RawClient client(port());
             for (int j = 0; j < 5; ++j) {
                 EXPECT_EQ(client.post(asAnna("create-sets", "&p4=x")).body(), "OK");
                 EXPECT_EQ(client.post(asAnna("get-areas")).result_int(), 200U);
             }
         });
-    for (std::thread &client : clients)
-        client.join();
+    clients.clear(); // once they have ended
     EXPECT_EQ(column(postAsAnna("get-sets"), "name").size(),
               std::string("[My wheel]").size() + 40 * std::string("[x]").size());
 }
