@@ -1,6 +1,6 @@
 #pragma once
 
-#include "XKJsonObject.h"
+#include "XKJsonValue.h"
 
 #include <utility>
 #include <vector>

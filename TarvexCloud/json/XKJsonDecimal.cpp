@@ -1,16 +1,15 @@
 #include "XKJsonDecimal.h"
 
-#include "XKJsonNumberText.h"
+#include "XKJsonCursor.h"
 
 std::optional<XKJsonDecimal> XKJsonDecimal::fromText(const QString &text)
 {
     XKJsonDecimal decimal(text);
-    const auto *const units = reinterpret_cast<const char16_t *>(decimal.m_text.utf16()); // ends with a zero
-    if (*units != u'-' && !XKJsonText::isDigit(*units))
+    (void)decimal.m_text.utf16(); // makes sure that a zero stands behind it
+    XKJsonCursor c{QStringView(decimal.m_text)};
+    if (*c != u'-' && !XKJsonScan::isDigit(*c))
         return std::nullopt;
-    const char16_t *const end = units + decimal.m_text.size();
-    const XKJsonNumberText number = XKJsonNumberText::read(units, XKJsonText::Limit(units, end - units));
-    if (number.fault != XKJsonNumberText::Fault::None || !number.exponentFits || number.end != end)
+    if (c.takeNumber().fault || c.place() != QStringView(decimal.m_text).utf16() + decimal.m_text.size())
         return std::nullopt;
     return decimal;
 }

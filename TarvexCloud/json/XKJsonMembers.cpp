@@ -2,80 +2,28 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <QRandomGenerator>
+#include <stdexcept>
 
 namespace {
 
-constexpr std::size_t fewMembers = 4;
-constexpr int quickHashBits = 11;
-constexpr std::size_t quickHashes = std::size_t(1) << quickHashBits;
+// With so many, comparing each key with each other one is faster than hashing them.
+constexpr std::size_t fewMembers = 8;
 
-bool sameText(const XKJsonNode &key, const XKJsonNode &other)
+bool isText(const XKJsonNode &key)
 {
-    return key.length() == other.length() &&
-           std::memcmp(key.text, other.text, key.length() * sizeof(char16_t)) == 0;
+    return key.kind() == XKJsonKind::String || key.kind() == XKJsonKind::Decimal;
 }
 
-// Good enough to tell the few keys of a small dictionary apart, and no more than two loads.
-std::size_t quickHash(const XKJsonNode &key)
+bool isSameKey(const XKJsonNode &key, const XKJsonNode &other)
 {
-    const std::size_t length = key.length();
-    quint64 first = 0;
-    quint64 last = 0;
-    if (length >= 4) {
-        std::memcpy(&first, key.text, sizeof(first));
-        std::memcpy(&last, key.text + length - 4, sizeof(last));
-    } else if (length > 0) {
-        first = key.text[0] | quint64(key.text[length / 2]) << 16 | quint64(key.text[length - 1]) << 32;
-    }
-    return static_cast<std::size_t>((first * 3 + last + length) * 0x9E3779B97F4A7C15u >>
-                                    (64 - quickHashBits));
-}
-
-// A key of the first `count` members, or null.
-XKJsonNode *findLinearly(XKJsonNode *members, std::size_t count, const XKJsonNode &key)
-{
-    for (XKJsonNode *member = members; member != members + 2 * count; member += 2)
-        if (sameText(*member, key))
-            return member;
-    return nullptr;
-}
-
-// Whether all keys of a few members differ already in their lengths, or in their first units.
-bool differAtSight(const XKJsonNode *members, std::size_t count)
-{
-    for (std::size_t i = 1; i < count; ++i)
-        for (std::size_t j = 0; j < i; ++j) {
-            const XKJsonNode &key = members[2 * i];
-            const XKJsonNode &other = members[2 * j];
-            if (key.length() == other.length() && *key.text == *other.text)
-                return false;
-        }
-    return true;
-}
-
-std::size_t mergedSmall(XKJsonNode *members, std::size_t count)
-{
-    std::array<quint64, quickHashes / 64> seen{};
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const XKJsonNode &key = members[2 * i];
-        const std::size_t hash = quickHash(key);
-        quint64 &word = seen[hash / 64];
-        const quint64 bit = quint64(1) << hash % 64;
-        if (Q_UNLIKELY(word & bit)) {
-            if (XKJsonNode *const earlier = findLinearly(members, kept, key)) {
-                earlier[1] = members[2 * i + 1];
-                continue;
-            }
-        }
-        word |= bit;
-        if (Q_UNLIKELY(kept != i))
-            std::copy_n(members + 2 * i, 2, members + 2 * kept);
-        ++kept;
-    }
-    return kept;
+    if (key.length() != other.length() || key.kind() != other.kind())
+        return false;
+    if (isText(key)) // mostly they differ soon
+        return std::mismatch(key.text, key.text + key.length(), other.text).first == key.text + key.length();
+    return key.kind() == XKJsonKind::Double ? key.real == other.real : key.integer == other.integer;
 }
 
 using Wide = __uint128_t;
@@ -103,21 +51,13 @@ public:
         static const Hash hash(*QRandomGenerator::system());
         return hash;
     }
-    quint64 of(QStringView key) const
+    quint64 of(const XKJsonNode &key) const
     {
-        const char16_t *units = key.utf16();
-        const auto length = static_cast<std::size_t>(key.size());
-        quint64 hash = m_start ^ length;
-        if (length < 4) {
-            for (const char16_t *const end = units + length; units != end; ++units)
-                hash = (hash ^ *units) << 16 | hash >> 48;
-            return folded(folded(hash ^ m_even, m_odd), m_even);
-        }
-        const char16_t *const last = units + length - 4;
-        for (; last - units > 4; units += 8)
-            hash = folded(fourUnits(units) ^ hash ^ m_even, fourUnits(units + 4) ^ m_odd);
-        return folded(folded(fourUnits(std::min(units, last)) ^ hash ^ m_even, fourUnits(last) ^ m_odd),
-                      m_even);
+        if (isText(key))
+            return ofText(key.text, key.length());
+        if (key.kind() == XKJsonKind::Double)
+            return mixed(std::bit_cast<quint64>(key.real + 0.0)); // which makes one of the two zeros
+        return mixed(static_cast<quint64>(key.integer));
     }
 
 private:
@@ -126,110 +66,156 @@ private:
     {
     }
 
+    quint64 mixed(quint64 bits) const { return folded(folded(bits ^ m_start ^ m_even, m_odd), m_even); }
+    quint64 ofText(const char16_t *units, std::size_t length) const
+    {
+        if (length < 4) {
+            quint64 few = length;
+            for (const char16_t *const end = units + length; units != end; ++units)
+                few = few << 16 | *units;
+            return mixed(few);
+        }
+        quint64 hash = m_start ^ length;
+        const char16_t *const last = units + length - 4;
+        for (; last - units > 4; units += 8)
+            hash = folded(fourUnits(units) ^ hash ^ m_even, fourUnits(units + 4) ^ m_odd);
+        return folded(folded(fourUnits(std::min(units, last)) ^ hash ^ m_even, fourUnits(last) ^ m_odd),
+                      m_even);
+    }
+
     quint64 m_start;
     quint64 m_even;
     quint64 m_odd;
 };
 
-/// The slots of a dictionary. One is zero, or the position of a member plus one in its low bits and bits of
-/// the key's hash above, which mostly tell whether the member is worth a look.
-class Index
+/// The slots in front of many members. One is zero, or the position of a member plus one in its low bits and
+/// bits of the key's hash above, which mostly tell whether the member is worth a look.
+class Slots
 {
 public:
-    using Slot = quint64;
+    using Slot = quint32;
 
-    Index(Slot *slots, std::size_t count) : m_slots(slots), m_count(count) {}
-
-    static std::size_t slotsFor(std::size_t members) { return members + members / 2; }
-
-    void prefetch(quint64 hash) const { __builtin_prefetch(m_slots + first(hash), /*rw=*/1); }
-    /// The slot of that key, or the free one where it belongs.
-    Slot &find(quint64 hash, QStringView key, const XKJsonNode *members) const
+    Slots(const XKJsonNode *members, std::size_t count)
+        : m_members(members), m_positions(static_cast<Slot>(2 * std::bit_ceil(count) - 1)),
+          m_count(countFor(count)),
+          m_first(reinterpret_cast<Slot *>(const_cast<XKJsonNode *>(members)) - m_count)
     {
-        std::size_t slot = first(hash);
-        while (m_slots[slot] != 0) {
-            const bool mayMatch = ((m_slots[slot] ^ slotOf(hash, /*position=*/0)) & ~positionMask) == 0;
-            if (mayMatch && members[2 * positionIn(m_slots[slot])].view() == key)
-                break;
-            slot = slot + 1 == m_count ? 0 : slot + 1;
-        }
-        return m_slots[slot];
     }
-    static Slot slotOf(quint64 hash, std::size_t position) { return hash << positionBits | position; }
-    static std::size_t positionIn(Slot slot) { return (slot & positionMask) - 1; }
+
+    static std::size_t countFor(std::size_t members) { return std::bit_ceil(members) / 2 * 3; }
+
+    void clear() { std::fill_n(m_first, m_count, 0); }
+    void prefetch(quint64 hash) const { __builtin_prefetch(m_first + placeOf(hash), /*rw=*/1); }
+    /// The slot of that key, or the free one where it belongs.
+    Slot &find(quint64 hash, const XKJsonNode &key) const
+    {
+        std::size_t place = placeOf(hash);
+        for (; m_first[place] != 0; place = place + 1 == m_count ? 0 : place + 1) {
+            const bool mayMatch = ((m_first[place] ^ static_cast<Slot>(hash)) & ~m_positions) == 0;
+            if (mayMatch && isSameKey(m_members[2 * positionIn(m_first[place])], key))
+                break;
+        }
+        return m_first[place];
+    }
+    Slot slotOf(quint64 hash, std::size_t position) const
+    {
+        return (static_cast<Slot>(hash) & ~m_positions) | static_cast<Slot>(position + 1);
+    }
+    std::size_t positionIn(Slot slot) const { return (slot & m_positions) - 1; }
 
 private:
-    static constexpr int positionBits = 40;
-    static constexpr Slot positionMask = (Slot(1) << positionBits) - 1;
+    std::size_t placeOf(quint64 hash) const { return static_cast<std::size_t>(Wide(hash) * m_count >> 64); }
 
-    std::size_t first(quint64 hash) const { return static_cast<std::size_t>(Wide(hash) * m_count >> 64); }
-
-    Slot *m_slots;
+    const XKJsonNode *m_members;
+    Slot m_positions; // the bits that tell of them
     std::size_t m_count;
+    Slot *m_first;
 };
 
+void keep(XKJsonNode *members, std::size_t from, std::size_t to)
+{
+    if (from != to)
+        std::copy_n(members + 2 * from, 2, members + 2 * to);
+}
+
+std::size_t mergeFew(XKJsonNode *members, std::size_t count)
+{
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        std::size_t same = 0;
+        while (same < kept && !isSameKey(members[2 * same], members[2 * i]))
+            ++same;
+        if (same < kept)
+            members[2 * same + 1] = members[2 * i + 1];
+        else
+            keep(members, i, kept++);
+    }
+    return kept;
+}
+
 // Hashes some members ahead, so that their slots are on the way from memory while others are looked at.
-std::size_t mergedByIndex(XKJsonNode *members, std::size_t count, const Index &index)
+std::size_t mergeMany(XKJsonNode *members, std::size_t count, std::size_t indexed)
 {
     constexpr std::size_t ahead = 16;
     const Hash &hash = Hash::secret();
+    Slots slots(members, count);
+    if (indexed == 0)
+        slots.clear();
     std::array<quint64, ahead> hashes{};
     const auto lookAt = [&](std::size_t i) {
-        hashes[i % ahead] = hash.of(members[2 * i].view());
-        index.prefetch(hashes[i % ahead]);
+        hashes[i % ahead] = hash.of(members[2 * i]);
+        slots.prefetch(hashes[i % ahead]);
     };
-    for (std::size_t i = 0; i < std::min(ahead, count); ++i)
+    for (std::size_t i = indexed; i < std::min(indexed + ahead, count); ++i)
         lookAt(i);
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const XKJsonNode *const member = members + 2 * i;
+    std::size_t kept = indexed;
+    for (std::size_t i = indexed; i < count; ++i) {
         const quint64 hashOfMember = hashes[i % ahead];
         if (i + ahead < count)
             lookAt(i + ahead);
-        Index::Slot &slot = index.find(hashOfMember, member->view(), members);
-        if (Q_UNLIKELY(slot != 0)) {
-            members[2 * Index::positionIn(slot) + 1] = member[1];
+        Slots::Slot &slot = slots.find(hashOfMember, members[2 * i]);
+        if (slot != 0) {
+            members[2 * slots.positionIn(slot) + 1] = members[2 * i + 1];
             continue;
         }
-        if (Q_UNLIKELY(kept != i))
-            std::copy_n(member, 2, members + 2 * kept);
-        slot = Index::slotOf(hashOfMember, ++kept);
+        slot = slots.slotOf(hashOfMember, kept);
+        keep(members, i, kept++);
     }
     return kept;
 }
 
 } // namespace
 
-XKJsonNode XKJsonMembers::dictionaryOf(XKJsonNode *members, std::size_t count, XKJsonArena &arena,
-                                       bool mayRepeat)
+std::size_t XKJsonMembers::indexBytes(std::size_t count)
 {
-    if (mayRepeat && count > 1 && (count > fewMembers || !differAtSight(members, count)))
-        count = mergedSmall(members, count);
-    return XKJsonNode(XKJsonKind::Dictionary, arena.copy(members, 2 * count), count, XKJsonNode::NoFlag);
+    constexpr auto most = std::size_t(1)
+                          << 30; // beyond, a slot could not tell where; nodes take 32 GB by then
+    if (count > most)
+        throw std::length_error("too many members");
+    return count > fewMembers ? Slots::countFor(count) * sizeof(Slots::Slot) : 0;
 }
 
-XKJsonNode XKJsonMembers::indexedDictionaryOf(XKJsonNode *members, std::size_t count, XKJsonArena &arena)
+std::size_t XKJsonMembers::index(XKJsonNode *members, std::size_t count, std::size_t indexed)
 {
-    const std::size_t slotCount = Index::slotsFor(count);
-    auto *const slots = static_cast<Index::Slot *>(arena.allocate(slotCount * sizeof(Index::Slot)));
-    std::fill_n(slots, slotCount, 0);
-    members[-1] = XKJsonNode(XKJsonKind::None, slotCount);
-    members[-1].index = slots;
-    count = mergedByIndex(members, count, Index(slots, slotCount));
-    return XKJsonNode(XKJsonKind::Dictionary, members, count, XKJsonNode::Indexed);
+    if (count <= fewMembers)
+        return mergeFew(members, count);
+    const std::size_t kept = mergeMany(members, count, indexed);
+    if (kept == count)
+        return kept;
+    return index(members, kept); // where the index lies and how large it is has changed
 }
 
-const XKJsonNode *XKJsonMembers::find(const XKJsonNode &dictionary, QStringView key)
+const XKJsonNode *XKJsonMembers::find(const XKJsonNode &dictionary, const XKJsonNode &key)
 {
     const XKJsonNode *const members = dictionary.items;
     const std::size_t count = dictionary.length();
-    if (!dictionary.is(XKJsonNode::Indexed)) {
-        for (std::size_t i = 0; i < count; ++i)
-            if (members[2 * i].view() == key)
-                return members + 2 * i + 1;
-        return nullptr;
+    if (count > fewMembers) {
+        const Slots slots(members, count);
+        const Slots::Slot found = slots.find(Hash::secret().of(key), key);
+        return found ? members + 2 * slots.positionIn(found) + 1 : nullptr;
     }
-    const Index index(members[-1].index, members[-1].length());
-    const Index::Slot found = index.find(Hash::secret().of(key), key, members);
-    return found ? members + 2 * Index::positionIn(found) + 1 : nullptr;
+    for (std::size_t i = 0; i < count; ++i)
+        if (isSameKey(members[2 * i], key))
+            return members + 2 * i + 1;
+    return nullptr;
 }

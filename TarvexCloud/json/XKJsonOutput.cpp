@@ -1,6 +1,6 @@
 #include "XKJsonOutput.h"
 
-#include "XKJsonPages.h"
+#include "XKJsonScan.h"
 
 #include <algorithm>
 #include <string_view>
@@ -27,46 +27,26 @@ char16_t *putEscape(char16_t *to, char16_t unit)
 
 } // namespace
 
-char16_t *XKJsonOutput::putEscaped(char16_t *to, const char16_t *units, std::size_t length)
+XKJsonOutput XKJsonOutput::withEscaped(XKJsonOutput output, QStringView text)
 {
-    const char16_t *const unitsEnd = units + length;
-    reserve(to, length + longestEscape);
-    while (units != unitsEnd) {
-#ifdef __SSE2__
-        if (unitsEnd - units >= XKJsonText::eight) {
-            const XKJsonText::Eight next(units);
-            const unsigned stops = next.stops();
-            next.store(to);
-            const char16_t *const plain =
-                stops ? XKJsonText::firstOf(stops, units) : units + XKJsonText::eight;
-            to += plain - units;
-            units = plain;
-            if (!stops)
-                continue;
-        }
-#endif
-        if (!XKJsonText::isStop(*units)) {
-            *to++ = *units++;
-            continue;
-        }
-        to = putEscape(to, *units++);
-        reserve(to, longestEscape + static_cast<std::size_t>(unitsEnd - units));
+    const char16_t *c = text.utf16();
+    for (const char16_t *const end = c + text.size(); c != end;) {
+        output.reserve(static_cast<std::size_t>(end - c) + longestEscape);
+        XKJsonScan::copyRun(c, end, output.m_end);
+        if (c != end)
+            output.m_end = putEscape(output.m_end, *c++);
     }
-    return to;
+    return output;
 }
 
-QString XKJsonOutput::take()
+XKJsonOutput XKJsonOutput::withRoom(XKJsonOutput output, std::size_t units)
 {
-    m_text.resize(m_end - begin());
-    return std::move(m_text);
-}
-
-char16_t *XKJsonOutput::grow(char16_t *end, std::size_t units)
-{
-    const qsizetype used = end - begin();
-    m_text.resize(std::max(m_text.size() + m_text.size() / 2, used + static_cast<qsizetype>(units)));
-    m_text.resize(m_text.capacity());
-    XKJsonPages::preferLarge(m_text.data(), static_cast<std::size_t>(m_text.size()) * sizeof(char16_t));
-    m_limit = begin() + m_text.size();
-    return begin() + used;
+    QString &text = *output.m_text;
+    const qsizetype used = output.m_end ? output.size() : 0;
+    text.resize(std::max(text.size() + text.size() / 2, used + static_cast<qsizetype>(units)));
+    text.resize(text.capacity());
+    auto *const begin = reinterpret_cast<char16_t *>(text.data());
+    output.m_end = begin + used;
+    output.m_limit = begin + text.size();
+    return output;
 }

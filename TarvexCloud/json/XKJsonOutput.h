@@ -1,72 +1,107 @@
 #pragma once
 
-#include "XKJsonText.h"
-
 #include <array>
+#include <bit>
+#include <cstring>
 #include <QString>
 
-/// JSON text in the making. Whoever writes keeps the end of the text in a variable of their own while doing
-/// so, since one kept in memory would be waited for at every step: end() and commit() hand it over.
+/// The end of a JSON text in the making. A copy can go on in its stead, so that whoever writes much keeps one
+/// of their own in registers; what is not inline works on yet another one for the same reason.
 class XKJsonOutput
 {
 public:
-    char16_t *end() const { return m_end; }
-    void commit(char16_t *end) { m_end = end; }
-    QString take();
+    explicit XKJsonOutput(QString &text) : m_text(&text) { *this = withRoom(*this, firstCapacity); }
+    /// Ends the text.
+    void finish() { m_text->truncate(size()); }
 
-    /// Makes sure of room for so many units behind the end, which may move.
-    void reserve(char16_t *&end, std::size_t units)
+    void put(char16_t unit)
     {
-        if (static_cast<std::size_t>(m_limit - end) < units + slack)
-            end = grow(end, units + slack);
+        reserve(/*units=*/1);
+        *m_end++ = unit;
     }
-
-    // Each of these writes at a place where there is room, and gives the end of what it wrote.
     /// Units as they stand.
-    static char16_t *put(char16_t *to, const char16_t *units, std::size_t length);
+    void put(QStringView units);
     /// A new line with so many spaces.
-    static char16_t *putLine(char16_t *to, std::size_t spaces);
-    template<std::size_t size>
-    static char16_t *put(char16_t *to, const char16_t (&word)[size])
-    {
-        std::memcpy(to, word, (size - 1) * sizeof(char16_t));
-        return to + size - 1;
-    }
-    /// A number in decimal; 20 units at most.
-    static char16_t *putInteger(char16_t *to, qint64 integer);
-
-    /// Text that may need escapes; makes its own room.
-    char16_t *putEscaped(char16_t *to, const char16_t *units, std::size_t length);
+    void putLine(std::size_t spaces);
+    /// A number in decimal.
+    void putInteger(qint64 integer);
+    /// Text between quotes; plain text needs no escapes.
+    void putString(QStringView text, bool isPlain);
 
 private:
-    char16_t *grow(char16_t *end, std::size_t units);
+    /// Makes sure of room for so many units, and for a little more.
+    void copy(QStringView units);
+    void reserve(std::size_t units)
+    {
+        if (Q_UNLIKELY(static_cast<std::size_t>(m_limit - m_end) < units + slack))
+            *this = withRoom(*this, units + slack);
+    }
+    static XKJsonOutput withRoom(XKJsonOutput output, std::size_t units);
+    static XKJsonOutput withEscaped(XKJsonOutput output, QStringView text);
+    qsizetype size() const { return m_end - reinterpret_cast<const char16_t *>(m_text->constData()); }
     static int digitsOf(quint64 number);
-    char16_t *begin() { return reinterpret_cast<char16_t *>(m_text.data()); }
     template<std::size_t step>
-    static void copyBy(char16_t *to, const char16_t *units, std::size_t length);
+    static void copyBy(char16_t *to, QStringView units);
 
-    static constexpr qsizetype firstCapacity = 128;
-    static constexpr std::size_t longestInline = 64;
-    static constexpr std::size_t slack = 16; // for what is written so many at a time
+    static constexpr std::size_t firstCapacity = 128;
+    static constexpr std::size_t slack = 32; // for what is written so many at a time
 
-    QString m_text = QString(firstCapacity, Qt::Uninitialized);
-    char16_t *m_end = begin();
-    char16_t *m_limit = m_end + firstCapacity;
+    QString *m_text;
+    char16_t *m_end = nullptr;
+    char16_t *m_limit = nullptr;
 };
 
-// Most texts are too short for a call. The last step overlaps the one before, so as to read no unit beyond.
-inline char16_t *XKJsonOutput::put(char16_t *to, const char16_t *units, std::size_t length)
+inline void XKJsonOutput::put(QStringView units)
 {
+    reserve(static_cast<std::size_t>(units.size()));
+    copy(units);
+}
+
+// Most texts are too short for a call. The last step overlaps the one before, so as to read no unit beyond.
+inline void XKJsonOutput::copy(QStringView units)
+{
+    constexpr std::size_t longestInline = 64;
+    const auto length = static_cast<std::size_t>(units.size());
     if (length > longestInline)
-        std::memcpy(to, units, length * sizeof(char16_t));
+        std::memcpy(m_end, units.utf16(), length * sizeof(char16_t));
     else if (length >= 8)
-        copyBy<8>(to, units, length);
+        copyBy<8>(m_end, units);
     else if (length >= 4)
-        copyBy<4>(to, units, length);
+        copyBy<4>(m_end, units);
     else
         for (std::size_t i = 0; i < length; ++i)
-            to[i] = units[i];
-    return to + length;
+            m_end[i] = units.utf16()[i];
+    m_end += length;
+}
+
+template<std::size_t step>
+void XKJsonOutput::copyBy(char16_t *to, QStringView units)
+{
+    const auto length = static_cast<std::size_t>(units.size());
+    for (std::size_t i = 0; i + step < length; i += step)
+        std::memcpy(to + i, units.utf16() + i, step * sizeof(char16_t));
+    std::memcpy(to + length - step, units.utf16() + length - step, step * sizeof(char16_t));
+}
+
+inline void XKJsonOutput::putLine(std::size_t spaces)
+{
+    reserve(spaces + 1);
+    *m_end++ = u'\n';
+    char16_t *const end = m_end + spaces;
+    for (constexpr std::size_t step = 16; m_end < end; m_end += step)
+        std::fill_n(m_end, step, u' ');
+    m_end = end;
+}
+
+inline void XKJsonOutput::putString(QStringView text, bool isPlain)
+{
+    reserve(static_cast<std::size_t>(text.size()) + 2);
+    *m_end++ = u'"';
+    if (isPlain)
+        copy(text);
+    else
+        *this = withEscaped(*this, text);
+    *m_end++ = u'"'; // for which the slack has room
 }
 
 inline int XKJsonOutput::digitsOf(quint64 number)
@@ -84,7 +119,7 @@ inline int XKJsonOutput::digitsOf(quint64 number)
 
 // Two digits a time, from the last. Written here since text from elsewhere would have to be widened, and the
 // wider loads would wait for its narrow stores.
-inline char16_t *XKJsonOutput::putInteger(char16_t *to, qint64 integer)
+inline void XKJsonOutput::putInteger(qint64 integer)
 {
     static constexpr auto pairs = [] {
         std::array<std::array<char16_t, 2>, 100> digits{};
@@ -92,34 +127,15 @@ inline char16_t *XKJsonOutput::putInteger(char16_t *to, qint64 integer)
             digits[i] = {static_cast<char16_t>(u'0' + i / 10), static_cast<char16_t>(u'0' + i % 10)};
         return digits;
     }();
+    reserve(/*units=*/0); // the slack holds the longest number
     auto rest = static_cast<quint64>(integer);
     if (integer < 0) {
-        *to++ = u'-';
+        *m_end++ = u'-';
         rest = 0 - rest;
     }
-    char16_t *const end = to + digitsOf(rest);
-    char16_t *digit = end;
+    char16_t *digit = m_end += digitsOf(rest);
     for (; rest >= 10; rest /= 100)
         std::memcpy(digit -= 2, pairs[rest % 100].data(), sizeof(pairs[0]));
-    if (digit != to)
-        *to = static_cast<char16_t>(u'0' + rest);
-    return end;
-}
-
-template<std::size_t step>
-void XKJsonOutput::copyBy(char16_t *to, const char16_t *units, std::size_t length)
-{
-    for (std::size_t i = 0; i + step < length; i += step)
-        std::memcpy(to + i, units + i, step * sizeof(char16_t));
-    std::memcpy(to + length - step, units + length - step, step * sizeof(char16_t));
-}
-
-inline char16_t *XKJsonOutput::putLine(char16_t *to, std::size_t spaces)
-{
-    *to++ = u'\n';
-    char16_t *const end = to + spaces;
-    for (; to < end; to += slack)
-        for (std::size_t i = 0; i < slack; ++i)
-            to[i] = u' ';
-    return end;
+    if (rest > 0 || integer == 0)
+        *--digit = static_cast<char16_t>(u'0' + rest);
 }

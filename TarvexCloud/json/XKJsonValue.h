@@ -5,17 +5,20 @@
 
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <QString>
 #include <utility>
 
 class XKJsonArena;
+class XKJsonContainer;
 class XKJsonShared;
 
 /// One value of a tree: none, null, a boolean, a number of three kinds, a string, an array, a dictionary in
 /// insertion order, or an object. Copies are cheap and share; editing one leaves the others as they are.
 ///
 /// What was parsed lies in one piece of memory that lives as long as any value of the tree does. An array
-/// or dictionary becomes one of its own at its first edit.
+/// or dictionary becomes one of its own at its first edit. Trees of any depth go without machine stack,
+/// chains of objects that hold each other included: what is to go while something else goes, goes after it.
 class XKJsonValue
 {
 public:
@@ -50,7 +53,7 @@ public:
     bool isContainer() const { return kind() == XKJsonKind::Array || kind() == XKJsonKind::Dictionary; }
 
     // Each of these gives zero, false or null for a value of another kind; nothing is converted.
-    bool toBoolean() const { return kind() == XKJsonKind::Boolean && m_node.boolean; }
+    bool toBoolean() const { return kind() == XKJsonKind::Boolean && m_node.integer != 0; }
     qint64 toInteger() const { return kind() == XKJsonKind::Integer ? m_node.integer : 0; }
     double toReal() const { return kind() == XKJsonKind::Double ? m_node.real : 0; }
     std::optional<XKJsonDecimal> toDecimal() const;
@@ -87,13 +90,29 @@ private:
     friend class XKJsonWriter;
 
     /// Takes over the caller's hold on the owner.
-    XKJsonValue(const XKJsonNode &node, XKJsonShared *owner) : m_node(node), m_owner(owner) {}
+    explicit XKJsonValue(const XKJsonNode &node, XKJsonShared *owner = nullptr) : m_node(node), m_owner(owner)
+    {
+    }
 
-    /// A value inside this one that stands at a place among its items.
-    XKJsonValue item(std::size_t place) const;
-    std::size_t placeOf(std::size_t index) const;
-    XKJsonContainer &editable();
+    /// A value inside this one.
+    XKJsonValue item(const XKJsonNode &node) const;
+    const XKJsonNode &itemAt(std::size_t index) const;
+    XKJsonValue valueUnder(const XKJsonNode &key) const;
+    template<typename Edit>
+    void edit(Edit edit);
 
     XKJsonNode m_node;
     XKJsonShared *m_owner = nullptr; // what the node points at or into, if anything
+};
+
+/// Whatever else a program puts into a tree. JSON has no form of its own for it, but it may offer one.
+class XKJsonObject
+{
+public:
+    virtual ~XKJsonObject() = default;
+
+    /// What messages call it.
+    virtual QString className() const = 0;
+    /// The value to be written in its place; nothing if it offers none.
+    virtual std::optional<XKJsonValue> proxyForJson() const { return std::nullopt; }
 };

@@ -2,7 +2,7 @@
 #include "NSObject+XKJSON.h"
 #include "Samples.h"
 #include "Trees.h"
-#include "XKJsonObject.h"
+#include "XKJsonValue.h"
 #include "XKJsonParser.h"
 
 #include <limits>

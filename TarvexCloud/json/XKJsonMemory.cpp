@@ -1,20 +1,31 @@
-#include "XKJsonArena.h"
-
-#include "XKJsonPages.h"
+#include "XKJsonMemory.h"
 
 #include <algorithm>
-#include <cstring>
 #include <new>
+#include <utility>
 
 namespace {
 
 // An answer of a few fields takes one allocation; a large text takes few, and wastes little of the last.
 constexpr std::size_t smallestRoom = 256;
 constexpr std::size_t largestFirstRoom = std::size_t(64) * 1024;
-constexpr std::size_t chunkSizeLimit = std::size_t(1024) * 1024;
-constexpr std::size_t largeTextChunkSizeLimit = 32 * chunkSizeLimit; // so that large pages fit in
+constexpr std::size_t largestChunk = std::size_t(1024) * 1024;
 
 } // namespace
+
+// What goes may hold others that go with it, and these again, objects of the program's own among them. They
+// wait in a list until the first is gone, since the machine stack has its end.
+void XKJsonShared::destroy(XKJsonShared *last) noexcept
+{
+    thread_local XKJsonShared *waiting = nullptr;
+    thread_local bool isDestroying = false;
+    last->m_nextToDestroy = std::exchange(waiting, last);
+    if (std::exchange(isDestroying, true))
+        return;
+    while (waiting)
+        delete std::exchange(waiting, waiting->m_nextToDestroy);
+    isDestroying = false;
+}
 
 XKJsonArena *XKJsonArena::make(const QString &text)
 {
@@ -28,39 +39,21 @@ XKJsonArena *XKJsonArena::make(const QString &text)
 }
 
 XKJsonArena::XKJsonArena(QString text, char *room, std::size_t bytes) noexcept
-    : m_text(std::move(text)), m_next(room), m_limit(room + bytes), m_chunkSize(largestFirstRoom / 2),
-      m_largestChunk(
-          std::clamp(static_cast<std::size_t>(m_text.size()) / 2, chunkSizeLimit, largeTextChunkSizeLimit))
+    : m_text(std::move(text)), m_next(room), m_limit(room + bytes), m_chunkSize(largestFirstRoom / 2)
 {
 }
 
 XKJsonArena::~XKJsonArena()
 {
-    while (m_chunks) {
-        Chunk *const chunk = m_chunks;
-        m_chunks = chunk->previous;
-        ::operator delete(chunk);
-    }
-}
-
-XKJsonNode *XKJsonArena::copy(const XKJsonNode *nodes, std::size_t count)
-{
-    auto *const copied = static_cast<XKJsonNode *>(allocate(count * sizeof(XKJsonNode)));
-    constexpr std::size_t few = 8; // for which a call would cost more
-    if (count > few)
-        std::memcpy(copied, nodes, count * sizeof(XKJsonNode));
-    else
-        for (std::size_t i = 0; i < count; ++i)
-            copied[i] = nodes[i];
-    return copied;
+    while (m_chunks)
+        ::operator delete(std::exchange(m_chunks, m_chunks->previous));
 }
 
 void *XKJsonArena::allocateInNewChunk(std::size_t bytes)
 {
-    m_chunkSize = std::min(m_chunkSize * 2, m_largestChunk);
+    m_chunkSize = std::min(m_chunkSize * 2, largestChunk);
     const std::size_t room = std::max(bytes, m_chunkSize);
     auto *const chunk = static_cast<Chunk *>(::operator new(sizeof(Chunk) + room));
-    XKJsonPages::preferLarge(chunk, sizeof(Chunk) + room);
     chunk->previous = m_chunks;
     m_chunks = chunk;
     char *const memory = reinterpret_cast<char *>(chunk + 1);

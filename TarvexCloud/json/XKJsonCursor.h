@@ -1,0 +1,128 @@
+#pragma once
+
+#include "XKJsonScan.h"
+
+#include <limits>
+#include <QStringView>
+#include <utility>
+
+/// A number as a text holds it.
+struct XKJsonNumber
+{
+    const char *fault = nullptr; ///< what the reader says of it, if it is none
+    bool isInteger = true;       ///< neither fraction nor exponent, and it fits 64 bits
+    qint64 integer = 0;          ///< if it is one
+};
+
+/// A place in a text behind which a zero unit stands.
+class XKJsonCursor
+{
+public:
+    explicit XKJsonCursor(QStringView text)
+        : m_place(text.utf16()),
+          m_eightsEnd(XKJsonScan::endOfEights(text.utf16(), text.utf16() + text.size()))
+    {
+    }
+
+    char16_t operator*() const { return *m_place; }
+    bool isAtEnd() const { return *m_place == u'\0'; }
+    const char16_t *place() const { return m_place; }
+    void moveTo(const char16_t *place) { m_place = place; }
+    /// The text from a place up to here.
+    QStringView textFrom(const char16_t *start) const { return {start, m_place}; }
+
+    void pass() { ++m_place; }
+    bool passIf(char16_t unit)
+    {
+        const bool isThere = *m_place == unit;
+        m_place += isThere;
+        return isThere;
+    }
+    /// A word, or nothing if it does not stand there in full.
+    bool passIf(QStringView word)
+    {
+        const char16_t *c = m_place; // a zero at the text's end differs before it is passed
+        for (const QChar unit : word)
+            if (*c++ != unit)
+                return false;
+        m_place = c;
+        return true;
+    }
+    void passSpaces()
+    {
+        if (*m_place > u' ')
+            return;
+        if (XKJsonScan::isSpace(*m_place) && m_place[1] > u' ')
+            ++m_place;
+        else
+            m_place = XKJsonScan::afterSpaces(m_place, m_eightsEnd);
+    }
+    /// Whether there were any.
+    bool passDigits()
+    {
+        const char16_t *const start = std::exchange(m_place, XKJsonScan::afterDigits(m_place, m_eightsEnd));
+        return m_place != start;
+    }
+    /// Passes string text up to where it cannot just go on; false if a half of a surrogate pair is in it.
+    bool passRun()
+    {
+        bool mayHaveSurrogates = false;
+        const char16_t *const start =
+            std::exchange(m_place, XKJsonScan::afterRun(m_place, m_eightsEnd, mayHaveSurrogates));
+        return !mayHaveSurrogates || textFrom(start).isValidUtf16();
+    }
+    /// Reads a number, of which the cursor stands on a minus or the first digit; behind it or at its fault
+    /// after.
+    XKJsonNumber takeNumber();
+
+private:
+    /// What is wrong with it, if anything.
+    const char *passExponent();
+
+    const char16_t *m_place;
+    const char16_t *m_eightsEnd;
+};
+
+inline XKJsonNumber XKJsonCursor::takeNumber()
+{
+    const bool isNegative = passIf(u'-');
+    if (*m_place == u'0' && XKJsonScan::isDigit(m_place[1]))
+        return {"Leading 0 disallowed in number"};
+    constexpr qptrdiff mostDigits = std::numeric_limits<qint64>::digits10 + 1; // never wraps unsigned
+    constexpr auto largest = static_cast<quint64>(std::numeric_limits<qint64>::max());
+    const char16_t *const digits = m_place;
+    quint64 value = 0;
+    for (; XKJsonScan::isDigit(*m_place) && m_place - digits < mostDigits; ++m_place)
+        value = value * 10 + static_cast<quint64>(*m_place - u'0');
+    if (m_place == digits)
+        return {"No digits after initial minus"};
+    bool isInteger = !(XKJsonScan::isDigit(*m_place) && passDigits()) && value <= largest;
+    if (passIf(u'.')) {
+        isInteger = false;
+        if (!passDigits())
+            return {"No digits after decimal point"};
+    }
+    if ((*m_place | 0x20) == u'e') {
+        isInteger = false;
+        if (const char *const fault = passExponent())
+            return {fault};
+    }
+    return {nullptr, isInteger, isNegative ? -static_cast<qint64>(value) : static_cast<qint64>(value)};
+}
+
+// A decimal's exponent must fit 32 bits.
+inline const char *XKJsonCursor::passExponent()
+{
+    ++m_place;
+    const bool isNegative = passIf(u'-');
+    if (!isNegative)
+        passIf(u'+');
+    const char16_t *digit = m_place;
+    if (!passDigits())
+        return "No digits after exponent";
+    const qint64 largest = std::numeric_limits<qint32>::max() + qint64(isNegative);
+    qint64 exponent = 0;
+    for (; digit != m_place && exponent <= largest; ++digit)
+        exponent = exponent * 10 + (*digit - u'0');
+    return exponent > largest ? "Failed creating decimal instance" : nullptr;
+}
