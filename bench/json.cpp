@@ -182,6 +182,7 @@ int main(int count, char **arguments)
     addParsing("json/parse/posts", JsonTexts::posts());
     addParsing("json/parse/catalog", JsonTexts::catalog());
     addParsing("json/parse/coordinates", JsonTexts::coordinates());
+    addParsing("json/parse/unlike", JsonTexts::dictionaries(/*count=*/5'000, /*members=*/12));
     addParsing("json/parse/sign-up", JsonTexts::signUpAnswer());
     addWriting("json/write/posts", JsonTexts::posts());
     addWriting("json/write/catalog", JsonTexts::catalog());

@@ -34,9 +34,10 @@ public:
     void pass() { ++m_place; }
     bool passIf(char16_t unit)
     {
-        const bool isThere = *m_place == unit;
-        m_place += isThere;
-        return isThere;
+        if (*m_place != unit) // a jump is foreseen, where a sum would be waited for
+            return false;
+        ++m_place;
+        return true;
     }
     /// A word, or nothing if it does not stand there in full.
     bool passIf(QStringView word)

@@ -26,67 +26,32 @@ bool isSameKey(const XKJsonNode &key, const XKJsonNode &other)
     return key.kind() == XKJsonKind::Double ? key.real == other.real : key.integer == other.integer;
 }
 
-using Wide = __uint128_t;
-
 quint64 folded(quint64 left, quint64 right)
 {
-    const Wide product = Wide(left) * right;
+    const auto product = __uint128_t(left) * right;
     return static_cast<quint64>(product) ^ static_cast<quint64>(product >> 64);
 }
 
-quint64 fourUnits(const char16_t *units)
+// Four units a multiplication. What they meet is secret, so that nobody can choose keys that all fall into
+// one slot.
+inline quint64 hashOf(const XKJsonNode &key)
 {
-    quint64 four = 0;
-    std::memcpy(&four, units, sizeof(four));
-    return four;
+    static const quint64 secret = QRandomGenerator::system()->generate64();
+    const quint64 factor = secret | 1;
+    quint64 hash = std::rotl(secret, 32) ^ key.length();
+    quint64 rest = key.kind() == XKJsonKind::Double
+                       ? std::bit_cast<quint64>(key.real + 0.0) // of two zeros one
+                       : static_cast<quint64>(key.integer);
+    if (isText(key)) {
+        const char16_t *c = key.text;
+        const char16_t *const end = c + key.length();
+        for (; end - c >= 4; c += 4, hash = folded(hash ^ rest, factor))
+            std::memcpy(&rest, c, sizeof(rest));
+        for (rest = 0; c != end; ++c)
+            rest = rest << 16 | *c;
+    }
+    return folded(hash ^ rest, factor);
 }
-
-// Sixteen bytes a multiplication. What they are multiplied with is secret, so that nobody can choose keys
-// that all fall into one slot.
-class Hash
-{
-public:
-    static const Hash &secret()
-    {
-        static const Hash hash(*QRandomGenerator::system());
-        return hash;
-    }
-    quint64 of(const XKJsonNode &key) const
-    {
-        if (isText(key))
-            return ofText(key.text, key.length());
-        if (key.kind() == XKJsonKind::Double)
-            return mixed(std::bit_cast<quint64>(key.real + 0.0)); // which makes one of the two zeros
-        return mixed(static_cast<quint64>(key.integer));
-    }
-
-private:
-    explicit Hash(QRandomGenerator &random)
-        : m_start(random.generate64()), m_even(random.generate64() | 1), m_odd(random.generate64() | 1)
-    {
-    }
-
-    quint64 mixed(quint64 bits) const { return folded(folded(bits ^ m_start ^ m_even, m_odd), m_even); }
-    quint64 ofText(const char16_t *units, std::size_t length) const
-    {
-        if (length < 4) {
-            quint64 few = length;
-            for (const char16_t *const end = units + length; units != end; ++units)
-                few = few << 16 | *units;
-            return mixed(few);
-        }
-        quint64 hash = m_start ^ length;
-        const char16_t *const last = units + length - 4;
-        for (; last - units > 4; units += 8)
-            hash = folded(fourUnits(units) ^ hash ^ m_even, fourUnits(units + 4) ^ m_odd);
-        return folded(folded(fourUnits(std::min(units, last)) ^ hash ^ m_even, fourUnits(last) ^ m_odd),
-                      m_even);
-    }
-
-    quint64 m_start;
-    quint64 m_even;
-    quint64 m_odd;
-};
 
 /// The slots in front of many members. One is zero, or the position of a member plus one in its low bits and
 /// bits of the key's hash above, which mostly tell whether the member is worth a look.
@@ -124,7 +89,7 @@ public:
     std::size_t positionIn(Slot slot) const { return (slot & m_positions) - 1; }
 
 private:
-    std::size_t placeOf(quint64 hash) const { return static_cast<std::size_t>(Wide(hash) * m_count >> 64); }
+    std::size_t placeOf(quint64 hash) const { return (hash >> 32) * m_count >> 32; }
 
     const XKJsonNode *m_members;
     Slot m_positions; // the bits that tell of them
@@ -134,53 +99,50 @@ private:
 
 void keep(XKJsonNode *members, std::size_t from, std::size_t to)
 {
-    if (from != to)
+    if (from != to) // only behind a repeated key
         std::copy_n(members + 2 * from, 2, members + 2 * to);
+}
+
+// Some are hashed ahead, so that their slots are on the way from memory while others are looked at.
+std::size_t mergeMany(XKJsonNode *members, std::size_t count, std::size_t indexed)
+{
+    constexpr std::size_t ahead = 16;
+    Slots slots(members, count);
+    if (indexed == 0)
+        slots.clear();
+    std::array<quint64, ahead> hashes{};
+    std::size_t kept = indexed;
+    for (std::size_t next = indexed, i = indexed; i < count; ++i) {
+        for (; next < std::min(i + ahead, count); ++next)
+            slots.prefetch(hashes[next % ahead] = hashOf(members[2 * next]));
+        const quint64 hash = hashes[i % ahead];
+        Slots::Slot &slot = slots.find(hash, members[2 * i]);
+        if (slot != 0) {
+            members[2 * slots.positionIn(slot) + 1] = members[2 * i + 1];
+            continue;
+        }
+        slot = slots.slotOf(hash, kept);
+        keep(members, i, kept++);
+    }
+    return kept;
+}
+
+XKJsonNode *findAmongFew(XKJsonNode *members, std::size_t count, const XKJsonNode &key)
+{
+    XKJsonNode *const end = members + 2 * count;
+    while (members != end && !isSameKey(*members, key))
+        members += 2;
+    return members == end ? nullptr : members;
 }
 
 std::size_t mergeFew(XKJsonNode *members, std::size_t count)
 {
     std::size_t kept = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        std::size_t same = 0;
-        while (same < kept && !isSameKey(members[2 * same], members[2 * i]))
-            ++same;
-        if (same < kept)
-            members[2 * same + 1] = members[2 * i + 1];
+    for (std::size_t i = 0; i < count; ++i)
+        if (XKJsonNode *const same = findAmongFew(members, kept, members[2 * i]))
+            same[1] = members[2 * i + 1];
         else
             keep(members, i, kept++);
-    }
-    return kept;
-}
-
-// Hashes some members ahead, so that their slots are on the way from memory while others are looked at.
-std::size_t mergeMany(XKJsonNode *members, std::size_t count, std::size_t indexed)
-{
-    constexpr std::size_t ahead = 16;
-    const Hash &hash = Hash::secret();
-    Slots slots(members, count);
-    if (indexed == 0)
-        slots.clear();
-    std::array<quint64, ahead> hashes{};
-    const auto lookAt = [&](std::size_t i) {
-        hashes[i % ahead] = hash.of(members[2 * i]);
-        slots.prefetch(hashes[i % ahead]);
-    };
-    for (std::size_t i = indexed; i < std::min(indexed + ahead, count); ++i)
-        lookAt(i);
-    std::size_t kept = indexed;
-    for (std::size_t i = indexed; i < count; ++i) {
-        const quint64 hashOfMember = hashes[i % ahead];
-        if (i + ahead < count)
-            lookAt(i + ahead);
-        Slots::Slot &slot = slots.find(hashOfMember, members[2 * i]);
-        if (slot != 0) {
-            members[2 * slots.positionIn(slot) + 1] = members[2 * i + 1];
-            continue;
-        }
-        slot = slots.slotOf(hashOfMember, kept);
-        keep(members, i, kept++);
-    }
     return kept;
 }
 
@@ -200,22 +162,18 @@ std::size_t XKJsonMembers::index(XKJsonNode *members, std::size_t count, std::si
     if (count <= fewMembers)
         return mergeFew(members, count);
     const std::size_t kept = mergeMany(members, count, indexed);
-    if (kept == count)
-        return kept;
-    return index(members, kept); // where the index lies and how large it is has changed
+    return kept == count ? kept : index(members, kept); // with fewer it lies elsewhere
 }
 
 const XKJsonNode *XKJsonMembers::find(const XKJsonNode &dictionary, const XKJsonNode &key)
 {
-    const XKJsonNode *const members = dictionary.items;
+    auto *const members = const_cast<XKJsonNode *>(dictionary.items);
     const std::size_t count = dictionary.length();
-    if (count > fewMembers) {
-        const Slots slots(members, count);
-        const Slots::Slot found = slots.find(Hash::secret().of(key), key);
-        return found ? members + 2 * slots.positionIn(found) + 1 : nullptr;
+    if (count <= fewMembers) {
+        const XKJsonNode *const found = findAmongFew(members, count, key);
+        return found ? found + 1 : nullptr;
     }
-    for (std::size_t i = 0; i < count; ++i)
-        if (isSameKey(members[2 * i], key))
-            return members + 2 * i + 1;
-    return nullptr;
+    const Slots slots(members, count);
+    const Slots::Slot found = slots.find(hashOf(key), key);
+    return found ? members + 2 * slots.positionIn(found) + 1 : nullptr;
 }

@@ -19,6 +19,12 @@ public:
         reserve(/*units=*/1);
         *m_end++ = unit;
     }
+    template<std::size_t size>
+    void put(const char16_t (&word)[size])
+    {
+        reserve(size);
+        m_end = std::copy_n(word, size - 1, m_end);
+    }
     /// Units as they stand.
     void put(QStringView units);
     /// A new line with so many spaces.

@@ -60,56 +60,32 @@ bool XKJsonParser::scanRestOfStringWithEscapes(XKJsonCursor &c)
 
 bool XKJsonParser::scanEscape(XKJsonCursor &c, char16_t &unit)
 {
-    unit = *c;
-    switch (unit) {
-    case u'"':
-    case u'\\':
-    case u'/':
-        break;
-    case u'b':
-        unit = u'\b';
-        break;
-    case u'f':
-        unit = u'\f';
-        break;
-    case u'n':
-        unit = u'\n';
-        break;
-    case u'r':
-        unit = u'\r';
-        break;
-    case u't':
-        unit = u'\t';
-        break;
-    case u'u':
-        c.pass();
+    static constexpr QStringView letters = u"\"\\/bfnrt";
+    static constexpr char16_t units[] = u"\"\\/\b\f\n\r\t";
+    if (c.passIf(u'u'))
         return scanUnicodeChar(c, unit) || refuse(Code::Unicode, "Broken unicode character");
-    default:
+    const qsizetype found = letters.indexOf(QChar(*c));
+    if (found < 0)
         return refuseUnit(Code::Escape, "Illegal escape sequence '0x%1'", firstByte(c.place()));
-    }
+    unit = units[found];
     c.pass();
     return true;
 }
 
+// Folds a surrogate pair into one unit, so that no character beyond the first plane comes out of it.
 bool XKJsonParser::scanUnicodeChar(XKJsonCursor &c, char16_t &unit)
 {
+    constexpr char16_t firstLow = 0xDC00;
+    constexpr char16_t lastAccepted = 0xDFFE;
     if (!scanHexQuad(c, unit))
         return refuse(Code::Unicode, "Missing hex quad");
     if (!XKJsonScan::isSurrogate(unit))
         return true;
-    if (unit >= 0xDC00)
+    if (unit >= firstLow)
         return refuse(Code::Unicode, "Invalid high character in surrogate pair");
-    return scanLowSurrogate(c, unit);
-}
-
-// Folds the pair into one unit, so that no character beyond the first plane comes out of it.
-bool XKJsonParser::scanLowSurrogate(XKJsonCursor &c, char16_t &unit)
-{
     char16_t low = 0;
     if (!c.passIf(u"\\u") || !scanHexQuad(c, low))
         return refuse(Code::Unicode, "Missing low character in surrogate pair");
-    constexpr char16_t firstLow = 0xDC00;
-    constexpr char16_t lastAccepted = 0xDFFE;
     if (low < firstLow || low > lastAccepted)
         return refuse(Code::Unicode, "Invalid low surrogate char");
     unit = static_cast<char16_t>((unit << 10) + (low - firstLow));

@@ -53,13 +53,14 @@ bool XKJsonParser::scanText(const QString &text, XKJsonValue &tree)
     return tree.isContainer() || refuse(Code::Fragment, "Valid fragment, but not JSON");
 }
 
-Q_ALWAYS_INLINE bool XKJsonParser::scanRestOfWord(XKJsonCursor &c, QStringView rest, const XKJsonNode &value,
-                                                  const char *expectation)
+Q_ALWAYS_INLINE XKJsonParser::Step XKJsonParser::scanRestOfWord(XKJsonCursor &c, QStringView rest,
+                                                                const XKJsonNode &value,
+                                                                const char *expectation)
 {
     if (!c.passIf(rest))
-        return refuse(Code::Parse, expectation);
+        return fail(Code::Parse, expectation);
     m_nodes.append(value);
-    return true;
+    return Step::Scanned;
 }
 
 Q_ALWAYS_INLINE bool XKJsonParser::scanNumber(XKJsonCursor &c)
@@ -104,32 +105,20 @@ inline void XKJsonParser::dropNodes(qsizetype from)
         m_nodes.removeLast();
 }
 
-inline void XKJsonParser::close(XKJsonNode container)
+// Moves what the innermost container holds from the stack to the arena.
+inline void XKJsonParser::close()
 {
     leaveContainer();
-    dropNodes(m_open.last().first);
-    m_nodes.append(container);
+    const auto [kind, first] = m_open.last();
     m_open.removeLast();
-}
-
-inline void XKJsonParser::closeArray()
-{
-    const XKJsonNode *const first = m_nodes.constData() + m_open.last().first;
-    const auto count = static_cast<std::size_t>(m_nodes.cend() - first);
-    auto *const elements = static_cast<XKJsonNode *>(m_arena->allocate(count * sizeof(XKJsonNode)));
-    std::copy_n(first, count, elements);
-    close(XKJsonNode(XKJsonKind::Array, elements, count));
-}
-
-inline void XKJsonParser::closeDictionary()
-{
-    const XKJsonNode *const first = m_nodes.constData() + m_open.last().first;
-    const auto items = static_cast<std::size_t>(m_nodes.cend() - first);
-    const std::size_t indexBytes = XKJsonMembers::indexBytes(items / 2);
-    auto *const memory = static_cast<std::byte *>(m_arena->allocate(indexBytes + items * sizeof(XKJsonNode)));
-    auto *const members = reinterpret_cast<XKJsonNode *>(memory + indexBytes);
-    std::copy_n(first, items, members);
-    close(XKJsonNode(XKJsonKind::Dictionary, members, XKJsonMembers::index(members, items / 2)));
+    const bool isDictionary = kind == XKJsonKind::Dictionary;
+    const auto count = static_cast<std::size_t>(m_nodes.size() - first);
+    const std::size_t indexBytes = isDictionary ? XKJsonMembers::indexBytes(count / 2) : 0;
+    auto *const memory = static_cast<std::byte *>(m_arena->allocate(indexBytes + count * sizeof(XKJsonNode)));
+    auto *const items = reinterpret_cast<XKJsonNode *>(memory + indexBytes);
+    std::copy_n(m_nodes.constData() + first, count, items);
+    dropNodes(first);
+    m_nodes.append(XKJsonNode(kind, items, isDictionary ? XKJsonMembers::index(items, count / 2) : count));
 }
 
 Q_ALWAYS_INLINE XKJsonParser::Step XKJsonParser::scanValue(XKJsonCursor &c)
@@ -138,12 +127,10 @@ Q_ALWAYS_INLINE XKJsonParser::Step XKJsonParser::scanValue(XKJsonCursor &c)
     const char16_t unit = *c;
     if (unit == u'-' || XKJsonScan::isDigit(unit))
         return scanNumber(c) ? Step::Scanned : Step::Failed;
-    bool isScanned = false;
     c.pass();
     switch (unit) {
     case u'"':
-        isScanned = scanRestOfString(c);
-        break;
+        return scanRestOfString(c) ? Step::Scanned : Step::Failed;
     case u'+':
         return fail(Code::Number, "Leading + disallowed in number");
     case u'[':
@@ -151,20 +138,16 @@ Q_ALWAYS_INLINE XKJsonParser::Step XKJsonParser::scanValue(XKJsonCursor &c)
     case u'{':
         return open(XKJsonKind::Dictionary);
     case u't':
-        isScanned = scanRestOfWord(c, u"rue", XKJsonNode(XKJsonKind::Boolean, 1), "Expected 'true'");
-        break;
+        return scanRestOfWord(c, u"rue", XKJsonNode(XKJsonKind::Boolean, 1), "Expected 'true'");
     case u'f':
-        isScanned = scanRestOfWord(c, u"alse", XKJsonNode(XKJsonKind::Boolean, 0), "Expected 'false'");
-        break;
+        return scanRestOfWord(c, u"alse", XKJsonNode(XKJsonKind::Boolean, 0), "Expected 'false'");
     case u'n':
-        isScanned = scanRestOfWord(c, u"ull", XKJsonNode(XKJsonKind::Null), "Expected 'null'");
-        break;
+        return scanRestOfWord(c, u"ull", XKJsonNode(XKJsonKind::Null), "Expected 'null'");
     case u'\0':
         return fail(Code::EndOfInput, "Unexpected end of string");
     default:
         return fail(Code::Parse, "Unrecognised leading character");
     }
-    return isScanned ? Step::Scanned : Step::Failed;
 }
 
 // Passes a comma, if there is one, and all spaces around it.
@@ -185,35 +168,21 @@ Q_ALWAYS_INLINE bool XKJsonParser::scanKey(XKJsonCursor &c)
     return c.passIf(u':') || refuse(Code::Parse, "Expected ':' separating key and value");
 }
 
-Q_ALWAYS_INLINE XKJsonParser::Step XKJsonParser::scanToElement(XKJsonCursor &c, bool isAfterValue)
+Q_ALWAYS_INLINE XKJsonParser::Step XKJsonParser::scanToValue(XKJsonCursor &c, bool isAfterValue)
 {
+    const bool isDictionary = m_open.last().kind == XKJsonKind::Dictionary;
     const bool isAfterComma = isAfterValue && scanComma(c);
     if (c.isAtEnd())
-        return failContainer(Code::EndOfInput, "End of input while parsing array");
-    if (!isAfterValue)
-        c.passSpaces();
-    if (!c.passIf(u']'))
-        return Step::Awaited;
+        return failContainer(Code::EndOfInput, isDictionary ? "End of input while parsing object"
+                                                            : "End of input while parsing array");
+    c.passSpaces();
+    if (!c.passIf(isDictionary ? u'}' : u']'))
+        return !isDictionary || scanKey(c) ? Step::Awaited : abandonContainer();
     if (isAfterComma)
-        return failContainer(Code::TrailingComma, "Trailing comma disallowed in array");
-    closeArray();
+        return failContainer(Code::TrailingComma, isDictionary ? "Trailing comma disallowed in object"
+                                                               : "Trailing comma disallowed in array");
+    close();
     return Step::Scanned;
-}
-
-Q_ALWAYS_INLINE XKJsonParser::Step XKJsonParser::scanToMember(XKJsonCursor &c, bool isAfterValue)
-{
-    const bool isAfterComma = isAfterValue && scanComma(c);
-    if (c.isAtEnd())
-        return failContainer(Code::EndOfInput, "End of input while parsing object");
-    if (!isAfterValue)
-        c.passSpaces();
-    if (c.passIf(u'}')) {
-        if (isAfterComma)
-            return failContainer(Code::TrailingComma, "Trailing comma disallowed in object");
-        closeDictionary();
-        return Step::Scanned;
-    }
-    return scanKey(c) ? Step::Awaited : abandonContainer();
 }
 
 // All values are read at one place, whatever they stand in, so that nesting costs no machine stack.
@@ -223,11 +192,8 @@ bool XKJsonParser::scanDocument(XKJsonCursor &cursor)
     Step step = Step::Awaited;
     while (step == Step::Awaited) {
         step = scanValue(c);
-        while ((step == Step::Scanned || step == Step::Opened) && !m_open.isEmpty()) {
-            const bool isAfterValue = step == Step::Scanned;
-            step = m_open.last().kind == XKJsonKind::Array ? scanToElement(c, isAfterValue)
-                                                           : scanToMember(c, isAfterValue);
-        }
+        while ((step == Step::Scanned || step == Step::Opened) && !m_open.isEmpty())
+            step = scanToValue(c, step == Step::Scanned);
     }
     cursor = c;
     return step == Step::Scanned;

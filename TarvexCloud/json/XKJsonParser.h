@@ -49,26 +49,22 @@ private:
     bool scanText(const QString &text, XKJsonValue &tree);
     bool scanDocument(XKJsonCursor &c);
     Step scanValue(XKJsonCursor &c);
-    // These go on in the innermost open container: to its end, or to where another value begins.
-    Step scanToElement(XKJsonCursor &c, bool isAfterValue);
-    Step scanToMember(XKJsonCursor &c, bool isAfterValue);
+    /// Goes on in the innermost open container: to its end, or to where another value begins.
+    Step scanToValue(XKJsonCursor &c, bool isAfterValue);
     bool scanComma(XKJsonCursor &c);
     bool scanKey(XKJsonCursor &c);
     // Each of these puts the value on the stack.
-    bool scanRestOfWord(XKJsonCursor &c, QStringView rest, const XKJsonNode &value, const char *expectation);
+    Step scanRestOfWord(XKJsonCursor &c, QStringView rest, const XKJsonNode &value, const char *expectation);
     bool scanNumber(XKJsonCursor &c);
     bool scanRestOfString(XKJsonCursor &c);
     bool scanRestOfStringWithEscapes(XKJsonCursor &c);
     bool scanEscape(XKJsonCursor &c, char16_t &unit);
     bool scanUnicodeChar(XKJsonCursor &c, char16_t &unit);
-    bool scanLowSurrogate(XKJsonCursor &c, char16_t &unit);
     bool scanHexQuad(XKJsonCursor &c, char16_t &quad);
 
     Step open(XKJsonKind kind);
     void dropNodes(qsizetype from);
-    void closeArray();
-    void closeDictionary();
-    void close(XKJsonNode container);
+    void close();
     Step fail(XKJsonErrorCode code, const char *description);
     Step failContainer(XKJsonErrorCode code, const char *description);
     Step abandonContainer();

@@ -139,26 +139,6 @@ XKJsonValue::~XKJsonValue()
         m_owner->release();
 }
 
-XKJsonValue XKJsonValue::null()
-{
-    return XKJsonValue(XKJsonNode(XKJsonKind::Null));
-}
-
-XKJsonValue XKJsonValue::boolean(bool value)
-{
-    return XKJsonValue(XKJsonNode(XKJsonKind::Boolean, value));
-}
-
-XKJsonValue XKJsonValue::integer(qint64 value)
-{
-    return XKJsonValue(XKJsonNode(XKJsonKind::Integer, value));
-}
-
-XKJsonValue XKJsonValue::real(double value)
-{
-    return XKJsonValue(XKJsonNode(value));
-}
-
 XKJsonValue XKJsonValue::decimal(const XKJsonDecimal &value)
 {
     auto *const owned = new OwnedText(value.text());
@@ -196,40 +176,10 @@ std::optional<XKJsonDecimal> XKJsonValue::toDecimal() const
     return XKJsonDecimal(m_node.view().toString());
 }
 
-std::size_t XKJsonValue::count() const
-{
-    return isContainer() ? m_node.length() : 0;
-}
-
-QString XKJsonValue::toString() const
-{
-    return stringView().toString();
-}
-
-QStringView XKJsonValue::stringView() const
-{
-    return kind() == XKJsonKind::String ? m_node.view() : QStringView();
-}
-
-XKJsonValue XKJsonValue::at(std::size_t index) const
-{
-    return item(itemAt(index));
-}
-
 XKJsonValue XKJsonValue::keyAt(std::size_t index) const
 {
     const XKJsonNode *const found = &itemAt(index);
     return kind() == XKJsonKind::Dictionary ? item(found[-1]) : XKJsonValue();
-}
-
-XKJsonValue XKJsonValue::value(QStringView key) const
-{
-    return valueUnder(XKJsonNode(XKJsonKind::String, key));
-}
-
-XKJsonValue XKJsonValue::valueForKey(const XKJsonValue &key) const
-{
-    return valueUnder(key.m_node);
 }
 
 void XKJsonValue::append(XKJsonValue element)

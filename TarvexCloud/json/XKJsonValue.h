@@ -39,10 +39,11 @@ public:
 
     using Member = std::pair<XKJsonValue, XKJsonValue>;
 
-    static XKJsonValue null();
-    static XKJsonValue boolean(bool value);
-    static XKJsonValue integer(qint64 value);
-    static XKJsonValue real(double value); ///< not-a-number and infinities can be held, but not written
+    static XKJsonValue null() { return XKJsonValue(XKJsonNode(XKJsonKind::Null)); }
+    static XKJsonValue boolean(bool value) { return XKJsonValue(XKJsonNode(XKJsonKind::Boolean, value)); }
+    static XKJsonValue integer(qint64 value) { return XKJsonValue(XKJsonNode(XKJsonKind::Integer, value)); }
+    /// Not-a-number and infinities can be held, but not written.
+    static XKJsonValue real(double value) { return XKJsonValue(XKJsonNode(value)); }
     static XKJsonValue decimal(const XKJsonDecimal &value);
     static XKJsonValue array(std::initializer_list<XKJsonValue> elements = {});
     static XKJsonValue dictionary(std::initializer_list<Member> members = {});
@@ -50,28 +51,28 @@ public:
 
     XKJsonKind kind() const { return m_node.kind(); }
     bool isNone() const { return kind() == XKJsonKind::None; }
-    bool isContainer() const { return kind() == XKJsonKind::Array || kind() == XKJsonKind::Dictionary; }
+    bool isContainer() const { return m_node.isContainer(); }
 
     // Each of these gives zero, false or null for a value of another kind; nothing is converted.
     bool toBoolean() const { return kind() == XKJsonKind::Boolean && m_node.integer != 0; }
     qint64 toInteger() const { return kind() == XKJsonKind::Integer ? m_node.integer : 0; }
     double toReal() const { return kind() == XKJsonKind::Double ? m_node.real : 0; }
     std::optional<XKJsonDecimal> toDecimal() const;
-    QString toString() const;
+    QString toString() const { return stringView().toString(); }
     /// A string's units without a copy, valid as long as any value of the same tree.
-    QStringView stringView() const;
+    QStringView stringView() const { return kind() == XKJsonKind::String ? m_node.view() : QStringView(); }
     const XKJsonObject *toObject() const { return kind() == XKJsonKind::Object ? m_node.object : nullptr; }
 
     /// Elements of an array, members of a dictionary, 0 for anything else.
-    std::size_t count() const;
+    std::size_t count() const { return isContainer() ? m_node.length() : 0; }
     /// The element of an array or the value of a dictionary's member. @throws std::out_of_range
-    XKJsonValue at(std::size_t index) const;
+    XKJsonValue at(std::size_t index) const { return item(itemAt(index)); }
     /// The key of a dictionary's member. @throws std::out_of_range
     XKJsonValue keyAt(std::size_t index) const;
     /// What a dictionary holds under a key; none if it does not, or if this is not a dictionary.
-    XKJsonValue value(QStringView key) const;
+    XKJsonValue value(QStringView key) const { return valueUnder(XKJsonNode(XKJsonKind::String, key)); }
     /// The same for keys of any kind.
-    XKJsonValue valueForKey(const XKJsonValue &key) const;
+    XKJsonValue valueForKey(const XKJsonValue &key) const { return valueUnder(key.m_node); }
 
     // Editing. A value of another kind stays as it is. What comes in is taken by value, so that a container
     // can be put into itself as it was and no circle ever forms.

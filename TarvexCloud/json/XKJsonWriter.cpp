@@ -95,7 +95,7 @@ Q_ALWAYS_INLINE XKJsonWriter::Step XKJsonWriter::appendValue(const XKJsonNode &v
         into.putString(value.view(), value.isPlain());
         return Step::Appended;
     case XKJsonKind::Boolean:
-        into.put(value.integer ? QStringView(u"true") : QStringView(u"false"));
+        value.integer ? into.put(u"true") : into.put(u"false");
         return Step::Appended;
     case XKJsonKind::Integer:
         into.putInteger(value.integer);
@@ -177,7 +177,7 @@ Q_ALWAYS_INLINE XKJsonWriter::Step XKJsonWriter::appendMember(const XKJsonNode &
     if (key.kind() != XKJsonKind::String)
         return refuse(u"JSON object key must be string"_s);
     into.putString(key.view(), key.isPlain());
-    into.put(m_humanReadable ? QStringView(u" : ") : QStringView(u":"));
+    m_humanReadable ? into.put(u" : ") : into.put(u":");
     const XKJsonNode &value = *(&key + 1);
     const Step step = appendValue(value, into);
     if (step == Step::Failed)
@@ -190,14 +190,13 @@ Q_ALWAYS_INLINE XKJsonWriter::Step XKJsonWriter::appendItems(XKJsonOutput &into)
 {
     Frame &frame = m_frames.back();
     const XKJsonNode &container = *frame.container;
-    const std::size_t spaces = spacesOfIndent();
     Step step = Step::Appended;
     while (step == Step::Appended && frame.done < container.length()) {
         const std::size_t index = frame.done++; // the frame may move, if another is opened
         if (index > 0)
             into.put(u',');
         if (m_humanReadable)
-            into.putLine(spaces);
+            into.putLine(spacesOfIndent()); // which a proxy that failed may have deepened
         step = isDictionary ? appendMember(keyAt(container, index), into)
                             : appendValue(container.items[index], into);
     }

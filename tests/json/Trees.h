@@ -1,5 +1,6 @@
 #pragma once
 
+#include "XKJsonBase.h"
 #include "XKJsonValue.h"
 
 #include <QStringList>
@@ -35,4 +36,13 @@ inline QString described(const XKJsonValue &value)
         break;
     }
     return QStringLiteral("object");
+}
+
+/// The trace in lines of code and message, oldest first.
+inline QString traceOf(const XKJsonBase &codec)
+{
+    QStringList lines;
+    for (const XKJsonError &error : codec.errorTrace().value_or(XKJsonErrorList()))
+        lines.append(QString::number(error.code()) + u' ' + error.localizedDescription());
+    return lines.join(u'\n');
 }
