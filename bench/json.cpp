@@ -80,6 +80,7 @@ void addParsing(const std::string &name, const QString &text)
         [] {
             treeOf(JsonTexts::records(/*count=*/3)
                        .replace(QLatin1StringView("Run"), QLatin1StringView("\\nRun")));
+            treeOf(JsonTexts::dictionaries(/*count=*/1, /*members=*/12));
         },
         [&] { benchmark::DoNotOptimize(treeOf(text)); });
     add(name + "/ours", [text, utf8, peak](benchmark::State &state) {

@@ -67,7 +67,12 @@ public:
     {
     }
 
-    static std::size_t countFor(std::size_t members) { return std::bit_ceil(members) / 2 * 3; }
+    /// Half as many again, in steps, and an even number for what lies behind.
+    static std::size_t countFor(std::size_t members)
+    {
+        const std::size_t step = std::max<std::size_t>(std::bit_ceil(members) / 8, 4);
+        return (members + step - 1) / step * step / 2 * 3;
+    }
 
     void clear() { std::fill_n(m_first, m_count, 0); }
     void prefetch(quint64 hash) const { __builtin_prefetch(m_first + placeOf(hash), /*rw=*/1); }

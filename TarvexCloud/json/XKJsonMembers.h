@@ -5,7 +5,7 @@
 /// The members of a dictionary: each key and its value in turn. A few are looked through; more have an index
 /// of their keys, which lies in front of them in memory and is found by their number alone.
 namespace XKJsonMembers {
-/// The bytes that the index takes. It stays the same up to the next power of two. @throws std::length_error
+/// The bytes that the index takes. It grows in steps, never down. @throws std::length_error
 std::size_t indexBytes(std::size_t count);
 /// Indexes members with room for the index in front of them, of which the first `indexed` are so already, and
 /// gives the number that is left: of several members with one key the first keeps its place, the last its

@@ -4,12 +4,17 @@
 #include <new>
 #include <utility>
 
+#ifdef __linux__
+#include <sys/mman.h>
+#endif
+
 namespace {
 
 // An answer of a few fields takes one allocation; a large text takes few, and wastes little of the last.
 constexpr std::size_t smallestRoom = 256;
 constexpr std::size_t largestFirstRoom = std::size_t(64) * 1024;
-constexpr std::size_t largestChunk = std::size_t(1024) * 1024;
+constexpr std::size_t chunkLimit = std::size_t(1024) * 1024;
+constexpr std::size_t largeTextChunkLimit = 32 * chunkLimit; // so that large pages fit in
 
 } // namespace
 
@@ -27,6 +32,19 @@ void XKJsonShared::destroy(XKJsonShared *last) noexcept
     isDestroying = false;
 }
 
+void preferLargePages([[maybe_unused]] void *memory, [[maybe_unused]] std::size_t bytes)
+{
+#ifdef __linux__
+    constexpr std::size_t worthwhile = std::size_t(4) * 1024 * 1024; // holds one large page at least
+    constexpr std::uintptr_t pageMask = 4095;
+    const auto first = reinterpret_cast<std::uintptr_t>(memory);
+    // The whole of it, since an allocation backed in two ways could no longer grow without being copied.
+    if (bytes >= worthwhile)
+        (void)madvise(static_cast<char *>(memory) - (first & pageMask), bytes + (first & pageMask),
+                      MADV_HUGEPAGE);
+#endif
+}
+
 XKJsonArena *XKJsonArena::make(const QString &text)
 {
     static_assert(sizeof(XKJsonArena) % alignof(XKJsonNode) == 0);
@@ -39,7 +57,8 @@ XKJsonArena *XKJsonArena::make(const QString &text)
 }
 
 XKJsonArena::XKJsonArena(QString text, char *room, std::size_t bytes) noexcept
-    : m_text(std::move(text)), m_next(room), m_limit(room + bytes), m_chunkSize(largestFirstRoom / 2)
+    : m_text(std::move(text)), m_next(room), m_limit(room + bytes), m_chunkSize(largestFirstRoom / 2),
+      m_largestChunk(std::clamp(static_cast<std::size_t>(m_text.size()) / 2, chunkLimit, largeTextChunkLimit))
 {
 }
 
@@ -51,9 +70,10 @@ XKJsonArena::~XKJsonArena()
 
 void *XKJsonArena::allocateInNewChunk(std::size_t bytes)
 {
-    m_chunkSize = std::min(m_chunkSize * 2, largestChunk);
+    m_chunkSize = std::min(m_chunkSize * 2, m_largestChunk);
     const std::size_t room = std::max(bytes, m_chunkSize);
     auto *const chunk = static_cast<Chunk *>(::operator new(sizeof(Chunk) + room));
+    preferLargePages(chunk, sizeof(Chunk) + room);
     chunk->previous = m_chunks;
     m_chunks = chunk;
     char *const memory = reinterpret_cast<char *>(chunk + 1);

@@ -34,6 +34,10 @@ private:
     XKJsonShared *m_nextToDestroy = nullptr;
 };
 
+/// Asks the system to back an allocation with large pages, if it is worth that: much of what a large text
+/// costs would otherwise be the system handing out one small page after another.
+void preferLargePages(void *memory, std::size_t bytes);
+
 /// The memory of one parsed tree, given back as a whole. The text is part of it: strings without escapes
 /// and decimals point into it.
 class XKJsonArena final : public XKJsonShared
@@ -68,6 +72,7 @@ private:
     QString m_text;
     char *m_next;
     char *m_limit;
-    std::size_t m_chunkSize;   // of the last chunk, in bytes
-    Chunk *m_chunks = nullptr; // beyond the first stretch, which lies behind the arena itself
+    std::size_t m_chunkSize;    // of the last chunk
+    std::size_t m_largestChunk; // in bytes, as the other one
+    Chunk *m_chunks = nullptr;  // beyond the first stretch, which lies behind the arena itself
 };

@@ -1,5 +1,6 @@
 #include "XKJsonOutput.h"
 
+#include "XKJsonMemory.h"
 #include "XKJsonScan.h"
 
 #include <algorithm>
@@ -45,6 +46,7 @@ XKJsonOutput XKJsonOutput::withRoom(XKJsonOutput output, std::size_t units)
     const qsizetype used = output.m_end ? output.size() : 0;
     text.resize(std::max(text.size() + text.size() / 2, used + static_cast<qsizetype>(units)));
     text.resize(text.capacity());
+    preferLargePages(text.data(), static_cast<std::size_t>(text.size()) * sizeof(QChar));
     auto *const begin = reinterpret_cast<char16_t *>(text.data());
     output.m_end = begin + used;
     output.m_limit = begin + text.size();
