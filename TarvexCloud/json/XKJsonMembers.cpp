@@ -26,6 +26,12 @@ bool isSameKey(const XKJsonNode &key, const XKJsonNode &other)
     return key.kind() == XKJsonKind::Double ? key.real == other.real : key.integer == other.integer;
 }
 
+quint64 bitsOf(const XKJsonNode &number)
+{
+    return number.kind() == XKJsonKind::Double ? std::bit_cast<quint64>(number.real + 0.0) // of two zeros one
+                                               : static_cast<quint64>(number.integer);
+}
+
 quint64 folded(quint64 left, quint64 right)
 {
     const auto product = __uint128_t(left) * right;
@@ -39,18 +45,19 @@ inline quint64 hashOf(const XKJsonNode &key)
     static const quint64 secret = QRandomGenerator::system()->generate64();
     const quint64 factor = secret | 1;
     quint64 hash = std::rotl(secret, 32) ^ key.length();
-    quint64 rest = key.kind() == XKJsonKind::Double
-                       ? std::bit_cast<quint64>(key.real + 0.0) // of two zeros one
-                       : static_cast<quint64>(key.integer);
-    if (isText(key)) {
-        const char16_t *c = key.text;
-        const char16_t *const end = c + key.length();
-        for (; end - c >= 4; c += 4, hash = folded(hash ^ rest, factor))
-            std::memcpy(&rest, c, sizeof(rest));
-        for (rest = 0; c != end; ++c)
-            rest = rest << 16 | *c;
-    }
-    return folded(hash ^ rest, factor);
+    if (!isText(key))
+        return folded(hash ^ bitsOf(key), factor);
+    const char16_t *c = key.text;
+    const char16_t *const end = c + key.length();
+    quint64 units = 0; // the last four may overlap those before
+    if (end - c < 4)
+        for (; c != end; ++c)
+            units = units << 16 | *c;
+    for (; end - c > 4; c += 4, hash = folded(hash ^ units, factor))
+        std::memcpy(&units, c, sizeof(units));
+    if (end != c)
+        std::memcpy(&units, end - 4, sizeof(units));
+    return folded(hash ^ units, factor);
 }
 
 /// The slots in front of many members. One is zero, or the position of a member plus one in its low bits and
@@ -108,26 +115,27 @@ void keep(XKJsonNode *members, std::size_t from, std::size_t to)
         std::copy_n(members + 2 * from, 2, members + 2 * to);
 }
 
-// Some are hashed ahead, so that their slots are on the way from memory while others are looked at.
+// Some are hashed before they are looked up, so that their slots come from memory together.
 std::size_t mergeMany(XKJsonNode *members, std::size_t count, std::size_t indexed)
 {
-    constexpr std::size_t ahead = 16;
     Slots slots(members, count);
     if (indexed == 0)
         slots.clear();
-    std::array<quint64, ahead> hashes{};
+    std::array<quint64, 16> hashes;
     std::size_t kept = indexed;
-    for (std::size_t next = indexed, i = indexed; i < count; ++i) {
-        for (; next < std::min(i + ahead, count); ++next)
-            slots.prefetch(hashes[next % ahead] = hashOf(members[2 * next]));
-        const quint64 hash = hashes[i % ahead];
-        Slots::Slot &slot = slots.find(hash, members[2 * i]);
-        if (slot != 0) {
-            members[2 * slots.positionIn(slot) + 1] = members[2 * i + 1];
-            continue;
+    for (std::size_t first = indexed; first < count; first += hashes.size()) {
+        const std::size_t end = std::min(first + hashes.size(), count);
+        for (std::size_t i = first; i < end; ++i)
+            slots.prefetch(hashes[i - first] = hashOf(members[2 * i]));
+        for (std::size_t i = first; i < end; ++i) {
+            Slots::Slot &slot = slots.find(hashes[i - first], members[2 * i]);
+            if (slot != 0) {
+                members[2 * slots.positionIn(slot) + 1] = members[2 * i + 1];
+                continue;
+            }
+            slot = slots.slotOf(hashes[i - first], kept);
+            keep(members, i, kept++);
         }
-        slot = slots.slotOf(hash, kept);
-        keep(members, i, kept++);
     }
     return kept;
 }

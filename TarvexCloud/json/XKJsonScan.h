@@ -93,7 +93,7 @@ inline unsigned bitsOf(Eight found)
 
 inline const char16_t *firstOf(unsigned bits, const char16_t *c)
 {
-    return c + std::countr_zero(bits) / 2;
+    return c + static_cast<unsigned>(std::countr_zero(bits)) / 2;
 }
 
 template<auto Kind>
@@ -139,8 +139,8 @@ inline const char16_t *afterRun(const char16_t *c, [[maybe_unused]] const char16
         const Eight units = eightAt(c);
         found = _mm_or_si128(found, surrogates(units));
         if (const unsigned ends = bitsOf(stops(units))) {
-            c = firstOf(ends, c);
-            break;
+            mayHaveSurrogates = bitsOf(found) != 0;
+            return firstOf(ends, c);
         }
     }
     mayHaveSurrogates = bitsOf(found) != 0;
