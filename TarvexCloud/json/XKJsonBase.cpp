@@ -8,12 +8,6 @@ using namespace Qt::StringLiterals;
 
 Q_LOGGING_CATEGORY(xkJson, "tarvex.json")
 
-XKJsonError::Link::Link(XKJsonErrorCode linkCode, const QString &linkDescription,
-                        const QExplicitlySharedDataPointer<Link> &linkUnderlying)
-    : code(linkCode), description(linkDescription), underlying(linkUnderlying)
-{
-}
-
 // Lets go of the chain link by link, since millions of them would not fit the machine stack.
 XKJsonError::Link::~Link()
 {
@@ -23,23 +17,8 @@ XKJsonError::Link::~Link()
 }
 
 XKJsonError::XKJsonError(XKJsonErrorCode code, const QString &description, const XKJsonError &underlying)
-    : m_link(new Link(code, description, underlying.m_link))
+    : m_link(new Link(code, description, underlying))
 {
-}
-
-QString XKJsonError::domain()
-{
-    return u"org.quillmere.JSON.ErrorDomain"_s;
-}
-
-int XKJsonError::code() const
-{
-    return m_link ? static_cast<int>(m_link->code) : 0;
-}
-
-QString XKJsonError::localizedDescription() const
-{
-    return m_link ? m_link->description : QString();
 }
 
 XKJsonError XKJsonError::underlyingError() const
@@ -87,11 +66,6 @@ void XKJsonBase::clearErrorTrace()
 {
     if (!m_lastError.isNone() || !m_observers.empty())
         changeTrace(XKJsonError());
-}
-
-void XKJsonBase::removeObserver(XKJsonObserver *observer)
-{
-    std::erase(m_observers, observer);
 }
 
 bool XKJsonBase::refuseDepth()

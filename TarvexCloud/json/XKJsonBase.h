@@ -37,12 +37,12 @@ public:
     XKJsonError(XKJsonErrorCode code, const QString &description, const XKJsonError &underlying);
 
     /// The domain of all errors of the codec.
-    static QString domain();
+    static QString domain() { return QStringLiteral("org.quillmere.JSON.ErrorDomain"); }
 
     bool isNone() const { return !m_link; }
     /// As the enumeration has it; 0 for none.
-    int code() const;
-    QString localizedDescription() const;
+    int code() const { return m_link ? static_cast<int>(m_link->code) : 0; }
+    QString localizedDescription() const { return m_link ? m_link->description : QString(); }
     /// The error that was added just before this one, or none.
     XKJsonError underlyingError() const;
 
@@ -50,8 +50,10 @@ private:
     // One allocation per error: a deep nest of brackets that fails has an error for each of them.
     struct Link : QSharedData
     {
-        Link(XKJsonErrorCode linkCode, const QString &linkDescription,
-             const QExplicitlySharedDataPointer<Link> &linkUnderlying);
+        Link(XKJsonErrorCode itsCode, const QString &itsDescription, const XKJsonError &itsUnderlying)
+            : code(itsCode), description(itsDescription), underlying(itsUnderlying.m_link)
+        {
+        }
         ~Link();
         Link(const Link &) = delete;
         Link &operator=(const Link &) = delete;
@@ -98,7 +100,7 @@ public:
 
     /// Observers are not owned; each must be removed before it goes, and must not start another call.
     void addObserver(XKJsonObserver *observer) { m_observers.push_back(observer); }
-    void removeObserver(XKJsonObserver *observer);
+    void removeObserver(XKJsonObserver *observer) { std::erase(m_observers, observer); }
 
 protected:
     XKJsonBase() = default;

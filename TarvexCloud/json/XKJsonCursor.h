@@ -18,16 +18,12 @@ struct XKJsonNumber
 class XKJsonCursor
 {
 public:
-    explicit XKJsonCursor(QStringView text)
-        : m_place(text.utf16()),
-          m_eightsEnd(XKJsonScan::endOfEights(text.utf16(), text.utf16() + text.size()))
-    {
-    }
+    explicit XKJsonCursor(QStringView text) : m_place(text.utf16()), m_end(m_place + text.size()) {}
 
     char16_t operator*() const { return *m_place; }
+    /// At a zero unit, wherever it stands.
     bool isAtEnd() const { return *m_place == u'\0'; }
     const char16_t *place() const { return m_place; }
-    void moveTo(const char16_t *place) { m_place = place; }
     /// The text from a place up to here.
     QStringView textFrom(const char16_t *start) const { return {start, m_place}; }
 
@@ -42,55 +38,56 @@ public:
     /// A word, or nothing if it does not stand there in full.
     bool passIf(QStringView word)
     {
-        const char16_t *c = m_place; // a zero at the text's end differs before it is passed
-        for (const QChar unit : word)
-            if (*c++ != unit)
-                return false;
-        m_place = c;
-        return true;
+        const bool stands = QStringView(m_place, m_end).startsWith(word);
+        m_place += stands ? word.size() : 0;
+        return stands;
     }
     void passSpaces()
     {
-        if (*m_place > u' ')
-            return;
-        if (XKJsonScan::isSpace(*m_place) && m_place[1] > u' ')
-            ++m_place;
-        else
-            m_place = XKJsonScan::afterSpaces(m_place, m_eightsEnd);
+        while (*m_place <= u' ' && XKJsonScan::isSpace(*m_place))
+            m_place = XKJsonScan::after(XKJsonScan::isBlank, m_place + 1, m_end); // most are blanks
     }
     /// Whether there were any.
     bool passDigits()
     {
-        const char16_t *const start = std::exchange(m_place, XKJsonScan::afterDigits(m_place, m_eightsEnd));
+        const char16_t *const start =
+            std::exchange(m_place, XKJsonScan::after(XKJsonScan::isDigit, m_place, m_end));
         return m_place != start;
     }
-    /// Passes string text up to where it cannot just go on; false if a half of a surrogate pair is in it.
-    bool passRun()
+    /// Passes string text up to where it cannot just go on, half a surrogate pair included, and gives it.
+    QStringView takeRun()
     {
-        bool mayHaveSurrogates = false;
-        const char16_t *const start =
-            std::exchange(m_place, XKJsonScan::afterRun(m_place, m_eightsEnd, mayHaveSurrogates));
-        return !mayHaveSurrogates || textFrom(start).isValidUtf16();
+        const char16_t *const start = m_place;
+        do
+            m_place = XKJsonScan::after(XKJsonScan::isText, m_place, m_end);
+        while (passPair());
+        return textFrom(start);
     }
     /// Reads a number, of which the cursor stands on a minus or the first digit; behind it or at its fault
     /// after.
     XKJsonNumber takeNumber();
 
 private:
+    bool passPair()
+    {
+        const bool stands = XKJsonScan::isHighSurrogate(m_place[0]) && XKJsonScan::isLowSurrogate(m_place[1]);
+        m_place += stands ? 2 : 0;
+        return stands;
+    }
     /// What is wrong with it, if anything.
     const char *passExponent();
 
     const char16_t *m_place;
-    const char16_t *m_eightsEnd;
+    const char16_t *m_end;
 };
 
 inline XKJsonNumber XKJsonCursor::takeNumber()
 {
+    constexpr qptrdiff mostDigits = std::numeric_limits<qint64>::digits10 + 1; // never wraps unsigned
+    constexpr quint64 largest = std::numeric_limits<qint64>::max();
     const bool isNegative = passIf(u'-');
     if (*m_place == u'0' && XKJsonScan::isDigit(m_place[1]))
         return {"Leading 0 disallowed in number"};
-    constexpr qptrdiff mostDigits = std::numeric_limits<qint64>::digits10 + 1; // never wraps unsigned
-    constexpr auto largest = static_cast<quint64>(std::numeric_limits<qint64>::max());
     const char16_t *const digits = m_place;
     quint64 value = 0;
     for (; XKJsonScan::isDigit(*m_place) && m_place - digits < mostDigits; ++m_place)
@@ -103,18 +100,18 @@ inline XKJsonNumber XKJsonCursor::takeNumber()
         if (!passDigits())
             return {"No digits after decimal point"};
     }
-    if ((*m_place | 0x20) == u'e') {
+    if (passIf(u'e') || passIf(u'E')) {
         isInteger = false;
         if (const char *const fault = passExponent())
             return {fault};
     }
-    return {nullptr, isInteger, isNegative ? -static_cast<qint64>(value) : static_cast<qint64>(value)};
+    const auto integer = static_cast<qint64>(isInteger ? value : 0);
+    return {nullptr, isInteger, isNegative ? -integer : integer};
 }
 
 // A decimal's exponent must fit 32 bits.
 inline const char *XKJsonCursor::passExponent()
 {
-    ++m_place;
     const bool isNegative = passIf(u'-');
     if (!isNegative)
         passIf(u'+');

@@ -21,18 +21,11 @@ enum class XKJsonKind : quint8 {
 struct XKJsonNode
 {
     constexpr XKJsonNode() = default;
-    constexpr explicit XKJsonNode(XKJsonKind kind, qint64 number = 0)
-        : head(static_cast<quint64>(kind)), integer(number)
-    {
-    }
-    explicit XKJsonNode(double number) : head(static_cast<quint64>(XKJsonKind::Double)), real(number) {}
-    explicit XKJsonNode(const XKJsonObject *given)
-        : head(static_cast<quint64>(XKJsonKind::Object)), object(given)
-    {
-    }
-    XKJsonNode(XKJsonKind kind, QStringView units, bool isPlain = false)
-        : head(headOf(kind, static_cast<std::size_t>(units.size())) | (isPlain ? plain : 0)),
-          text(units.utf16())
+    constexpr explicit XKJsonNode(XKJsonKind kind, qint64 number = 0) : head(headOf(kind)), integer(number) {}
+    explicit XKJsonNode(double number) : head(headOf(XKJsonKind::Double)), real(number) {}
+    explicit XKJsonNode(const XKJsonObject *given) : head(headOf(XKJsonKind::Object)), object(given) {}
+    XKJsonNode(XKJsonKind kind, QStringView units)
+        : head(headOf(kind, static_cast<std::size_t>(units.size()))), text(units.utf16())
     {
     }
     XKJsonNode(XKJsonKind kind, const XKJsonNode *first, std::size_t length)
@@ -42,18 +35,14 @@ struct XKJsonNode
 
     XKJsonKind kind() const { return static_cast<XKJsonKind>(head & 0xFF); }
     bool isContainer() const { return kind() == XKJsonKind::Array || kind() == XKJsonKind::Dictionary; }
-    /// Whether a string is sure to need no escape.
-    bool isPlain() const { return (head & plain) != 0; }
     /// Units of text, elements of an array, members of a dictionary.
-    std::size_t length() const { return head >> 16; }
+    std::size_t length() const { return head >> 8; }
     /// Elements of an array; keys and values of a dictionary, each key followed by its value.
     std::size_t itemCount() const { return kind() == XKJsonKind::Dictionary ? 2 * length() : length(); }
     /// Of a string or a decimal.
     QStringView view() const { return {text, static_cast<qsizetype>(length())}; }
 
-    static constexpr quint64 plain = 1 << 8;
-
-    quint64 head = 0; ///< the kind, whether it is plain, and from bit 16 on a length
+    quint64 head = 0; ///< the kind, and from bit 8 on a length
     union {
         qint64 integer = 0; ///< a boolean too, as 0 or 1
         double real;
@@ -63,8 +52,8 @@ struct XKJsonNode
     };
 
 private:
-    static constexpr quint64 headOf(XKJsonKind kind, std::size_t length)
+    static constexpr quint64 headOf(XKJsonKind kind, std::size_t length = 0)
     {
-        return static_cast<quint64>(kind) | static_cast<quint64>(length) << 16;
+        return static_cast<quint64>(kind) | static_cast<quint64>(length) << 8;
     }
 };

@@ -24,24 +24,20 @@ unsigned firstByte(const char16_t *c)
         return unit;
     if (unit < 0x800)
         return 0xC0 | unit >> 6;
-    if ((unit & 0xFC00) == 0xD800 && (c[1] & 0xFC00) == 0xDC00)
+    if (XKJsonScan::isHighSurrogate(c[0]) && XKJsonScan::isLowSurrogate(c[1]))
         return 0xF0 | (((unit & 0x3FF) + 0x40) >> 8);
     return 0xE0 | unit >> 12;
 }
 
 } // namespace
 
-// Reads a string that is more than one run of text, from behind its opening quote on.
-bool XKJsonParser::scanRestOfStringWithEscapes(XKJsonCursor &c)
+bool XKJsonParser::scanRestOfStringWithEscapes(XKJsonCursor &c, QStringView run)
 {
-    m_unescaped.clear();
-    for (;;) {
-        const char16_t *const start = c.place();
-        if (!c.passRun())
+    m_unescaped.assign(run.utf16(), static_cast<std::size_t>(run.size()));
+    while (!c.passIf(u'"')) {
+        if (XKJsonScan::isHighSurrogate(*c) ||
+            XKJsonScan::isLowSurrogate(*c)) // half a pair in the text itself
             return refuse(Code::Unicode, "Broken unicode character");
-        m_unescaped.append(start, c.place());
-        if (c.passIf(u'"'))
-            break;
         if (!c.passIf(u'\\'))
             return refuseUnit(Code::ControlCharacter, "Unescaped control character '0x%1'", *c);
         char16_t unit = 0;
@@ -50,6 +46,8 @@ bool XKJsonParser::scanRestOfStringWithEscapes(XKJsonCursor &c)
         m_unescaped += unit;
         if (c.isAtEnd())
             return refuse(Code::EndOfInput, "Unexpected EOF while parsing string");
+        run = c.takeRun();
+        m_unescaped.append(run.utf16(), static_cast<std::size_t>(run.size()));
     }
     const std::size_t length = m_unescaped.size();
     auto *const text = static_cast<char16_t *>(m_arena->allocate(length * sizeof(char16_t)));
@@ -79,10 +77,10 @@ bool XKJsonParser::scanUnicodeChar(XKJsonCursor &c, char16_t &unit)
     constexpr char16_t lastAccepted = 0xDFFE;
     if (!scanHexQuad(c, unit))
         return refuse(Code::Unicode, "Missing hex quad");
-    if (!XKJsonScan::isSurrogate(unit))
-        return true;
-    if (unit >= firstLow)
+    if (XKJsonScan::isLowSurrogate(unit))
         return refuse(Code::Unicode, "Invalid high character in surrogate pair");
+    if (!XKJsonScan::isHighSurrogate(unit))
+        return true;
     char16_t low = 0;
     if (!c.passIf(u"\\u") || !scanHexQuad(c, low))
         return refuse(Code::Unicode, "Missing low character in surrogate pair");
@@ -103,10 +101,4 @@ bool XKJsonParser::scanHexQuad(XKJsonCursor &c, char16_t &quad)
         c.pass();
     }
     return true;
-}
-
-bool XKJsonParser::refuseUnit(XKJsonErrorCode code, const char *description, unsigned value)
-{
-    addErrorWithCode(code, QLatin1StringView(description).arg(QString::number(value, /*base=*/16)));
-    return false;
 }

@@ -4,8 +4,6 @@
 #include "XKJsonMembers.h"
 #include "XKJsonMemory.h"
 
-#include <cstring>
-
 using namespace Qt::StringLiterals;
 using Code = XKJsonErrorCode;
 
@@ -22,24 +20,23 @@ XKJsonValue XKJsonParser::objectWithString(const QString &text, XKJsonError *err
 {
     clearErrorTrace();
     XKJsonValue tree;
-    if (!scanText(text, tree)) {
-        tree = XKJsonValue();
-        if (error)
-            *error = lastError();
-    }
-    return tree;
+    if (scanText(text, tree))
+        return tree;
+    if (error)
+        *error = lastError();
+    return {};
 }
 
 bool XKJsonParser::scanText(const QString &text, XKJsonValue &tree)
 {
     if (text.isNull())
         return refuse(Code::NoInput, "Input was 'nil'");
-    m_arena = XKJsonArena::make(text);
+    m_arena = new XKJsonArena(text);
     tree.m_owner = m_arena;
     m_nodes.clear();
     m_open.clear();
     resetDepth();
-    XKJsonCursor c{QStringView(m_arena->text())};
+    XKJsonCursor c(m_arena->text());
     if (!scanDocument(c)) {
         addErrorsOfOpenContainers();
         return false;
@@ -53,14 +50,17 @@ bool XKJsonParser::scanText(const QString &text, XKJsonValue &tree)
     return tree.isContainer() || refuse(Code::Fragment, "Valid fragment, but not JSON");
 }
 
-Q_ALWAYS_INLINE XKJsonParser::Step XKJsonParser::scanRestOfWord(XKJsonCursor &c, QStringView rest,
-                                                                const XKJsonNode &value,
-                                                                const char *expectation)
+Q_ALWAYS_INLINE bool XKJsonParser::scanRestOfString(XKJsonCursor &c)
 {
-    if (!c.passIf(rest))
-        return fail(Code::Parse, expectation);
-    m_nodes.append(value);
-    return Step::Scanned;
+    const QStringView run = c.takeRun();
+    if (c.passIf(u'"')) {
+        m_nodes.append(XKJsonNode(XKJsonKind::String, run));
+        return true;
+    }
+    XKJsonCursor lent = c; // so that the other one stays in registers
+    const bool isScanned = scanRestOfStringWithEscapes(lent, run);
+    c = lent;
+    return isScanned;
 }
 
 Q_ALWAYS_INLINE bool XKJsonParser::scanNumber(XKJsonCursor &c)
@@ -69,40 +69,26 @@ Q_ALWAYS_INLINE bool XKJsonParser::scanNumber(XKJsonCursor &c)
     const XKJsonNumber number = c.takeNumber();
     if (number.fault)
         return refuse(Code::Number, number.fault);
-    if (number.isInteger)
-        m_nodes.append(XKJsonNode(XKJsonKind::Integer, number.integer));
-    else
-        m_nodes.append(XKJsonNode(XKJsonKind::Decimal, c.textFrom(start)));
+    m_nodes.append(number.isInteger ? XKJsonNode(XKJsonKind::Integer, number.integer)
+                                    : XKJsonNode(XKJsonKind::Decimal, c.textFrom(start)));
     return true;
 }
 
-Q_ALWAYS_INLINE bool XKJsonParser::scanRestOfString(XKJsonCursor &c)
+Q_ALWAYS_INLINE bool XKJsonParser::scanRestOfWord(XKJsonCursor &c, QStringView rest, const XKJsonNode &value,
+                                                  const char *expectation)
 {
-    const char16_t *const start = c.place();
-    if (!c.passRun() || *c != u'"') {
-        XKJsonCursor again = c; // lent in place of the other, which stays in registers
-        again.moveTo(start);
-        const bool isScanned = scanRestOfStringWithEscapes(again);
-        c = again;
-        return isScanned;
-    }
-    m_nodes.append(XKJsonNode(XKJsonKind::String, c.textFrom(start), /*isPlain=*/true));
-    c.pass();
+    if (!c.passIf(rest))
+        return refuse(Code::Parse, expectation);
+    m_nodes.append(value);
     return true;
 }
 
-inline XKJsonParser::Step XKJsonParser::open(XKJsonKind kind)
+inline bool XKJsonParser::open(XKJsonKind kind)
 {
     if (!enterContainer())
-        return Step::Failed;
+        return false;
     m_open.append({kind, m_nodes.size()});
-    return Step::Opened;
-}
-
-inline void XKJsonParser::dropNodes(qsizetype from)
-{
-    while (m_nodes.size() > from)
-        m_nodes.removeLast();
+    return true;
 }
 
 // Moves what the innermost container holds from the stack to the arena.
@@ -111,28 +97,28 @@ inline void XKJsonParser::close()
     leaveContainer();
     const auto [kind, first] = m_open.last();
     m_open.removeLast();
-    const bool isDictionary = kind == XKJsonKind::Dictionary;
     const auto count = static_cast<std::size_t>(m_nodes.size() - first);
+    const bool isDictionary = kind == XKJsonKind::Dictionary;
     const std::size_t indexBytes = isDictionary ? XKJsonMembers::indexBytes(count / 2) : 0;
-    auto *const memory = static_cast<std::byte *>(m_arena->allocate(indexBytes + count * sizeof(XKJsonNode)));
-    auto *const items = reinterpret_cast<XKJsonNode *>(memory + indexBytes);
+    void *const memory = m_arena->allocate(indexBytes + count * sizeof(XKJsonNode));
+    auto *const items = reinterpret_cast<XKJsonNode *>(static_cast<std::byte *>(memory) + indexBytes);
     std::copy_n(m_nodes.constData() + first, count, items);
-    dropNodes(first);
+    m_nodes.resize(first);
     m_nodes.append(XKJsonNode(kind, items, isDictionary ? XKJsonMembers::index(items, count / 2) : count));
 }
 
-Q_ALWAYS_INLINE XKJsonParser::Step XKJsonParser::scanValue(XKJsonCursor &c)
+Q_ALWAYS_INLINE bool XKJsonParser::scanValue(XKJsonCursor &c)
 {
     c.passSpaces();
     const char16_t unit = *c;
     if (unit == u'-' || XKJsonScan::isDigit(unit))
-        return scanNumber(c) ? Step::Scanned : Step::Failed;
+        return scanNumber(c);
     c.pass();
     switch (unit) {
     case u'"':
-        return scanRestOfString(c) ? Step::Scanned : Step::Failed;
+        return scanRestOfString(c);
     case u'+':
-        return fail(Code::Number, "Leading + disallowed in number");
+        return refuse(Code::Number, "Leading + disallowed in number");
     case u'[':
         return open(XKJsonKind::Array);
     case u'{':
@@ -144,9 +130,9 @@ Q_ALWAYS_INLINE XKJsonParser::Step XKJsonParser::scanValue(XKJsonCursor &c)
     case u'n':
         return scanRestOfWord(c, u"ull", XKJsonNode(XKJsonKind::Null), "Expected 'null'");
     case u'\0':
-        return fail(Code::EndOfInput, "Unexpected end of string");
+        return refuse(Code::EndOfInput, "Unexpected end of string");
     default:
-        return fail(Code::Parse, "Unrecognised leading character");
+        return refuse(Code::Parse, "Unrecognised leading character");
     }
 }
 
@@ -168,47 +154,33 @@ Q_ALWAYS_INLINE bool XKJsonParser::scanKey(XKJsonCursor &c)
     return c.passIf(u':') || refuse(Code::Parse, "Expected ':' separating key and value");
 }
 
-Q_ALWAYS_INLINE XKJsonParser::Step XKJsonParser::scanToValue(XKJsonCursor &c, bool isAfterValue)
+Q_ALWAYS_INLINE bool XKJsonParser::scanItem(XKJsonCursor &c)
 {
-    const bool isDictionary = m_open.last().kind == XKJsonKind::Dictionary;
-    const bool isAfterComma = isAfterValue && scanComma(c);
+    const Open &container = m_open.last();
+    const bool isDictionary = container.kind == XKJsonKind::Dictionary;
+    const bool isAfterComma = m_nodes.size() > container.first && scanComma(c);
     if (c.isAtEnd())
-        return failContainer(Code::EndOfInput, isDictionary ? "End of input while parsing object"
-                                                            : "End of input while parsing array");
+        return refuseContainer(Code::EndOfInput, isDictionary ? "End of input while parsing object"
+                                                              : "End of input while parsing array");
     c.passSpaces();
     if (!c.passIf(isDictionary ? u'}' : u']'))
-        return !isDictionary || scanKey(c) ? Step::Awaited : abandonContainer();
+        return isDictionary && !scanKey(c) ? abandonContainer() : scanValue(c);
     if (isAfterComma)
-        return failContainer(Code::TrailingComma, isDictionary ? "Trailing comma disallowed in object"
-                                                               : "Trailing comma disallowed in array");
+        return refuseContainer(Code::TrailingComma, isDictionary ? "Trailing comma disallowed in object"
+                                                                 : "Trailing comma disallowed in array");
     close();
-    return Step::Scanned;
+    return true;
 }
 
-// All values are read at one place, whatever they stand in, so that nesting costs no machine stack.
+// A container's values are read one after the other, whatever they stand in: nesting costs no machine stack.
 bool XKJsonParser::scanDocument(XKJsonCursor &cursor)
 {
     XKJsonCursor c = cursor; // stays in registers
-    Step step = Step::Awaited;
-    while (step == Step::Awaited) {
-        step = scanValue(c);
-        while ((step == Step::Scanned || step == Step::Opened) && !m_open.isEmpty())
-            step = scanToValue(c, step == Step::Scanned);
-    }
+    bool isScanned = scanValue(c);
+    while (isScanned && !m_open.isEmpty())
+        isScanned = scanItem(c);
     cursor = c;
-    return step == Step::Scanned;
-}
-
-// A value could not be read: each container that it stands in tells so, from the innermost outwards.
-void XKJsonParser::addErrorsOfOpenContainers()
-{
-    for (; !m_open.isEmpty(); m_open.removeLast()) {
-        if (m_open.last().kind == XKJsonKind::Array)
-            refuse(Code::Parse, "Expected value while parsing array");
-        else
-            addErrorWithCode(Code::Parse, "Object value expected for key: %1"_L1.arg(m_nodes.last().view()));
-        dropNodes(m_open.last().first);
-    }
+    return isScanned;
 }
 
 bool XKJsonParser::refuse(XKJsonErrorCode code, const char *description)
@@ -217,22 +189,33 @@ bool XKJsonParser::refuse(XKJsonErrorCode code, const char *description)
     return false;
 }
 
-XKJsonParser::Step XKJsonParser::fail(XKJsonErrorCode code, const char *description)
+bool XKJsonParser::refuseUnit(XKJsonErrorCode code, const char *description, unsigned value)
 {
-    refuse(code, description);
-    return Step::Failed;
+    addErrorWithCode(code, QLatin1StringView(description).arg(QString::number(value, /*base=*/16)));
+    return false;
 }
 
-XKJsonParser::Step XKJsonParser::failContainer(XKJsonErrorCode code, const char *description)
+bool XKJsonParser::refuseContainer(XKJsonErrorCode code, const char *description)
 {
     refuse(code, description);
     return abandonContainer();
 }
 
 // The innermost container has told its error: from now on it is itself the value that could not be read.
-XKJsonParser::Step XKJsonParser::abandonContainer()
+bool XKJsonParser::abandonContainer()
 {
-    dropNodes(m_open.last().first);
+    m_nodes.resize(m_open.last().first);
     m_open.removeLast();
-    return Step::Failed;
+    return false;
+}
+
+// A value could not be read: each container that it stands in tells so, from the innermost outwards.
+void XKJsonParser::addErrorsOfOpenContainers()
+{
+    for (; !m_open.isEmpty(); abandonContainer()) {
+        if (m_open.last().kind == XKJsonKind::Array)
+            refuse(Code::Parse, "Expected value while parsing array");
+        else
+            addErrorWithCode(Code::Parse, "Object value expected for key: %1"_L1.arg(m_nodes.last().view()));
+    }
 }

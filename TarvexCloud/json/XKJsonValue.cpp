@@ -1,5 +1,6 @@
 #include "XKJsonValue.h"
 
+#include "XKJsonCursor.h"
 #include "XKJsonMembers.h"
 #include "XKJsonMemory.h"
 
@@ -26,18 +27,27 @@ struct OwnedObject final : XKJsonShared
     const std::shared_ptr<const XKJsonObject> object;
 };
 
+bool isDecimal(QString text)
+{
+    (void)text.utf16(); // makes sure that a zero stands behind it
+    XKJsonCursor c(text);
+    const char16_t *const start = c.place();
+    const bool begins = *c == u'-' || XKJsonScan::isDigit(*c);
+    return begins && !c.takeNumber().fault && c.textFrom(start).size() == text.size();
+}
+
 } // namespace
 
 /// An array or dictionary outside of any arena, which can be edited while nobody else holds it.
 class XKJsonContainer final : public XKJsonShared
 {
 public:
-    explicit XKJsonContainer(XKJsonKind kind, std::size_t items = fewestItems) : m_kind(kind)
+    explicit XKJsonContainer(XKJsonKind kind, std::size_t items = 0) : m_kind(kind)
     {
-        makeRoom(std::bit_ceil(items));
+        makeRoom(std::bit_ceil(std::max(items, fewestItems)));
     }
     explicit XKJsonContainer(const XKJsonValue &original)
-        : XKJsonContainer(original.kind(), std::max(original.m_node.itemCount(), fewestItems))
+        : XKJsonContainer(original.kind(), original.m_node.itemCount())
     {
         for (std::size_t place = 0; place < original.m_node.itemCount(); ++place)
             append(original.item(original.m_node.items[place]));
@@ -51,10 +61,7 @@ public:
                 owner->release();
     }
 
-    XKJsonShared *ownerOf(const XKJsonNode &item) override
-    {
-        return m_owners[static_cast<std::size_t>(&item - m_items)];
-    }
+    XKJsonShared *ownerOf(const XKJsonNode &item) override { return m_owners[placeOf(item)]; }
     /// As values hold it; an edit makes it another one.
     XKJsonNode node() const { return XKJsonNode(m_kind, m_items, length()); }
 
@@ -63,46 +70,30 @@ public:
         if (m_owners.size() == m_capacity)
             makeRoom(2 * m_capacity);
         m_items[m_owners.size()] = item.m_node;
-        m_owners.push_back(item.m_owner);
-        item.m_owner = nullptr;
+        m_owners.push_back(std::exchange(item.m_owner, nullptr));
     }
     void setValue(XKJsonValue key, XKJsonValue value)
     {
-        if (const XKJsonNode *const found = XKJsonMembers::find(node(), key.m_node))
-            return replace(*found, std::move(value));
+        if (const XKJsonNode *const found = XKJsonMembers::find(node(), key.m_node)) {
+            std::swap(m_items[placeOf(*found)], value.m_node);
+            std::swap(m_owners[placeOf(*found)], value.m_owner);
+            return;
+        }
         const std::size_t members = length();
         append(std::move(key));
         append(std::move(value));
         const bool sameIndex = XKJsonMembers::indexBytes(members) == XKJsonMembers::indexBytes(members + 1);
         XKJsonMembers::index(m_items, members + 1, sameIndex ? members : 0);
     }
-    void replace(const XKJsonNode &item, XKJsonValue value)
-    {
-        const auto place = static_cast<std::size_t>(&item - m_items);
-        std::swap(m_items[place], value.m_node);
-        std::swap(m_owners[place], value.m_owner);
-    }
-    void remove(std::size_t place, std::size_t count)
-    {
-        for (std::size_t i = place; i < place + count; ++i)
-            (void)XKJsonValue(m_items[i], m_owners[i]); // lets go of it
-        std::copy(m_items + place + count, m_items + m_owners.size(), m_items + place);
-        const auto first = m_owners.begin() + static_cast<std::ptrdiff_t>(place);
-        m_owners.erase(first, first + static_cast<std::ptrdiff_t>(count));
-        if (m_kind == XKJsonKind::Dictionary)
-            XKJsonMembers::index(m_items, length());
-    }
 
 private:
-    std::size_t length() const
-    {
-        return m_kind == XKJsonKind::Dictionary ? m_owners.size() / 2 : m_owners.size();
-    }
+    bool isDictionary() const { return m_kind == XKJsonKind::Dictionary; }
+    std::size_t length() const { return isDictionary() ? m_owners.size() / 2 : m_owners.size(); }
+    std::size_t placeOf(const XKJsonNode &item) const { return static_cast<std::size_t>(&item - m_items); }
 
     void makeRoom(std::size_t capacity)
     {
-        const bool isDictionary = m_kind == XKJsonKind::Dictionary;
-        const std::size_t indexBytes = isDictionary ? XKJsonMembers::indexBytes(capacity / 2) : 0;
+        const std::size_t indexBytes = isDictionary() ? XKJsonMembers::indexBytes(capacity / 2) : 0;
         auto memory = std::make_unique<std::byte[]>(indexBytes + capacity * sizeof(XKJsonNode));
         auto *const items = reinterpret_cast<XKJsonNode *>(memory.get() + indexBytes);
         std::copy_n(m_items, m_owners.size(), items);
@@ -139,9 +130,11 @@ XKJsonValue::~XKJsonValue()
         m_owner->release();
 }
 
-XKJsonValue XKJsonValue::decimal(const XKJsonDecimal &value)
+XKJsonValue XKJsonValue::decimal(const QString &text)
 {
-    auto *const owned = new OwnedText(value.text());
+    if (!isDecimal(text))
+        return {};
+    auto *const owned = new OwnedText(text);
     return XKJsonValue(XKJsonNode(XKJsonKind::Decimal, owned->text), owned);
 }
 
@@ -169,42 +162,36 @@ XKJsonValue XKJsonValue::object(std::shared_ptr<const XKJsonObject> object)
     return XKJsonValue(node, new OwnedObject(std::move(object)));
 }
 
-std::optional<XKJsonDecimal> XKJsonValue::toDecimal() const
-{
-    if (kind() != XKJsonKind::Decimal)
-        return std::nullopt;
-    return XKJsonDecimal(m_node.view().toString());
-}
-
 XKJsonValue XKJsonValue::keyAt(std::size_t index) const
 {
     const XKJsonNode *const found = &itemAt(index);
     return kind() == XKJsonKind::Dictionary ? item(found[-1]) : XKJsonValue();
 }
 
+XKJsonValue XKJsonValue::value(QStringView key) const
+{
+    if (kind() != XKJsonKind::Dictionary)
+        return {};
+    const XKJsonNode *const found = XKJsonMembers::find(m_node, XKJsonNode(XKJsonKind::String, key));
+    return found ? item(*found) : XKJsonValue();
+}
+
 void XKJsonValue::append(XKJsonValue element)
 {
-    if (kind() == XKJsonKind::Array)
-        edit([&](XKJsonContainer &container) { container.append(std::move(element)); });
+    if (kind() != XKJsonKind::Array)
+        return;
+    XKJsonContainer &container = editable();
+    container.append(std::move(element));
+    m_node = container.node();
 }
 
 void XKJsonValue::setValue(XKJsonValue key, XKJsonValue value)
 {
-    if (kind() == XKJsonKind::Dictionary)
-        edit([&](XKJsonContainer &container) { container.setValue(std::move(key), std::move(value)); });
-}
-
-void XKJsonValue::replaceAt(std::size_t index, XKJsonValue value)
-{
-    (void)itemAt(index);
-    edit([&](XKJsonContainer &container) { container.replace(itemAt(index), std::move(value)); });
-}
-
-void XKJsonValue::removeAt(std::size_t index)
-{
-    (void)itemAt(index);
-    const std::size_t each = kind() == XKJsonKind::Dictionary ? 2 : 1;
-    edit([&](XKJsonContainer &container) { container.remove(each * index, each); });
+    if (kind() != XKJsonKind::Dictionary)
+        return;
+    XKJsonContainer &container = editable();
+    container.setValue(std::move(key), std::move(value));
+    m_node = container.node();
 }
 
 XKJsonValue XKJsonValue::item(const XKJsonNode &node) const
@@ -222,23 +209,13 @@ const XKJsonNode &XKJsonValue::itemAt(std::size_t index) const
     return m_node.items[kind() == XKJsonKind::Dictionary ? 2 * index + 1 : index];
 }
 
-XKJsonValue XKJsonValue::valueUnder(const XKJsonNode &key) const
-{
-    if (kind() != XKJsonKind::Dictionary)
-        return {};
-    const XKJsonNode *const found = XKJsonMembers::find(m_node, key);
-    return found ? item(*found) : XKJsonValue();
-}
-
 // Somebody else may hold the container, or it is part of a tree that was read: then a copy of it is edited.
-template<typename Edit>
-void XKJsonValue::edit(Edit edit)
+XKJsonContainer &XKJsonValue::editable()
 {
     auto *container = m_owner->isHeldOnce() ? dynamic_cast<XKJsonContainer *>(m_owner) : nullptr;
     if (!container) {
         container = new XKJsonContainer(*this);
         *this = XKJsonValue(container->node(), container);
     }
-    edit(*container);
-    m_node = container->node();
+    return *container;
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "XKJsonDecimal.h"
 #include "XKJsonNode.h"
 
 #include <initializer_list>
@@ -9,7 +8,6 @@
 #include <QString>
 #include <utility>
 
-class XKJsonArena;
 class XKJsonContainer;
 class XKJsonShared;
 
@@ -44,7 +42,9 @@ public:
     static XKJsonValue integer(qint64 value) { return XKJsonValue(XKJsonNode(XKJsonKind::Integer, value)); }
     /// Not-a-number and infinities can be held, but not written.
     static XKJsonValue real(double value) { return XKJsonValue(XKJsonNode(value)); }
-    static XKJsonValue decimal(const XKJsonDecimal &value);
+    /// The exact number that a text in JSON's notation (RFC 8259, section 6) stands for; it keeps every
+    /// digit. None for any other text, and none when the exponent it names does not fit 32 bits.
+    static XKJsonValue decimal(const QString &text);
     static XKJsonValue array(std::initializer_list<XKJsonValue> elements = {});
     static XKJsonValue dictionary(std::initializer_list<Member> members = {});
     static XKJsonValue object(std::shared_ptr<const XKJsonObject> object);
@@ -57,11 +57,12 @@ public:
     bool toBoolean() const { return kind() == XKJsonKind::Boolean && m_node.integer != 0; }
     qint64 toInteger() const { return kind() == XKJsonKind::Integer ? m_node.integer : 0; }
     double toReal() const { return kind() == XKJsonKind::Double ? m_node.real : 0; }
-    std::optional<XKJsonDecimal> toDecimal() const;
     QString toString() const { return stringView().toString(); }
+    const XKJsonObject *toObject() const { return kind() == XKJsonKind::Object ? m_node.object : nullptr; }
     /// A string's units without a copy, valid as long as any value of the same tree.
     QStringView stringView() const { return kind() == XKJsonKind::String ? m_node.view() : QStringView(); }
-    const XKJsonObject *toObject() const { return kind() == XKJsonKind::Object ? m_node.object : nullptr; }
+    /// The text of an exact number, just as it was made or read; as long valid.
+    QStringView decimalView() const { return kind() == XKJsonKind::Decimal ? m_node.view() : QStringView(); }
 
     /// Elements of an array, members of a dictionary, 0 for anything else.
     std::size_t count() const { return isContainer() ? m_node.length() : 0; }
@@ -70,9 +71,7 @@ public:
     /// The key of a dictionary's member. @throws std::out_of_range
     XKJsonValue keyAt(std::size_t index) const;
     /// What a dictionary holds under a key; none if it does not, or if this is not a dictionary.
-    XKJsonValue value(QStringView key) const { return valueUnder(XKJsonNode(XKJsonKind::String, key)); }
-    /// The same for keys of any kind.
-    XKJsonValue valueForKey(const XKJsonValue &key) const { return valueUnder(key.m_node); }
+    XKJsonValue value(QStringView key) const;
 
     // Editing. A value of another kind stays as it is. What comes in is taken by value, so that a container
     // can be put into itself as it was and no circle ever forms.
@@ -80,10 +79,6 @@ public:
     /// Puts a value under a key, in the place of the one there or at the end. Strings and numbers are the
     /// same key when they are equal, containers and objects when they are the very same.
     void setValue(XKJsonValue key, XKJsonValue value);
-    /// Replaces an element or a member's value. @throws std::out_of_range
-    void replaceAt(std::size_t index, XKJsonValue value);
-    /// @throws std::out_of_range
-    void removeAt(std::size_t index);
 
 private:
     friend class XKJsonContainer;
@@ -98,9 +93,7 @@ private:
     /// A value inside this one.
     XKJsonValue item(const XKJsonNode &node) const;
     const XKJsonNode &itemAt(std::size_t index) const;
-    XKJsonValue valueUnder(const XKJsonNode &key) const;
-    template<typename Edit>
-    void edit(Edit edit);
+    XKJsonContainer &editable();
 
     XKJsonNode m_node;
     XKJsonShared *m_owner = nullptr; // what the node points at or into, if anything

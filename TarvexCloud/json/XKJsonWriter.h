@@ -4,7 +4,7 @@
 #include "XKJsonOutput.h"
 #include "XKJsonValue.h"
 
-#include <deque>
+#include <memory>
 #include <unordered_set>
 #include <vector>
 
@@ -32,48 +32,49 @@ public:
     void setSortKeys(bool sortKeys) { m_sortKeys = sortKeys; }
 
     /// The line break at the current depth.
-    QString indent() const;
+    QString indent() const { return u'\n' + QString(spacesOfIndent(), u' '); }
 
 private:
-    enum class Step { Failed, Appended, Opened };
-
     // A container being written. Small, since there is one for each level of nesting.
     struct Frame
     {
-        const XKJsonNode *container;
-        std::size_t done = 0;    // elements or members, the one being written included
-        std::size_t proxies = 0; // that led to it, each of the one before
+        const XKJsonNode *keyAt(std::size_t index) const;
+
+        XKJsonNode container;
+        std::size_t done = 0; // elements or members, the one being written included
+        std::unique_ptr<const XKJsonNode *[]> sortedKeys; // if they are to be sorted
+    };
+    // An object being written as what it offers.
+    struct Proxy
+    {
+        const XKJsonObject *object;
+        XKJsonValue value;
+        std::size_t frames; // that were open around it
     };
 
     QString textOf(const XKJsonValue &container);
-    /// Goes on with the innermost open container: to its end, or to where another opens inside it.
-    template<bool isDictionary>
-    Step appendItems(XKJsonOutput &into);
-    Step appendMember(const XKJsonNode &key, XKJsonOutput &into);
-    Step appendValue(const XKJsonNode &value, XKJsonOutput &into);
-    Step appendAnyValue(const XKJsonNode &value, XKJsonOutput &into);
-    Step appendContainer(const XKJsonNode &container, XKJsonOutput &into);
-    Step appendDecimal(const XKJsonNode &decimal, XKJsonOutput &into);
-    Step appendDouble(double real, XKJsonOutput &into);
-    Step appendObject(const XKJsonObject &object, XKJsonOutput &into);
+    // Each of these writes a value, or opens the container.
+    bool appendValue(const XKJsonNode &value, XKJsonOutput &into);
+    bool appendContainer(const XKJsonNode &container, XKJsonOutput &into);
+    bool appendDecimal(const XKJsonNode &decimal, XKJsonOutput &into);
+    bool appendDouble(double real, XKJsonOutput &into);
+    bool appendObject(const XKJsonObject &object, XKJsonOutput &into);
+    /// Goes on in the innermost open container: writes its next item, or closes it.
+    bool appendItem(XKJsonOutput &into);
+    bool appendKey(const XKJsonNode &key, XKJsonOutput &into);
     void close(XKJsonOutput &into);
-    void leave();
-    bool goOnBehindProxy();
 
-    void pushSortedKeys(const XKJsonNode &dictionary);
-    const XKJsonNode &keyAt(const XKJsonNode &dictionary, std::size_t index) const;
-    bool enterProxy(const XKJsonObject &object, const XKJsonValue &proxy);
-    void leaveProxies(std::size_t count);
-    std::size_t spacesOfIndent() const { return depth() > 0 ? 2 * static_cast<std::size_t>(depth()) : 0; }
-    Step refuse(const QString &description);
-    Step refuseClass(const QString &className);
-    void refuseMember(const XKJsonNode &key);
+    bool enterProxy(const XKJsonObject &object, const XKJsonValue &value);
+    bool leaveProxies();
+    bool goOnBehindProxy();
+    qsizetype spacesOfIndent() const { return depth() > 0 ? 2 * static_cast<qsizetype>(depth()) : 0; }
+    bool refuse(const QString &description);
+    bool refuseClass(const QString &className);
+    bool refuseMember(const XKJsonNode &key);
 
     bool m_humanReadable = false;
     bool m_sortKeys = false;
-    bool m_isSorting = false; // as m_sortKeys was when the writing began
     std::vector<Frame> m_frames;
-    std::vector<const XKJsonNode *> m_sorted; // keys of all open dictionaries, the innermost's last
-    std::deque<std::pair<const XKJsonObject *, XKJsonValue>> m_proxies; // being written; frames point into it
-    std::unordered_set<const XKJsonObject *> m_proxied;                 // the objects of these
+    std::vector<Proxy> m_proxies;                       // of objects inside each other
+    std::unordered_set<const XKJsonObject *> m_proxied; // these objects
 };
