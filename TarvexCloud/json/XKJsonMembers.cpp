@@ -1,6 +1,7 @@
 #include "XKJsonMembers.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 #include <limits>
@@ -28,7 +29,7 @@ bool isSameKey(const XKJsonNode &key, const XKJsonNode &other)
 
 // Four units a multiplication. What they meet is secret, so that nobody can choose keys that all fall into
 // one slot.
-std::size_t hashOf(const XKJsonNode &key)
+quint32 hashOf(const XKJsonNode &key)
 {
     static const quint64 secret = QRandomGenerator::system()->generate64() | 1;
     quint64 hash = secret ^ key.head;
@@ -51,10 +52,14 @@ std::size_t hashOf(const XKJsonNode &key)
                 bits = bits << 16 | *c;
     }
     meet(bits);
-    return hash;
+    return static_cast<quint32>(hash);
 }
 
-using Slot = quint32; // the position of a member plus one, or 0
+struct Slot
+{
+    quint32 hash;
+    quint32 number; // of a member, counted from one; 0 if the slot is free
+};
 
 /// At least twice as many as there are members.
 std::size_t slotsFor(std::size_t count)
@@ -62,50 +67,73 @@ std::size_t slotsFor(std::size_t count)
     return count > fewMembers ? 2 * std::bit_ceil(count) : 0;
 }
 
-/// The slot of a key among those in front of so many members, or the free one where it belongs.
-Slot &slotOf(const XKJsonNode &key, const XKJsonNode *members, std::size_t count)
+Slot *slotsOf(const XKJsonNode *members, std::size_t count)
 {
-    const std::size_t slotCount = slotsFor(count);
-    Slot *const slots = reinterpret_cast<Slot *>(const_cast<XKJsonNode *>(members)) - slotCount;
-    std::size_t place = hashOf(key);
-    while (slots[place &= slotCount - 1] != 0 && !isSameKey(members[2 * (slots[place] - 1)], key))
-        ++place;
+    return reinterpret_cast<Slot *>(const_cast<XKJsonNode *>(members)) - slotsFor(count);
+}
+
+/// The slot of a key among those in front of so many members, or the free one where it belongs.
+Slot &slotOf(const XKJsonNode &key, quint32 hash, const XKJsonNode *members, std::size_t count)
+{
+    Slot *const slots = slotsOf(members, count);
+    const std::size_t last = slotsFor(count) - 1;
+    std::size_t place = hash & last;
+    for (; slots[place].number != 0; place = (place + 1) & last)
+        if (slots[place].hash == hash && isSameKey(members[2 * slots[place].number - 2], key))
+            break;
     return slots[place];
 }
 
-Slot findAmongFew(const XKJsonNode &key, const XKJsonNode *members, std::size_t count)
+/// The number of a key among few members; 0 if it is not there.
+quint32 findAmongFew(const XKJsonNode &key, const XKJsonNode *members, std::size_t count)
 {
-    for (Slot slot = 1; slot <= count; ++slot)
-        if (isSameKey(members[2 * (slot - 1)], key))
-            return slot;
+    for (quint32 number = 1; number <= count; ++number)
+        if (isSameKey(members[2 * number - 2], key))
+            return number;
     return 0;
+}
+
+/// Hashes the keys of some members, and gets their slots on the way from memory.
+std::array<quint32, 16> hashesFrom(std::size_t first, const XKJsonNode *members, std::size_t count)
+{
+    std::array<quint32, 16> hashes{};
+    for (std::size_t i = first; i < std::min(first + hashes.size(), count); ++i) {
+        hashes[i - first] = hashOf(members[2 * i]);
+        __builtin_prefetch(slotsOf(members, count) + (hashes[i - first] & (slotsFor(count) - 1)));
+    }
+    return hashes;
 }
 
 } // namespace
 
 std::size_t XKJsonMembers::indexBytes(std::size_t count)
 {
-    if (count > std::numeric_limits<Slot>::max() / 2) // their nodes take 64 GB by then
+    if (count > std::numeric_limits<quint32>::max() / 2) // their nodes take 64 GB by then
         throw std::length_error("too many members");
     return slotsFor(count) * sizeof(Slot);
 }
 
 std::size_t XKJsonMembers::index(XKJsonNode *members, std::size_t count, std::size_t indexed)
 {
+    const bool areFew = count <= fewMembers;
     if (indexed == 0)
-        std::fill_n(reinterpret_cast<Slot *>(members) - slotsFor(count), slotsFor(count), 0);
+        std::fill_n(slotsOf(members, count), slotsFor(count), Slot{});
+    std::array<quint32, 16> hashes{};
     std::size_t kept = indexed;
     for (std::size_t i = indexed; i < count; ++i) {
         const XKJsonNode *const member = members + 2 * i;
-        Slot few = count <= fewMembers ? findAmongFew(*member, members, kept) : 0;
-        Slot &slot = count <= fewMembers ? few : slotOf(*member, members, count);
-        if (slot != 0) {
-            members[2 * slot - 1] = member[1];
+        const std::size_t ahead = (i - indexed) % hashes.size();
+        if (ahead == 0 && !areFew)
+            hashes = hashesFrom(i, members, count);
+        Slot few{0, areFew ? findAmongFew(*member, members, kept) : 0};
+        Slot &slot = areFew ? few : slotOf(*member, hashes[ahead], members, count);
+        if (slot.number != 0) {
+            members[2 * slot.number - 1] = member[1];
             continue;
         }
         if (kept != i) // only behind a repeated key
             std::copy_n(member, 2, members + 2 * kept);
-        slot = static_cast<Slot>(++kept);
+        slot = {hashes[ahead], static_cast<quint32>(++kept)};
     }
     return kept == count ? kept : index(members, kept); // with fewer the index lies elsewhere
 }
@@ -113,7 +141,7 @@ std::size_t XKJsonMembers::index(XKJsonNode *members, std::size_t count, std::si
 const XKJsonNode *XKJsonMembers::find(const XKJsonNode &dictionary, const XKJsonNode &key)
 {
     const std::size_t count = dictionary.length();
-    const Slot slot = count <= fewMembers ? findAmongFew(key, dictionary.items, count)
-                                          : slotOf(key, dictionary.items, count);
-    return slot ? dictionary.items + 2 * slot - 1 : nullptr;
+    const quint32 number = count <= fewMembers ? findAmongFew(key, dictionary.items, count)
+                                               : slotOf(key, hashOf(key), dictionary.items, count).number;
+    return number ? dictionary.items + 2 * number - 1 : nullptr;
 }
