@@ -31,21 +31,21 @@ def begin(*arguments, **keywords):
 
 
 class Service:
-    """A tarvex-server with the sample account, on the address that the client was built for."""
+    """A tarvex-server with the sample account, on that address or, without one, on a port of its own."""
 
-    def __init__(self, server, folder, address):
-        self.url = f"http://{address}/tarvex/"
-        host, port = address.split(":")
-        self.listen = (host, int(port))
-        database = f"sqlite:{folder}/service.db"
-        self.command = [server, "serve", "--listen", address, "--database", database]
-        subprocess.run([server, "sample", "--database", database], check=True, stdout=subprocess.DEVNULL)
-        self.start()
+    def __init__(self, server, folder, address="127.0.0.1:0"):
+        self.server, self.database = server, f"sqlite:{folder}/service.db"
+        subprocess.run([server, "sample", "--database", self.database], check=True, stdout=subprocess.DEVNULL)
+        self.start(address)
 
-    def start(self):
-        self.process = begin(self.command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
-        if not self.process.stdout.readline().startswith("READY"):
-            raise SystemExit(f"{self.url} is needed for a service of its own; is another one running there?")
+    def start(self, address):
+        command = [self.server, "serve", "--listen", address, "--database", self.database]
+        self.process = begin(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        ready = self.process.stdout.readline()
+        if not ready.startswith("READY"):
+            raise SystemExit(f"{address} is needed for a service of its own; is another one running there?")
+        self.url = ready.split()[1]
+        self.address = self.url.split("/")[2]
 
     @contextlib.contextmanager
     def held(self):
@@ -59,7 +59,7 @@ class Service:
         """Nobody listens meanwhile."""
         self.stop()
         yield
-        self.start()
+        self.start(self.address)
 
     @contextlib.contextmanager
     def replaced(self, answer, known=None):
@@ -78,7 +78,8 @@ class Service:
             def log_message(self, *_):
                 pass
 
-        with self.gone(), http.server.HTTPServer(self.listen, Handler) as server:
+        host, port = self.address.split(":")
+        with self.gone(), http.server.HTTPServer((host, int(port)), Handler) as server:
             threading.Thread(target=server.serve_forever, daemon=True).start()
             yield
             server.shutdown()

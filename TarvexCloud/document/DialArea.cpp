@@ -97,13 +97,12 @@ QSize DialArea::minimumSizeHint() const
 
 void DialArea::setWheelShown(bool shown)
 {
-    m_wheelShown = shown;
-    update();
+    m_contents.wheel->setVisible(shown);
 }
 
 void DialArea::paintEvent(QPaintEvent *)
 {
-    if (m_wheelShown || !m_contents.wheel)
+    if (!m_contents.wheel || !m_contents.wheel->isHidden())
         return;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);

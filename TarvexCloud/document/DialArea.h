@@ -44,6 +44,5 @@ private:
     void place();
     void setAverageFont();
 
-    bool m_wheelShown = false;
     Contents m_contents;
 };

@@ -55,11 +55,11 @@ QPointF nameAnchor(const DialGeometry::TextSizes &text, int index)
 } // namespace
 
 DialGeometry::DialGeometry(QSize area, const TextSizes &text)
-    : average(averageLeft, averageTop, text.average.width(), text.average.height()),
+    : wheel((area.width() - WheelGeometry::viewSide) / 2, (area.height() - WheelGeometry::viewSide) / 2,
+            WheelGeometry::viewSide, WheelGeometry::viewSide),
+      average(averageLeft, averageTop, text.average.width(), text.average.height()),
       caption(averageLeft, average.bottom() + 1, text.captionWidth, text.captionHeight)
 {
-    constexpr int side = WheelGeometry::viewSide;
-    wheel = QRect((area.width() - side) / 2, (area.height() - side) / 2, side, side);
     const QPointF centre = wheel.toRectF().center();
 
     for (int index = 0; index < areaCount; ++index) {

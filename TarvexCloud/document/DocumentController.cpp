@@ -23,8 +23,9 @@ constexpr int millisecondsBetweenTries = 20;
 constexpr qint64 mostBytesRead = 65536;
 } // namespace
 
-DocumentController::DocumentController(TVXExchange &exchange, TVXAlert &alert, LinkOpener &links)
-    : m_exchange(exchange), m_alert(alert), m_links(links)
+DocumentController::DocumentController(TVXExchange &exchange, TVXAlert &alert, LinkOpener &links,
+                                       std::chrono::milliseconds beforeSignIn)
+    : m_exchange(exchange), m_alert(alert), m_links(links), m_beforeSignIn(beforeSignIn)
 {
     qApp->installEventFilter(this);
     m_releasing.setSingleShot(true);

@@ -2,6 +2,7 @@
 
 #include "WindowServices.h"
 
+#include <chrono>
 #include <memory>
 #include <QDir>
 #include <QObject>
@@ -19,8 +20,12 @@ class DocumentController : public QObject, public WindowServices
 {
     Q_OBJECT
 public:
-    /// All are shared by the documents and must outlive the controller.
-    DocumentController(TVXExchange &exchange, TVXAlert &alert, LinkOpener &links);
+    /// From a window's appearance to that of its sign-in sheet.
+    static constexpr std::chrono::milliseconds timeBeforeSignIn{500};
+
+    /// All objects are shared by the documents and must outlive the controller.
+    DocumentController(TVXExchange &exchange, TVXAlert &alert, LinkOpener &links,
+                       std::chrono::milliseconds beforeSignIn = timeBeforeSignIn);
     ~DocumentController() override;
 
     /// Where dialogs that ask for a file begin: the user's documents, or without such a folder the home.
@@ -29,6 +34,7 @@ public:
     TVXExchange &exchange() const override { return m_exchange; }
     TVXAlert &alert() const override { return m_alert; }
     LinkOpener &links() const { return m_links; }
+    std::chrono::milliseconds beforeSignIn() const { return m_beforeSignIn; }
 
     /// Opens an untitled document and shows its window. The controller owns it until it is closed.
     TarvexDocument *openUntitledDocument();
@@ -68,6 +74,7 @@ private:
     TVXExchange &m_exchange;
     TVXAlert &m_alert;
     LinkOpener &m_links;
+    const std::chrono::milliseconds m_beforeSignIn;
     std::vector<std::shared_ptr<TarvexDocument>> m_documents;
     // The event that closes a document may come from one of its own widgets, so it outlives that event.
     std::vector<std::shared_ptr<TarvexDocument>> m_closed;

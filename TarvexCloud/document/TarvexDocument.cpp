@@ -19,7 +19,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int millisecondsBeforeSignIn = 500;
 #ifdef Q_OS_MACOS
 constexpr bool endsWithLastWindow = false;
 #else
@@ -80,7 +79,7 @@ void TarvexDocument::windowControllerDidLoadNib()
     auto *timer = new QTimer(this);
     m_startGettingUserNameAndPassword = timer;
     connect(timer, &QTimer::timeout, this, &TarvexDocument::getUserNameAndPassword);
-    timer->start(millisecondsBeforeSignIn);
+    timer->start(m_controller.beforeSignIn());
 }
 
 void TarvexDocument::getUserNameAndPassword()
@@ -214,14 +213,17 @@ void TarvexDocument::reload()
 void TarvexDocument::reloadKeepingWhatFails()
 {
     const TVXSetsPtr selected = selectedSet();
-    const TVXSetsList sets = *m_project->sets();
-    const TVXAreaList areas = *m_project->areas();
+    const auto before = std::make_shared<TVXProject>();
+    *before->sets() = *m_project->sets();
+    *before->areas() = *m_project->areas();
+    m_wheelView->setMainData(before); // is shown meanwhile
     {
         const auto putBack = qScopeGuard([&] { // also when an answer ends the action
             if (m_state.haveSetsFailed)
-                *m_project->sets() = sets;
+                *m_project->sets() = *before->sets();
             if (m_state.haveAreasFailed)
-                *m_project->areas() = areas;
+                *m_project->areas() = *before->areas();
+            m_wheelView->setMainData(m_project);
             m_listOfProjects->reloadData();
             if (selected)
                 selectSetWithId(selected->idOfSets());

@@ -12,7 +12,7 @@ int main(int argc, char *argv[])
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     HeldInputWait wait;
-    CurlExchange exchange(QByteArrayLiteral(TARVEX_SERVICE_URL), 30s, wait);
+    CurlExchange exchange(QByteArray(TARVEX_SERVICE_URL), 30s, wait);
     ServiceAlert alert;
     BrowserLinkOpener links;
     DocumentController controller(exchange, alert, links);

@@ -2,15 +2,6 @@
 
 #include <algorithm>
 
-TVXProject::TVXProject()
-    : m_sets(std::make_shared<TVXSetsList>()), m_areas(std::make_shared<TVXAreaList>()),
-      m_goals(std::make_shared<TVXGoalList>())
-{
-}
-
-// m_currentSets is left alone on purpose: see keptCurrentSets().
-TVXProject::~TVXProject() = default;
-
 TVXSetsPtr TVXProject::currentSets() const
 {
     return m_currentSets ? *m_currentSets : TVXSetsPtr();

@@ -10,10 +10,8 @@
 class TVXProject
 {
 public:
-    TVXProject();
-    ~TVXProject();
-    TVXProject(const TVXProject &) = delete;
-    TVXProject &operator=(const TVXProject &) = delete;
+    TVXProject() = default;
+    Q_DISABLE_COPY_MOVE(TVXProject)
 
     /// All sets in the service's order.
     const std::shared_ptr<TVXSetsList> &sets() const { return m_sets; }
@@ -44,10 +42,10 @@ public:
     TVXSetsPtr *keptCurrentSets() const { return m_currentSets; }
 
 private:
-    std::shared_ptr<TVXSetsList> m_sets;
-    std::shared_ptr<TVXAreaList> m_areas;
-    std::shared_ptr<TVXGoalList> m_goals;
-    TVXSetsPtr *m_currentSets = nullptr;
+    std::shared_ptr<TVXSetsList> m_sets = std::make_shared<TVXSetsList>();
+    std::shared_ptr<TVXAreaList> m_areas = std::make_shared<TVXAreaList>();
+    std::shared_ptr<TVXGoalList> m_goals = std::make_shared<TVXGoalList>();
+    TVXSetsPtr *m_currentSets = nullptr; // left alone at the end, see keptCurrentSets()
 };
 
 using TVXProjectPtr = std::shared_ptr<TVXProject>;

@@ -14,6 +14,8 @@ class TVXSets
 public:
     static constexpr int areaCount = 8;
 
+    TVXSets() { m_percents.fill(QStringLiteral("")); }
+
     qint64 idOfSets() const { return m_idOfSets; }
     void setIdOfSets(qint64 id) { m_idOfSets = id; }
 
@@ -45,12 +47,9 @@ public:
     }
 
 private:
-    static QString emptyText() { return QStringLiteral(""); }
-
     qint64 m_idOfSets = 0;
-    QString m_name = emptyText();
-    std::array<QString, areaCount> m_percents = {emptyText(), emptyText(), emptyText(), emptyText(),
-                                                 emptyText(), emptyText(), emptyText(), emptyText()};
+    QString m_name = QStringLiteral("");
+    std::array<QString, areaCount> m_percents;
 };
 
 using TVXSetsPtr = std::shared_ptr<TVXSets>;

@@ -25,8 +25,7 @@ QAccessibleInterface *makeInterface(const QString &className, QObject *object)
 AlertSheet::AlertSheet(QWidget *ownWindow)
     : Sheet(ownWindow), m_picture(new QLabel), m_message(new QLabel), m_information(new QLabel)
 {
-    static const bool installed = (QAccessible::installFactory(makeInterface), true);
-    Q_UNUSED(installed)
+    [[maybe_unused]] static const bool installed = (QAccessible::installFactory(makeInterface), true);
     QFont bold = font();
     bold.setBold(true);
     m_message->setFont(bold);

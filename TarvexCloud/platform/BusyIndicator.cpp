@@ -3,10 +3,8 @@
 #include <QPainter>
 #include <QTimerEvent>
 
-namespace {
 constexpr int spokes = 12;
 constexpr int millisecondsPerStep = 80;
-} // namespace
 
 BusyIndicator::BusyIndicator(QWidget *parent) : QWidget(parent)
 {

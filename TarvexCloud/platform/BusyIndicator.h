@@ -31,8 +31,7 @@ class BusyScope
 public:
     explicit BusyScope(BusyIndicator *indicator);
     ~BusyScope();
-    BusyScope(const BusyScope &) = delete;
-    BusyScope &operator=(const BusyScope &) = delete;
+    Q_DISABLE_COPY_MOVE(BusyScope)
 
 private:
     BusyIndicator *m_indicator; // not owned, may be null

@@ -37,28 +37,14 @@ bool isUserInput(QEvent::Type type)
 
 } // namespace
 
-InputHold::InputHold(QObject *parent) : QObject(parent) {}
-
-InputHold::~InputHold()
-{
-    end();
-}
-
 void InputHold::begin()
 {
-    if (m_on)
-        return;
-    m_on = true;
     QCoreApplication::instance()->installEventFilter(this);
 }
 
 void InputHold::end()
 {
-    if (!m_on)
-        return;
-    m_on = false;
-    if (QCoreApplication *application = QCoreApplication::instance())
-        application->removeEventFilter(this);
+    QCoreApplication::instance()->removeEventFilter(this);
 }
 
 void InputHold::turn()

@@ -10,16 +10,10 @@ class InputHold : public QObject
 {
     Q_OBJECT
 public:
-    explicit InputHold(QObject *parent = nullptr);
-    ~InputHold() override;
-
     void begin();
     void end();
     /// Lets the application handle what is waiting, once.
     void turn();
 
     bool eventFilter(QObject *watched, QEvent *event) override;
-
-private:
-    bool m_on = false;
 };

@@ -3,9 +3,7 @@
 #include <QLabel>
 #include <QStyle>
 
-namespace {
 constexpr int spaceAfterSign = 6;
-} // namespace
 
 MessageLine::MessageLine(QWidget *parent) : WrappedLabel(parent), m_sign(new QLabel(this))
 {

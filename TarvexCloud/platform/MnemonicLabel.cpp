@@ -2,8 +2,6 @@
 
 using namespace Qt::StringLiterals;
 
-MnemonicLabel::MnemonicLabel(QWidget *parent) : ElidedLabel(parent) {}
-
 void MnemonicLabel::setTitleWithMnemonic(const QString &title)
 {
     setText(titleWithoutMnemonics(title));

@@ -8,7 +8,7 @@ class MnemonicLabel : public ElidedLabel
 {
     Q_OBJECT
 public:
-    explicit MnemonicLabel(QWidget *parent = nullptr);
+    using ElidedLabel::ElidedLabel;
 
     void setTitleWithMnemonic(const QString &title);
 

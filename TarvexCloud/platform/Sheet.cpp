@@ -161,6 +161,9 @@ void Sheet::endSheet()
         return;
     m_begun = false;
     hide();
+    // A window manager loses the way back to the window when an alert over the sheet has just gone, too.
+    if (m_window && QGuiApplication::applicationState() == Qt::ApplicationActive)
+        m_window->activateWindow();
     // After the current action, whose next sheet comes before those that wait.
     QTimer::singleShot(0, qApp, [window = m_window] {
         const QList<Sheet *> waiting = begunOn(window);

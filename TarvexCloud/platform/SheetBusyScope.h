@@ -16,8 +16,7 @@ public:
     /// Neither is owned; the indicator may be null.
     SheetBusyScope(Sheet *sheet, BusyIndicator *indicator);
     ~SheetBusyScope();
-    SheetBusyScope(const SheetBusyScope &) = delete;
-    SheetBusyScope &operator=(const SheetBusyScope &) = delete;
+    Q_DISABLE_COPY_MOVE(SheetBusyScope)
 
     /// Has the focus go to that field instead, its text selected.
     void endInField(QLineEdit *field);

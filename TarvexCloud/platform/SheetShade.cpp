@@ -3,9 +3,7 @@
 #include <QEvent>
 #include <QPainter>
 
-namespace {
 constexpr QColor shade(0, 0, 0, 77); // darker on light and dark windows alike
-} // namespace
 
 SheetShade::SheetShade(QWidget *window) : QFocusFrame(window)
 {

@@ -6,9 +6,7 @@
 #include <QPushButton>
 #include <QStyle>
 
-namespace {
 constexpr int spaceInButton = 16;
-} // namespace
 
 void SheetStyle::makeTitle(QLabel *label)
 {

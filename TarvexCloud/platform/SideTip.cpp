@@ -5,9 +5,7 @@
 #include <QStylePainter>
 #include <QToolTip>
 
-namespace {
 constexpr int gap = 6;
-} // namespace
 
 SideTip::SideTip(QWidget *window) : QLabel(window)
 {

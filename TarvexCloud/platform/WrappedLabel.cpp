@@ -8,9 +8,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
 constexpr qsizetype shownCharacters = 20'000;
-} // namespace
 
 WrappedLabel::WrappedLabel(QWidget *parent) : QPlainTextEdit(parent)
 {

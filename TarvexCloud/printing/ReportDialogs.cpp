@@ -54,16 +54,6 @@ void ReportDialogs::preview()
     m_preview->open();
 }
 
-void ReportDialogs::print()
-{
-    askForPrinter(m_window);
-}
-
-void ReportDialogs::saveAsPdf()
-{
-    askForFile(m_window);
-}
-
 void ReportDialogs::askForPrinter(QWidget *asking)
 {
     if (QPrinterInfo::availablePrinterNames().isEmpty()) {

@@ -27,8 +27,8 @@ public:
                   const ErrorTeller &tellError, QWidget *window);
 
     void preview();
-    void print();
-    void saveAsPdf();
+    void print() { askForPrinter(m_window); }
+    void saveAsPdf() { askForFile(m_window); }
 
 Q_SIGNALS:
     /// Everything went to that printer.

@@ -58,42 +58,27 @@ const List &listOrNone(const std::shared_ptr<List> &list)
     static const List none;
     return list ? *list : none;
 }
-
-QRectF squareAround(const QPointF &centre, qreal radius)
-{
-    return {centre.x() - radius, centre.y() - radius, 2 * radius, 2 * radius};
-}
 } // namespace
 
 /// Keeps the items that lie between two heights.
-class ReportLayout::Collector
+struct ReportLayout::Collector
 {
-public:
-    Collector(const QRectF &page, qreal top, qreal bottom) : m_page(page), m_top(top), m_bottom(bottom) {}
-
-    const QRectF &page() const { return m_page; }
-    qreal top() const { return m_top; }
-    qreal bottom() const { return m_bottom; }
+    QRectF page;
+    qreal top;
+    qreal bottom;
+    ReportItems items = {};
 
     void add(ReportItem::Kind kind, const QRectF &rect, const QString &text = u""_s, int index = 0)
     {
         const QRectF covered = rect.normalized();
-        if (covered.bottom() >= m_top && covered.top() <= m_bottom)
-            m_items.push_back({kind, rect, text, index});
+        if (covered.bottom() >= top && covered.top() <= bottom)
+            items.push_back({kind, rect, text, index});
     }
     /// A line of text as wide as the page, from a column on; its end may lie beyond the page's edge.
     void addText(ReportItem::Kind kind, qreal column, qreal y, float height, const QString &text)
     {
-        add(kind, QRectF(m_page.x() + column, y, m_page.width(), static_cast<qreal>(height)), text);
+        add(kind, QRectF(page.x() + column, y, page.width(), static_cast<qreal>(height)), text);
     }
-
-    ReportItems takeItems() { return std::move(m_items); }
-
-private:
-    QRectF m_page;
-    qreal m_top;
-    qreal m_bottom;
-    ReportItems m_items;
 };
 
 ReportLayout::ReportLayout(const TVXProject &project, const QString &title,
@@ -109,13 +94,11 @@ ReportLayout::ReportLayout(const TVXProject &project, const QString &title,
                 goalsOfAreas[i].push_back(goal);
 
     qint32 y = ReportPages::topOfAreaList;
-    for (std::size_t i = 0; i < count; ++i) {
-        addSection(*areas[i], goalsOfAreas[i], y);
-        y = yAfter(m_sections.back(), /*isLastOfEight=*/i == areaCount - 1);
-    }
+    for (std::size_t i = 0; i < count; ++i)
+        y = below(addSection(*areas[i], goalsOfAreas[i], y), m_lineHeights.goal);
 }
 
-void ReportLayout::addSection(const TVXArea &area, const TVXGoalList &goals, qint32 y)
+qint32 ReportLayout::addSection(const TVXArea &area, const TVXGoalList &goals, qint32 y)
 {
     Section section;
     section.name = area.name();
@@ -130,34 +113,24 @@ void ReportLayout::addSection(const TVXArea &area, const TVXGoalList &goals, qin
         rowY = below(rowY, m_lineHeights.goal);
     }
     m_sections.push_back(std::move(section));
-}
-
-qint32 ReportLayout::yAfter(const Section &section, bool isLastOfEight) const
-{
-    const qint32 y = section.rows.empty() ? below(section.y, m_lineHeights.area)
-                                          : below(section.rows.back().y, m_lineHeights.goal);
-    return isLastOfEight ? y : below(y, m_lineHeights.goal);
+    return rowY;
 }
 
 ReportItems ReportLayout::allItems(const QRectF &page, qint64 countPages) const
 {
     constexpr qreal endless = std::numeric_limits<qreal>::infinity();
-    Collector collector(page, -endless, endless);
-    collect(collector, countPages);
-    return collector.takeItems();
+    return collect({page, -endless, endless}, countPages);
 }
 
 ReportItems ReportLayout::itemsOnPage(const QRectF &page, qint64 countPages) const
 {
     constexpr qreal softEdge = 2; // lines are wider than their rectangle, and edges are smoothed
-    Collector collector(page, page.top() - softEdge, page.bottom() + softEdge);
-    collect(collector, countPages);
-    return collector.takeItems();
+    return collect({page, page.top() - softEdge, page.bottom() + softEdge}, countPages);
 }
 
-void ReportLayout::collect(Collector &collector, qint64 countPages) const
+ReportItems ReportLayout::collect(Collector collector, qint64 countPages) const
 {
-    const QRectF &page = collector.page();
+    const QRectF &page = collector.page;
     collector.addText(ReportItem::Kind::Title, /*column=*/0, /*y=*/0, m_lineHeights.title, m_title);
     collectWheel(collector);
     collectNames(collector);
@@ -167,29 +140,31 @@ void ReportLayout::collect(Collector &collector, qint64 countPages) const
     }
     const qreal end = static_cast<qreal>(countPages) * page.height();
     collector.add(ReportItem::Kind::Rule, QRectF(page.x(), end, page.width(), 0));
+    return std::move(collector.items);
 }
 
 void ReportLayout::collectWheel(Collector &collector) const
 {
-    const QRectF &page = collector.page();
+    const QRectF &page = collector.page;
     const QPointF centre(page.width() / 2, wheelCentreY);
     // Only title and slices are drawn before the pale sectors; a radius that covers both covers all it can.
     const qreal reach = WheelGeometry::reach(centre, QSizeF(page.right(), wheelCentreY + wheelRadius));
     for (std::size_t i = 0; i < areaCount; ++i) {
         const auto index = static_cast<int>(i);
-        collector.add(ReportItem::Kind::Slice, squareAround(centre, wheelRadius), QString(), index);
+        collector.add(ReportItem::Kind::Slice, WheelGeometry::squareAround(centre, wheelRadius), QString(),
+                      index);
         if (i >= m_sections.size())
             continue;
         const auto value = static_cast<quint32>(m_sections[i].valueOfArea);
         const auto radius = static_cast<qint32>(radiusPerValue * value);
-        const QRectF square = squareAround(centre, std::clamp<qreal>(radius, -reach, reach));
+        const QRectF square = WheelGeometry::squareAround(centre, std::clamp<qreal>(radius, -reach, reach));
         collector.add(ReportItem::Kind::Value, square, QString(), index);
     }
 }
 
 void ReportLayout::collectNames(Collector &collector) const
 {
-    const qreal centre = std::trunc(collector.page().width() / 2);
+    const qreal centre = std::trunc(collector.page.width() / 2);
     for (const NamePlace &place : namePlaces)
         if (place.area < m_sections.size())
             collector.add(
@@ -201,13 +176,13 @@ void ReportLayout::collectNames(Collector &collector) const
 void ReportLayout::collectRows(Collector &collector, const Section &section) const
 {
     const qreal rowHeight = std::max<qreal>(m_lineHeights.goal, checkboxDrop + checkboxSide);
-    const auto isAbove = [&](const Row &row) { return row.y + rowHeight < collector.top(); };
+    const auto isAbove = [&](const Row &row) { return row.y + rowHeight < collector.top; };
     auto row = std::partition_point(section.rows.begin(), section.rows.end(), isAbove);
-    for (; row != section.rows.end() && row->y <= collector.bottom(); ++row) {
+    for (; row != section.rows.end() && row->y <= collector.bottom; ++row) {
         const TVXGoal &goal = *row->goal;
         const qreal y = row->y;
         collector.add(goal.isChecked() ? ReportItem::Kind::CheckboxOn : ReportItem::Kind::CheckboxOff,
-                      QRectF(collector.page().x(), y + checkboxDrop, checkboxSide, checkboxSide));
+                      QRectF(collector.page.x(), y + checkboxDrop, checkboxSide, checkboxSide));
         collector.addText(ReportItem::Kind::GoalText, priorityColumn, y, m_lineHeights.goal,
                           Words::priority(goal.priorityOfGoal()));
         collector.addText(ReportItem::Kind::GoalText, goalColumn, y, m_lineHeights.goal, goal.nameOfGoal());
@@ -224,5 +199,5 @@ void ReportLayout::collectHeader(Collector &collector, const Section &section) c
     add(percentageColumn, section.percentage);
     const float rule = static_cast<float>(section.y) + m_lineHeights.area;
     collector.add(ReportItem::Kind::Rule,
-                  QRectF(collector.page().x(), static_cast<qreal>(rule), collector.page().width(), 0));
+                  QRectF(collector.page.x(), static_cast<qreal>(rule), collector.page.width(), 0));
 }

@@ -69,11 +69,11 @@ private:
         std::vector<Row> rows;
     };
 
-    class Collector;
+    struct Collector;
 
-    void addSection(const TVXArea &area, const TVXGoalList &goals, qint32 y);
-    qint32 yAfter(const Section &section, bool isLastOfEight) const;
-    void collect(Collector &collector, qint64 countPages) const;
+    /// Returns where the section ends.
+    qint32 addSection(const TVXArea &area, const TVXGoalList &goals, qint32 y);
+    ReportItems collect(Collector collector, qint64 countPages) const;
     void collectWheel(Collector &collector) const;
     void collectNames(Collector &collector) const;
     void collectRows(Collector &collector, const Section &section) const;

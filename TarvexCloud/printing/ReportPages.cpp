@@ -5,10 +5,8 @@
 #include <limits>
 
 namespace ReportPages {
-namespace {
 constexpr float areaLines = 8;
 constexpr float emptyLines = 8;
-} // namespace
 
 qint32 pageHeight(const QRectF &pageRect)
 {

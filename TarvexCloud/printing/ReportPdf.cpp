@@ -9,12 +9,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-bool isOddKind(const QString &path)
-{
-    const QFileInfo info(path);
-    return info.exists() && !info.isFile();
-}
-
 std::optional<QString> write(PrintOperation &operation, const QPageLayout &pageLayout,
                              const QPageRanges &pages, QFileDevice &file)
 {
@@ -37,7 +31,8 @@ std::optional<QString> write(PrintOperation &operation, const QPageLayout &pageL
 std::optional<QString> saveReportAsPdf(PrintOperation &operation, const QPageLayout &pageLayout,
                                        const QString &path, const QPageRanges &pages)
 {
-    if (isOddKind(path)) { // a device, say, must not be replaced by a file
+    const QFileInfo info(path);
+    if (info.exists() && !info.isFile()) { // a device, say, must not be replaced by a file
         QFile device(path);
         return write(operation, pageLayout, pages, device);
     }

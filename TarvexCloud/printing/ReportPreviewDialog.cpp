@@ -10,13 +10,11 @@
 #include <QScreen>
 #include <QVBoxLayout>
 
-namespace {
 constexpr QSize roomForAPage(760, 820);
 constexpr qreal shareOfScreen = 0.85;
 constexpr qreal zoomStep = 1.25;
 constexpr int margin = 12;
 constexpr int spacing = 8;
-} // namespace
 
 ReportPreviewDialog::ReportPreviewDialog(const std::shared_ptr<PrintOperation> &operation, QWidget *parent)
     : QDialog(parent), m_preview(new ReportPreview(operation)), m_page(new QLabel)

@@ -31,11 +31,6 @@ const std::array<float, WheelGeometry::sliceCount> &TVXPrintView::anglesEnd() co
     return endAngles;
 }
 
-const std::array<QColor, WheelGeometry::sliceCount> &TVXPrintView::colors() const
-{
-    return WheelGeometry::colors();
-}
-
 void TVXPrintView::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);

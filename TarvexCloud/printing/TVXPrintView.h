@@ -58,7 +58,7 @@ public:
 
     const std::array<float, WheelGeometry::sliceCount> &anglesStart() const;
     const std::array<float, WheelGeometry::sliceCount> &anglesEnd() const;
-    const std::array<QColor, WheelGeometry::sliceCount> &colors() const;
+    const auto &colors() const { return WheelGeometry::colors(); }
 
     const TextAttributes &attributesDefault() const { return m_attributesDefault; }
     const TextAttributes &attributesDefaultRight() const { return m_attributesDefaultRight; }

@@ -6,10 +6,7 @@
 class TVXAlert
 {
 public:
-    TVXAlert() = default;
     virtual ~TVXAlert() = default;
-    TVXAlert(const TVXAlert &) = delete;
-    TVXAlert &operator=(const TVXAlert &) = delete;
 
     /// Modal: returns when the user has dismissed it. The description is plain text.
     virtual void showError(const QString &description) = 0;

@@ -101,7 +101,5 @@ QString TVXManager::setCheckedUsingLogin(const QString &login, const QString &an
 {
     FormString form("set-checked-area-percent"_L1);
     form.credentials(login, andPassword).number("p5"_L1, goal); // there is no p4, and none is expected
-    const TVXAnswer answer = postInSilence(form.body(), TVXPurpose::Writing, whyNoAnswer);
-    const std::optional<QString> text = answer.data ? asciiText(*answer.data) : std::nullopt;
-    return text ? withoutBlanksAround(*text) : u""_s;
+    return textAnswer(form.body(), TVXPurpose::Writing, whyNoAnswer, /*otherwise=*/u""_s);
 }

@@ -123,6 +123,8 @@ TVXGoalPtr TVXManager::getRandomGoalUsingLogin(const QString &login, const QStri
     form.credentials(login, andPassword).number("p4"_L1, forSetsId);
     const TVXAnswer answer = postInSilence(form.body(), TVXPurpose::Reading, whyNoAnswer);
     const std::optional<QString> text = answer.data ? asciiText(*answer.data) : std::nullopt;
+    if (answer.data && !text && whyNoAnswer)
+        *whyNoAnswer = translated(QT_TRANSLATE_NOOP("TVXManager", "The service's answer could not be read."));
     if (!text || withoutBlanksAround(*text) == "Error"_L1)
         return {};
     return firstGoal(*answer.data);
@@ -150,9 +152,10 @@ TVXAnswer TVXManager::postInSilence(const QByteArray &body, TVXPurpose purpose, 
     return answer;
 }
 
-QString TVXManager::textAnswer(const QByteArray &body, TVXPurpose purpose, QString *whyNoAnswer)
+QString TVXManager::textAnswer(const QByteArray &body, TVXPurpose purpose, QString *whyNoAnswer,
+                               const QString &otherwise)
 {
     const TVXAnswer answer = postInSilence(body, purpose, whyNoAnswer);
     const std::optional<QString> text = answer.data ? asciiText(*answer.data) : std::nullopt;
-    return text ? withoutBlanksAround(*text) : u"Error"_s;
+    return text ? withoutBlanksAround(*text) : otherwise;
 }

@@ -112,7 +112,8 @@ private:
     TVXWritten write(const FormString &form, const char *failure);
     std::optional<QByteArray> answerOrAlert(const FormString &form, TVXPurpose purpose, const char *failure);
     TVXAnswer postInSilence(const QByteArray &body, TVXPurpose purpose, QString *whyNoAnswer);
-    QString textAnswer(const QByteArray &body, TVXPurpose purpose, QString *whyNoAnswer);
+    QString textAnswer(const QByteArray &body, TVXPurpose purpose, QString *whyNoAnswer,
+                       const QString &otherwise = QStringLiteral("Error"));
     template<typename List>
     bool readList(const FormString &form, bool (*isError)(const QByteArray &),
                   bool (*append)(const QByteArray &, List &), List &records, const char *failure);

@@ -11,7 +11,7 @@ constexpr qsizetype longestText = 40;
 
 QString inBrief(const QString &text)
 {
-    const QString line = text.simplified();
+    QString line = text.simplified();
     if (line.size() <= longestText)
         return line;
     const bool splitsAPair = line.at(longestText - 1).isHighSurrogate();
@@ -36,7 +36,7 @@ QString ratedValue(const QString &name, qint32 value)
 
 QString sliceWords(const QString &name, qint32 value, const QString &percent)
 {
-    const QString rated = ratedValue(isolated(inBrief(shownNameOf(name))), value);
+    QString rated = ratedValue(isolated(inBrief(shownNameOf(name))), value);
     const QString done = inBrief(singleLineOf(percent));
     if (done.isEmpty())
         return rated;

@@ -249,8 +249,3 @@ void TarvexView::announceChange(QAccessible::Event change, int index)
     event.setChild(index);
     announce(event);
 }
-
-void TarvexView::announce(QAccessibleEvent &event)
-{
-    QAccessible::updateAccessibility(&event);
-}

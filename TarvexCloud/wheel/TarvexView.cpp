@@ -32,26 +32,6 @@ void TarvexView::setMainData(const TVXProjectPtr &project)
     areasMayHaveChanged();
 }
 
-void TarvexView::setPiecesOfWheel(const std::shared_ptr<WheelPieceList> &pieces)
-{
-    m_piecesOfWheel = pieces;
-}
-
-const std::array<float, WheelGeometry::sliceCount> &TarvexView::anglesStart() const
-{
-    return WheelGeometry::anglesStart;
-}
-
-const std::array<float, WheelGeometry::sliceCount> &TarvexView::anglesEnd() const
-{
-    return WheelGeometry::anglesEnd;
-}
-
-const std::array<QColor, WheelGeometry::sliceCount> &TarvexView::colors() const
-{
-    return WheelGeometry::colors();
-}
-
 QSize TarvexView::sizeHint() const
 {
     return {WheelGeometry::viewSide, WheelGeometry::viewSide};

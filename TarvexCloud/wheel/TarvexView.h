@@ -40,7 +40,7 @@ public:
     /// The stored shape of each slice, of which the first eight count; shared, may be empty. Clicks are
     /// tested against them, so nothing can be hit before they were drawn for the first time.
     const std::shared_ptr<WheelPieceList> &piecesOfWheel() const { return m_piecesOfWheel; }
-    void setPiecesOfWheel(const std::shared_ptr<WheelPieceList> &pieces);
+    void setPiecesOfWheel(const std::shared_ptr<WheelPieceList> &pieces) { m_piecesOfWheel = pieces; }
 
     /// Who hears of the user's choices; not owned, may be null, and must outlive the view or be unset.
     WheelParent *theParent() const { return m_theParent; }
@@ -50,9 +50,9 @@ public:
     static constexpr bool isFlipped() { return false; }
     static constexpr bool acceptsFirstMouse() { return true; }
 
-    const std::array<float, WheelGeometry::sliceCount> &anglesStart() const;
-    const std::array<float, WheelGeometry::sliceCount> &anglesEnd() const;
-    const std::array<QColor, WheelGeometry::sliceCount> &colors() const;
+    const auto &anglesStart() const { return WheelGeometry::anglesStart; }
+    const auto &anglesEnd() const { return WheelGeometry::anglesEnd; }
+    const auto &colors() const { return WheelGeometry::colors(); }
 
     /// The current set's percentages ("75", no sign) by area index. They are not drawn, only told in words;
     /// an empty text says nothing.
@@ -92,7 +92,7 @@ protected:
     void changeEvent(QEvent *event) override;
 
     /// Hands an event about a slice, its child, to assistive tools.
-    virtual void announce(QAccessibleEvent &event);
+    virtual void announce(QAccessibleEvent &event) { QAccessible::updateAccessibility(&event); }
 
 private:
     /// What assistive tools were last told of a slice.

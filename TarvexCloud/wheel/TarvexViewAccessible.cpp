@@ -16,12 +16,7 @@ QAccessibleInterface *makeInterface(const QString &, QObject *object)
 
 void TarvexViewAccessible::install()
 {
-    static const bool installed = (QAccessible::installFactory(makeInterface), true);
-    Q_UNUSED(installed)
-}
-
-TarvexViewAccessible::TarvexViewAccessible(TarvexView *view) : QAccessibleWidget(view, QAccessible::Graphic)
-{
+    [[maybe_unused]] static const bool installed = (QAccessible::installFactory(makeInterface), true);
 }
 
 TarvexViewAccessible::~TarvexViewAccessible()
@@ -29,16 +24,6 @@ TarvexViewAccessible::~TarvexViewAccessible()
     for (const QAccessible::Id id : m_children)
         if (id)
             QAccessible::deleteAccessibleInterface(id);
-}
-
-TarvexView *TarvexViewAccessible::view() const
-{
-    return static_cast<TarvexView *>(widget());
-}
-
-int TarvexViewAccessible::childCount() const
-{
-    return view()->areaCount();
 }
 
 QAccessibleInterface *TarvexViewAccessible::child(int index) const
@@ -75,8 +60,6 @@ QString TarvexViewAccessible::text(QAccessible::Text kind) const
         return TarvexView::tr("Arrow keys move round the wheel; Return opens the area.");
     return QAccessibleWidget::text(kind);
 }
-
-WheelSliceAccessible::WheelSliceAccessible(TarvexView *view, int index) : m_view(view), m_index(index) {}
 
 bool WheelSliceAccessible::isValid() const
 {
@@ -162,11 +145,6 @@ qint32 WheelSliceAccessible::valueOfArea() const
 {
     const TVXAreaPtr area = m_view ? m_view->areaAt(m_index) : TVXAreaPtr();
     return area ? area->valueOfArea() : 0;
-}
-
-QVariant WheelSliceAccessible::currentValue() const
-{
-    return valueOfArea();
 }
 
 QVariant WheelSliceAccessible::minimumValue() const

@@ -12,10 +12,10 @@ public:
     /// Makes the toolkit use this class for every TarvexView; calling it again changes nothing.
     static void install();
 
-    explicit TarvexViewAccessible(TarvexView *view);
+    explicit TarvexViewAccessible(TarvexView *view) : QAccessibleWidget(view, QAccessible::Graphic) {}
     ~TarvexViewAccessible() override;
 
-    int childCount() const override;
+    int childCount() const override { return view()->areaCount(); }
     QAccessibleInterface *child(int index) const override;
     int indexOfChild(const QAccessibleInterface *child) const override;
     QAccessibleInterface *childAt(int x, int y) const override;
@@ -23,7 +23,7 @@ public:
     QString text(QAccessible::Text kind) const override;
 
 private:
-    TarvexView *view() const;
+    TarvexView *view() const { return static_cast<TarvexView *>(widget()); }
 
     /// Made when first asked for; they belong to the toolkit's cache under these ids.
     mutable std::array<QAccessible::Id, WheelGeometry::sliceCount> m_children = {};
@@ -35,7 +35,7 @@ class WheelSliceAccessible : public QAccessibleInterface,
                              public QAccessibleValueInterface
 {
 public:
-    WheelSliceAccessible(TarvexView *view, int index);
+    WheelSliceAccessible(TarvexView *view, int index) : m_view(view), m_index(index) {}
 
     int index() const { return m_index; }
 
@@ -59,7 +59,7 @@ public:
     QStringList keyBindingsForAction(const QString &) const override { return {}; }
 
     /// The value can be read here, in the range of the slider that changes it in the area's details.
-    QVariant currentValue() const override;
+    QVariant currentValue() const override { return valueOfArea(); }
     void setCurrentValue(const QVariant &) override {}
     QVariant minimumValue() const override;
     QVariant maximumValue() const override;

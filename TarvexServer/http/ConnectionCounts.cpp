@@ -9,8 +9,7 @@ ConnectionCounts::Welcome ConnectionCounts::enter(const std::string &peer)
         peer.empty() || ofPeer == m_servedByPeer.end() || ofPeer->second < m_limits.connectionsPerPeer;
     if (m_served < m_limits.connections && peerHasRoom) {
         ++m_served;
-        if (!peer.empty())
-            ++m_servedByPeer[peer];
+        ++m_servedByPeer[peer];
         return Welcome::Served;
     }
     if (m_refused >= m_limits.refusedConnections)
@@ -26,9 +25,8 @@ void ConnectionCounts::leave(const std::string &peer, Welcome welcome)
     if (welcome != Welcome::Served)
         return;
     --m_served;
-    const auto ofPeer = m_servedByPeer.find(peer);
-    if (ofPeer != m_servedByPeer.end() && --ofPeer->second == 0)
-        m_servedByPeer.erase(ofPeer);
+    if (--m_servedByPeer[peer] == 0)
+        m_servedByPeer.erase(peer);
 }
 
 } // namespace tarvex::http

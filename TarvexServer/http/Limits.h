@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LargestBody.h"
+#include "RequestKind.h"
 
 #include <chrono>
 #include <cstddef>

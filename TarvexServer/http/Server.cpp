@@ -56,11 +56,6 @@ Server::Server(requests::Service &service, const std::string &host, std::uint16_
                            " cannot be listened on: " + error.message() + ".");
 }
 
-std::uint16_t Server::port() const
-{
-    return m_acceptor.local_endpoint().port();
-}
-
 void Server::drainOnSignals()
 {
     m_signals.add(SIGTERM);
@@ -90,22 +85,17 @@ void Server::accept()
     m_acceptor.async_accept([this](error_code error, asio::ip::tcp::socket socket) {
         if (m_context.isDraining)
             return;
-        if (error) {
-            acceptLater();
+        if (!error) {
+            welcome(std::move(socket));
+            accept();
             return;
         }
-        welcome(std::move(socket));
-        accept();
-    });
-}
-
-// Out of descriptors, most likely: trying again at once would only burn time.
-void Server::acceptLater()
-{
-    m_acceptTimer.expires_after(acceptPause);
-    m_acceptTimer.async_wait([this](error_code error) {
-        if (!error && !m_context.isDraining)
-            accept();
+        // Out of descriptors, most likely: trying again at once would only burn time.
+        m_acceptTimer.expires_after(acceptPause);
+        m_acceptTimer.async_wait([this](error_code ended) {
+            if (!ended)
+                accept();
+        });
     });
 }
 
@@ -128,8 +118,6 @@ void Server::welcome(asio::ip::tcp::socket socket)
 
 void Server::beginDrain()
 {
-    if (m_context.isDraining)
-        return;
     m_context.isDraining = true;
     error_code ignored;
     m_acceptor.close(ignored);

@@ -31,7 +31,7 @@ public:
     Server(requests::Service &service, const std::string &host, std::uint16_t port, const Limits &limits = {},
            Reporter report = {});
 
-    std::uint16_t port() const;
+    std::uint16_t port() const { return m_acceptor.local_endpoint().port(); }
 
     /// Makes SIGTERM and SIGINT drain the server.
     void drainOnSignals();
@@ -46,7 +46,6 @@ public:
 private:
     void accept();
     void welcome(boost::asio::ip::tcp::socket socket);
-    void acceptLater();
     void beginDrain();
 
     // In this order the sessions that the last two still hold end before what they use.

@@ -68,25 +68,14 @@ Session::~Session()
     m_context.counts.leave(m_peer, m_welcome);
 }
 
-void Session::start()
-{
-    awaitRequest();
-}
-
 void Session::drain()
 {
-    if (m_isIdle)
-        close();
-}
-
-void Session::close()
-{
     Error ignored;
-    m_stream.socket().close(ignored);
-    m_handlerTimer.cancel();
+    if (m_isIdle)
+        m_stream.socket().close(ignored);
 }
 
-void Session::awaitRequest()
+void Session::start()
 {
     m_isIdle = m_buffer.size() == 0;
     if (m_isIdle && m_context.isDraining)
@@ -239,8 +228,8 @@ void Session::serve()
     m_body = request.body.substr(0, beginningOfBody);
     m_handlerTimer.expires_after(m_context.limits.handlerTime);
     m_handlerTimer.async_wait([self = shared_from_this(), turn = m_turn](Error error) {
-        if (!error)
-            self->handlerTimedOut(turn);
+        if (!error && turn == self->m_turn)
+            self->answer(self->m_context.service.refuse(self->m_body, Outcome::Busy));
     });
     auto guard = asio::make_work_guard(m_stream.get_executor());
     m_context.workers.submit(std::move(request), [self = shared_from_this(), turn = m_turn,
@@ -251,12 +240,6 @@ void Session::serve()
                 self->answer(result);
         });
     });
-}
-
-void Session::handlerTimedOut(unsigned turn)
-{
-    if (turn == m_turn)
-        answer(m_context.service.refuse(m_body, Outcome::Busy));
 }
 
 void Session::answer(const requests::Answer &answer)
@@ -304,18 +287,16 @@ void Session::send()
         m_response.keep_alive(false);
     m_response.prepare_payload();
     m_stream.expires_after(m_context.limits.writeTime);
-    const bool isLast = !m_response.keep_alive();
-    beast::async_write(m_stream, m_response, [self = shared_from_this(), isLast](Error error, std::size_t) {
-        self->sent(error, isLast);
-    });
+    beast::async_write(m_stream, m_response,
+                       [self = shared_from_this()](Error error, std::size_t) { self->sent(error); });
 }
 
-void Session::sent(Error error, bool isLast)
+void Session::sent(Error error)
 {
     if (error)
         return;
-    if (!isLast) {
-        awaitRequest();
+    if (m_response.keep_alive()) {
+        start();
         return;
     }
     // Closing with unread bytes would reset the connection and could take the answer with it.

@@ -55,6 +55,7 @@ public:
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
 
+    /// Waits for a request: the first, or the next.
     void start();
     /// Closes the connection if no request is under way; otherwise it closes after the answer.
     void drain();
@@ -62,8 +63,6 @@ public:
 private:
     using Error = boost::beast::error_code;
 
-    void close();
-    void awaitRequest();
     void readHead();
     void headArrived(Error error);
     void refuseHead(Error error);
@@ -73,12 +72,11 @@ private:
     void takeBodyBytes();
     void bodyArrived();
     void serve();
-    void handlerTimedOut(unsigned turn);
     void answer(const requests::Answer &answer);
     void report(const requests::Answer &answer) const;
     void sendStatus(boost::beast::http::status status, std::string_view text);
     void send();
-    void sent(Error error, bool isLast);
+    void sent(Error error);
     void linger();
     void reserveBody(std::size_t size);
     void releaseBody();

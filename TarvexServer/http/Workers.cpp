@@ -39,7 +39,7 @@ void Workers::verify(std::unique_ptr<requests::Turn> turn, Done done)
 {
     if (m_hashes.fetch_add(1) >= m_maximumHashes) {
         m_hashes.fetch_sub(1);
-        done(m_service.giveUp(*turn, requests::Outcome::Busy));
+        done(m_service.giveUp(*turn));
         return;
     }
     boost::asio::post(m_hashingThreads, [this, turn = std::move(turn), done = std::move(done)]() mutable {

@@ -7,7 +7,7 @@
 #include "SignUpAnswer.h"
 #include "WireText.h"
 
-#include <algorithm>
+#include <regex>
 
 namespace tarvex::requests {
 
@@ -16,36 +16,17 @@ namespace {
 constexpr std::size_t maximumEmailSize = 254; // RFC 5321, 4.5.3.1.3, without the angle brackets
 constexpr std::size_t maximumTextSize = 1024;
 
-bool isOneOf(char character, std::string_view others)
-{
-    const bool isLetter = (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
-    return isLetter || (character >= '0' && character <= '9') ||
-           others.find(character) != std::string_view::npos;
-}
-
 /// One "@", the characters addresses are usually made of, and a domain with a dot: what the client accepts,
 /// and top-level domains of any length besides.
 bool isEmailAddress(std::string_view text)
 {
-    const auto at = text.find('@');
-    const auto dot = text.rfind('.');
-    if (at == std::string_view::npos || dot == std::string_view::npos || at == 0 || dot < at + 2)
-        return false;
-    const std::string_view local = text.substr(0, at);
-    const std::string_view domain = text.substr(at + 1, dot - at - 1);
-    const std::string_view top = text.substr(dot + 1);
-    return top.size() >= 2 &&
-           std::all_of(local.begin(), local.end(), [](char c) { return isOneOf(c, "._%+-"); }) &&
-           std::all_of(domain.begin(), domain.end(), [](char c) { return isOneOf(c, ".-"); }) &&
-           std::all_of(top.begin(), top.end(), [](char c) { return isOneOf(c, "") && (c < '0' || c > '9'); });
+    static const std::regex form(R"([A-Za-z0-9._%+-]+@[A-Za-z0-9.-]+\.[A-Za-z]{2,})");
+    return std::regex_match(text.begin(), text.end(), form);
 }
 
 Answer refusedSignUp(std::string_view message)
 {
-    return Answer{.body = wire::signUpRefused(message),
-                  .format = Format::Json,
-                  .outcome = Outcome::Invalid,
-                  .cause = {}};
+    return {.body = wire::signUpRefused(message), .format = Format::Json, .outcome = Outcome::Invalid};
 }
 
 } // namespace
@@ -85,9 +66,8 @@ Answer signUp(store::Connection &connection, const wire::SignUpForm &form, const
     const std::string name = wire::storableName(form.name).value_or("");
     const auto accountId =
         store::createAccount(connection, newAccount(/*login=*/form.email, name, passwordHash, now));
-    store::createSet(connection, accountId.value(), firstSetName());
-    return Answer{
-        .body = wire::signUpAccepted(), .format = Format::Json, .outcome = Outcome::Done, .cause = {}};
+    store::createSet(connection, accountId.value(), "My wheel");
+    return {.body = wire::signUpAccepted(), .format = Format::Json};
 }
 
 } // namespace tarvex::requests

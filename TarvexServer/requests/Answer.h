@@ -23,7 +23,7 @@ struct Answer
     std::string body;
     Format format = Format::Plain;
     Outcome outcome = Outcome::Done;
-    std::string cause; ///< of a failure: the store's own text, without any of the request's values
+    std::string cause = {}; ///< of a failure: the store's own text, without any of the request's values
 };
 
 } // namespace tarvex::requests

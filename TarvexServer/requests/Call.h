@@ -14,8 +14,6 @@ namespace tarvex::requests {
 /// The request cannot be done and nothing of it may stay.
 class RequestRefused : public std::exception
 {
-public:
-    const char *what() const noexcept override { return "request refused"; }
 };
 
 /// One request of a signed-in account, inside its transaction.

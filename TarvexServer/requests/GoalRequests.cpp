@@ -3,15 +3,16 @@
 #include "Areas.h"
 #include "Call.h"
 #include "Handlers.h"
-#include "LargestBody.h"
-#include "Random.h"
 #include "Records.h"
+#include "RequestKind.h"
 #include "Sets.h"
 #include "WireText.h"
 #include "XmlAnswer.h"
 
 #include <algorithm>
 #include <map>
+#include <random>
+#include <set>
 
 namespace tarvex::requests {
 
@@ -65,13 +66,11 @@ std::vector<store::Goal> soundGoals(const Call &call, const std::vector<wire::Go
     return goals;
 }
 
-std::vector<wire::GoalPlace> placesOf(const Call &call, const std::vector<std::int64_t> &goalIds)
+std::set<wire::GoalPlace> placesOf(const Call &call, const std::vector<std::int64_t> &goalIds)
 {
-    std::vector<wire::GoalPlace> places;
+    std::set<wire::GoalPlace> places;
     for (const store::Goal &goal : store::findGoals(call.connection, call.accountId, goalIds))
-        places.push_back({.setId = goal.setId, .areaId = goal.areaId});
-    std::sort(places.begin(), places.end());
-    places.erase(std::unique(places.begin(), places.end()), places.end());
+        places.insert({.setId = goal.setId, .areaId = goal.areaId});
     return places;
 }
 
@@ -110,9 +109,10 @@ std::string getRandomGoal(Call &call)
         store::goalsOfSet(call.connection, call.accountId, idField(call, /*number=*/4));
     std::erase_if(goals, [](const store::Goal &goal) { return goal.isChecked; });
     require(!goals.empty());
-    const store::Goal &goal = goals[security::randomBelow(static_cast<std::uint32_t>(goals.size()))];
+    std::random_device source;
+    std::uniform_int_distribution<std::size_t> place(0, goals.size() - 1);
     wire::XmlAnswer answer(wire::XmlAnswer::Encoding::Ascii);
-    writeGoal(answer, goal, /*withArea=*/true);
+    writeGoal(answer, goals[place(source)], /*withArea=*/true);
     return answer.finish();
 }
 

@@ -50,9 +50,4 @@ store::NewAccount newAccount(std::string_view login, const std::string &name, co
                              .createdAt = now};
 }
 
-std::string firstSetName()
-{
-    return "My wheel";
-}
-
 } // namespace tarvex::requests

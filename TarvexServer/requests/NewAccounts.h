@@ -17,7 +17,4 @@ std::vector<std::string> loginDigests(std::string_view login);
 store::NewAccount newAccount(std::string_view login, const std::string &name, const std::string &passwordHash,
                              std::int64_t now);
 
-/// The name of a new account's one set, as wire text.
-std::string firstSetName();
-
 } // namespace tarvex::requests

@@ -1,14 +1,8 @@
 #include "RefusedSaves.h"
 
-#include <algorithm>
-
 namespace tarvex::requests {
 
-namespace {
-
 constexpr std::size_t placesPerSaver = 64;
-
-} // namespace
 
 void RefusedSaves::signedIn(const std::string &saver)
 {
@@ -21,20 +15,15 @@ void RefusedSaves::signedIn(const std::string &saver)
     m_strangers.erase(saver);
 }
 
-RefusedSaves::Entries &RefusedSaves::entriesOf(const std::string &saver)
-{
-    Entries *known = m_known.find(saver);
-    return known != nullptr ? *known : m_strangers[saver];
-}
-
 void RefusedSaves::refused(const std::string &saver, std::optional<wire::GoalPlace> place)
 {
     const auto until = m_clock() + lifetime;
     const std::lock_guard lock(m_mutex);
-    Entries &entries = entriesOf(saver);
+    Entries *known = m_known.find(saver);
+    Entries &entries = known != nullptr ? *known : m_strangers[saver];
     std::erase_if(entries, [&](const Entry &entry) { return entry.place == place; });
     if (entries.size() >= placesPerSaver)
-        entries.erase(entries.begin());
+        entries.pop_front();
     entries.push_back(Entry{.place = place, .until = until});
 }
 
@@ -45,7 +34,7 @@ void RefusedSaves::accepted(const std::string &saver, wire::GoalPlace place)
         std::erase_if(*entries, [&](const Entry &entry) { return entry.place == place; });
 }
 
-bool RefusedSaves::takeRefusal(const std::string &saver, const std::vector<wire::GoalPlace> &places)
+bool RefusedSaves::takeRefusal(const std::string &saver, const std::set<wire::GoalPlace> &places)
 {
     const auto now = m_clock();
     const std::lock_guard lock(m_mutex);
@@ -53,10 +42,8 @@ bool RefusedSaves::takeRefusal(const std::string &saver, const std::vector<wire:
     if (entries == nullptr)
         return false;
     std::erase_if(*entries, [&](const Entry &entry) { return entry.until <= now; });
-    const auto taken = std::erase_if(*entries, [&](const Entry &entry) {
-        return !entry.place || std::find(places.begin(), places.end(), *entry.place) != places.end();
-    });
-    return taken > 0;
+    const auto isTaken = [&](const Entry &entry) { return !entry.place || places.contains(*entry.place); };
+    return std::erase_if(*entries, isTaken) > 0;
 }
 
 } // namespace tarvex::requests

@@ -4,11 +4,12 @@
 #include "Records.h"
 
 #include <chrono>
+#include <deque>
 #include <functional>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
-#include <vector>
 
 namespace tarvex::requests {
 
@@ -42,7 +43,7 @@ public:
 
     /// Whether goals of these places must stay because the save before came to nothing. Asked once: the next
     /// delete of the same places is free again. Only of savers who are signed in.
-    bool takeRefusal(const std::string &saver, const std::vector<wire::GoalPlace> &places);
+    bool takeRefusal(const std::string &saver, const std::set<wire::GoalPlace> &places);
 
 private:
     struct Entry
@@ -51,9 +52,7 @@ private:
         std::chrono::steady_clock::time_point until;
     };
 
-    using Entries = std::vector<Entry>;
-
-    Entries &entriesOf(const std::string &saver);
+    using Entries = std::deque<Entry>;
 
     Clock m_clock;
     std::mutex m_mutex;

@@ -89,7 +89,7 @@ const RequestKind &requestKindOfBody(std::string_view body)
 Answer refusalOf(const RequestKind &kind, Outcome outcome)
 {
     const Format format = kind.name == createNewUser ? Format::Json : Format::Plain;
-    return Answer{.body = refusalBody(kind, outcome), .format = format, .outcome = outcome, .cause = {}};
+    return {.body = refusalBody(kind, outcome), .format = format, .outcome = outcome};
 }
 
 } // namespace tarvex::requests

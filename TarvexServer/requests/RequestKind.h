@@ -2,12 +2,16 @@
 
 #include "Answer.h"
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace tarvex::requests {
 
 struct Call;
+
+/// What one request may hold in bytes, and so the goals that one save can bring.
+constexpr std::size_t largestBody = 4UL * 1024 * 1024;
 
 enum class Access { None, Read, Write };
 

@@ -18,6 +18,13 @@ bool hasCredentials(const wire::Form &form)
            security::isSignInDigest(form.field(/*number=*/3).value_or(""));
 }
 
+Answer failure(const RequestKind &kind, const std::exception &error)
+{
+    Answer answer = refusalOf(kind, Outcome::Failed);
+    answer.cause = error.what();
+    return answer;
+}
+
 } // namespace
 
 Turn::Turn(Request request)
@@ -25,25 +32,11 @@ Turn::Turn(Request request)
 {
 }
 
-Service::Clocks Service::systemClocks()
-{
-    return {.steady = [] { return std::chrono::steady_clock::now(); },
-            .seconds = [] { return std::chrono::system_clock::to_time_t(std::chrono::system_clock::now()); }};
-}
-
 Service::Service(store::Database &database, Clocks clocks)
     : m_database(database), m_clocks(std::move(clocks)), m_limits(m_clocks.steady),
       m_refusedSaves(m_clocks.steady)
 {
     security::matchesPassword(/*hash=*/"", /*digest=*/""); // the first one costs twice
-}
-
-Answer Service::answer(Request request)
-{
-    const std::unique_ptr<Turn> turn = begin(std::move(request));
-    if (turn->needsHashing())
-        verify(*turn);
-    return finish(*turn);
 }
 
 Answer Service::refuse(std::string_view body, Outcome outcome)
@@ -63,8 +56,7 @@ std::unique_ptr<Turn> Service::begin(Request request)
         else
             beginSignedIn(*turn);
     } catch (const std::exception &error) {
-        turn->m_answer = refusalOf(turn->m_kind, Outcome::Failed);
-        turn->m_answer->cause = error.what();
+        turn->m_answer = failure(turn->m_kind, error);
     }
     turn->m_needsHashing = turn->m_needsHashing && !turn->m_answer;
     return turn;
@@ -142,14 +134,13 @@ void Service::verify(Turn &turn)
 {
     try {
         if (isOverdue(turn))
-            giveUp(turn, Outcome::Busy);
+            turn.m_answer = refusalOf(turn.m_kind, Outcome::Busy);
         else if (turn.m_signUp)
             turn.m_newPasswordHash = security::hashPassword(security::signInDigest(turn.m_signUp->password));
         else
             verifyPassword(turn);
     } catch (const std::exception &error) {
-        turn.m_answer = refusalOf(turn.m_kind, Outcome::Failed);
-        turn.m_answer->cause = error.what();
+        turn.m_answer = failure(turn.m_kind, error);
     }
 }
 
@@ -171,10 +162,9 @@ void Service::verifyPassword(Turn &turn)
     m_verified.remember(credentials.accountId, credentials.version, password);
 }
 
-Answer Service::giveUp(Turn &turn, Outcome outcome)
+Answer Service::giveUp(const Turn &turn)
 {
-    turn.m_answer = refusalOf(turn.m_kind, outcome);
-    return conclude(turn.m_kind, turn.m_form, *turn.m_answer);
+    return conclude(turn.m_kind, turn.m_form, refusalOf(turn.m_kind, Outcome::Busy));
 }
 
 Answer Service::finish(Turn &turn)
@@ -205,14 +195,11 @@ Answer Service::serve(Turn &turn)
             m_database.write(work);
         else
             m_database.read(work);
-        return Answer{
-            .body = std::move(body), .format = turn.m_kind.format, .outcome = Outcome::Done, .cause = {}};
+        return {.body = std::move(body), .format = turn.m_kind.format};
     } catch (const RequestRefused &) {
         return refusalOf(turn.m_kind, Outcome::Invalid);
     } catch (const std::exception &error) {
-        Answer answer = refusalOf(turn.m_kind, Outcome::Failed);
-        answer.cause = error.what();
-        return answer;
+        return failure(turn.m_kind, error);
     }
 }
 

@@ -12,6 +12,8 @@
 #include "VerifiedCredentials.h"
 
 #include <chrono>
+#include <ctime>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -35,7 +37,6 @@ public:
     Turn(const Turn &) = delete;
     Turn &operator=(const Turn &) = delete;
 
-    const RequestKind &kind() const { return m_kind; }
     /// Whether the next step is Service::verify() rather than Service::finish().
     bool needsHashing() const { return m_needsHashing; }
 
@@ -52,6 +53,12 @@ private:
     bool m_needsHashing = false;
 };
 
+struct Clocks
+{
+    std::function<std::chrono::steady_clock::time_point()> steady = std::chrono::steady_clock::now;
+    std::function<std::int64_t()> seconds = [] { return std::time(nullptr); }; ///< since 1970
+};
+
 /// Turns request bodies into answers; knows no sockets and no SQL. For many threads.
 ///
 /// A request takes three steps, so that the caller decides where each one runs: begin() and finish() ask the
@@ -59,32 +66,21 @@ private:
 class Service
 {
 public:
-    struct Clocks
-    {
-        std::function<std::chrono::steady_clock::time_point()> steady;
-        std::function<std::int64_t()> seconds; ///< since 1970
-    };
-
     /// How long a request may be on its way; one that took longer is refused instead of begun.
     static constexpr std::chrono::seconds patience{15};
 
-    explicit Service(store::Database &database, Clocks clocks = systemClocks());
+    explicit Service(store::Database &database, Clocks clocks = {});
 
     std::unique_ptr<Turn> begin(Request request);
     void verify(Turn &turn);
     Answer finish(Turn &turn);
 
-    /// Ends a turn that was begun and will be neither verified nor finished.
-    Answer giveUp(Turn &turn, Outcome outcome);
-
-    /// All three steps in one.
-    Answer answer(Request request);
+    /// Ends a turn that was begun and, for want of room, will be neither verified nor finished.
+    Answer giveUp(const Turn &turn);
 
     /// The answer to a request that will not be served, of which the body's beginning is enough. It counts as
     /// a refused save where it was one.
     Answer refuse(std::string_view body, Outcome outcome);
-
-    static Clocks systemClocks();
 
 private:
     void beginSignUp(Turn &turn);

@@ -9,32 +9,21 @@
 
 namespace tarvex::requests {
 
-namespace {
-
-std::map<wire::GoalPlace, std::int64_t> percentsByPlace(const Call &call)
-{
-    std::map<wire::GoalPlace, std::int64_t> percents;
-    for (const store::GoalCount &count : store::goalCounts(call.connection, call.accountId))
-        percents[{.setId = count.setId, .areaId = count.areaId}] = donePercent(count.checked, count.count);
-    return percents;
-}
-
-} // namespace
-
 std::string getSets(Call &call)
 {
     const std::vector<store::Area> areas = store::areas(call.connection, call.accountId);
-    const auto percents = percentsByPlace(call);
+    std::map<wire::GoalPlace, std::int64_t> percents;
+    for (const store::GoalCount &count : store::goalCounts(call.connection, call.accountId))
+        percents[{.setId = count.setId, .areaId = count.areaId}] = donePercent(count.checked, count.count);
     wire::XmlAnswer answer;
     for (const store::Set &set : store::sets(call.connection, call.accountId)) {
         answer.beginRecord();
         answer.element("id", set.id);
         answer.element("name", set.name);
         for (std::size_t i = 0; i < areas.size(); ++i) {
-            const auto percent = percents.find({.setId = set.id, .areaId = areas[i].id});
-            const std::int64_t value =
-                percent == percents.end() ? donePercent(/*checked=*/0, /*count=*/0) : percent->second;
-            answer.element("percent" + std::to_string(i + 1), value);
+            const wire::GoalPlace place{.setId = set.id, .areaId = areas[i].id};
+            const auto percent = percents.try_emplace(place, donePercent(/*checked=*/0, /*count=*/0)).first;
+            answer.element("percent" + std::to_string(i + 1), percent->second);
         }
         answer.endRecord();
     }

@@ -5,16 +5,6 @@
 
 namespace tarvex::security {
 
-namespace {
-
-void update(crypto_generichash_state &state, std::string_view bytes)
-{
-    // The library takes unsigned bytes; a char may be read as one.
-    crypto_generichash_update(&state, reinterpret_cast<const unsigned char *>(bytes.data()), bytes.size());
-}
-
-} // namespace
-
 KeyedHash::KeyedHash()
 {
     if (sodium_init() < 0)
@@ -24,14 +14,13 @@ KeyedHash::KeyedHash()
 
 std::string KeyedHash::operator()(std::initializer_list<std::string_view> parts) const
 {
+    std::string text;
+    for (const std::string_view part : parts)
+        text.append(std::to_string(part.size())).append(":").append(part);
     std::array<unsigned char, crypto_generichash_BYTES> hash{};
-    crypto_generichash_state state{};
-    crypto_generichash_init(&state, m_key.data(), m_key.size(), hash.size());
-    for (const std::string_view part : parts) {
-        update(state, std::to_string(part.size()) + ":");
-        update(state, part);
-    }
-    crypto_generichash_final(&state, hash.data(), hash.size());
+    // The library takes unsigned bytes; a char may be read as one.
+    crypto_generichash(hash.data(), hash.size(), reinterpret_cast<const unsigned char *>(text.data()),
+                       text.size(), m_key.data(), m_key.size());
     return {hash.begin(), hash.end()};
 }
 

@@ -7,12 +7,8 @@
 
 namespace tarvex::security {
 
-namespace {
-
 constexpr std::string_view hexDigits = "0123456789ABCDEF";
 constexpr std::size_t digestSize = 16;
-
-} // namespace
 
 std::string signInDigest(std::string_view text)
 {

@@ -1,7 +1,5 @@
 #include "Database.h"
 
-#include "DatabaseUrl.h"
-#include "EmbeddedSchema.h"
 #include "Schema.h"
 
 #include <cerrno>
@@ -23,11 +21,6 @@ constexpr std::size_t readerCount = 4;
 /// Marks a file as a database of ours, in the words of the engine: "TVXC".
 constexpr int applicationId = 0x54565843;
 
-std::string cause(int error)
-{
-    return std::generic_category().message(error);
-}
-
 /// Makes the file before the engine does, so that no one but its owner can ever read it.
 void createFile(const std::filesystem::path &file)
 {
@@ -39,7 +32,8 @@ void createFile(const std::filesystem::path &file)
                          " cannot be made: " + error.message() + ".");
     const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
     if (descriptor < 0)
-        throw CannotOpen("The database " + file.string() + " cannot be opened: " + cause(errno) + ".");
+        throw CannotOpen("The database " + file.string() +
+                         " cannot be opened: " + std::generic_category().message(errno) + ".");
     ::close(descriptor);
 }
 
@@ -82,87 +76,73 @@ void makePrivate(const std::filesystem::path &file)
     }
 }
 
-/// Ends a transaction that was not committed, whatever made it fail.
-class Rollback
+void rollBack(soci::session &session)
 {
-public:
-    explicit Rollback(soci::session &session) : m_session(&session) {}
-    Rollback(const Rollback &) = delete;
-    Rollback &operator=(const Rollback &) = delete;
-    ~Rollback()
-    {
-        try {
-            if (m_session != nullptr)
-                *m_session << "ROLLBACK";
-        } catch (const soci::soci_error &) { // NOLINT(bugprone-empty-catch)
-            // The engine has already ended the transaction by itself.
-        }
+    try {
+        session << "ROLLBACK";
+    } catch (const soci::soci_error &) { // NOLINT(bugprone-empty-catch)
+        // The engine has already ended the transaction by itself.
     }
-    void dismiss() { m_session = nullptr; }
-
-private:
-    soci::session *m_session;
-};
+}
 
 void runTransaction(soci::session &session, const std::string &begin,
                     const std::function<void(Connection &)> &work)
 {
     try {
         session << begin;
-        Rollback rollback(session);
-        Connection connection(session);
-        work(connection);
+        work(session);
         session << "COMMIT";
-        rollback.dismiss();
     } catch (const soci::soci_error &error) {
+        rollBack(session);
         // Not what(): that text quotes the values of the statement.
         throw TransactionFailed(error.get_error_message());
+    } catch (...) {
+        rollBack(session);
+        throw;
     }
+}
+
+/// The file that a database URL of the form "sqlite:PATH" names.
+std::filesystem::path sqliteFile(const std::string &url)
+{
+    const std::string scheme = "sqlite:";
+    if (url.starts_with("postgresql://") || url.starts_with("postgres://"))
+        throw CannotOpen(
+            "This build does not serve PostgreSQL databases yet; give a database as sqlite:PATH.");
+    if (!url.starts_with(scheme) || url.size() == scheme.size())
+        throw CannotOpen("The database must be given as sqlite:PATH.");
+    const std::string path = url.substr(scheme.size());
+    if (path.find_first_of("\"?#") != std::string::npos)
+        throw CannotOpen("The path of the database holds a character that is not allowed there (\" ? #).");
+    return path;
 }
 
 } // namespace
 
-/// The seam towards other engines: one writer, since the engine allows one, and a few readers beside it.
-class Database::Sessions
+/// One writer, since the engine allows one, and a few readers beside it.
+struct Database::Sessions
 {
-public:
-    explicit Sessions(const std::filesystem::path &file) : m_readers(readerCount)
-    {
-        openSession(m_writer, file);
-        claim(m_writer, file);
-        makePrivate(file);
-        m_writer << "PRAGMA journal_mode = WAL";
-        migrate(m_writer, sqliteMigrations);
-        for (std::size_t i = 0; i < readerCount; ++i) {
-            openSession(m_readers.at(i), file);
-            m_readers.at(i) << "PRAGMA query_only = ON";
-        }
-    }
-
-    void read(const std::function<void(Connection &)> &work)
-    {
-        soci::session reader(m_readers);
-        runTransaction(reader, "BEGIN", work);
-    }
-
-    void write(const std::function<void(Connection &)> &work)
-    {
-        const std::lock_guard lock(m_writerMutex);
-        runTransaction(m_writer, "BEGIN IMMEDIATE", work);
-    }
-
-private:
-    std::mutex m_writerMutex;
-    soci::session m_writer;
-    soci::connection_pool m_readers;
+    std::mutex writerMutex;
+    soci::session writer;
+    soci::connection_pool readers{readerCount};
 };
 
-Database::Database(const std::string &url)
+Database::Database(const std::string &url) : m_sessions(std::make_unique<Sessions>())
 {
     const std::filesystem::path file = sqliteFile(url);
     createFile(file);
     try {
-        m_sessions = std::make_unique<Sessions>(file);
+        soci::session &writer = m_sessions->writer;
+        openSession(writer, file);
+        claim(writer, file);
+        makePrivate(file);
+        writer << "PRAGMA journal_mode = WAL";
+        migrate(writer, sqliteMigrations);
+        for (std::size_t i = 0; i < readerCount; ++i) {
+            soci::session &reader = m_sessions->readers.at(i);
+            openSession(reader, file);
+            reader << "PRAGMA query_only = ON";
+        }
     } catch (const soci::soci_error &error) {
         throw CannotOpen("The database " + file.string() + " cannot be used: " + error.get_error_message());
     }
@@ -172,12 +152,14 @@ Database::~Database() = default;
 
 void Database::read(const std::function<void(Connection &)> &work)
 {
-    m_sessions->read(work);
+    soci::session reader(m_sessions->readers);
+    runTransaction(reader, "BEGIN", work);
 }
 
 void Database::write(const std::function<void(Connection &)> &work)
 {
-    m_sessions->write(work);
+    const std::lock_guard lock(m_sessions->writerMutex);
+    runTransaction(m_sessions->writer, "BEGIN IMMEDIATE", work);
 }
 
 } // namespace tarvex::store

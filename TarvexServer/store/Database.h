@@ -31,7 +31,7 @@ public:
     void write(const std::function<void(Connection &)> &work);
 
 private:
-    class Sessions;
+    struct Sessions;
     std::unique_ptr<Sessions> m_sessions;
 };
 

@@ -1,6 +1,5 @@
 #include "Goals.h"
 
-#include "IdCounters.h"
 #include "Statements.h"
 
 namespace tarvex::store {
@@ -12,25 +11,11 @@ const std::string selectGoals =
     " JOIN goal_set ON goal_set.account_id = goal.account_id AND goal_set.set_id = goal.set_id"
     " WHERE goal.account_id = :account AND goal.deleted_at IS NULL AND goal_set.deleted_at IS NULL";
 
-/// The variables that a prepared statement reads a goal into or takes it from, row by row.
-struct BoundGoal
+/// What a prepared statement reads a goal into or takes it from, row by row.
+struct GoalRow
 {
-    long long id = 0;
-    long long setId = 0;
-    long long areaId = 0;
-    std::string name;
-    int priority = 0;
-    int isChecked = 0;
-
-    Goal goal() const
-    {
-        return Goal{.id = id,
-                    .setId = setId,
-                    .areaId = areaId,
-                    .name = name,
-                    .priority = priority,
-                    .isChecked = isChecked != 0};
-    }
+    Goal goal;
+    int isChecked = 0; // the engine knows no truth values
 };
 
 /// selectGoals with a condition and an order added, prepared once; the ids are its parameters and may change
@@ -40,18 +25,10 @@ class GoalQuery
 public:
     template<class... Ids>
     GoalQuery(Connection &connection, const std::string &condition, const Ids &...ids)
-        : m_rows(connection.session())
+        : m_rows((((connection.prepare << selectGoals + condition), ..., soci::use(ids)),
+                  soci::into(m_row.goal.id), soci::into(m_row.goal.setId), soci::into(m_row.goal.areaId),
+                  soci::into(m_row.goal.name), soci::into(m_row.goal.priority), soci::into(m_row.isChecked)))
     {
-        (m_rows.exchange(soci::use(ids)), ...);
-        m_rows.exchange(soci::into(m_row.id));
-        m_rows.exchange(soci::into(m_row.setId));
-        m_rows.exchange(soci::into(m_row.areaId));
-        m_rows.exchange(soci::into(m_row.name));
-        m_rows.exchange(soci::into(m_row.priority));
-        m_rows.exchange(soci::into(m_row.isChecked));
-        m_rows.alloc();
-        m_rows.prepare(selectGoals + condition);
-        m_rows.define_and_bind();
     }
 
     GoalQuery(const GoalQuery &) = delete;
@@ -60,12 +37,14 @@ public:
     void addTo(std::vector<Goal> &goals)
     {
         m_rows.execute();
-        while (m_rows.fetch())
-            goals.push_back(m_row.goal());
+        while (m_rows.fetch()) {
+            m_row.goal.isChecked = m_row.isChecked != 0;
+            goals.push_back(m_row.goal);
+        }
     }
 
 private:
-    BoundGoal m_row;
+    GoalRow m_row;
     soci::statement m_rows;
 };
 
@@ -82,19 +61,14 @@ std::vector<Goal> goalsWhere(Connection &connection, const std::string &conditio
 std::vector<Goal> goalsOfArea(Connection &connection, std::int64_t accountId, std::int64_t setId,
                               std::int64_t areaId)
 {
-    const long long account = accountId;
-    const long long set = setId;
-    const long long area = areaId;
     return goalsWhere(connection, " AND goal.set_id = :set AND goal.area_id = :area ORDER BY goal.goal_id",
-                      account, set, area);
+                      accountId, setId, areaId);
 }
 
 std::vector<Goal> goalsOfSet(Connection &connection, std::int64_t accountId, std::int64_t setId)
 {
-    const long long account = accountId;
-    const long long set = setId;
-    return goalsWhere(connection, " AND goal.set_id = :set ORDER BY goal.area_id, goal.goal_id", account,
-                      set);
+    return goalsWhere(connection, " AND goal.set_id = :set ORDER BY goal.area_id, goal.goal_id", accountId,
+                      setId);
 }
 
 std::optional<Goal> findGoal(Connection &connection, std::int64_t accountId, std::int64_t goalId)
@@ -106,9 +80,8 @@ std::optional<Goal> findGoal(Connection &connection, std::int64_t accountId, std
 std::vector<Goal> findGoals(Connection &connection, std::int64_t accountId,
                             const std::vector<std::int64_t> &goalIds)
 {
-    const long long account = accountId;
-    BoundGoal wanted;
-    GoalQuery query(connection, " AND goal.goal_id = :goal", account, wanted.id);
+    Goal wanted;
+    GoalQuery query(connection, " AND goal.goal_id = :goal", accountId, wanted.id);
     std::vector<Goal> found;
     for (const std::int64_t goalId : goalIds) {
         wanted.id = goalId;
@@ -119,20 +92,16 @@ std::vector<Goal> findGoals(Connection &connection, std::int64_t accountId,
 
 std::vector<GoalCount> goalCounts(Connection &connection, std::int64_t accountId)
 {
-    const long long account = accountId;
-    long long setId = 0;
-    long long areaId = 0;
-    long long count = 0;
-    long long checked = 0;
-    soci::statement rows =
-        (connection.session().prepare << "SELECT set_id, area_id, COUNT(*), SUM(checked) FROM goal"
-                                         " WHERE account_id = :account AND deleted_at IS NULL"
-                                         " GROUP BY set_id, area_id ORDER BY set_id, area_id",
-         soci::use(account), soci::into(setId), soci::into(areaId), soci::into(count), soci::into(checked));
+    GoalCount row;
+    soci::statement rows = (connection.prepare << "SELECT set_id, area_id, COUNT(*), SUM(checked) FROM goal"
+                                                  " WHERE account_id = :account AND deleted_at IS NULL"
+                                                  " GROUP BY set_id, area_id ORDER BY set_id, area_id",
+                            soci::use(accountId), soci::into(row.setId), soci::into(row.areaId),
+                            soci::into(row.count), soci::into(row.checked));
     std::vector<GoalCount> found;
     rows.execute();
     while (rows.fetch())
-        found.push_back(GoalCount{.setId = setId, .areaId = areaId, .count = count, .checked = checked});
+        found.push_back(row);
     return found;
 }
 
@@ -140,51 +109,40 @@ void createGoals(Connection &connection, std::int64_t accountId, const std::vect
 {
     if (goals.empty())
         return;
-    const long long account = accountId;
-    const auto count = static_cast<std::int64_t>(goals.size());
-    BoundGoal row;
-    row.id = takeIds(connection.session(), accountId, Counter::Goal, count);
+    std::int64_t id = takeIds(connection, accountId, Counter::Goal, static_cast<std::int64_t>(goals.size()));
+    GoalRow row;
     soci::statement insert =
-        (connection.session().prepare
+        (connection.prepare
              << "INSERT INTO goal (account_id, goal_id, set_id, area_id, name, priority, checked)"
                 " VALUES (:account, :goal, :set, :area, :name, :priority, :checked)",
-         soci::use(account), soci::use(row.id), soci::use(row.setId), soci::use(row.areaId),
-         soci::use(row.name), soci::use(row.priority), soci::use(row.isChecked));
+         soci::use(accountId), soci::use(id), soci::use(row.goal.setId), soci::use(row.goal.areaId),
+         soci::use(row.goal.name), soci::use(row.goal.priority), soci::use(row.isChecked));
     for (const Goal &goal : goals) {
-        row.setId = goal.setId;
-        row.areaId = goal.areaId;
-        row.name = goal.name;
-        row.priority = goal.priority;
+        row.goal = goal;
         row.isChecked = goal.isChecked ? 1 : 0;
         insert.execute(true);
-        ++row.id;
+        ++id;
     }
 }
 
-std::size_t deleteGoals(Connection &connection, std::int64_t accountId,
-                        const std::vector<std::int64_t> &goalIds, std::int64_t now)
+void deleteGoals(Connection &connection, std::int64_t accountId, const std::vector<std::int64_t> &goalIds,
+                 std::int64_t now)
 {
-    const long long account = accountId;
-    const long long time = now;
-    BoundGoal row;
-    soci::statement update =
-        (connection.session().prepare << "UPDATE goal SET deleted_at = :now WHERE account_id = :account"
-                                         " AND goal_id = :goal AND deleted_at IS NULL",
-         soci::use(time), soci::use(account), soci::use(row.id));
-    std::size_t deleted = 0;
+    Goal deleted;
+    soci::statement update = (connection.prepare << "UPDATE goal SET deleted_at = :now"
+                                                    " WHERE account_id = :account AND goal_id = :goal"
+                                                    " AND deleted_at IS NULL",
+                              soci::use(now), soci::use(accountId), soci::use(deleted.id));
     for (const std::int64_t goalId : goalIds) {
-        row.id = goalId;
-        deleted += changesRow(update) ? 1U : 0U;
+        deleted.id = goalId;
+        update.execute(true);
     }
-    return deleted;
 }
 
 void checkGoal(Connection &connection, std::int64_t accountId, std::int64_t goalId)
 {
-    const long long account = accountId;
-    const long long goal = goalId;
-    connection.session() << "UPDATE goal SET checked = 1 WHERE account_id = :account AND goal_id = :goal",
-        soci::use(account), soci::use(goal);
+    connection << "UPDATE goal SET checked = 1 WHERE account_id = :account AND goal_id = :goal",
+        soci::use(accountId), soci::use(goalId);
 }
 
 } // namespace tarvex::store

@@ -50,10 +50,9 @@ std::vector<Goal> findGoals(Connection &connection, std::int64_t accountId,
 /// Inserts the goals in their order under new ids; those they carry are ignored. Set and area must be there.
 void createGoals(Connection &connection, std::int64_t accountId, const std::vector<Goal> &goals);
 
-/// Marks the goals deleted; ids the account has no goal for are passed over. Returns how many there were.
-/// `now` is in seconds since 1970.
-std::size_t deleteGoals(Connection &connection, std::int64_t accountId,
-                        const std::vector<std::int64_t> &goalIds, std::int64_t now);
+/// Marks the goals deleted; ids the account has no goal for are passed over. `now` is in seconds since 1970.
+void deleteGoals(Connection &connection, std::int64_t accountId, const std::vector<std::int64_t> &goalIds,
+                 std::int64_t now);
 
 /// Marks the goal done, which it may be already.
 void checkGoal(Connection &connection, std::int64_t accountId, std::int64_t goalId);

@@ -2,7 +2,6 @@
 
 #include "StoreError.h"
 
-#include <algorithm>
 #include <soci/soci.h>
 #include <string>
 
@@ -12,10 +11,7 @@ namespace {
 
 void runStatements(soci::session &session, std::string_view script)
 {
-    while (true) {
-        const auto end = script.find(';');
-        if (end == std::string_view::npos)
-            return;
+    for (auto end = script.find(';'); end != std::string_view::npos; end = script.find(';')) {
         session << std::string(script.substr(0, end));
         script.remove_prefix(end + 1);
     }
@@ -25,11 +21,10 @@ long long currentVersion(soci::session &session)
 {
     session << "CREATE TABLE IF NOT EXISTS schema_version (version BIGINT NOT NULL)";
     long long version = 0;
-    soci::indicator known = soci::i_null;
-    session << "SELECT version FROM schema_version", soci::into(version, known);
+    session << "SELECT version FROM schema_version", soci::into(version);
     if (!session.got_data())
         session << "INSERT INTO schema_version (version) VALUES (0)";
-    return session.got_data() ? version : 0;
+    return version;
 }
 
 } // namespace

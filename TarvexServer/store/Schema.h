@@ -9,6 +9,10 @@ class session;
 
 namespace tarvex::store {
 
+/// The files of schema/, in the order of their names; the first makes version 1 of the schema.
+extern const std::vector<std::string_view> sqliteMigrations;
+extern const std::vector<std::string_view> postgresqlMigrations;
+
 /// Brings a database up to the last of the migrations in one transaction and keeps the version
 /// in the table schema_version. Throws CannotOpen if the database is of a newer version than the migrations.
 void migrate(soci::session &session, const std::vector<std::string_view> &migrations);

@@ -28,7 +28,8 @@ public:
     }
 
     /// "key:value;" where the value holds neither separator, as the escaping of names guarantees.
-    std::optional<std::string_view> takeField(std::string_view key)
+    template<class Value>
+    std::optional<Value> takeField(std::string_view key, std::optional<Value> (*read)(std::string_view))
     {
         if (!takeText(key))
             return {};
@@ -37,25 +38,7 @@ public:
             return {};
         const std::string_view value = m_rest.substr(0, end);
         m_rest.remove_prefix(end + 1);
-        return value;
-    }
-
-    std::optional<std::int32_t> takeNumber(std::string_view key)
-    {
-        const auto value = takeField(key);
-        return value ? decimal32(*value) : std::nullopt;
-    }
-
-    std::optional<std::int64_t> takeId(std::string_view key)
-    {
-        const auto value = takeField(key);
-        return value ? wireId(*value) : std::nullopt;
-    }
-
-    std::optional<std::string> takeName()
-    {
-        const auto value = takeField("name:");
-        return value ? storableName(*value) : std::nullopt;
+        return read(value);
     }
 
 private:
@@ -64,11 +47,11 @@ private:
 
 std::optional<GoalRecord> takeGoalRecord(RecordCursor &cursor)
 {
-    const auto name = cursor.takeName();
-    const auto priority = name ? cursor.takeNumber("priority:") : std::nullopt;
-    const auto checked = priority ? cursor.takeNumber("checked:") : std::nullopt;
-    const auto setId = checked ? cursor.takeId("setsId:") : std::nullopt;
-    const auto areaId = setId ? cursor.takeId("areaId:") : std::nullopt;
+    const auto name = cursor.takeField("name:", storableName);
+    const auto priority = name ? cursor.takeField("priority:", decimal32) : std::nullopt;
+    const auto checked = priority ? cursor.takeField("checked:", decimal32) : std::nullopt;
+    const auto setId = checked ? cursor.takeField("setsId:", wireId) : std::nullopt;
+    const auto areaId = setId ? cursor.takeField("areaId:", wireId) : std::nullopt;
     if (!areaId || *checked < 0 || *checked > 1 || !cursor.takeText(endMark))
         return {};
     return GoalRecord{.name = *name,
@@ -79,8 +62,8 @@ std::optional<GoalRecord> takeGoalRecord(RecordCursor &cursor)
 
 std::optional<AreaNameRecord> takeAreaNameRecord(RecordCursor &cursor)
 {
-    const auto areaId = cursor.takeId("id:");
-    const auto name = areaId ? cursor.takeName() : std::nullopt;
+    const auto areaId = cursor.takeField("id:", wireId);
+    const auto name = areaId ? cursor.takeField("name:", storableName) : std::nullopt;
     if (!name || !cursor.takeText(endMark))
         return {};
     return AreaNameRecord{.areaId = *areaId, .name = *name};
@@ -146,8 +129,8 @@ std::optional<GoalPlace> goalPlaceHint(std::string_view field)
     if (start == std::string_view::npos)
         return {};
     RecordCursor cursor(field.substr(start));
-    const auto setId = cursor.takeId(key);
-    const auto areaId = setId ? cursor.takeId("areaId:") : std::nullopt;
+    const auto setId = cursor.takeField(key, wireId);
+    const auto areaId = setId ? cursor.takeField("areaId:", wireId) : std::nullopt;
     if (!areaId)
         return {};
     return GoalPlace{.setId = *setId, .areaId = *areaId};

@@ -2,15 +2,11 @@
 
 namespace tarvex::wire {
 
-namespace {
-
 constexpr std::string_view kindField = "p1=create-new-user";
 constexpr std::string_view head = "p1=create-new-user&p2=";
 constexpr std::string_view passwordMark = "&p3=";
 constexpr std::string_view nameMark = "&p4=";
 constexpr std::string_view tail = "&type=json";
-
-} // namespace
 
 bool isSignUpBody(std::string_view body)
 {

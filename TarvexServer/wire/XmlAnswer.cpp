@@ -6,31 +6,11 @@
 
 namespace tarvex::wire {
 
-XmlAnswer::XmlAnswer(Encoding encoding)
-    : m_document(R"(<?xml version="1.0" encoding="UTF-8"?><answer>)"), m_encoding(encoding)
-{
-}
-
-void XmlAnswer::beginRecord()
-{
-    m_document += "<record>";
-}
-
-void XmlAnswer::endRecord()
-{
-    m_document += "</record>";
-}
-
 void XmlAnswer::element(std::string_view name, std::string_view text)
 {
     m_document.append("<").append(name).append(">");
     appendText(text);
     m_document.append("</").append(name).append(">");
-}
-
-void XmlAnswer::element(std::string_view name, std::int64_t number)
-{
-    element(name, std::to_string(number));
 }
 
 std::string XmlAnswer::finish()

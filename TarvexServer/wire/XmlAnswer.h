@@ -18,13 +18,13 @@ public:
         Ascii, ///< characters beyond ASCII as character references, for an answer that is first read as ASCII
     };
 
-    explicit XmlAnswer(Encoding encoding = Encoding::Utf8);
+    explicit XmlAnswer(Encoding encoding = Encoding::Utf8) : m_encoding(encoding) {}
 
-    void beginRecord();
+    void beginRecord() { m_document += "<record>"; }
     /// The text must be storable: well-formed UTF-8 without characters that XML cannot carry.
     void element(std::string_view name, std::string_view text);
-    void element(std::string_view name, std::int64_t number);
-    void endRecord();
+    void element(std::string_view name, std::int64_t number) { element(name, std::to_string(number)); }
+    void endRecord() { m_document += "</record>"; }
 
     /// The finished document; the builder is spent afterwards.
     std::string finish();
@@ -33,7 +33,7 @@ private:
     void appendText(std::string_view text);
     void appendCharacter(std::string_view character);
 
-    std::string m_document;
+    std::string m_document = R"(<?xml version="1.0" encoding="UTF-8"?><answer>)";
     Encoding m_encoding;
 };
 

@@ -40,6 +40,8 @@ private Q_SLOTS:
         QFETCH(qreal, textScale);
         const DialGeometry::TextSizes text = scaled(textScale);
         const DialGeometry dial(area, text);
+        QCOMPARE(DialGeometry::percentRotations,
+                 (std::array<qreal, 8>{-22.5, -67.5, -115.0, -160.0, 150.5, 118.5, 67.5, 22.5}));
         const QRect window(QPoint(), area);
         QPainterPath rim;
         rim.addEllipse(dial.wheel.toRectF().center(), DialGeometry::wheelRadius, DialGeometry::wheelRadius);

@@ -2,14 +2,15 @@
 
 #include "AreaValueSlider.h"
 #include "AreaWindowController.h"
+#include "BusyIndicator.h"
 #include "GoalTableModel.h"
 #include "GoalTableView.h"
 #include "MnemonicLabel.h"
 
 #include <QAbstractItemModelTester>
 #include <QAccessible>
+#include <QClipboard>
 #include <QComboBox>
-#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -38,14 +39,20 @@ struct OpenArea : Client
         service.answer("get-goals", reply);
         service.answer("get-areas", areas);
         document = openSignedIn();
-        document->wheelView()->choosePiece(2);
         sheet = document->wndAreaDetails();
         controller = sheet->findChild<AreaWindowController *>();
+        openPiece(2);
+    }
+    void openPiece(int index)
+    {
+        const auto sentBefore = service.bodies().size();
+        document->wheelView()->choosePiece(index);
         table = controller->tableViewTargets();
         labelThen = controller->labelAreaName()->text();
+        wasSaveOfferedThen = isOffered("Save");
         if (!QTest::qWaitFor([&] {
                 return controller->isAlreadyLoadedDatas() && !Client::controller.isBusy() &&
-                       service.bodies().size() > 3;
+                       service.bodies().size() > sentBefore;
             }))
             qFatal("the area did not load");
     }
@@ -93,7 +100,8 @@ struct OpenArea : Client
     Sheet *sheet;
     AreaWindowController *controller;
     GoalTableView *table;
-    QString labelThen;
+    QString labelThen; // at first, as the next
+    bool wasSaveOfferedThen = false;
 };
 
 } // namespace
@@ -144,6 +152,50 @@ private Q_SLOTS:
         QCOMPARE(Client::average(area.document), u"44%"_s);
     }
 
+    void everyOpeningBeginsAfresh()
+    {
+        OpenArea area(cutReply());
+        area.click("Add Goal");
+        area.service.answer("get-goals", goals(three));
+        area.click("Try Again");
+        QCOMPARE(area.texts(), u"Run,Read & write,Sing,New Goal"_s);
+        area.click("Cancel");
+
+        area.document->listOfProjects()->selectItemAtIndex(1);
+        area.service.answer("get-goals", goals({{"201", "Dance", "5", "n"}}));
+        const BusyIndicator *indicator = area.controller->downloadIndicator();
+        area.holdUntil([&] {
+            return area.state().startsWith(u"Loading"_s) && !area.isOffered("Save") &&
+                   indicator->isAnimating();
+        });
+        area.openPiece(4);
+        QVERIFY(!area.wasSaveOfferedThen && !indicator->isAnimating());
+        QCOMPARE(area.service.bodies().last(), "p1=get-goals" + annsDigests + "&p4=9&p5=5");
+        QCOMPARE(area.sheet->findChild<QLabel *>(u"labelSetName"_s)->text(), u"Second"_s);
+        QCOMPARE(area.texts(), u"Dance"_s);
+        QCOMPARE(area.controller->sliderOfArea()->value(), 4);
+        const auto drawn = Client::drawn(area.document, /*settled=*/true);
+        area.click("Save");
+        QVERIFY(Client::drawn(area.document) > drawn);
+        QCOMPARE(area.written().mid(2, 1), QList<QByteArray>{sent("set-area-value", "&p4=5&p5=4")});
+        QCOMPARE(area.written().last(), sent("delete-some-goals", "&p4=201;"));
+        QCOMPARE(Client::percents(area.document).value(4), u"0%"_s);
+        area.document->listOfProjects()->selectItemAtIndex(0); // what was saved concerned another set
+        QVERIFY(Client::guidance(area.document).startsWith(u"Click an area"_s));
+
+        area.service.answer("get-goals", QByteArray("Error"));
+        area.openPiece(6);
+        QVERIFY(area.texts().isEmpty() && area.controller->idsForRemove().empty());
+        QVERIFY(area.isOffered("Save"));
+        area.click("Cancel");
+        area.document->wheelView()->choosePiece(0);
+        area.controller->windowDidBecomeKey();
+        area.controller->closeAreaDetailsWindow(); // before it loads
+        const auto sent = area.service.bodies();
+        QCoreApplication::processEvents();
+        QCOMPARE(area.service.bodies(), sent);
+    }
+
     void cancelSendsNothingAndKeepsEverything()
     {
         OpenArea area;
@@ -165,10 +217,20 @@ private Q_SLOTS:
     void anAreaWithoutGoalsCountsAsDone()
     {
         OpenArea area;
-        for (int row = 0; row < 3; ++row)
+        area.table->selectAll();
+        QTest::keyClick(area.table, Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QGuiApplication::clipboard()->text(), u"Run\nRead & write\nSing"_s);
+        QTest::keyClick(area.table, Qt::Key_Down);
+        QTest::keyClick(area.table, Qt::Key_Up);
+        QTest::keyClick(area.table, Qt::Key_Delete);
+        QCOMPARE(area.state(), u"0 of 2 done"_s);
+        for (int row = 1; row < 3; ++row)
             area.click("Remove Goal");
         area.controller->removeSelectedGoal(); // nothing is selected: the list stays as it is
         QVERIFY(!area.Client::controller.isBusy());
+        const QImage told = area.table->grab().toImage();
+        area.table->setPlaceholder(QString());
+        QVERIFY(area.table->grab().toImage() != told);
         area.click("Save");
         QCOMPARE(area.written().mid(1),
                  (QList<QByteArray>{sent("create-some-goals", "&p4="),
@@ -251,6 +313,15 @@ private Q_SLOTS:
             QCOMPARE(area.state(), u"1 of 3 done"_s); // two clicks
             area.clickCell(1, GoalTableModel::CheckColumn);
             QCOMPARE(area.state(), u"2 of 3 done"_s);
+            const QImage seen = area.table->viewport()->grab().toImage();
+            const auto ink = [&](int row) { // of the box in that row
+                const QImage box = seen.copy(area.table->visualRect(area.cell(row, 0)));
+                int dark = 0;
+                for (int at = 0; at < box.width() * box.height(); ++at)
+                    dark += qGray(box.pixel(at % box.width(), at / box.width())) < 128 ? 1 : 0;
+                return dark;
+            };
+            QVERIFY(ink(0) > ink(2)); // which is not ticked
             QCOMPARE(area.table->currentIndex(), area.cell(1, GoalTableModel::GoalColumn));
             area.clickCell(1, GoalTableModel::PriorityColumn);
             auto *words = area.table->findChild<QComboBox *>();
@@ -272,6 +343,13 @@ private Q_SLOTS:
                     area.table->viewport()->rect().contains(area.table->visualRect(area.cell(23, column))));
             area.clickCell(23, GoalTableModel::CheckColumn);
             QCOMPARE(area.state(), u"3 of 24 done"_s);
+            area.table->setCurrentIndex(area.cell(5, GoalTableModel::PriorityColumn));
+            QTest::keyClick(area.table, Qt::Key_Tab);
+            QCOMPARE(area.sheet->focusWidget()->objectName(), u"buttonAddGoal"_s);
+            QWheelEvent scroll(QPointF(1, 1), QPointF(1, 1), {}, QPoint(0, 120), Qt::NoButton, {},
+                               Qt::NoScrollPhase, /*inverted=*/false);
+            QCoreApplication::sendEvent(area.controller->sliderOfArea(), &scroll);
+            QCOMPARE(area.controller->sliderOfArea()->value(), 2); // which has not the focus
         }
         QGuiApplication::setLayoutDirection(Qt::LeftToRight);
     }
@@ -293,6 +371,8 @@ private Q_SLOTS:
         QCOMPARE(table->focusChild()->text(QAccessible::Name), u"Read & write"_s);
         QCOMPARE(table->focusChild()->text(QAccessible::Description), u"Not done"_s);
         QCOMPARE(table->tableInterface()->columnDescription(GoalTableModel::CheckColumn), u"Done"_s);
+        QVERIFY(area.accessibleCell(1, 1)->state().selected && !area.accessibleCell(2, 1)->state().selected);
+        QCOMPARE(area.accessibleCell(1, 1)->role(), QAccessible::Cell);
         const QPoint middle = area.accessibleCell(2, 1)->rect().center();
         QCOMPARE(table->childAt(middle.x(), middle.y()), area.accessibleCell(2, 1));
         QCOMPARE(table->child(table->indexOfChild(area.accessibleCell(2, 1))), area.accessibleCell(2, 1));
@@ -314,25 +394,6 @@ private Q_SLOTS:
         const QAccessibleInterface *slider =
             QAccessible::queryAccessibleInterface(area.controller->sliderOfArea());
         QCOMPARE(const_cast<QAccessibleInterface *>(slider)->valueInterface()->maximumValue().toInt(), 8);
-    }
-
-    void theSlidersMarksAreSeenOnADarkWindow()
-    {
-        AreaValueSlider slider;
-        QPalette dark(QColor(52, 52, 56), QColor(36, 36, 38));
-        slider.setPalette(dark);
-        slider.resize(300, slider.sizeHint().height());
-        const QImage image = slider.grab().toImage();
-        const auto marks = [&](int y) {
-            int bright = 0;
-            for (int x = 0; x < image.width(); ++x)
-                bright += qGray(image.pixel(x, y)) > 128 ? 1 : 0;
-            return bright;
-        };
-        int y = image.height() - 1;
-        while (y > 0 && marks(y) == 0)
-            --y;
-        QCOMPARE(marks(y), 9);
     }
 
     void whatNobodyTouchedIsSavedUnchanged()
@@ -367,6 +428,7 @@ private Q_SLOTS:
             QCOMPARE(Client::guidance(area.document),
                      u"The service did not answer. Money may not be stored: open it to see."_s);
             QVERIFY(!area.sheet->isVisible());
+            QVERIFY(area.document->window()->findChild<QPushButton *>(u"buttonReload"_s)->isVisible());
             QCOMPARE(Client::percents(area.document).value(2), u"33%"_s);
         }
         OpenArea area;
@@ -406,6 +468,7 @@ private Q_SLOTS:
     {
         OpenArea area(httpReply("<a><id>1</id><id>2</id><name>x</name></a>"));
         QVERIFY(area.state().contains(u"nothing can be saved"_s) && !area.isOffered("Save"));
+        QVERIFY(area.isShown("Try Again"));
         area.controller->closeAndSavedetailsWindow();
         QVERIFY(area.sheet->isVisible() && area.written().isEmpty());
         area.service.answer("get-goals", goals(three));
@@ -433,15 +496,13 @@ private Q_SLOTS:
     void aLongWaitIsToldInWords()
     {
         OpenArea area;
-        area.service.hold();
-        QString told;
-        QTimer::singleShot(1400, area.sheet, [&] {
-            told = area.state();
-            area.service.release();
+        area.holdUntil([&] {
+            return area.state().startsWith(u"Saving Money… Waiting for the service: "_s) &&
+                   area.state().endsWith(u"\u00A0s of at most 60\u00A0s."_s) &&
+                   area.sheet->findChild<BusyIndicator *>(u"areaIndicator"_s)->isAnimating();
         });
         area.click("Save");
-        QCOMPARE(told, u"Saving Money… Waiting for the service: 1\u00A0s of at most 60\u00A0s."_s);
-        QVERIFY(!area.sheet->isVisible());
+        QVERIFY(!area.sheet->isVisible() && area.alert.errors.isEmpty());
     }
 
     void focusThatComesBackLoadsNothingAndOneSheetOpensOnce()

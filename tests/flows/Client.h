@@ -5,6 +5,7 @@
 #include "LinkOpener.h"
 #include "LoopbackService.h"
 #include "MessageLine.h"
+#include "Samples.h"
 #include "ServiceAdapters.h"
 #include "ServiceFakes.h"
 #include "SignInSheet.h"
@@ -18,6 +19,7 @@
 #include <QMainWindow>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 #include <QUrl>
 
 using namespace Qt::StringLiterals;
@@ -69,14 +71,12 @@ public:
 };
 
 /// The client as the application assembles it, against a scripted service; alerts are written down, not
-/// shown. Given another address, it talks to whatever serves there.
+/// shown.
 class Client
 {
 public:
-    explicit Client(std::chrono::milliseconds deadline = std::chrono::seconds(20),
-                    const QByteArray &address = QByteArray())
-        : exchange(address.isEmpty() ? service.url() : address, deadline, wait),
-          controller(exchange, alert, links)
+    explicit Client(std::chrono::milliseconds beforeSignIn = std::chrono::milliseconds(0))
+        : controller(exchange, alert, links, beforeSignIn)
     {
         for (const char *kind : {"sign-in", "delete-sets", "create-sets", "set-sets-name", "set-area-names",
                                  "set-area-value", "create-some-goals", "delete-some-goals"})
@@ -110,6 +110,38 @@ public:
         sheet->findChild<QLineEdit *>(u"textUsername"_s)->setText(login);
         sheet->findChild<QLineEdit *>(u"textPassword"_s)->setText(password);
         QTest::mouseClick(button(sheet, u"Sign In"_s), Qt::LeftButton);
+    }
+
+    /// Lets requests wait from now on until `seen` is true, which is asked again and again meanwhile.
+    void holdUntil(const std::function<bool()> &seen)
+    {
+        service.hold();
+        auto *meanwhile = new QTimer(&controller);
+        QObject::connect(meanwhile, &QTimer::timeout, meanwhile, [=, this] {
+            if (!seen())
+                return;
+            meanwhile->stop();
+            service.release();
+        });
+        meanwhile->start(/*msec=*/5);
+    }
+
+    /// Whether the widget has that colour anywhere.
+    static bool shows(QWidget *widget, QRgb color)
+    {
+        const QImage image = widget->grab().toImage();
+        for (int at = 0; at < image.width() * image.height(); ++at)
+            if (((image.pixel(at % image.width(), at / image.width()) ^ color) & 0xffffff) == 0)
+                return true;
+        return false;
+    }
+
+    /// How often the wheel was drawn by now. What is due anyway counts if `settled`.
+    static qint64 drawn(const TarvexDocument *document, bool settled = false)
+    {
+        if (settled)
+            QCoreApplication::processEvents();
+        return document->wheelView()->piecesOfWheel()->front()->copies();
     }
 
     /// Chooses a command of the menu, whatever is up.
@@ -164,7 +196,7 @@ public:
     HeldInputWait wait;
     RecordingAlert alert;
     RecordingLinks links;
-    CurlExchange exchange;
+    CurlExchange exchange{service.url(), /*deadline=*/std::chrono::seconds(20), wait};
     DocumentController controller;
 };
 

@@ -1,4 +1,6 @@
+#include "AlertSheet.h"
 #include "Client.h"
+#include "ProjectNameSheet.h"
 
 #include <QSignalSpy>
 
@@ -34,7 +36,7 @@ private Q_SLOTS:
 
     void theSheetComesUpOnTheMainWindowAndTheSecondWaits()
     {
-        Client client;
+        Client client(DocumentController::timeBeforeSignIn);
         TarvexDocument *one = client.controller.openUntitledDocument();
         TarvexDocument *two = client.controller.openUntitledDocument();
         one->window()->activateWindow();
@@ -43,6 +45,7 @@ private Q_SLOTS:
         QTRY_VERIFY(two->wndSignIn()->isBegun());
         QVERIFY(!two->wndSignIn()->isVisible());
         one->close();
+        QVERIFY(!one->wndSignIn()->isVisible());
         QTRY_VERIFY(two->wndSignIn()->isVisible());
         QVERIFY(two->window()->isVisible());
         QVERIFY(client.service.requests().isEmpty());
@@ -56,13 +59,41 @@ private Q_SLOTS:
         QCOMPARE(current->currentDocument(), current);
 
         TarvexDocument routed(client.controller);
-        QVERIFY(!routed.wndProjectName());
         current->project()->areas()->at(2)->setName(u"Renamed"_s);
         routed.setNamesForAreasOnWindow();
         QCOMPARE(Client::labels(current).value(2), u"Renamed"_s);
         QCOMPARE(routed.project(), current->project());
-        routed.updatePercentValues(); // no selector, so nothing is selected
-        QCOMPARE(Client::average(current), u"45%"_s);
+        TarvexDocument adding(client.controller);
+        adding.addNewProject();
+        QTest::keyClick(current->wndProjectName(), Qt::Key_Escape);
+        TarvexDocument editing(client.controller);
+        editing.editCurrentProject();
+        QCOMPARE(current->wndProjectName()->tag(), 7);
+        QTest::keyClick(current->wndProjectName(), Qt::Key_Escape);
+        TarvexDocument deleting(client.controller);
+        deleting.alertDeleteCurrentprojectEded(nullptr, AlertSheet::alternateReturn, nullptr);
+        deleting.alertDeleteCurrentprojectEded(nullptr, AlertSheet::defaultReturn, nullptr);
+        QCOMPARE(client.service.bodies().value(3), "p1=delete-sets" + annsDigests + "&p4=7");
+    }
+
+    void aDocumentWithoutAWindowWorksOnTheOutletsItIsGiven()
+    {
+        Client client;
+        const TarvexDocument *shown = client.openSignedIn();
+        TarvexDocument document(client.controller);
+        document.comboBoxSelectionDidChange();
+        QLineEdit field;
+        document.setTextProjectName(&field);
+        QCOMPARE(document.textProjectName(), &field);
+        document.setWheelView(shown->wheelView());
+        document.setListOfProjects(shown->listOfProjects());
+        document.comboBoxSelectionDidChange();
+        QCOMPARE(document.currentSet(), shown->currentSet());
+        document.setListOfProjects(nullptr);
+        document.updatePercentValues();
+        document.reload();
+        document.deleteCurrentProject();
+        QCOMPARE(client.service.requests().size(), 3);
     }
 
     void everythingThatTakesTheFocusHasAName()

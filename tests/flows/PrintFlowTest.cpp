@@ -130,28 +130,28 @@ private Q_SLOTS:
         client.document->previewPrint();
         client.document->saveAsPdf();
         QVERIFY(!client.dialog<ReportPreviewDialog>() && !client.dialog<QFileDialog>());
-        QCOMPARE(client.service.requests().size(), 3);
+        client.document->listOfProjects()->selectItemAtIndex(0);
+        const QPageLayout paper = client.document->printOperationWithSettings({})->printInfo().pageLayout;
+        QCOMPARE(paper.marginsPoints(), QMargins(18, 18, 18, 18));
+        const bool usesInches = QLocale::system().measurementSystem() == QLocale::ImperialUSSystem;
+        QCOMPARE(paper.pageSize().id(), usesInches ? QPageSize::Letter : QPageSize::A4);
+        QCOMPARE(client.service.requests().size(), 4);
         QVERIFY(client.alert.errors.isEmpty());
     }
 
-    void aFileThatCannotBeWrittenIsTold_data()
-    {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("reason");
-        QTest::newRow("full disk") << u"/dev/full"_s << u"No space left on device"_s;
-        QTest::newRow("no folder") << u"/no/such/folder/a.pdf"_s << u"No such file or directory"_s;
-    }
     void aFileThatCannotBeWrittenIsTold()
     {
-        QFETCH(QString, path);
-        QFETCH(QString, reason);
-        const PrintingClient client;
-        client.saveAs(path);
-        QCOMPARE(client.alert.errors.size(), 1);
-        QVERIFY2(client.alert.errors[0].contains(path) && client.alert.errors[0].contains(reason),
-                 qPrintable(client.alert.errors[0]));
-        QTRY_VERIFY(client.dialog<QFileDialog>() && client.dialog<QFileDialog>()->isVisible()); // once more
-        QVERIFY(client.dialog<QFileDialog>()->selectedFiles().value(0).startsWith(path));
+        for (const auto &[path, reason] :
+             {std::pair(u"/dev/full"_s, u"No space left on device"_s),
+              std::pair(u"/no/folder/a.pdf"_s, u"No such file or directory"_s)}) {
+            const PrintingClient client;
+            client.saveAs(path);
+            QCOMPARE(client.alert.errors.size(), 1);
+            const QString &told = client.alert.errors[0];
+            QVERIFY2(told.contains(path) && told.contains(reason), qPrintable(told));
+            QTRY_VERIFY(client.dialog<QFileDialog>() && client.dialog<QFileDialog>()->isVisible()); // anew
+            QVERIFY(client.dialog<QFileDialog>()->selectedFiles().value(0).startsWith(path));
+        }
     }
 
     void thePreviewShowsThePagesOneByOneAndSavesThem()
@@ -163,6 +163,7 @@ private Q_SLOTS:
         QVERIFY(dialog);
         ReportPreview &preview = dialog->preview();
         QCOMPARE(preview.countPages(), 3);
+        QVERIFY(Client::guidance(client.document).startsWith(u"Click an area"_s)); // no longer of the goals
         QCOMPARE(preview.currentPage(), 1);
         const QImage first = preview.grab().toImage();
         QTest::keyClick(&preview, Qt::Key_End);

@@ -2,9 +2,8 @@
 
 #include "BusyIndicator.h"
 #include "RandomGoalWindowController.h"
+#include "SliceMark.h"
 #include "WrappedLabel.h"
-
-#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -52,45 +51,22 @@ class RandomGoalFlowTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void aGoalIsShownOrItsAbsenceExplained_data()
-    {
-        QTest::addColumn<ServiceReply>("reply");
-        QTest::addColumn<QString>("shown");
-        QTest::addColumn<bool>("mayBeDone");
-        const auto row = [](const char *name, const ServiceReply &reply, const char *shown, bool mayBeDone) {
-            QTest::newRow(name) << reply << QString::fromLatin1(shown) << mayBeDone;
-        };
-        const char *none = "Please wait...||No goal is left in this set: all are done, or it has none.";
-        row("a goal", httpReply(goal("12", "5{_d_}5 km", "1")), "Health|5.5 km|", true);
-        row("ampersands", httpReply(goal("12", "A{_amp_}B {_amp_}{_amp_} &lt;b>", "2")), "R  D|AB & <b>|",
-            true);
-        row("unknown area", httpReply(goal("12", "Run", "99")), "Please wait...|Run|", true);
-        row("no text", httpReply(goal("12", "", "3")), "Fun||This goal has no text.", true);
-        row("none left", httpReply("Error"), none, false);
-        row("no answer", noAnswer,
-            "Please wait...||The connection to HOST was lost before the answer was complete. Next Goal tries "
-            "again.",
-            false);
-        row("not XML", httpReply("oops"),
-            "Please wait...||The service's answer could not be read. Choose Next Goal to try again.", false);
-        row("an element missing", httpReply("<a><id>1</id><name>x</name></a>"),
-            "Please wait...|Please wait...|The service's answer was incomplete. Choose Next Goal to try "
-            "again.",
-            false);
-    }
-
+    void aGoalIsShownOrItsAbsenceExplained_data() { addSampleRows("random-goals.txt", {"answer", "shown"}); }
     void aGoalIsShownOrItsAbsenceExplained()
     {
-        QFETCH(ServiceReply, reply);
-        QFETCH(bool, mayBeDone);
-        OpenGoal open(reply);
+        QFETCH(QByteArray, answer);
+        OpenGoal open(answer == "(none)" ? noAnswer : httpReply(answer));
         QCOMPARE(open.sent(), QList<QByteArray>{getGoal});
         const WrappedLabel *labelGoal = open.random->labelGoal();
+        const bool mayBeDone = answer.contains("<id>12") && !open.hint().contains(u"read"_s);
         const QString host = QString::fromLatin1(open.service.url()).section(u'/', 2, 2);
-        QTEST(QStringList({open.random->labelArea()->text(), labelGoal->text(), open.hint()})
-                  .join(u'|')
-                  .replace(host, u"HOST"_s),
-              "shown");
+        const QStringList shown = {open.random->labelArea()->text(), labelGoal->text(), open.hint()};
+        QTEST(shown.join(u'/').replace(host, u"HOST"_s).toUtf8(), "shown");
+        auto *mark = open.sheet->findChild<SliceMark *>();
+        const bool isOfFirst = answer.contains("<area>1<"); // else of the second, if anything is marked
+        QCOMPARE(mark->isVisible(), mayBeDone && !answer.contains("99"));
+        QVERIFY(!mark->isVisible() || Client::shows(mark, isOfFirst ? 0xb699c9 : 0xf5bf39));
+        QCOMPARE(open.sheet->focusWidget(), open.button("Next Goal"));
         QCOMPARE(labelGoal->isVisible(), mayBeDone);
         QCOMPARE(open.button("Mark as Done")->isEnabled(), mayBeDone);
         QVERIFY(!open.random->progress()->isAnimating());
@@ -120,65 +96,63 @@ private Q_SLOTS:
         open.random->done();
         QCOMPARE(open.sent().mid(2), (QList<QByteArray>{getGoal, getGoal, setChecked + "12", getGoal,
                                                         setChecked + "0", getGoal}));
+        open.service.answer("get-random-goal", goal("12", "Run", "3"));
+        open.click("Next Goal");
+        open.click("Close");
+        open.service.answer("get-random-goal", QByteArray("<a/>"));
+        Client::trigger(open.document, "actionRandomGoal");
+        QTRY_VERIFY(open.hint().contains(u"incomplete"));
+        QVERIFY(!open.button("Mark as Done")->isEnabled()); // nothing of the showing before
     }
 
     void doneStoresThePercentageForWhenTheSheetCloses_data()
     {
-        QTest::addColumn<QByteArray>("area");
-        QTest::addColumn<ServiceReply>("answer");
-        QTest::addColumn<QString>("percent");
-        QTest::addColumn<QString>("label");
-        QTest::newRow("third area") << "3"_ba << httpReply(" 090 ") << u"090"_s << u"090%"_s;
-        QTest::newRow("no answer") << "3"_ba << noAnswer << u"30"_s << u"30%"_s;
-        QTest::newRow("unknown area") << "99"_ba << httpReply("40") << u"30"_s << u"30%"_s;
-        QTest::newRow("ninth area") << "9"_ba << httpReply("40") << u"30"_s << u"30%"_s;
+        addSampleRows("done.txt", {"area", "answer", "percent"});
     }
-
     void doneStoresThePercentageForWhenTheSheetCloses()
     {
         QFETCH(QByteArray, area);
-        QFETCH(ServiceReply, answer);
+        QFETCH(QByteArray, answer);
+        QFETCH(QByteArray, percent);
         OpenGoal open(httpReply(goal("12", "Run", area)));
         auto goalOfProject = std::make_shared<TVXGoal>();
         goalOfProject->setIdOfGoal(12);
         open.document->wheelView()->mainData()->goals()->push_back(goalOfProject);
         open.service.answer("get-random-goal", goal("13", "Paint", "4"));
-        open.service.answer("set-checked-area-percent", answer);
+        open.service.answer("set-checked-area-percent", answer == "(none)" ? noAnswer : httpReply(answer));
         open.click("Mark as Done");
 
         QCOMPARE(Client::guidance(open.document),
-                 answer.closes
+                 answer == "(none)"
                      ? u"The service did not answer. “Run” may not be marked as done: open its area "
                        "to see."_s
-                     : u"“Run” was marked as done."_s);
+                 : answer.isEmpty() ? u"The service refused to mark “Run” as done."_s
+                                    : u"“Run” was marked as done."_s);
         QCOMPARE(open.sent(), (QList<QByteArray>{getGoal, setChecked + "12", getGoal}));
         QCOMPARE(open.random->labelGoal()->text(), QStringLiteral("Paint"));
-        QTEST(open.document->currentSet()->percent3(), "percent");
+        QCOMPARE(open.document->currentSet()->percent3().toUtf8(), percent);
         QVERIFY(goalOfProject->isChecked());
         QCOMPARE(Client::percents(open.document).value(2), u"30%"_s);
+        const auto drawn = Client::drawn(open.document, /*settled=*/true);
         QTest::keyClick(open.sheet, Qt::Key_Escape);
-        QVERIFY(!open.sheet->isVisible());
-        QTEST(Client::percents(open.document).value(2), "label");
+        QVERIFY(!open.sheet->isVisible() && Client::drawn(open.document) > drawn);
+        QCOMPARE(Client::percents(open.document).value(2).toUtf8(), percent + '%');
     }
 
     void nothingFiresWhileARequestIsInFlightOrOnceClosed()
     {
         OpenGoal open;
-        open.service.hold();
-        QTimer whenReceived;
-        connect(&whenReceived, &QTimer::timeout, this, [&] {
-            if (!open.hint().startsWith(u"Looking for a goal… Waiting for the service: 1"_s))
-                return;
-            whenReceived.stop();
-            QVERIFY(open.random->progress()->isAnimating() && !open.button("Close")->isEnabled());
+        open.holdUntil([&] {
+            if (!open.hint().startsWith(u"Looking for a goal… Waiting for the service: "_s) ||
+                !open.random->progress()->isAnimating() || open.button("Close")->isEnabled())
+                return false;
             open.random->nextGoal();
             open.random->done();
             open.random->closeWindow();
-            open.service.release();
+            return true;
         });
-        whenReceived.start();
         open.click("Next Goal");
-        QVERIFY(open.sheet->isVisible());
+        QVERIFY(open.sheet->isVisible() && open.hint().isEmpty());
         QCOMPARE(open.sheet->focusWidget(), open.button("Next Goal"));
 
         open.click("Close");

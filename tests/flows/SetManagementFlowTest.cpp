@@ -1,6 +1,7 @@
 #include "Client.h"
 
 #include "AlertSheet.h"
+#include "BusyIndicator.h"
 #include "ProjectNameSheet.h"
 
 #include <QAccessible>
@@ -31,8 +32,7 @@ private:
     static void typeName(const TarvexDocument *document, const QString &name, const QString &button)
     {
         auto *field = document->wndProjectName()->findChild<QLineEdit *>(u"textProjectName"_s);
-        field->selectAll();
-        QTest::keyClicks(field, name);
+        QTest::keyClicks(field, name); // in place of what is there
         if (name.isEmpty())
             QTest::keyClick(field, Qt::Key_Delete);
         QTest::mouseClick(Client::button(document->wndProjectName(), button), Qt::LeftButton);
@@ -57,11 +57,13 @@ private Q_SLOTS:
             Client::trigger(document, "actionNewSet");
             QVERIFY(document->wndProjectName()->isVisible());
             client.service.answer("get-sets", sets({"First", "Newest", "Older"}));
+            const BusyIndicator *indicator = document->projectNameIndicator();
+            client.holdUntil([&] { return indicator->isAnimating(); });
             typeName(document, QString::fromLatin1(typed), u"Create"_s);
 
             QCOMPARE(client.service.bodies().mid(3),
                      (QList<QByteArray>{"p1=create-sets" + annsDigests + "&p4=" + sent, getSets}));
-            QVERIFY(!document->wndProjectName()->isVisible());
+            QVERIFY(!document->wndProjectName()->isVisible() && client.alert.errors.isEmpty());
             QCOMPARE(document->listOfProjects()->currentText(), u"Newest"_s);
             QCOMPARE(Client::average(document), u"1%"_s);
         }
@@ -80,6 +82,7 @@ private Q_SLOTS:
         QCOMPARE(client.service.bodies().mid(3),
                  (QList<QByteArray>{"p1=set-sets-name" + annsDigests + "&p4=Twin&p5=9", getSets}));
         QCOMPARE(document->currentSet()->idOfSets(), 71);
+        QCOMPARE(Client::guidance(document), u"The service did not rename the set to “Twin”."_s); // of id 9
 
         Client::trigger(document, "actionRenameSet");
         client.service.answer("get-sets", sets({"A", "B"}));
@@ -132,13 +135,14 @@ private Q_SLOTS:
             Client client;
             TarvexDocument *document = client.openSignedIn();
             document->listOfProjects()->selectItemAtIndex(selected);
-            client.service.answer("get-sets", sets({"x", "y"}));
+            client.service.answer("get-sets", selected == 1 ? sets({"x"}) : sets({"x", "y"}));
             document->deleteCurrentProject(); // the command itself is off while no set is selected
             QStringList texts;
             for (const QLabel *label : deleteAlert(document)->findChildren<QLabel *>())
                 texts += label->text();
             QVERIFY(texts.contains(u"Delete?"_s));
             QVERIFY(texts.contains(u"Delete current Set of Goals?"_s));
+            QVERIFY(Client::button(deleteAlert(document), u"Delete"_s)->isDefault());
             QTest::keyClick(deleteAlert(document), Qt::Key_Return);
 
             QCOMPARE(client.service.bodies().mid(3),
@@ -189,6 +193,7 @@ private Q_SLOTS:
                  u"NewSet RenameAreas"_s); // item 1 of one: nothing selected
         QCOMPARE(Client::guidance(document),
                  u"“One” was created. Choose a set to see its percentages and goals."_s);
+        QVERIFY(!document->labelMainPercent()->isEnabled()); // it is of no set
         document->listOfProjects()->selectItemAtIndex(0);
         QCOMPARE(enabled(), u"NewSet RenameSet DeleteSet RandomGoal RenameAreas"_s);
     }
@@ -226,26 +231,6 @@ private Q_SLOTS:
                 QVERIFY(!document->wndProjectName()->isVisible());
                 QVERIFY(!client.controller.isBusy());
             }
-    }
-
-    void actionsRoutedToAnotherInstanceUseTheCurrentDocument()
-    {
-        Client client;
-        const TarvexDocument *current = client.openSignedIn();
-        QVERIFY(QTest::qWaitForWindowActive(current->window()));
-        TarvexDocument adding(client.controller);
-        adding.addNewProject();
-        QVERIFY(current->wndProjectName()->isVisible());
-        QTest::keyClick(current->wndProjectName(), Qt::Key_Escape);
-        TarvexDocument editing(client.controller);
-        editing.editCurrentProject();
-        QCOMPARE(current->wndProjectName()->tag(), 7);
-        QTest::keyClick(current->wndProjectName(), Qt::Key_Escape);
-        TarvexDocument deleting(client.controller);
-        deleting.alertDeleteCurrentprojectEded(nullptr, AlertSheet::alternateReturn, nullptr);
-        QCOMPARE(client.service.requests().size(), 3);
-        deleting.alertDeleteCurrentprojectEded(nullptr, AlertSheet::defaultReturn, nullptr);
-        QCOMPARE(client.service.bodies().value(3), "p1=delete-sets" + annsDigests + "&p4=7");
     }
 };
 

@@ -1,6 +1,7 @@
 #include "Client.h"
 
 #include <QAbstractItemView>
+#include <QAccessible>
 
 using namespace Qt::StringLiterals;
 
@@ -77,6 +78,23 @@ private Q_SLOTS:
         QCOMPARE(document->numberOfItemsInComboBox(&another), 0);
         QVERIFY(document->comboBoxObjectValueForItemAtIndex(&another, 0).isNull());
         QCOMPARE(document->comboBoxIndexOfItemWithStringValue(&another, selector->currentText()), 0);
+    }
+
+    void theSelectionStaysWhileSetsAreFetchedAndWhenScrolledPast()
+    {
+        Client client;
+        client.service.answer("get-sets", setsAnswer({setRow("1", "two\nlines", "1 1 1 1 1 1 1 1"),
+                                                      setRow("2", " \u200B", "2 2 2 2 2 2 2 2")}));
+        const TarvexDocument *document = client.openSignedIn();
+        SourcedComboBox *selector = document->listOfProjects();
+        QCOMPARE(selector->itemText(1), u"(no name)"_s);
+        document->wheelView()->setFocus();
+        QWheelEvent down(QPointF(1, 1), QPointF(1, 1), {}, QPoint(0, -120), Qt::NoButton, {},
+                         Qt::NoScrollPhase, /*inverted=*/false);
+        QCoreApplication::sendEvent(selector, &down);
+        QVERIFY(selector->indexOfSelectedItem() == 0 && !down.isAccepted());
+        document->project()->sets()->clear();
+        QCOMPARE(QAccessible::queryAccessibleInterface(selector)->text(QAccessible::Value), u"two lines"_s);
     }
 
     void selectorAndNamesAreWholeInLargeText()

@@ -62,6 +62,18 @@ private Q_SLOTS:
         QCOMPARE(client.controller.documents().size(), std::size_t(2));
     }
 
+    void everyCommandHasItsKey()
+    {
+        Client client;
+        const QMainWindow *window = client.open()->window();
+        QStringList keys;
+        for (const char *command : {"New", "Open", "Save", "Print", "PrintPreview", "Reload", "NewSet",
+                                    "RenameSet", "RenameAreas", "RandomGoal"})
+            keys += window->findChild<QAction *>(u"action"_s + QLatin1String(command))->shortcut().toString();
+        QCOMPARE(keys.join(u' '), u"Ctrl+N Ctrl+O Ctrl+S Ctrl+P Ctrl+Shift+P F5 Ctrl+Shift+N F2 Ctrl+Shift+R "
+                                  "Ctrl+G"_s);
+    }
+
     void documentsComeAndGo()
     {
         Client client;

@@ -58,17 +58,6 @@ private Q_SLOTS:
             if (!label->buddy() && label->pixmap().isNull()) // not fixed texts with a mnemonic, not icons
                 QVERIFY2(label->textFormat() == Qt::PlainText, qPrintable(label->objectName()));
     }
-
-    void aHugeRefusalIsKeptWholeAndShownInPart()
-    {
-        Client client;
-        const QByteArray huge = QByteArray("<i>no</i> ").repeated(2'000'000); // 20 MB
-        client.service.answer("sign-in", huge.trimmed());
-        const TarvexDocument *document = client.openSignedIn();
-        QCOMPARE(document->textSignInErrorMessage()->text().size(), huge.trimmed().size());
-        QVERIFY(document->textSignInErrorMessage()->toPlainText().startsWith(u"<i>no</i>"_s));
-        QVERIFY(document->wndSignIn()->height() < 500);
-    }
 };
 
 QTEST_MAIN(UntrustedTextFlowTest)

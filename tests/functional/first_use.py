@@ -1,4 +1,4 @@
-"""A whole first use of the client, from signing up to the printed report, with one kind of hand alone.
+"""A whole first use of the client, from signing up to the printed report, by keys or by assistive tools alone.
 
 What the user did is then read back from the service itself.
 usage: first_use.py SERVER CLIENT keys|assistive
@@ -15,9 +15,8 @@ import tempfile
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
 from desktop import Display, Service, begin, wait_for  # noqa: E402
 
-ADDRESS = "127.0.0.1:8719"  # what the client of this test is built for
 MAIN = "Tarvex Cloud - Client for Mac OS X"
-NEW = ("zoe@example.org", "a new wheel")
+NEW = ("Zoe+1@Example.org", "a&b=c+d%41&p3=x \"'\\?")
 AREA = "Career and Business"  # the second of a new account
 
 
@@ -34,7 +33,7 @@ class Keys:
         self.sees("Sign In")
         self.display.keys("alt+c")
         self.sees("Create Account")
-        for text, key in [("Zoe", "Tab"), (NEW[0], "Tab"), (NEW[1], "Tab"), (NEW[1], "Return")]:
+        for text, key in [("Zoe & co=1", "Tab"), (NEW[0], "Tab"), (NEW[1], "Tab"), (NEW[1], "Return")]:
             self.display.type(text)
             self.display.keys(key)
         self.sees(MAIN)
@@ -62,6 +61,29 @@ class Keys:
         self.display.type(path)
         self.display.keys("Return")
         self.sees(MAIN)
+
+    def does_the_rest(self, texts):
+        """What the assistive tools leave out, and a click of the mouse."""
+        for key, sheet, before, text in [("ctrl+shift+n", "New Set", ["ctrl+a"], "Winter & more"),
+                                         ("F2", "Rename Set", ["ctrl+a"], "Winter"),
+                                         ("ctrl+shift+r", "Rename Areas", ["Tab", "Tab", "ctrl+a"], "Money: all")]:
+            self.display.keys(key)
+            self.sees(sheet)
+            self.display.keys(*before)
+            self.display.type(text)
+            self.display.keys("Return")
+            self.sees(MAIN)
+        expect(["My wheel", "Winter"], texts("name", "get-sets"))
+        expect("Money{_dp_} all", texts("name", "get-areas")[2])
+        self.display.click(MAIN, 530, 300)  # the second slice
+        self.sees(AREA)
+        self.display.keys("Escape")
+        self.sees(MAIN)
+        self.display.keys("alt+s", "d")
+        self.sees("Delete?")
+        self.display.keys("Return")
+        self.sees(MAIN)
+        expect(["My wheel"], texts("name", "get-sets"))
 
     def quits(self):
         self.display.keys("ctrl+q")
@@ -113,7 +135,7 @@ class Assistive:
     def signs_up(self):
         self.act("Create Account…", "push button")
         sheet = self.find("Create Account", "dialog")
-        for field, text in [("Name", "Zoe"), ("E-mail", NEW[0])]:
+        for field, text in [("Name", "Zo\u00EB"), ("E-mail", NEW[0])]:
             self.write(field, text, within=sheet)
         for field in ("Password", "Password again"):
             self.write(field, NEW[1], role="password text", within=sheet)
@@ -145,21 +167,25 @@ class Assistive:
         self.write("File name:", path, within=sheet)
         self.act("Save", "push button", within=sheet)
 
+    def does_the_rest(self, texts):
+        pass
+
     def quits(self):
         self.chooses("Quit")
 
 
-def check(service, path):
-    """What the service and the file hold is what the user did."""
-    def texts(element, kind, more=""):
-        return service.texts(element, kind, *NEW, more)
+def expect(expected, found):
+    if found != expected:
+        raise SystemExit(f"{found} is not {expected}")
 
+
+def check(texts, path):
+    """What the service and the file hold is what the user did."""
     areas, sets = texts("id", "get-areas"), texts("id", "get-sets")
     goals = ("get-goals", f"&p4={sets[0]}&p5={areas[1]}")
     for expected, what in [(["Learn to juggle", "Ask for a rise"], ("name", *goals)), (["y", "y"], ("checked", *goals)),
                            (["0", "8", *["0"] * 6], ("value", "get-areas")), (["100"], ("percent2", "get-sets"))]:
-        if texts(*what) != expected:
-            raise SystemExit(f"{what[1]}: {what[0]} is {texts(*what)}, not {expected}")
+        expect(expected, texts(*what))
     printed = subprocess.run(["pdftotext", "-raw", path, "-"], capture_output=True, text=True, check=True).stdout
     for line in (f"{AREA} Excellent 100%", "Learn to juggle", "Ask for a rise"):
         if line not in printed.replace("\n", " "):
@@ -169,9 +195,14 @@ def check(service, path):
 def main():
     server, client, kind = sys.argv[1:]
     with tempfile.TemporaryDirectory() as folder:
-        service = Service(server, folder, ADDRESS)
+        service = Service(server, folder)
         display = Display(1000, 800)
-        environment = display.environment(XDG_RUNTIME_DIR=folder, HOME=folder, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
+        environment = display.environment(XDG_RUNTIME_DIR=folder, HOME=folder, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1",
+                                          TARVEX_SERVICE_URL=service.url)
+
+        def texts(element, kind, more=""):
+            return service.texts(element, kind, *NEW, more)
+
         try:
             user = {"keys": Keys, "assistive": Assistive}[kind](display)
             process = begin([client], env=environment)
@@ -181,10 +212,10 @@ def main():
             user.marks_a_random_goal_done()
             user.keeps_the_report(path)
             wait_for("the report", pathlib.Path(path).exists)
+            check(texts, path)
+            user.does_the_rest(texts)
             user.quits()
-            if process.wait(timeout=10) != 0:
-                raise SystemExit("The client did not end well.")
-            check(service, path)
+            expect(0, process.wait(timeout=10))
         finally:
             display.stop()
             service.stop()

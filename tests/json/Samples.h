@@ -22,7 +22,7 @@ inline void addSamples(std::initializer_list<const char *> folders)
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("expected");
     for (const char *folder : folders) {
-        const QDir samples(QLatin1String(JSON_SAMPLES "/") + QLatin1String(folder));
+        const QDir samples(QLatin1String(TARVEX_SAMPLES "/") + QLatin1String(folder));
         for (const QFileInfo &info : samples.entryInfoList(QDir::Files)) {
             QFile file(info.filePath());
             QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(info.filePath()));

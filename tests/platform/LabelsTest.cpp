@@ -1,12 +1,18 @@
+#include "BusyIndicator.h"
 #include "ElidedLabel.h"
+#include "ErrorBox.h"
 #include "MessageLine.h"
 #include "OneLineEdit.h"
 #include "QuietLabel.h"
 #include "RotatedLabel.h"
 #include "Sheet.h"
 
+#include <QAbstractButton>
+#include <QApplication>
 #include <QMainWindow>
+#include <QMessageBox>
 #include <QTest>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -32,6 +38,9 @@ private Q_SLOTS:
         field.insert(u"\r\n\tand more"_s); // as pasting does
         QCOMPARE(field.text(), u"left alone and more"_s);
         QVERIFY(field.isModified());
+        field.setCursorPosition(0);
+        field.insert(u"\n1\n"_s);
+        QCOMPARE(field.cursorPosition(), 3); // behind what was pasted
     }
 
     void linesBeginWhereTheLayoutBegins()
@@ -50,15 +59,28 @@ private Q_SLOTS:
         sheet.beginOn(nullptr);
         for (QWidget *label : sheet.findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
             const QImage image = label->grab().toImage();
-            const auto hasInk = [&](int from, int to) {
-                for (int x = from; x < to; ++x)
-                    for (int y = 0; y < image.height(); ++y)
-                        if (image.pixel(x, y) != image.pixel(image.width() / 2, image.height() - 1))
-                            return true;
-                return false;
-            };
-            QVERIFY(hasInk(image.width() / 2, image.width()) && !hasInk(0, image.width() / 2));
+            const QRect half(0, 0, image.width() / 2, image.height());
+            QImage bare = image.copy(half);
+            bare.fill(image.pixelColor(half.bottomRight()));
+            QVERIFY(image.copy(half) == bare && image.copy(half.translated(half.width(), 0)) != bare);
         }
+    }
+
+    void whatShowsAnErrorOrAWaitIsSeen()
+    {
+        QTimer::singleShot(0, this, [] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            QCOMPARE(box->textFormat(), Qt::PlainText);
+            QCOMPARE(box->buttons().first()->text(), u"Close"_s);
+            box->accept();
+        });
+        showErrorBox(u"<b>No</b>"_s);
+        BusyIndicator indicator;
+        indicator.resize(40, 40);
+        indicator.startAnimation();
+        const QImage first = indicator.grab().toImage();
+        QTRY_VERIFY(indicator.grab().toImage() != first);
+        QVERIFY(quietShadeOf(Qt::black).alphaF() > 0.5);
     }
 
     void aMnemonicOfWhatIsOffIsNoText()

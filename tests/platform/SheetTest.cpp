@@ -82,7 +82,7 @@ private Q_SLOTS:
         window.resize(500, 400);
         sheet.move(0, 300);
         sheet.endSheet();
-        QTRY_VERIFY(!shade->isVisible());
+        QTRY_VERIFY(window.isActiveWindow() && !shade->isVisible());
         sheet.beginOn(&window);
         QCOMPARE(sheet.geometry(), place);
         window.move(window.screen()->availableGeometry().bottomRight() - QPoint(60, 60));

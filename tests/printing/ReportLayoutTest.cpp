@@ -1,6 +1,5 @@
 #include "ReportSample.h"
-
-#include <limits>
+#include "Samples.h"
 
 namespace {
 
@@ -71,37 +70,21 @@ private Q_SLOTS:
 
     void pagesAreCountedInSinglePrecision_data()
     {
-        QTest::addColumn<double>("printable");
-        QTest::addColumn<float>("area");
-        QTest::addColumn<float>("goal");
-        QTest::addColumn<qint64>("goals");
-        QTest::addColumn<qint64>("pages");
-        QTest::addColumn<double>("lastPageAt");
-        constexpr double infinite = std::numeric_limits<double>::infinity();
-        QTest::newRow("twelve goals") << 734.4 << 20.0F << 17.0F << 12LL << 2LL << 734.0;
-        QTest::newRow("exactly one page") << 820.9 << 20.0F << 17.0F << 12LL << 1LL << 0.0;
-        QTest::newRow("exactly two pages") << 410.0 << 20.0F << 17.0F << 12LL << 2LL << 410.0;
-        QTest::newRow("one point more") << 409.99 << 20.0F << 17.0F << 12LL << 3LL << 818.0;
-        QTest::newRow("a fraction more") << 820.0 << 20.0F << 17.0001F << 12LL << 2LL << 820.0;
-        QTest::newRow("a fraction lost in rounding")
-            << 16001000.0 << 0.0F << 16.0F << 1000030LL << 1LL << 0.0;
-        QTest::newRow("less than a point") << 0.9 << 20.0F << 17.0F << 12LL << 1LL << 0.0;
-        QTest::newRow("no height") << 0.0 << 20.0F << 17.0F << 12LL << 1LL << 0.0;
-        QTest::newRow("endless") << infinite << 20.0F << 17.0F << 12LL << 1LL << 0.0;
+        addSampleRows("pages.rows", {"printable", "lines", "goals", "outcome"});
     }
     void pagesAreCountedInSinglePrecision()
     {
-        QFETCH(double, printable);
-        QFETCH(float, area);
-        QFETCH(float, goal);
-        QFETCH(qint64, goals);
-        QFETCH(qint64, pages);
-        const QRectF page(28.8, 28.8, 554.4, printable);
-        const float height = ReportPages::documentHeight({/*title=*/30, area, goal}, goals);
-        QCOMPARE(ReportPages::countPages(height, ReportPages::pageHeight(page)), pages);
+        QFETCH(QByteArray, printable);
+        QFETCH(QByteArray, lines);
+        QFETCH(QByteArray, goals);
+        const QRectF page(28.8, 28.8, 554.4, printable.toDouble());
+        const ReportLineHeights heights{/*title=*/30, lines.split(' ')[0].toFloat(),
+                                        lines.split(' ')[1].toFloat()};
+        const float height = ReportPages::documentHeight(heights, goals.toLongLong());
+        const qint64 pages = ReportPages::countPages(height, ReportPages::pageHeight(page));
         const QRectF last = ReportPages::rectForPage(page, pages);
-        QTEST(last.y(), "lastPageAt");
-        QCOMPARE(last.height(), printable);
+        QTEST(QByteArray::number(pages) + ' ' + QByteArray::number(last.y(), 'g', 12), "outcome");
+        QCOMPARE(last.height(), page.height());
     }
 };
 

@@ -59,7 +59,7 @@ struct ReportSample
 inline QList<ReportSample> reportSamples()
 {
     QList<ReportSample> samples;
-    const QFileInfoList files = QDir(QStringLiteral(REPORT_SAMPLES)).entryInfoList({u"*.txt"_s});
+    const QFileInfoList files = QDir(QStringLiteral(TARVEX_SAMPLES)).entryInfoList({u"*.txt"_s});
     for (const QFileInfo &info : files) {
         QFile file(info.filePath());
         if (!file.open(QIODevice::ReadOnly))

@@ -16,7 +16,10 @@ protected:
 
     tarvex::requests::Answer answerTo(const std::string &body, const std::string &peer = "")
     {
-        return m_service.answer({.body = body, .peer = peer, .arrival = m_now});
+        const auto turn = m_service.begin({.body = body, .peer = peer, .arrival = m_now});
+        if (turn->needsHashing())
+            m_service.verify(*turn);
+        return m_service.finish(*turn);
     }
     std::string post(const std::string &body) { return answerTo(body).body; }
 

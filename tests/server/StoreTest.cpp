@@ -54,8 +54,8 @@ TEST_F(StoreTest, RemovesForGoodOnlyWhatWasDeletedLongEnoughAgo)
         deleteGoals(connection, m_account, {3}, /*now=*/200);
         purgeDeleted(connection, m_account, /*before=*/150);
         std::string left;
-        connection.session() << "SELECT group_concat(name) FROM (SELECT name FROM goal UNION ALL"
-                                " SELECT name FROM goal_set ORDER BY name)",
+        connection << "SELECT group_concat(name) FROM (SELECT name FROM goal UNION ALL"
+                      " SELECT name FROM goal_set ORDER BY name)",
             soci::into(left);
         EXPECT_EQ(left, "live,recent,second");
     });
@@ -92,15 +92,14 @@ TEST_F(StoreTest, KeepsItsDataInAFileForItsOwnerAlone)
 
 TEST_F(StoreTest, IsNotOpenedWhenANewerServerMadeIt)
 {
-    m_database.write(
-        [](Connection &connection) { connection.session() << "UPDATE schema_version SET version = 99"; });
+    m_database.write([](Connection &connection) { connection << "UPDATE schema_version SET version = 99"; });
     EXPECT_THROW(Database database(m_folder.databaseUrl()), CannotOpen);
 }
 
 TEST_F(StoreTest, OpensDatabasesOfItsOwnAlone)
 {
     m_database.write([](Connection &connection) { // as databases began
-        connection.session() << "PRAGMA application_id = 0";
+        connection << "PRAGMA application_id = 0";
     });
     EXPECT_NO_THROW(Database database(m_folder.databaseUrl()));
     soci::session other(soci::sqlite3, "db=\"" + file() + "2\"");

@@ -4,7 +4,6 @@
 #include "ServiceFakes.h"
 
 using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
 
 namespace {
 
@@ -47,13 +46,12 @@ private Q_SLOTS:
         QFETCH(QByteArray, reply);
         QFETCH(QByteArray, then);
         QFETCH(QByteArray, outcome);
-        Wire wire{/*deadline=*/300ms};
+        Wire wire{outcome.endsWith("in time") ? 300ms : 20'000ms};
         wire.service.answer("get-sets", {reply, then == "closed", std::chrono::milliseconds(then.toInt())});
 
-        const auto started = Clock::now();
         const TVXAnswer answer = wire.exchange.post(form);
 
-        QVERIFY(wire.wait.turns <= (Clock::now() - started) / 10ms + 1);
+        QVERIFY(wire.wait.turns <= 40); // 10 ms each at least
         if (outcome.startsWith("- "))
             QVERIFY2(!answer.data && answer.errorDescription.toUtf8().contains(outcome.sliced(2)),
                      qPrintable(answer.errorDescription));
@@ -106,7 +104,7 @@ private Q_SLOTS:
         wire.service.answer("get-sets", {httpReply("x").bytes, /*closes=*/true});
 
         QVERIFY(wire.exchange.post(form).data);
-        QTRY_COMPARE(wire.service.openConnections(), std::size_t(0));
+        QTRY_COMPARE(wire.service.openConnections(), 0);
         QCOMPARE(wire.exchange.post(form).data, QByteArray("x"));
 
         QCOMPARE(wire.service.bodies(), QList<QByteArray>(2, form));

@@ -1,12 +1,8 @@
 #include "LoopbackService.h"
 
 #include <algorithm>
-#include <arpa/inet.h>
-#include <array>
-#include <netinet/tcp.h>
-#include <stdexcept>
-#include <sys/socket.h>
-#include <unistd.h>
+#include <QTcpSocket>
+#include <QTimer>
 #include <utility>
 
 namespace {
@@ -30,6 +26,20 @@ bool isComplete(const QByteArray &request)
     return request.size() >= headEnd + 4 + length.toLongLong();
 }
 
+void sendSlowly(QTcpSocket *socket, const ServiceReply &reply)
+{
+    auto *timer = new QTimer(socket);
+    QObject::connect(timer, &QTimer::timeout, socket, [=, sent = qsizetype(0)]() mutable {
+        if (sent < reply.bytes.size())
+            socket->write(reply.bytes.constData() + sent++, 1);
+        else if (reply.closes)
+            socket->disconnectFromHost();
+        else
+            timer->stop();
+    });
+    timer->start(reply.perByte);
+}
+
 } // namespace
 
 ServiceReply httpReply(const QByteArray &body, const QByteArray &status, const QByteArray &headers)
@@ -38,54 +48,50 @@ ServiceReply httpReply(const QByteArray &body, const QByteArray &status, const Q
             "\r\n\r\n" + body};
 }
 
-LoopbackService::LoopbackService() : m_listener(socket(AF_INET, SOCK_STREAM, 0))
+LoopbackService::LoopbackService()
 {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    auto *anyAddress = reinterpret_cast<sockaddr *>(&address);
-    socklen_t length = sizeof(address);
-    if (bind(m_listener, anyAddress, length) != 0 || listen(m_listener, SOMAXCONN) != 0 ||
-        getsockname(m_listener, anyAddress, &length) != 0)
-        throw std::runtime_error("cannot listen on loopback");
-    m_port = ntohs(address.sin_port);
-    m_acceptor = std::jthread([this] { acceptConnections(); });
+    if (!m_server.listen(QHostAddress::LocalHost))
+        qFatal("cannot listen on loopback");
+    m_url = "http://127.0.0.1:" + QByteArray::number(m_server.serverPort()) + "/tarvex/";
+    QObject::connect(&m_server, &QTcpServer::newConnection, &m_server, [this] { acceptConnections(); });
+    m_server.moveToThread(&m_thread);
+    m_thread.start();
 }
 
 LoopbackService::~LoopbackService()
 {
-    shutdown(m_listener, SHUT_RDWR);
-    m_acceptor.join();
-    close(m_listener);
-    const std::lock_guard lock(m_mutex);
-    m_isStopping = true;
-    for (const int connection : m_connections)
-        shutdown(connection, SHUT_RDWR);
-    m_changed.notify_all();
+    inItsThread([this] {
+        qDeleteAll(m_server.findChildren<QTcpSocket *>());
+        m_server.close();
+    });
+    m_thread.quit();
+    m_thread.wait();
 }
 
-QByteArray LoopbackService::url() const
+void LoopbackService::inItsThread(const std::function<void()> &action) const
 {
-    return "http://127.0.0.1:" + QByteArray::number(m_port) + "/tarvex/";
+    QMetaObject::invokeMethod(const_cast<QTcpServer *>(&m_server), action, Qt::BlockingQueuedConnection);
 }
 
 void LoopbackService::answer(const QByteArray &kind, const ServiceReply &reply)
 {
-    const std::lock_guard lock(m_mutex);
-    m_script[kind] = reply;
+    inItsThread([&] { m_script[kind] = reply; });
 }
 
 void LoopbackService::hold(bool held)
 {
-    const std::lock_guard lock(m_mutex);
-    m_isHeld = held;
-    m_changed.notify_all();
+    inItsThread([&] {
+        m_isHeld = held;
+        for (const auto &[socket, request] : std::exchange(m_waiting, {}))
+            take(socket, request);
+    });
 }
 
 QList<QByteArray> LoopbackService::requests() const
 {
-    const std::lock_guard lock(m_mutex);
-    return m_requests;
+    QList<QByteArray> requests;
+    inItsThread([&] { requests = m_requests; });
+    return requests;
 }
 
 QList<QByteArray> LoopbackService::bodies() const
@@ -95,68 +101,51 @@ QList<QByteArray> LoopbackService::bodies() const
     return bodies;
 }
 
-std::size_t LoopbackService::openConnections() const
+qsizetype LoopbackService::openConnections() const
 {
-    const std::lock_guard lock(m_mutex);
-    return m_connections.size();
-}
-
-void LoopbackService::acceptConnections()
-{
-    for (int connection = 0; (connection = accept(m_listener, nullptr, nullptr)) >= 0;) {
-        const int noDelay = 1;
-        (void)setsockopt(connection, IPPROTO_TCP, TCP_NODELAY, &noDelay, sizeof(noDelay));
-        const std::lock_guard lock(m_mutex);
-        m_connections.push_back(connection);
-        m_servers.emplace_back([this, connection] { serve(connection); });
-    }
+    qsizetype count = 0;
+    inItsThread([&] { count = m_server.findChildren<QTcpSocket *>().size(); });
+    return count;
 }
 
 // Clients send nothing more before they have their answer; if one did, it would show as part of the request.
-void LoopbackService::serve(int connection)
+void LoopbackService::acceptConnections()
 {
-    QByteArray received;
-    std::array<char, 65536> piece;
-    bool isKept = true;
-    for (ssize_t got = 0; isKept && (got = recv(connection, piece.data(), piece.size(), 0)) > 0;) {
-        received.append(piece.data(), got);
-        if (isComplete(received))
-            isKept = send(connection, replyTo(std::exchange(received, {})));
+    while (QTcpSocket *socket = m_server.nextPendingConnection()) {
+        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+        const auto received = std::make_shared<QByteArray>();
+        QObject::connect(socket, &QTcpSocket::readyRead, socket, [=, this] {
+            received->append(socket->readAll());
+            if (!isComplete(*received))
+                return;
+            m_requests.append(*received);
+            take(socket, std::exchange(*received, {}));
+        });
+        QObject::connect(socket, &QTcpSocket::disconnected, socket, [=, this] {
+            if (!received->isEmpty())
+                m_requests.append(*received);
+            socket->deleteLater();
+        });
     }
-    const std::lock_guard lock(m_mutex);
-    std::erase(m_connections, connection);
-    if (!received.isEmpty())
-        m_requests.append(received);
-    close(connection);
 }
 
-ServiceReply LoopbackService::replyTo(const QByteArray &request)
+void LoopbackService::take(const QPointer<QTcpSocket> &socket, const QByteArray &request)
 {
-    std::unique_lock lock(m_mutex);
-    m_requests.append(request);
-    m_changed.wait(lock, [this] { return !m_isHeld || m_isStopping; });
+    if (m_isHeld) {
+        m_waiting.append({socket, request});
+        return;
+    }
     const QByteArray kind = bodyOf(request).split('&').first().mid(3); // behind "p1="
-    const auto script = m_script.find(kind);
-    if (script == m_script.end())
-        return httpReply("Error");
-    const ServiceReply reply = script->second;
+    const ServiceReply reply = m_script.value(kind, httpReply("Error"));
     if (reply.isOnce)
-        m_script.erase(script);
-    return reply;
-}
-
-bool LoopbackService::send(int connection, const ServiceReply &reply)
-{
-    for (QByteArrayView unsent = reply.bytes; !unsent.isEmpty();) {
-        std::unique_lock lock(m_mutex);
-        if (m_changed.wait_for(lock, reply.perByte, [this] { return m_isStopping; }))
-            return false;
-        lock.unlock();
-        const auto length = static_cast<size_t>(reply.perByte.count() > 0 ? 1 : unsent.size());
-        const ssize_t count = ::send(connection, unsent.data(), length, MSG_NOSIGNAL);
-        if (count <= 0)
-            return false;
-        unsent = unsent.sliced(count);
+        m_script.remove(kind);
+    if (!socket)
+        return;
+    if (reply.perByte.count() > 0) {
+        sendSlowly(socket, reply);
+        return;
     }
-    return !reply.closes;
+    socket->write(reply.bytes);
+    if (reply.closes)
+        socket->disconnectFromHost();
 }

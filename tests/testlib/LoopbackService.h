@@ -1,13 +1,14 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
-#include <map>
-#include <mutex>
+#include <functional>
 #include <QByteArray>
+#include <QHash>
 #include <QList>
-#include <thread>
-#include <vector>
+#include <QPointer>
+#include <QTcpServer>
+#include <QThread>
+#include <utility>
 
 /// What the service sends for one request: any bytes at all, so every fault of a wire can be written down.
 struct ServiceReply
@@ -28,8 +29,8 @@ inline ServiceReply cutReply()
     return {.bytes = "HTTP/1.1 200 OK\r\n", .closes = true};
 }
 
-/// A real HTTP service on loopback, in threads of its own, that answers by script and keeps what it was sent.
-/// Every member may be called at any time.
+/// A real HTTP service on loopback, in a thread of its own, that answers by script and keeps what it was
+/// sent.
 class LoopbackService
 {
 public:
@@ -38,7 +39,7 @@ public:
     LoopbackService(const LoopbackService &) = delete;
     LoopbackService &operator=(const LoopbackService &) = delete;
 
-    QByteArray url() const;
+    const QByteArray &url() const { return m_url; }
 
     /// From now on requests of that kind (their p1) get this body; without a script they get "Error".
     void answer(const QByteArray &kind, const QByteArray &body) { answer(kind, httpReply(body)); }
@@ -53,26 +54,21 @@ public:
     /// Their bodies alone.
     QList<QByteArray> bodies() const;
 
-    std::size_t openConnections() const;
+    qsizetype openConnections() const;
 
 private:
+    void inItsThread(const std::function<void()> &action) const;
     void acceptConnections();
-    void serve(int connection);
-    ServiceReply replyTo(const QByteArray &request);
-    /// Whether the connection is still good for another request.
-    bool send(int connection, const ServiceReply &reply);
+    /// Answers the request, or lets it wait while that is asked for.
+    void take(const QPointer<QTcpSocket> &socket, const QByteArray &request);
 
-    const int m_listener;
-    quint16 m_port = 0;
-    mutable std::mutex m_mutex; // guards all below
-    std::condition_variable m_changed;
-    bool m_isStopping = false;
+    QByteArray m_url;
+    QThread m_thread; // in which all below lives
+    QTcpServer m_server;
     bool m_isHeld = false;
-    std::map<QByteArray, ServiceReply> m_script;
+    QHash<QByteArray, ServiceReply> m_script;
     QList<QByteArray> m_requests;
-    std::vector<int> m_connections;
-    std::vector<std::jthread> m_servers;
-    std::jthread m_acceptor;
+    QList<std::pair<QPointer<QTcpSocket>, QByteArray>> m_waiting;
 };
 
 /// An address on loopback that nobody listens at: the port belongs to a protocol long out of use.

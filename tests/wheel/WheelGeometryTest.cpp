@@ -10,6 +10,21 @@ class WheelGeometryTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void theWheelIsMadeOfTheseNumbers()
+    {
+        QByteArrayList names;
+        for (const QColor &color : colors())
+            names += color.name().toLatin1();
+        QCOMPARE(names.join(' '), "#b699c9 #f5bf39 #95c848 #50afe3 #d75e87 #60d5b9 #e3e380 #e9f439");
+        QCOMPARE(valueColor(), QColor::fromRgbF(1, 1, 1, 0.7F));
+        QCOMPARE(anglesStart, (std::array<float, 8>{45, 0, 315, 270, 225, 180, 135, 90}));
+        QCOMPARE(anglesEnd, (std::array<float, 8>{90, 45, 360, 315, 270, 225, 180, 135}));
+        QCOMPARE(middleAngle(/*index=*/2), 337.5);
+        QCOMPARE(sliceOutline({215, 215}, /*index=*/0).boundingRect().toRect(), QRect(215, 215, 148, 210));
+        QCOMPARE(QList({valueRadius(-1), valueRadius(0), valueRadius(9)}), QList({0, 21, 210}));
+        QCOMPARE(fittedInto({0, 0, 100, 100}).map(QPointF(0, 210)), QPointF(50, 1)); // twelve o'clock
+    }
+
     void centreIsCutToWholeNumbersFromTheBottomLeft()
     {
         QCOMPARE(centre({501, 400}), QPointF(250, 200));

@@ -29,6 +29,7 @@ struct Deleter
 
 using EasyHandle = std::unique_ptr<CURL, Deleter<curl_easy_cleanup>>;
 using MultiHandle = std::unique_ptr<CURLM, Deleter<curl_multi_cleanup>>;
+using HeaderLines = std::unique_ptr<curl_slist, Deleter<curl_slist_free_all>>;
 
 /// One request on its way, as libcurl's callbacks see it.
 struct Transfer
@@ -71,32 +72,18 @@ size_t takeHeaderLine(char *bytes, size_t, size_t count, void *data)
     return count;
 }
 
-/// The lines of our own, in the order services expect; only the first differs from request to request.
-class HeaderLines
+/// The lines of our own, in the order services expect.
+HeaderLines headerLines(qsizetype bodyLength)
 {
-public:
-    HeaderLines()
-    {
-        for (std::size_t i = 0; i < m_lines.size(); ++i)
-            m_list[i] = {m_lines[i].data(), i + 1 < m_list.size() ? &m_list[i + 1] : nullptr};
-    }
-    HeaderLines(const HeaderLines &) = delete;
-    HeaderLines &operator=(const HeaderLines &) = delete;
-
-    curl_slist *list() { return m_list.data(); }
-
-    void setBodyLength(qsizetype length)
-    {
-        m_lines[0] = "Content-Length: " + QByteArray::number(length);
-        m_list[0].data = m_lines[0].data();
-    }
-
-private:
-    std::array<QByteArray, 4> m_lines = {"", "Content-Field: application/x-www-form-urlencoded",
-                                         "User-Agent: " + clientUserAgent().toUtf8(),
-                                         "Expect:"}; // no waiting for leave to send the body
-    std::array<curl_slist, 4> m_list{};
-};
+    const std::array<QByteArray, 4> lines = {"Content-Length: " + QByteArray::number(bodyLength),
+                                             "Content-Field: application/x-www-form-urlencoded",
+                                             "User-Agent: " + clientUserAgent().toUtf8(),
+                                             "Expect:"}; // no waiting for leave to send the body
+    HeaderLines list;
+    for (const QByteArray &line : lines)
+        list.reset(curl_slist_append(list.release(), line.constData()));
+    return list;
+}
 
 } // namespace
 
@@ -117,7 +104,6 @@ public:
         curl_easy_setopt(easy(), CURLOPT_QUICK_EXIT, 1L); // the deadline ends a hanging host look-up too
         curl_easy_setopt(easy(), CURLOPT_MAXAGE_CONN, longestIdleSeconds);
         curl_easy_setopt(easy(), CURLOPT_BUFFERSIZE, receiveBuffer);
-        curl_easy_setopt(easy(), CURLOPT_HTTPHEADER, m_headers.list());
         curl_easy_setopt(easy(), CURLOPT_POST, 1L);
         m_isGuarded = curl_easy_setopt(easy(), CURLOPT_PREREQFUNCTION, allowSending) == CURLE_OK;
         curl_easy_setopt(easy(), CURLOPT_WRITEFUNCTION, takeAnswer);
@@ -130,7 +116,8 @@ public:
     CURLcode perform(const QByteArray &body, Transfer &transfer, Turn turn)
     {
         m_detail[0] = '\0';
-        m_headers.setBodyLength(body.size());
+        const HeaderLines headers = headerLines(body.size());
+        curl_easy_setopt(easy(), CURLOPT_HTTPHEADER, headers.get());
         curl_easy_setopt(easy(), CURLOPT_POSTFIELDSIZE_LARGE, curl_off_t(body.size()));
         curl_easy_setopt(easy(), CURLOPT_POSTFIELDS, body.constData());
         curl_easy_setopt(easy(), CURLOPT_PREREQDATA, &transfer);
@@ -167,17 +154,11 @@ private:
         // What was typed since the last turn is to be dropped as well, not delivered after the request.
         if (Clock::now() - started > turnInterval)
             turn();
-        return result();
-    }
-
-    CURLcode result()
-    {
         int left = 0;
         const CURLMsg *message = curl_multi_info_read(m_multi.get(), &left);
         return message && message->msg == CURLMSG_DONE ? message->data.result : CURLE_FAILED_INIT;
     }
 
-    HeaderLines m_headers;
     bool m_isGuarded = false; // against a second sending
     std::array<char, CURL_ERROR_SIZE> m_detail{};
     const MultiHandle m_multi{curl_multi_init()};

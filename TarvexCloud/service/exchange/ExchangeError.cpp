@@ -71,15 +71,8 @@ ExchangeError exchangeErrorOfCurl(int code)
 
 bool mayHaveArrived(ExchangeError error)
 {
-    switch (error) {
-    case ExchangeError::TimedOut:
-    case ExchangeError::ConnectionLost:
-    case ExchangeError::AnswerTooLarge:
-    case ExchangeError::Other:
-        return true;
-    default:
-        return false;
-    }
+    return error == ExchangeError::TimedOut || error == ExchangeError::ConnectionLost ||
+           error == ExchangeError::AnswerTooLarge || error == ExchangeError::Other;
 }
 
 QString describe(ExchangeError error, const QString &address, const QString &detail)

@@ -21,10 +21,7 @@ enum class TVXPurpose { Reading, Writing };
 class TVXExchange
 {
 public:
-    TVXExchange() = default;
     virtual ~TVXExchange() = default;
-    TVXExchange(const TVXExchange &) = delete;
-    TVXExchange &operator=(const TVXExchange &) = delete;
 
     /// Blocks its caller until the answer or the failure is there. What writes reaches the service at most
     /// once, whatever happens on the way: a form that arrived twice would be acted upon twice. What reads is

@@ -5,10 +5,7 @@
 class TVXRequestWait
 {
 public:
-    TVXRequestWait() = default;
     virtual ~TVXRequestWait() = default;
-    TVXRequestWait(const TVXRequestWait &) = delete;
-    TVXRequestWait &operator=(const TVXRequestWait &) = delete;
 
     /// Before anything is sent.
     virtual void requestStarted() = 0;

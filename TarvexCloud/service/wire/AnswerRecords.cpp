@@ -4,18 +4,11 @@
 #include "Columns.h"
 #include "Escaping.h"
 
-#include <algorithm>
-
 namespace {
 
 using Names = std::span<const std::string_view>;
 constexpr std::size_t idColumn = 0;
 constexpr std::size_t nameColumn = 1;
-
-QString plainText(std::string_view text)
-{
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 /// One row of the columns, read by column.
 class Row
@@ -24,7 +17,11 @@ public:
     Row(const Columns &columns, std::size_t index) : m_columns(columns), m_index(index) {}
 
     qint32 number(std::size_t column) const { return leadingInteger(m_columns.text(column, m_index)); }
-    QString text(std::size_t column) const { return plainText(m_columns.text(column, m_index)); }
+    QString text(std::size_t column) const
+    {
+        const std::string_view utf8 = m_columns.text(column, m_index);
+        return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+    }
     QString name() const { return unescapedFromUtf8Wire(m_columns.text(nameColumn, m_index)); }
     bool isYes(std::size_t column) const { return m_columns.text(column, m_index) == "y"; }
 
@@ -39,11 +36,9 @@ bool appendRecords(const QByteArray &answer, Names names, List &records, Fill fi
     const std::optional<Columns> columns = Columns::read(answer, names);
     if (!columns)
         return false;
-    std::size_t complete = columns->count(idColumn);
-    for (std::size_t column = 0; column < names.size(); ++column)
-        complete = std::min(complete, columns->count(column));
-    records.reserve(records.size() + complete);
-    for (std::size_t i = 0; i < columns->count(idColumn); ++i) {
+    const std::size_t count = columns->count(idColumn);
+    records.reserve(records.size() + count);
+    for (std::size_t i = 0; i < count; ++i) {
         auto record = std::make_shared<typename List::value_type::element_type>();
         fill(Row(*columns, i), *record);
         records.push_back(std::move(record));
@@ -60,14 +55,9 @@ bool appendSets(const QByteArray &answer, TVXSetsList &sets)
     return appendRecords(answer, names, sets, [](const Row &row, TVXSets &set) {
         set.setIdOfSets(row.number(idColumn));
         set.setName(row.name());
-        set.setPercent1(row.text(/*column=*/2));
-        set.setPercent2(row.text(/*column=*/3));
-        set.setPercent3(row.text(/*column=*/4));
-        set.setPercent4(row.text(/*column=*/5));
-        set.setPercent5(row.text(/*column=*/6));
-        set.setPercent6(row.text(/*column=*/7));
-        set.setPercent7(row.text(/*column=*/8));
-        set.setPercent8(row.text(/*column=*/9));
+        constexpr std::size_t firstPercent = 2;
+        for (int i = 0; i < TVXSets::areaCount; ++i)
+            set.setPercentOfArea(i, row.text(firstPercent + static_cast<std::size_t>(i)));
     });
 }
 

@@ -1,6 +1,7 @@
 #include "AnswerText.h"
 
 #include <algorithm>
+#include <charconv>
 #include <limits>
 #include <QStringDecoder>
 
@@ -13,16 +14,6 @@ constexpr QLatin1StringView errorWord("Error");
 bool isBlank(QChar c)
 {
     return c == u'\t' || c.category() == QChar::Separator_Space;
-}
-
-bool isSpace(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
 }
 
 /// List answers can be large and are XML nearly always: they are decoded only if they might be the word.
@@ -54,8 +45,6 @@ QString withoutBlanksAround(const QString &text)
 {
     const auto first = std::find_if_not(text.cbegin(), text.cend(), isBlank);
     const auto last = std::find_if_not(text.crbegin(), std::make_reverse_iterator(first), isBlank).base();
-    if (last - first == text.size())
-        return text;
     return text.sliced(first - text.cbegin(), last - first);
 }
 
@@ -73,17 +62,14 @@ bool isErrorAnswerAmongBlanks(const QByteArray &answer)
 
 qint32 leadingInteger(std::string_view text)
 {
-    const char *at = text.data();
-    const char *const end = at + text.size();
-    while (at != end && isSpace(*at))
-        ++at;
-    const bool isNegative = at != end && *at == '-';
-    if (at != end && (*at == '-' || *at == '+'))
-        ++at;
-    constexpr qint64 limit = qint64(std::numeric_limits<qint32>::max()) + 1;
-    qint64 value = 0;
-    for (; at != end && isDigit(*at) && value < limit; ++at)
-        value = value * 10 + (*at - '0');
-    value = isNegative ? std::max(-value, -limit) : std::min(value, limit - 1);
-    return static_cast<qint32>(value);
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+    const bool isNegative = text.starts_with('-');
+    if (isNegative || text.starts_with('+'))
+        text.remove_prefix(1);
+    using Limits = std::numeric_limits<qint32>;
+    quint32 digits = 0; // unsigned, for which no further sign is read
+    if (std::from_chars(text.data(), text.data() + text.size(), digits).ec == std::errc::result_out_of_range)
+        digits = std::numeric_limits<quint32>::max();
+    const qint64 value = isNegative ? -qint64(digits) : qint64(digits);
+    return static_cast<qint32>(std::clamp<qint64>(value, Limits::min(), Limits::max()));
 }

@@ -4,8 +4,6 @@
 #include <limits>
 #include <memory>
 
-namespace {
-
 // Enough for most answers: the goals of an area, the areas, the sets.
 constexpr std::size_t usualCount = 64;
 // What all texts together may hold: plain records stay far below the length of their document.
@@ -14,20 +12,13 @@ constexpr std::size_t textAllowance = std::size_t(64) * 1024;
 // Each declared default costs time at every element it applies to.
 constexpr int mostAttributeDeclarations = 64;
 
-struct ParserDeleter
-{
-    void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
-};
-
-} // namespace
-
 class ColumnReader
 {
 public:
     ColumnReader(QByteArrayView xml, std::span<const std::string_view> names)
         : m_xml(xml), m_names(names),
           m_textLeft(textPerByte * static_cast<std::size_t>(xml.size()) + textAllowance),
-          m_parser(XML_ParserCreate(nullptr))
+          m_parser(XML_ParserCreate(nullptr), XML_ParserFree)
     {
         m_columns.m_columns.resize(names.size());
         for (auto &slots : m_columns.m_columns)
@@ -45,7 +36,10 @@ public:
         XML_SetEntityDeclHandler(m_parser.get(), entityDeclared);
         XML_SetSkippedEntityHandler(m_parser.get(), entitySkipped);
         XML_SetAttlistDeclHandler(m_parser.get(), attributeDeclared);
-        if (!parse())
+        // In a single call: expat copies the document either way, but looks at every byte once more when it
+        // comes in pieces.
+        if (XML_Parse(m_parser.get(), m_xml.data(), static_cast<int>(m_xml.size()), /*isFinal=*/1) !=
+            XML_STATUS_OK)
             return std::nullopt;
         return std::move(m_columns);
     }
@@ -60,14 +54,6 @@ private:
         std::size_t column = 0;
         std::size_t index = 0;
     };
-
-    /// In a single call: expat copies the document either way, but looks at every byte once more when it
-    /// comes in pieces.
-    bool parse()
-    {
-        return XML_Parse(m_parser.get(), m_xml.data(), static_cast<int>(m_xml.size()), /*isFinal=*/1) ==
-               XML_STATUS_OK;
-    }
 
     static void XMLCALL elementStarts(void *reader, const XML_Char *name, const XML_Char **)
     {
@@ -160,7 +146,7 @@ private:
     std::size_t m_depth = 0;
     std::size_t m_textLeft;
     int m_attributeDeclarations = 0;
-    const std::unique_ptr<XML_ParserStruct, ParserDeleter> m_parser;
+    const std::unique_ptr<XML_ParserStruct, void (*)(XML_Parser)> m_parser;
 };
 
 std::optional<Columns> Columns::read(QByteArrayView xml, std::span<const std::string_view> names)

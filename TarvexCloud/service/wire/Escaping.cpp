@@ -32,8 +32,8 @@ struct WireToken
     qsizetype length = 1;
 };
 
-constexpr std::array<WireToken, asciiCount> makeWireTokens()
-{
+// Characters that no token stands for have length 1.
+constexpr std::array<WireToken, asciiCount> wireTokens = [] {
     std::array<WireToken, asciiCount> table;
     for (const Token &token : tokens) {
         WireToken &entry = table[static_cast<unsigned char>(token.character)];
@@ -45,21 +45,15 @@ constexpr std::array<WireToken, asciiCount> makeWireTokens()
         entry.length = static_cast<qsizetype>(length);
     }
     return table;
-}
-
-// Characters that no token stands for have length 1.
-constexpr std::array<WireToken, asciiCount> wireTokens = makeWireTokens();
-
-constexpr std::array<quint8, asciiCount> makeGrowths()
-{
-    std::array<quint8, asciiCount> growths{};
-    for (std::size_t c = 0; c < asciiCount; ++c)
-        growths[c] = static_cast<quint8>(wireTokens[c].length - 1);
-    return growths;
-}
+}();
 
 // How much longer a text gets by a character, in its own small table: it is walked for every text.
-constexpr std::array<quint8, asciiCount> growths = makeGrowths();
+constexpr std::array<quint8, asciiCount> growths = [] {
+    std::array<quint8, asciiCount> table{};
+    for (std::size_t c = 0; c < asciiCount; ++c)
+        table[c] = static_cast<quint8>(wireTokens[c].length - 1);
+    return table;
+}();
 
 inline qsizetype growthOf(char16_t c)
 {

@@ -3,16 +3,9 @@
 #include "Escaping.h"
 #include "FormString.h"
 
-#include <array>
-#include <charconv>
-
 using namespace Qt::StringLiterals;
 
-namespace {
-
 constexpr QLatin1StringView endMark = ";{_end_}"_L1;
-
-} // namespace
 
 void appendGoalRecords(QString &text, const TVXGoalList &goals, qint64 setsId, qint64 areaId)
 {
@@ -20,12 +13,10 @@ void appendGoalRecords(QString &text, const TVXGoalList &goals, qint64 setsId, q
     constexpr qsizetype usualNameAndNumbers = 80;
     text.reserve(text.size() + static_cast<qsizetype>(goals.size()) * (place.size() + usualNameAndNumbers));
     for (const TVXGoalPtr &goal : goals) {
-        std::array<char, 12> digits;
-        const auto end = std::to_chars(digits.begin(), digits.end(), goal->priorityOfGoal()).ptr;
         text += "name:"_L1;
         text += escapedForWire(goal->nameOfGoal());
         text += ";priority:"_L1;
-        text += QLatin1StringView(digits.data(), end - digits.data());
+        text += QString::number(goal->priorityOfGoal());
         text += goal->isChecked() ? ";checked:1"_L1 : ";checked:0"_L1;
         text += place;
     }

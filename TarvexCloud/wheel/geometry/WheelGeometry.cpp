@@ -15,17 +15,17 @@ std::size_t at(int index)
     return static_cast<std::size_t>(index);
 }
 
-QRectF squareAround(const QPointF &centre, qreal halfSide)
-{
-    return {centre.x() - halfSide, centre.y() - halfSide, 2 * halfSide, 2 * halfSide};
-}
-
 // The toolkit counts an arc's angles from x towards minus y, hence the signs.
 void addArc(QPainterPath &path, const QPointF &centre, qreal radius, qreal startAngle, qreal endAngle)
 {
     path.arcTo(squareAround(centre, radius), -startAngle, startAngle - endAngle);
 }
 } // namespace
+
+QRectF squareAround(const QPointF &centre, qreal halfSide)
+{
+    return {centre.x() - halfSide, centre.y() - halfSide, 2 * halfSide, 2 * halfSide};
+}
 
 qreal middleAngle(int index)
 {

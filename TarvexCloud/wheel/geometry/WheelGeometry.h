@@ -26,6 +26,9 @@ inline constexpr qreal outlineWidth = 1.5;
 inline constexpr std::array<float, sliceCount> anglesStart = {45, 0, 315, 270, 225, 180, 135, 90};
 inline constexpr std::array<float, sliceCount> anglesEnd = {90, 45, 360, 315, 270, 225, 180, 135};
 
+/// Of a negative half side it has a negative size.
+QRectF squareAround(const QPointF &centre, qreal halfSide);
+
 /// The direction in which a slice's middle lies.
 qreal middleAngle(int index);
 /// The point that far from another in that direction.

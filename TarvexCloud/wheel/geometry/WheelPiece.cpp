@@ -5,8 +5,6 @@
 void WheelPiece::append(const QPainterPath &outline)
 {
     ++m_copies;
-    if (!m_outlines.empty() && m_outlines.back() == outline)
-        return;
     const auto known = std::find(m_outlines.begin(), m_outlines.end(), outline);
     if (known != m_outlines.end()) {
         std::rotate(known, known + 1, m_outlines.end());

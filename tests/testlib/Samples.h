@@ -3,10 +3,10 @@
 #include <QFile>
 #include <QTest>
 
-/// The bytes of a file in the folder "samples"; without any the test cannot go on.
+/// The bytes of a file in the folder "samples" beside the test; without any the test cannot go on.
 inline QByteArray sampleFile(const char *name)
 {
-    QFile file(QFINDTESTDATA(QLatin1String("samples/") + QLatin1String(name)));
+    QFile file(QLatin1String(TARVEX_SAMPLES "/") + QLatin1String(name));
     QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     if (bytes.isEmpty())
         qFatal("the samples of %s are missing", name);
