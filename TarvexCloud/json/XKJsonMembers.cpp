@@ -37,9 +37,8 @@ quint32 hashOf(const XKJsonNode &key)
         const auto product = __uint128_t(hash ^ bits) * secret;
         hash = static_cast<quint64>(product) ^ static_cast<quint64>(product >> 64);
     };
-    quint64 bits = std::bit_cast<quint64>(key.integer);
-    if (key.kind() == XKJsonKind::Double)
-        bits = std::bit_cast<quint64>(key.real + 0.0); // of two zeros one
+    const bool isReal = key.kind() == XKJsonKind::Double; // of its two zeros one counts
+    auto bits = isReal ? std::bit_cast<quint64>(key.real + 0.0) : static_cast<quint64>(key.integer);
     if (isText(key)) {
         const char16_t *c = key.text;
         const char16_t *const end = c + key.length();

@@ -136,16 +136,6 @@ Q_ALWAYS_INLINE bool XKJsonParser::scanValue(XKJsonCursor &c)
     }
 }
 
-// Passes a comma, if there is one, and all spaces around it.
-Q_ALWAYS_INLINE bool XKJsonParser::scanComma(XKJsonCursor &c)
-{
-    c.passSpaces();
-    if (!c.passIf(u','))
-        return false;
-    c.passSpaces();
-    return true;
-}
-
 Q_ALWAYS_INLINE bool XKJsonParser::scanKey(XKJsonCursor &c)
 {
     if (!c.passIf(u'"') || !scanRestOfString(c))
@@ -158,7 +148,13 @@ Q_ALWAYS_INLINE bool XKJsonParser::scanItem(XKJsonCursor &c)
 {
     const Open &container = m_open.last();
     const bool isDictionary = container.kind == XKJsonKind::Dictionary;
-    const bool isAfterComma = m_nodes.size() > container.first && scanComma(c);
+    bool isAfterComma = false;
+    if (m_nodes.size() > container.first) { // behind a value
+        c.passSpaces();
+        isAfterComma = c.passIf(u',');
+    }
+    if (isAfterComma)
+        c.passSpaces();
     if (c.isAtEnd())
         return refuseContainer(Code::EndOfInput, isDictionary ? "End of input while parsing object"
                                                               : "End of input while parsing array");

@@ -43,7 +43,6 @@ private:
     bool scanDocument(XKJsonCursor &c);
     /// Goes on in the innermost open container: reads its next value, or closes it.
     bool scanItem(XKJsonCursor &c);
-    bool scanComma(XKJsonCursor &c);
     bool scanKey(XKJsonCursor &c);
     // Each of these puts the value on the stack, or opens the container.
     bool scanValue(XKJsonCursor &c);

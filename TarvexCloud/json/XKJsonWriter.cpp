@@ -10,8 +10,6 @@ using Code = XKJsonErrorCode;
 
 namespace {
 
-using Keys = std::unique_ptr<const XKJsonNode *[]>;
-
 // Keys that are no strings come first: the sooner the writing ends at them.
 bool comesBefore(const XKJsonNode *key, const XKJsonNode *other)
 {
@@ -21,9 +19,8 @@ bool comesBefore(const XKJsonNode *key, const XKJsonNode *other)
     return key->view().compare(other->view()) < 0;
 }
 
-Keys sortedKeysOf(const XKJsonNode &dictionary)
-{
-    Keys keys(new const XKJsonNode *[dictionary.length()]);
+std::unique_ptr<const XKJsonNode *[]> sortedKeysOf(const XKJsonNode &dictionary) {
+    auto keys = std::make_unique<const XKJsonNode *[]>(dictionary.length());
     for (std::size_t i = 0; i < dictionary.length(); ++i)
         keys[i] = dictionary.items + 2 * i;
     std::sort(keys.get(), keys.get() + dictionary.length(), comesBefore);
@@ -93,24 +90,6 @@ Q_ALWAYS_INLINE bool XKJsonWriter::appendContainer(const XKJsonNode &container, 
     return true;
 }
 
-inline bool XKJsonWriter::appendDecimal(const XKJsonNode &decimal, XKJsonOutput &into)
-{
-    if (isInfinite(decimal.view()))
-        return refuse(u"Infinity is not a valid number in JSON"_s);
-    into.put(decimal.view());
-    return true;
-}
-
-inline bool XKJsonWriter::appendDouble(double real, XKJsonOutput &into)
-{
-    if (std::isnan(real))
-        return refuse(u"NaN is not a valid number in JSON"_s);
-    if (std::isinf(real))
-        return refuse(u"Infinity is not a valid number in JSON"_s);
-    into.putReal(real);
-    return true;
-}
-
 Q_ALWAYS_INLINE bool XKJsonWriter::appendValue(const XKJsonNode &value, XKJsonOutput &into)
 {
     switch (value.kind()) {
@@ -127,9 +106,16 @@ Q_ALWAYS_INLINE bool XKJsonWriter::appendValue(const XKJsonNode &value, XKJsonOu
         into.putInteger(value.integer);
         return true;
     case XKJsonKind::Decimal:
-        return appendDecimal(value, into);
+        if (isInfinite(value.view()))
+            return refuse(u"Infinity is not a valid number in JSON"_s);
+        into.put(value.view());
+        return true;
     case XKJsonKind::Double:
-        return appendDouble(value.real, into);
+        if (!std::isfinite(value.real))
+            return refuse(std::isnan(value.real) ? u"NaN is not a valid number in JSON"_s
+                                                 : u"Infinity is not a valid number in JSON"_s);
+        into.putReal(value.real);
+        return true;
     case XKJsonKind::Null:
         into.put(u"null");
         return true;

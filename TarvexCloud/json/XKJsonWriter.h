@@ -56,8 +56,6 @@ private:
     // Each of these writes a value, or opens the container.
     bool appendValue(const XKJsonNode &value, XKJsonOutput &into);
     bool appendContainer(const XKJsonNode &container, XKJsonOutput &into);
-    bool appendDecimal(const XKJsonNode &decimal, XKJsonOutput &into);
-    bool appendDouble(double real, XKJsonOutput &into);
     bool appendObject(const XKJsonObject &object, XKJsonOutput &into);
     /// Goes on in the innermost open container: writes its next item, or closes it.
     bool appendItem(XKJsonOutput &into);

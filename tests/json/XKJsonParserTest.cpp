@@ -4,8 +4,6 @@
 #include "Trees.h"
 #include "XKJsonWriter.h"
 
-#include <clocale>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -182,33 +180,6 @@ private Q_SLOTS:
             QCOMPARE(tree.value(u""_s).toInteger(), -2);
             QVERIFY(tree.value(key(count)).isNone());
         }
-    }
-
-    void largeContainersStandBetweenOtherValues()
-    {
-        constexpr int many = 100'000;
-        QString numbers;
-        for (int i = 0; i < many; ++i)
-            numbers += QString::number(i) + u' ';
-        const XKJsonValue tree =
-            XKJsonParser().objectWithString(u"[7["_s + numbers + u"]8["_s + numbers + u"]9]"_s);
-        QCOMPARE(tree.count(), 5);
-        for (const std::size_t i : {0U, 2U, 4U})
-            QCOMPARE(tree.at(i).toInteger(), 7 + static_cast<qint64>(i) / 2);
-        for (int i = 0; i < many; ++i)
-            for (const std::size_t container : {1U, 3U})
-                QCOMPARE(tree.at(container).at(static_cast<std::size_t>(i)).toInteger(), i);
-    }
-
-    void aForeignLocaleChangesNothing()
-    {
-        QLocale::setDefault(QLocale(QLocale::German));
-        std::setlocale(LC_ALL, "de_DE.UTF-8");
-        const XKJsonValue tree = XKJsonParser().objectWithString(u"[1234567,1.5,1e2]"_s);
-        const QString text = described(tree);
-        std::setlocale(LC_ALL, "C");
-        QLocale::setDefault(QLocale::c());
-        QCOMPARE(text, u"[integer 1234567, decimal 1.5, decimal 1e2]"_s);
     }
 
     void textsInBorrowedMemoryAreReadToTheirEndOnly()
