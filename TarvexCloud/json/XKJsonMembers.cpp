@@ -140,7 +140,7 @@ std::size_t XKJsonMembers::index(XKJsonNode *members, std::size_t count, std::si
 const XKJsonNode *XKJsonMembers::find(const XKJsonNode &dictionary, const XKJsonNode &key)
 {
     const std::size_t count = dictionary.length();
-    const quint32 number = count <= fewMembers ? findAmongFew(key, dictionary.items, count)
-                                               : slotOf(key, hashOf(key), dictionary.items, count).number;
+    const std::size_t number = count <= fewMembers ? findAmongFew(key, dictionary.items, count)
+                                                   : slotOf(key, hashOf(key), dictionary.items, count).number;
     return number ? dictionary.items + 2 * number - 1 : nullptr;
 }

@@ -124,9 +124,9 @@ Q_ALWAYS_INLINE bool XKJsonParser::scanValue(XKJsonCursor &c)
     case u'{':
         return open(XKJsonKind::Dictionary);
     case u't':
-        return scanRestOfWord(c, u"rue", XKJsonNode(XKJsonKind::Boolean, 1), "Expected 'true'");
+        return scanRestOfWord(c, u"rue", XKJsonNode(XKJsonKind::Boolean, /*number=*/1), "Expected 'true'");
     case u'f':
-        return scanRestOfWord(c, u"alse", XKJsonNode(XKJsonKind::Boolean, 0), "Expected 'false'");
+        return scanRestOfWord(c, u"alse", XKJsonNode(XKJsonKind::Boolean, /*number=*/0), "Expected 'false'");
     case u'n':
         return scanRestOfWord(c, u"ull", XKJsonNode(XKJsonKind::Null), "Expected 'null'");
     case u'\0':
