@@ -80,6 +80,7 @@ void addParsing(const std::string &name, const QString &text)
         [] {
             treeOf(JsonTexts::records(/*count=*/3)
                        .replace(QLatin1StringView("Run"), QLatin1StringView("\\nRun")));
+            treeOf(JsonTexts::dictionaries(/*count=*/1, /*members=*/12));
         },
         [&] { benchmark::DoNotOptimize(treeOf(text)); });
     add(name + "/ours", [text, utf8, peak](benchmark::State &state) {
@@ -182,6 +183,7 @@ int main(int count, char **arguments)
     addParsing("json/parse/posts", JsonTexts::posts());
     addParsing("json/parse/catalog", JsonTexts::catalog());
     addParsing("json/parse/coordinates", JsonTexts::coordinates());
+    addParsing("json/parse/unlike", JsonTexts::dictionaries(/*count=*/5'000, /*members=*/12));
     addParsing("json/parse/sign-up", JsonTexts::signUpAnswer());
     addWriting("json/write/posts", JsonTexts::posts());
     addWriting("json/write/catalog", JsonTexts::catalog());

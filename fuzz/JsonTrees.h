@@ -1,6 +1,6 @@
 #pragma once
 
-#include "XKJsonObject.h"
+#include "XKJsonValue.h"
 
 #include <utility>
 #include <vector>
@@ -15,8 +15,8 @@ inline XKJsonValue withoutProxies(XKJsonValue value)
 
 inline double realOf(const XKJsonValue &number)
 {
-    if (const auto decimal = number.toDecimal())
-        return decimal->toDouble();
+    if (number.kind() == XKJsonKind::Decimal)
+        return number.decimalView().toDouble();
     return number.kind() == XKJsonKind::Integer ? static_cast<double>(number.toInteger()) : number.toReal();
 }
 
@@ -26,11 +26,11 @@ inline bool isSameLeaf(const XKJsonValue &given, const XKJsonValue &read)
 {
     const bool isNumber = read.kind() == XKJsonKind::Integer || read.kind() == XKJsonKind::Decimal;
     if (given.kind() == XKJsonKind::Decimal && read.kind() == XKJsonKind::Decimal)
-        return given.toDecimal()->text() == read.toDecimal()->text();
+        return given.decimalView() == read.decimalView();
     if (given.kind() == XKJsonKind::Double || given.kind() == XKJsonKind::Decimal)
         return isNumber && realOf(given) == realOf(read);
     if (given.kind() == XKJsonKind::Integer && read.kind() == XKJsonKind::Decimal)
-        return QString::number(given.toInteger()) == read.toDecimal()->text();
+        return QString::number(given.toInteger()) == read.decimalView();
     return given.kind() == read.kind() && given.toInteger() == read.toInteger() &&
            given.toBoolean() == read.toBoolean() && given.stringView() == read.stringView();
 }

@@ -71,11 +71,10 @@ private:
 
     Value decimal()
     {
-        const auto number = XKJsonDecimal::fromText(text());
-        if (!number)
+        const Value number = Value::decimal(text());
+        if (number.isNone())
             return Value::null();
-        return std::isfinite(number->toDouble()) ? Value::decimal(*number)
-                                                 : unsupported(Value::decimal(*number));
+        return std::isfinite(number.decimalView().toDouble()) ? number : unsupported(number);
     }
 
     Value closed()

@@ -2,8 +2,32 @@
 
 #include <algorithm>
 #include <QStringList>
+#include <utility>
 
 using namespace Qt::StringLiterals;
+
+Q_LOGGING_CATEGORY(xkJson, "tarvex.json")
+
+// Lets go of the chain link by link, since millions of them would not fit the machine stack.
+XKJsonError::Link::~Link()
+{
+    QExplicitlySharedDataPointer<Link> link = std::exchange(underlying, {});
+    while (link && link->ref.loadAcquire() == 1)
+        link = std::exchange(link->underlying, {});
+}
+
+XKJsonError::XKJsonError(XKJsonErrorCode code, const QString &description, const XKJsonError &underlying)
+    : m_link(new Link(code, description, underlying))
+{
+}
+
+XKJsonError XKJsonError::underlyingError() const
+{
+    XKJsonError error;
+    if (m_link)
+        error.m_link = m_link->underlying;
+    return error;
+}
 
 std::optional<XKJsonErrorList> XKJsonBase::errorTrace() const
 {
@@ -42,11 +66,6 @@ void XKJsonBase::clearErrorTrace()
 {
     if (!m_lastError.isNone() || !m_observers.empty())
         changeTrace(XKJsonError());
-}
-
-void XKJsonBase::removeObserver(XKJsonObserver *observer)
-{
-    std::erase(m_observers, observer);
 }
 
 bool XKJsonBase::refuseDepth()

@@ -2,234 +2,145 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
+#include <limits>
 #include <QRandomGenerator>
+#include <stdexcept>
 
 namespace {
 
-constexpr std::size_t fewMembers = 4;
-constexpr int quickHashBits = 11;
-constexpr std::size_t quickHashes = std::size_t(1) << quickHashBits;
+// With so many, comparing each key with each other one is faster than hashing them.
+constexpr std::size_t fewMembers = 8;
 
-bool sameText(const XKJsonNode &key, const XKJsonNode &other)
+bool isText(const XKJsonNode &key)
 {
-    return key.length() == other.length() &&
-           std::memcmp(key.text, other.text, key.length() * sizeof(char16_t)) == 0;
+    return key.kind() == XKJsonKind::String || key.kind() == XKJsonKind::Decimal;
 }
 
-// Good enough to tell the few keys of a small dictionary apart, and no more than two loads.
-std::size_t quickHash(const XKJsonNode &key)
+bool isSameKey(const XKJsonNode &key, const XKJsonNode &other)
 {
-    const std::size_t length = key.length();
-    quint64 first = 0;
-    quint64 last = 0;
-    if (length >= 4) {
-        std::memcpy(&first, key.text, sizeof(first));
-        std::memcpy(&last, key.text + length - 4, sizeof(last));
-    } else if (length > 0) {
-        first = key.text[0] | quint64(key.text[length / 2]) << 16 | quint64(key.text[length - 1]) << 32;
-    }
-    return static_cast<std::size_t>((first * 3 + last + length) * 0x9E3779B97F4A7C15u >>
-                                    (64 - quickHashBits));
+    if (key.head != other.head) // another kind or length
+        return false;
+    if (isText(key)) // mostly they differ soon
+        return std::mismatch(key.text, key.text + key.length(), other.text).first == key.text + key.length();
+    return key.kind() == XKJsonKind::Double ? key.real == other.real : key.integer == other.integer;
 }
 
-// A key of the first `count` members, or null.
-XKJsonNode *findLinearly(XKJsonNode *members, std::size_t count, const XKJsonNode &key)
+// Four units a multiplication. What they meet is secret, so that nobody can choose keys that all fall into
+// one slot.
+quint32 hashOf(const XKJsonNode &key)
 {
-    for (XKJsonNode *member = members; member != members + 2 * count; member += 2)
-        if (sameText(*member, key))
-            return member;
-    return nullptr;
-}
-
-// Whether all keys of a few members differ already in their lengths, or in their first units.
-bool differAtSight(const XKJsonNode *members, std::size_t count)
-{
-    for (std::size_t i = 1; i < count; ++i)
-        for (std::size_t j = 0; j < i; ++j) {
-            const XKJsonNode &key = members[2 * i];
-            const XKJsonNode &other = members[2 * j];
-            if (key.length() == other.length() && *key.text == *other.text)
-                return false;
-        }
-    return true;
-}
-
-std::size_t mergedSmall(XKJsonNode *members, std::size_t count)
-{
-    std::array<quint64, quickHashes / 64> seen{};
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const XKJsonNode &key = members[2 * i];
-        const std::size_t hash = quickHash(key);
-        quint64 &word = seen[hash / 64];
-        const quint64 bit = quint64(1) << hash % 64;
-        if (Q_UNLIKELY(word & bit)) {
-            if (XKJsonNode *const earlier = findLinearly(members, kept, key)) {
-                earlier[1] = members[2 * i + 1];
-                continue;
-            }
-        }
-        word |= bit;
-        if (Q_UNLIKELY(kept != i))
-            std::copy_n(members + 2 * i, 2, members + 2 * kept);
-        ++kept;
-    }
-    return kept;
-}
-
-using Wide = __uint128_t;
-
-quint64 folded(quint64 left, quint64 right)
-{
-    const Wide product = Wide(left) * right;
-    return static_cast<quint64>(product) ^ static_cast<quint64>(product >> 64);
-}
-
-quint64 fourUnits(const char16_t *units)
-{
-    quint64 four = 0;
-    std::memcpy(&four, units, sizeof(four));
-    return four;
-}
-
-// Sixteen bytes a multiplication. What they are multiplied with is secret, so that nobody can choose keys
-// that all fall into one slot.
-class Hash
-{
-public:
-    static const Hash &secret()
-    {
-        static const Hash hash(*QRandomGenerator::system());
-        return hash;
-    }
-    quint64 of(QStringView key) const
-    {
-        const char16_t *units = key.utf16();
-        const auto length = static_cast<std::size_t>(key.size());
-        quint64 hash = m_start ^ length;
-        if (length < 4) {
-            for (const char16_t *const end = units + length; units != end; ++units)
-                hash = (hash ^ *units) << 16 | hash >> 48;
-            return folded(folded(hash ^ m_even, m_odd), m_even);
-        }
-        const char16_t *const last = units + length - 4;
-        for (; last - units > 4; units += 8)
-            hash = folded(fourUnits(units) ^ hash ^ m_even, fourUnits(units + 4) ^ m_odd);
-        return folded(folded(fourUnits(std::min(units, last)) ^ hash ^ m_even, fourUnits(last) ^ m_odd),
-                      m_even);
-    }
-
-private:
-    explicit Hash(QRandomGenerator &random)
-        : m_start(random.generate64()), m_even(random.generate64() | 1), m_odd(random.generate64() | 1)
-    {
-    }
-
-    quint64 m_start;
-    quint64 m_even;
-    quint64 m_odd;
-};
-
-/// The slots of a dictionary. One is zero, or the position of a member plus one in its low bits and bits of
-/// the key's hash above, which mostly tell whether the member is worth a look.
-class Index
-{
-public:
-    using Slot = quint64;
-
-    Index(Slot *slots, std::size_t count) : m_slots(slots), m_count(count) {}
-
-    static std::size_t slotsFor(std::size_t members) { return members + members / 2; }
-
-    void prefetch(quint64 hash) const { __builtin_prefetch(m_slots + first(hash), /*rw=*/1); }
-    /// The slot of that key, or the free one where it belongs.
-    Slot &find(quint64 hash, QStringView key, const XKJsonNode *members) const
-    {
-        std::size_t slot = first(hash);
-        while (m_slots[slot] != 0) {
-            const bool mayMatch = ((m_slots[slot] ^ slotOf(hash, /*position=*/0)) & ~positionMask) == 0;
-            if (mayMatch && members[2 * positionIn(m_slots[slot])].view() == key)
-                break;
-            slot = slot + 1 == m_count ? 0 : slot + 1;
-        }
-        return m_slots[slot];
-    }
-    static Slot slotOf(quint64 hash, std::size_t position) { return hash << positionBits | position; }
-    static std::size_t positionIn(Slot slot) { return (slot & positionMask) - 1; }
-
-private:
-    static constexpr int positionBits = 40;
-    static constexpr Slot positionMask = (Slot(1) << positionBits) - 1;
-
-    std::size_t first(quint64 hash) const { return static_cast<std::size_t>(Wide(hash) * m_count >> 64); }
-
-    Slot *m_slots;
-    std::size_t m_count;
-};
-
-// Hashes some members ahead, so that their slots are on the way from memory while others are looked at.
-std::size_t mergedByIndex(XKJsonNode *members, std::size_t count, const Index &index)
-{
-    constexpr std::size_t ahead = 16;
-    const Hash &hash = Hash::secret();
-    std::array<quint64, ahead> hashes{};
-    const auto lookAt = [&](std::size_t i) {
-        hashes[i % ahead] = hash.of(members[2 * i].view());
-        index.prefetch(hashes[i % ahead]);
+    static const quint64 secret = QRandomGenerator::system()->generate64() | 1;
+    quint64 hash = secret ^ key.head;
+    const auto meet = [&hash](quint64 bits) {
+        const auto product = __uint128_t(hash ^ bits) * secret;
+        hash = static_cast<quint64>(product) ^ static_cast<quint64>(product >> 64);
     };
-    for (std::size_t i = 0; i < std::min(ahead, count); ++i)
-        lookAt(i);
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const XKJsonNode *const member = members + 2 * i;
-        const quint64 hashOfMember = hashes[i % ahead];
-        if (i + ahead < count)
-            lookAt(i + ahead);
-        Index::Slot &slot = index.find(hashOfMember, member->view(), members);
-        if (Q_UNLIKELY(slot != 0)) {
-            members[2 * Index::positionIn(slot) + 1] = member[1];
-            continue;
-        }
-        if (Q_UNLIKELY(kept != i))
-            std::copy_n(member, 2, members + 2 * kept);
-        slot = Index::slotOf(hashOfMember, ++kept);
+    const bool isReal = key.kind() == XKJsonKind::Double; // of its two zeros one counts
+    auto bits = isReal ? std::bit_cast<quint64>(key.real + 0.0) : static_cast<quint64>(key.integer);
+    if (isText(key)) {
+        const char16_t *c = key.text;
+        const char16_t *const end = c + key.length();
+        for (; end - c > 4; c += 4, meet(bits))
+            std::memcpy(&bits, c, sizeof(bits));
+        if (key.length() >= 4) // the last four may overlap those before
+            std::memcpy(&bits, end - 4, sizeof(bits));
+        else
+            for (bits = 0; c != end; ++c)
+                bits = bits << 16 | *c;
     }
-    return kept;
+    meet(bits);
+    return static_cast<quint32>(hash);
+}
+
+struct Slot
+{
+    quint32 hash;
+    quint32 number; // of a member, counted from one; 0 if the slot is free
+};
+
+/// At least twice as many as there are members.
+std::size_t slotsFor(std::size_t count)
+{
+    return count > fewMembers ? 2 * std::bit_ceil(count) : 0;
+}
+
+Slot *slotsOf(const XKJsonNode *members, std::size_t count)
+{
+    return reinterpret_cast<Slot *>(const_cast<XKJsonNode *>(members)) - slotsFor(count);
+}
+
+/// The slot of a key among those in front of so many members, or the free one where it belongs.
+Slot &slotOf(const XKJsonNode &key, quint32 hash, const XKJsonNode *members, std::size_t count)
+{
+    Slot *const slots = slotsOf(members, count);
+    const std::size_t last = slotsFor(count) - 1;
+    std::size_t place = hash & last;
+    for (; slots[place].number != 0; place = (place + 1) & last)
+        if (slots[place].hash == hash && isSameKey(members[2 * slots[place].number - 2], key))
+            break;
+    return slots[place];
+}
+
+/// The number of a key among few members; 0 if it is not there.
+quint32 findAmongFew(const XKJsonNode &key, const XKJsonNode *members, std::size_t count)
+{
+    for (quint32 number = 1; number <= count; ++number)
+        if (isSameKey(members[2 * number - 2], key))
+            return number;
+    return 0;
+}
+
+/// Hashes the keys of some members, and gets their slots on the way from memory.
+std::array<quint32, 16> hashesFrom(std::size_t first, const XKJsonNode *members, std::size_t count)
+{
+    std::array<quint32, 16> hashes{};
+    for (std::size_t i = first; i < std::min(first + hashes.size(), count); ++i) {
+        hashes[i - first] = hashOf(members[2 * i]);
+        __builtin_prefetch(slotsOf(members, count) + (hashes[i - first] & (slotsFor(count) - 1)));
+    }
+    return hashes;
 }
 
 } // namespace
 
-XKJsonNode XKJsonMembers::dictionaryOf(XKJsonNode *members, std::size_t count, XKJsonArena &arena,
-                                       bool mayRepeat)
+std::size_t XKJsonMembers::indexBytes(std::size_t count)
 {
-    if (mayRepeat && count > 1 && (count > fewMembers || !differAtSight(members, count)))
-        count = mergedSmall(members, count);
-    return XKJsonNode(XKJsonKind::Dictionary, arena.copy(members, 2 * count), count, XKJsonNode::NoFlag);
+    if (count > std::numeric_limits<quint32>::max() / 2) // their nodes take 64 GB by then
+        throw std::length_error("too many members");
+    return slotsFor(count) * sizeof(Slot);
 }
 
-XKJsonNode XKJsonMembers::indexedDictionaryOf(XKJsonNode *members, std::size_t count, XKJsonArena &arena)
+std::size_t XKJsonMembers::index(XKJsonNode *members, std::size_t count, std::size_t indexed)
 {
-    const std::size_t slotCount = Index::slotsFor(count);
-    auto *const slots = static_cast<Index::Slot *>(arena.allocate(slotCount * sizeof(Index::Slot)));
-    std::fill_n(slots, slotCount, 0);
-    members[-1] = XKJsonNode(XKJsonKind::None, slotCount);
-    members[-1].index = slots;
-    count = mergedByIndex(members, count, Index(slots, slotCount));
-    return XKJsonNode(XKJsonKind::Dictionary, members, count, XKJsonNode::Indexed);
-}
-
-const XKJsonNode *XKJsonMembers::find(const XKJsonNode &dictionary, QStringView key)
-{
-    const XKJsonNode *const members = dictionary.items;
-    const std::size_t count = dictionary.length();
-    if (!dictionary.is(XKJsonNode::Indexed)) {
-        for (std::size_t i = 0; i < count; ++i)
-            if (members[2 * i].view() == key)
-                return members + 2 * i + 1;
-        return nullptr;
+    const bool areFew = count <= fewMembers;
+    if (indexed == 0)
+        std::fill_n(slotsOf(members, count), slotsFor(count), Slot{});
+    std::array<quint32, 16> hashes{};
+    std::size_t kept = indexed;
+    for (std::size_t i = indexed; i < count; ++i) {
+        const XKJsonNode *const member = members + 2 * i;
+        const std::size_t ahead = (i - indexed) % hashes.size();
+        if (ahead == 0 && !areFew)
+            hashes = hashesFrom(i, members, count);
+        Slot few{0, areFew ? findAmongFew(*member, members, kept) : 0};
+        Slot &slot = areFew ? few : slotOf(*member, hashes[ahead], members, count);
+        if (slot.number != 0) {
+            members[2 * slot.number - 1] = member[1];
+            continue;
+        }
+        if (kept != i) // only behind a repeated key
+            std::copy_n(member, 2, members + 2 * kept);
+        slot = {hashes[ahead], static_cast<quint32>(++kept)};
     }
-    const Index index(members[-1].index, members[-1].length());
-    const Index::Slot found = index.find(Hash::secret().of(key), key, members);
-    return found ? members + 2 * Index::positionIn(found) + 1 : nullptr;
+    return kept == count ? kept : index(members, kept); // with fewer the index lies elsewhere
+}
+
+const XKJsonNode *XKJsonMembers::find(const XKJsonNode &dictionary, const XKJsonNode &key)
+{
+    const std::size_t count = dictionary.length();
+    const std::size_t number = count <= fewMembers ? findAmongFew(key, dictionary.items, count)
+                                                   : slotOf(key, hashOf(key), dictionary.items, count).number;
+    return number ? dictionary.items + 2 * number - 1 : nullptr;
 }

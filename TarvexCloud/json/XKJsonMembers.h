@@ -1,18 +1,17 @@
 #pragma once
 
-#include "XKJsonArena.h"
+#include "XKJsonNode.h"
 
-/// The members of a dictionary that was read: each key, a string, and its value in turn.
+/// The members of a dictionary: each key and its value in turn. A few are looked through; more have an index
+/// of their keys, which lies in front of them in memory and is found by their number alone.
 namespace XKJsonMembers {
-// Of several members with one key the first keeps its place and the last its value.
-
-/// Copies a few members into the arena. Whether their keys may repeat must be told.
-XKJsonNode dictionaryOf(XKJsonNode *members, std::size_t count, XKJsonArena &arena, bool mayRepeat);
-/// From so many members on a dictionary carries an index of its keys.
-constexpr std::size_t indexedFrom = 65;
-/// Makes a dictionary of members that are in the arena already. The node in front of them must be free: it
-/// will tell of the index.
-XKJsonNode indexedDictionaryOf(XKJsonNode *members, std::size_t count, XKJsonArena &arena);
-/// The value under a key of such a dictionary; null if it has no such key.
-const XKJsonNode *find(const XKJsonNode &dictionary, QStringView key);
+/// The bytes that the index takes. It grows in steps, never down. @throws std::length_error
+std::size_t indexBytes(std::size_t count);
+/// Indexes members with room for the index in front of them, of which the first `indexed` are so already, and
+/// gives the number that is left: of several members with one key the first keeps its place, the last its
+/// value.
+std::size_t index(XKJsonNode *members, std::size_t count, std::size_t indexed = 0);
+/// The value under a key; null if there is no such key. Strings and numbers are the same key when they are
+/// equal, containers and objects when they are the very same.
+const XKJsonNode *find(const XKJsonNode &dictionary, const XKJsonNode &key);
 } // namespace XKJsonMembers

@@ -1,17 +1,29 @@
 #pragma once
 
 #include "XKJsonBase.h"
-#include "XKJsonNodeStack.h"
-#include "XKJsonShapes.h"
-#include "XKJsonText.h"
+#include "XKJsonCursor.h"
 #include "XKJsonValue.h"
 
-#include <vector>
+#include <QVarLengthArray>
+#include <string>
+
+class XKJsonArena;
 
 /// A strict reader of JSON text. Stricter than RFC 8259 in that a dictionary or an array must stand at the
-/// top, looser in that commas between elements and members may be missing.
+/// top. Nesting costs heap, never machine stack. Odd, and kept on purpose, since such texts have always been
+/// read so:
 ///
-/// The text ends at its first zero unit, as text handed to C would. Nesting costs heap, never machine stack.
+/// - Commas between elements and between members may be missing. One too many is an error.
+/// - Vertical tab and form feed are white space too.
+/// - The text ends at its first zero unit, as text handed to C would. A string that the end cuts short ends
+///   with error 11 straight behind an escape, and otherwise with error 5 about a control character 0x0.
+/// - Two escapes of a surrogate pair make one unit: the lower sixteen bits of the first times 1024 plus the
+///   second less 0xDC00. \\uDFFF is no second one. A pair in the text itself stays as it is, and half a pair
+///   is an error.
+/// - A number is a 64-bit integer or, with a fraction, an exponent or more digits, an exact decimal; so is
+///   the least 64-bit integer.
+/// - Without a limit of nesting every failed container still tells its own error: a million open brackets a
+///   million.
 class XKJsonParser : public XKJsonBase
 {
 public:
@@ -20,65 +32,39 @@ public:
     XKJsonValue objectWithString(const QString &text, XKJsonError *error = nullptr);
 
 private:
-    enum class Step {
-        Failed,
-        Scanned, ///< a whole value
-        Opened,  ///< a container, up to its first value
-        Awaited, ///< what stands before a value, which must follow
+    // A container being read. What it holds so far stands on the stack of nodes.
+    struct Open
+    {
+        XKJsonKind kind;
+        qsizetype first;
     };
 
     bool scanText(const QString &text, XKJsonValue &tree);
-    bool scanDocument();
-    // What takes the cursor as an argument does so for it to stay in a register of scanDocument().
-    Step scanValue(const char16_t *&c);
-    // These go on in the innermost open container: to its end, or to where another value begins.
-    Step scanToValue(const char16_t *&c, bool isAfterValue);
-    Step scanToElement(const char16_t *&c, bool isAfterValue);
-    Step scanToMember(const char16_t *&c, bool isAfterValue);
-    bool scanKey(const char16_t *&c);
-    bool scanRestOfKey(const char16_t *&c);
-    bool scanComma(const char16_t *&c);
-    bool scanRestOfTrue(const char16_t *&c, XKJsonNode &value);
-    bool scanRestOfFalse(const char16_t *&c, XKJsonNode &value);
-    bool scanRestOfNull(const char16_t *&c, XKJsonNode &value);
-    template<std::size_t size>
-    bool scanLiteral(const char16_t *&c, const char16_t (&rest)[size]);
-    bool scanNumber(const char16_t *&c, XKJsonNode &number);
-    bool scanRestOfString(const char16_t *&c, XKJsonNode &string);
-    bool scanRestOfStringWithEscapes(const char16_t *end, bool mayHaveSurrogates, XKJsonNode &string);
-    bool scanEscape(char16_t &unit);
-    bool scanUnicodeChar(char16_t &unit);
-    bool scanLowSurrogate(char16_t &unit);
-    bool scanHexQuad(char16_t &quad);
-    bool scanIsAtEnd();
-    void skipSpaces(const char16_t *&c);
+    bool scanDocument(XKJsonCursor &c);
+    /// Goes on in the innermost open container: reads its next value, or closes it.
+    bool scanItem(XKJsonCursor &c);
+    bool scanKey(XKJsonCursor &c);
+    // Each of these puts the value on the stack, or opens the container.
+    bool scanValue(XKJsonCursor &c);
+    bool scanRestOfWord(XKJsonCursor &c, QStringView rest, const XKJsonNode &value, const char *expectation);
+    bool scanNumber(XKJsonCursor &c);
+    bool scanRestOfString(XKJsonCursor &c);
+    bool scanRestOfStringWithEscapes(XKJsonCursor &c, QStringView run);
+    bool scanEscape(XKJsonCursor &c, char16_t &unit);
+    bool scanUnicodeChar(XKJsonCursor &c, char16_t &unit);
+    bool scanHexQuad(XKJsonCursor &c, char16_t &quad);
 
-    Step open(XKJsonKind kind);
-    void foreseeMembers();
-    void close(const XKJsonNode &container);
-    void closeArray();
-    void closeDictionary();
-    /// Where on the stack the members of the innermost dictionary begin.
-    std::size_t firstMember() const { return m_open + 2; }
-    void addErrorsOfOpenContainers();
-    void addErrorOfValue(std::size_t place);
-    void addErrorOfMember(std::size_t keyPlace);
+    bool open(XKJsonKind kind);
+    void close();
     bool refuse(XKJsonErrorCode code, const char *description);
-    Step fail(XKJsonErrorCode code, const char *description)
-    {
-        refuse(code, description);
-        return Step::Failed;
-    }
     bool refuseUnit(XKJsonErrorCode code, const char *description, unsigned value);
+    bool refuseContainer(XKJsonErrorCode code, const char *description);
+    bool abandonContainer();
+    void addErrorsOfOpenContainers();
 
-    static constexpr std::size_t noContainer = ~std::size_t(0);
-
-    const char16_t *m_c = nullptr; // the cursor
-    XKJsonText::Limit m_limit;     // of the text
+    // So long that a small text needs no memory for them.
+    QVarLengthArray<XKJsonNode, 64> m_nodes; // read in open containers, the innermost one's last
+    QVarLengthArray<Open, 16> m_open;
+    std::u16string m_unescaped; // in use for one string at a time
     XKJsonArena *m_arena = nullptr;
-    XKJsonNodeStack m_stack;
-    std::size_t m_open = noContainer; // where on the stack the innermost open container stands
-    XKJsonShapes m_shapes;
-    std::vector<char16_t> m_unescaped; // in use for one string at a time
-    XKJsonText::Indent m_indent;
 };

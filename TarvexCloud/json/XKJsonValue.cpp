@@ -1,18 +1,21 @@
 #include "XKJsonValue.h"
 
-#include "XKJsonArena.h"
-#include "XKJsonContainer.h"
+#include "XKJsonCursor.h"
 #include "XKJsonMembers.h"
-#include "XKJsonObject.h"
+#include "XKJsonMemory.h"
 
+#include <algorithm>
+#include <bit>
 #include <stdexcept>
+#include <vector>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
 struct OwnedText final : XKJsonShared
 {
-    explicit OwnedText(const QString &string) : text(string) {}
-    void destroy() noexcept override { delete this; }
+    explicit OwnedText(const QString &string) : text(string.isNull() ? u""_s : string) {}
 
     const QString text;
 };
@@ -20,23 +23,98 @@ struct OwnedText final : XKJsonShared
 struct OwnedObject final : XKJsonShared
 {
     explicit OwnedObject(std::shared_ptr<const XKJsonObject> given) : object(std::move(given)) {}
-    void destroy() noexcept override { delete this; }
 
     const std::shared_ptr<const XKJsonObject> object;
 };
 
-XKJsonNode nodeOfText(XKJsonKind kind, const OwnedText &owned)
+bool isDecimal(QString text)
 {
-    return XKJsonNode(kind, reinterpret_cast<const char16_t *>(owned.text.constData()),
-                      static_cast<std::size_t>(owned.text.size()), XKJsonNode::NoFlag);
+    (void)text.utf16(); // makes sure that a zero stands behind it
+    XKJsonCursor c(text);
+    const char16_t *const start = c.place();
+    const bool begins = *c == u'-' || XKJsonScan::isDigit(*c);
+    return begins && !c.takeNumber().fault && c.textFrom(start).size() == text.size();
 }
 
 } // namespace
 
+/// An array or dictionary outside of any arena, which can be edited while nobody else holds it.
+class XKJsonContainer final : public XKJsonShared
+{
+public:
+    explicit XKJsonContainer(XKJsonKind kind, std::size_t items = 0) : m_kind(kind)
+    {
+        makeRoom(std::bit_ceil(std::max(items, fewestItems)));
+    }
+    explicit XKJsonContainer(const XKJsonValue &original)
+        : XKJsonContainer(original.kind(), original.m_node.itemCount())
+    {
+        for (std::size_t place = 0; place < original.m_node.itemCount(); ++place)
+            append(original.item(original.m_node.items[place]));
+        if (m_kind == XKJsonKind::Dictionary)
+            XKJsonMembers::index(m_items, length());
+    }
+    ~XKJsonContainer() override
+    {
+        for (XKJsonShared *const owner : m_owners)
+            if (owner)
+                owner->release();
+    }
+
+    XKJsonShared *ownerOf(const XKJsonNode &item) override { return m_owners[placeOf(item)]; }
+    /// As values hold it; an edit makes it another one.
+    XKJsonNode node() const { return XKJsonNode(m_kind, m_items, length()); }
+
+    void append(XKJsonValue item)
+    {
+        if (m_owners.size() == m_capacity)
+            makeRoom(2 * m_capacity);
+        m_items[m_owners.size()] = item.m_node;
+        m_owners.push_back(std::exchange(item.m_owner, nullptr));
+    }
+    void setValue(XKJsonValue key, XKJsonValue value)
+    {
+        if (const XKJsonNode *const found = XKJsonMembers::find(node(), key.m_node)) {
+            std::swap(m_items[placeOf(*found)], value.m_node);
+            std::swap(m_owners[placeOf(*found)], value.m_owner);
+            return;
+        }
+        const std::size_t members = length();
+        append(std::move(key));
+        append(std::move(value));
+        const bool sameIndex = XKJsonMembers::indexBytes(members) == XKJsonMembers::indexBytes(members + 1);
+        XKJsonMembers::index(m_items, members + 1, sameIndex ? members : 0);
+    }
+
+private:
+    bool isDictionary() const { return m_kind == XKJsonKind::Dictionary; }
+    std::size_t length() const { return isDictionary() ? m_owners.size() / 2 : m_owners.size(); }
+    std::size_t placeOf(const XKJsonNode &item) const { return static_cast<std::size_t>(&item - m_items); }
+
+    void makeRoom(std::size_t capacity)
+    {
+        const std::size_t indexBytes = isDictionary() ? XKJsonMembers::indexBytes(capacity / 2) : 0;
+        auto memory = std::make_unique<std::byte[]>(indexBytes + capacity * sizeof(XKJsonNode));
+        auto *const items = reinterpret_cast<XKJsonNode *>(memory.get() + indexBytes);
+        std::copy_n(m_items, m_owners.size(), items);
+        m_items = items;
+        m_memory = std::move(memory);
+        m_capacity = capacity;
+    }
+
+    static constexpr std::size_t fewestItems = 4;
+
+    XKJsonKind m_kind;
+    std::unique_ptr<std::byte[]> m_memory; // of a dictionary with room for its index in front of the items
+    XKJsonNode *m_items = nullptr;
+    std::size_t m_capacity = 0;           // in items
+    std::vector<XKJsonShared *> m_owners; // of the items
+};
+
 XKJsonValue::XKJsonValue(const QString &string)
 {
     auto *const owned = new OwnedText(string);
-    m_node = nodeOfText(XKJsonKind::String, *owned);
+    m_node = XKJsonNode(XKJsonKind::String, owned->text);
     m_owner = owned;
 }
 
@@ -52,178 +130,92 @@ XKJsonValue::~XKJsonValue()
         m_owner->release();
 }
 
-XKJsonValue XKJsonValue::null()
+XKJsonValue XKJsonValue::decimal(const QString &text)
 {
-    return XKJsonValue(XKJsonNode(XKJsonKind::Null), /*owner=*/nullptr);
-}
-
-XKJsonValue XKJsonValue::boolean(bool value)
-{
-    XKJsonNode node(XKJsonKind::Boolean);
-    node.boolean = value;
-    return XKJsonValue(node, /*owner=*/nullptr);
-}
-
-XKJsonValue XKJsonValue::integer(qint64 value)
-{
-    XKJsonNode node(XKJsonKind::Integer);
-    node.integer = value;
-    return XKJsonValue(node, /*owner=*/nullptr);
-}
-
-XKJsonValue XKJsonValue::real(double value)
-{
-    XKJsonNode node(XKJsonKind::Double);
-    node.real = value;
-    return XKJsonValue(node, /*owner=*/nullptr);
-}
-
-XKJsonValue XKJsonValue::decimal(const XKJsonDecimal &value)
-{
-    auto *const owned = new OwnedText(value.text());
-    return XKJsonValue(nodeOfText(XKJsonKind::Decimal, *owned), owned);
+    if (!isDecimal(text))
+        return {};
+    auto *const owned = new OwnedText(text);
+    return XKJsonValue(XKJsonNode(XKJsonKind::Decimal, owned->text), owned);
 }
 
 XKJsonValue XKJsonValue::array(std::initializer_list<XKJsonValue> elements)
 {
-    XKJsonValue array(XKJsonNode(XKJsonKind::Array), /*owner=*/nullptr);
-    XKJsonContainer &container = array.editable();
+    auto *const container = new XKJsonContainer(XKJsonKind::Array);
     for (const XKJsonValue &element : elements)
-        container.append(element);
-    return array;
+        container->append(element);
+    return XKJsonValue(container->node(), container);
 }
 
 XKJsonValue XKJsonValue::dictionary(std::initializer_list<Member> members)
 {
-    XKJsonValue dictionary(XKJsonNode(XKJsonKind::Dictionary), /*owner=*/nullptr);
-    XKJsonContainer &container = dictionary.editable();
+    auto *const container = new XKJsonContainer(XKJsonKind::Dictionary);
     for (const auto &[key, value] : members)
-        container.setValue(key, value);
-    return dictionary;
+        container->setValue(key, value);
+    return XKJsonValue(container->node(), container);
 }
 
 XKJsonValue XKJsonValue::object(std::shared_ptr<const XKJsonObject> object)
 {
     if (!object)
         return {};
-    XKJsonNode node(XKJsonKind::Object);
-    node.object = object.get();
+    const XKJsonNode node(object.get());
     return XKJsonValue(node, new OwnedObject(std::move(object)));
-}
-
-std::optional<XKJsonDecimal> XKJsonValue::toDecimal() const
-{
-    if (kind() != XKJsonKind::Decimal)
-        return std::nullopt;
-    return XKJsonDecimal(m_node.view().toString());
-}
-
-QString XKJsonValue::toString() const
-{
-    return stringView().toString();
-}
-
-QStringView XKJsonValue::stringView() const
-{
-    return kind() == XKJsonKind::String ? m_node.view() : QStringView();
-}
-
-std::size_t XKJsonValue::count() const
-{
-    if (!isContainer())
-        return 0;
-    return m_node.is(XKJsonNode::Editable) ? m_node.container->count() : m_node.length();
-}
-
-XKJsonValue XKJsonValue::at(std::size_t index) const
-{
-    return item(placeOf(index));
 }
 
 XKJsonValue XKJsonValue::keyAt(std::size_t index) const
 {
-    const std::size_t place = placeOf(index);
-    return kind() == XKJsonKind::Dictionary ? item(place - 1) : XKJsonValue();
+    const XKJsonNode *const found = &itemAt(index);
+    return kind() == XKJsonKind::Dictionary ? item(found[-1]) : XKJsonValue();
 }
 
 XKJsonValue XKJsonValue::value(QStringView key) const
 {
     if (kind() != XKJsonKind::Dictionary)
         return {};
-    if (m_node.is(XKJsonNode::Editable)) {
-        const XKJsonNode node(XKJsonKind::String, key.utf16(), static_cast<std::size_t>(key.size()),
-                              XKJsonNode::NoFlag);
-        const std::size_t place = m_node.container->placeOfValue(node);
-        return place < m_node.container->items().size() ? m_node.container->items()[place] : XKJsonValue();
-    }
-    const XKJsonNode *const found = XKJsonMembers::find(m_node, key);
-    return found ? item(static_cast<std::size_t>(found - m_node.items)) : XKJsonValue();
-}
-
-XKJsonValue XKJsonValue::valueForKey(const XKJsonValue &key) const
-{
-    if (key.kind() == XKJsonKind::String)
-        return value(key.stringView());
-    if (kind() != XKJsonKind::Dictionary || !m_node.is(XKJsonNode::Editable))
-        return {}; // what was parsed has no other keys than strings
-    const std::size_t place = m_node.container->placeOfValue(key.m_node);
-    return place < m_node.container->items().size() ? m_node.container->items()[place] : XKJsonValue();
+    const XKJsonNode *const found = XKJsonMembers::find(m_node, XKJsonNode(XKJsonKind::String, key));
+    return found ? item(*found) : XKJsonValue();
 }
 
 void XKJsonValue::append(XKJsonValue element)
 {
-    if (kind() == XKJsonKind::Array)
-        editable().append(std::move(element));
+    if (kind() != XKJsonKind::Array)
+        return;
+    XKJsonContainer &container = editable();
+    container.append(std::move(element));
+    m_node = container.node();
 }
 
 void XKJsonValue::setValue(XKJsonValue key, XKJsonValue value)
 {
-    if (kind() == XKJsonKind::Dictionary)
-        editable().setValue(std::move(key), std::move(value));
+    if (kind() != XKJsonKind::Dictionary)
+        return;
+    XKJsonContainer &container = editable();
+    container.setValue(std::move(key), std::move(value));
+    m_node = container.node();
 }
 
-void XKJsonValue::replaceAt(std::size_t index, XKJsonValue value)
+XKJsonValue XKJsonValue::item(const XKJsonNode &node) const
 {
-    const std::size_t place = placeOf(index);
-    editable().replace(place, std::move(value));
+    XKJsonShared *const owner = m_owner->ownerOf(node);
+    if (owner)
+        owner->retain();
+    return XKJsonValue(node, owner);
 }
 
-void XKJsonValue::removeAt(std::size_t index)
-{
-    (void)placeOf(index);
-    editable().remove(index);
-}
-
-XKJsonValue XKJsonValue::item(std::size_t place) const
-{
-    if (m_node.is(XKJsonNode::Editable))
-        return m_node.container->items()[place];
-    m_owner->retain();
-    return XKJsonValue(m_node.items[place], m_owner);
-}
-
-std::size_t XKJsonValue::placeOf(std::size_t index) const
+const XKJsonNode &XKJsonValue::itemAt(std::size_t index) const
 {
     if (index >= count())
         throw std::out_of_range("no such element");
-    return kind() == XKJsonKind::Dictionary ? 2 * index + 1 : index;
+    return m_node.items[kind() == XKJsonKind::Dictionary ? 2 * index + 1 : index];
 }
 
+// Somebody else may hold the container, or it is part of a tree that was read: then a copy of it is edited.
 XKJsonContainer &XKJsonValue::editable()
 {
-    if (m_node.is(XKJsonNode::Editable) && m_owner->isHeldOnce())
-        return static_cast<XKJsonContainer &>(*m_owner);
-    auto *const container = new XKJsonContainer(kind());
-    XKJsonNode node(kind(), /*length=*/0, XKJsonNode::Editable);
-    node.container = container;
-    XKJsonValue own(node, container);
-    const std::size_t items = kind() == XKJsonKind::Dictionary ? 2 * count() : count();
-    for (std::size_t place = 0; place < items; ++place) {
-        if (kind() == XKJsonKind::Array)
-            container->append(item(place));
-        else if (place % 2 == 1)
-            container->setValue(item(place - 1), item(place));
+    auto *container = m_owner->isHeldOnce() ? dynamic_cast<XKJsonContainer *>(m_owner) : nullptr;
+    if (!container) {
+        container = new XKJsonContainer(*this);
+        *this = XKJsonValue(container->node(), container);
     }
-    *this = std::move(own);
     return *container;
 }

@@ -1,45 +1,12 @@
 #include "XKJsonWriter.h"
 
-#include "XKJsonContainer.h"
-#include "XKJsonObject.h"
+#include "NSObject+XKJSON.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
 using Code = XKJsonErrorCode;
-
-/// What a container holds, wherever it lives.
-struct XKJsonWriter::Items
-{
-    explicit Items(const XKJsonNode &container) : isDictionary(container.kind() == XKJsonKind::Dictionary)
-    {
-        static_assert(std::is_standard_layout_v<XKJsonValue>); // a value begins with its node
-        if (container.is(XKJsonNode::Editable)) {
-            const XKJsonContainer &editable = *container.container;
-            itemSize = sizeof(XKJsonValue);
-            count = editable.count();
-            first = count ? &editable.node(0) : nullptr;
-        } else {
-            count = container.length();
-            first = container.items;
-        }
-    }
-    /// Of a dictionary the keys have even places, and each value is at the next one.
-    const XKJsonNode &at(std::size_t place) const { return *after(first, place); }
-    const XKJsonNode *after(const XKJsonNode *item, std::size_t places) const
-    {
-        return reinterpret_cast<const XKJsonNode *>(reinterpret_cast<const std::byte *>(item) +
-                                                    places * itemSize);
-    }
-
-    bool isDictionary;
-    std::size_t itemSize = sizeof(XKJsonNode); // in bytes
-    std::size_t count = 0;                     // elements or members
-    const XKJsonNode *first = nullptr;
-};
 
 namespace {
 
@@ -52,7 +19,34 @@ bool comesBefore(const XKJsonNode *key, const XKJsonNode *other)
     return key->view().compare(other->view()) < 0;
 }
 
+std::unique_ptr<const XKJsonNode *[]> sortedKeysOf(const XKJsonNode &dictionary) {
+    auto keys = std::make_unique<const XKJsonNode *[]>(dictionary.length());
+    for (std::size_t i = 0; i < dictionary.length(); ++i)
+        keys[i] = dictionary.items + 2 * i;
+    std::sort(keys.get(), keys.get() + dictionary.length(), comesBefore);
+    return keys;
+}
+
+bool isInfinite(QStringView decimal)
+{
+    constexpr qsizetype surelyFinite = 300; // so many digits are less than the largest double
+    const auto isE = [](QChar unit) { return unit == u'e' || unit == u'E'; };
+    if (decimal.size() < surelyFinite && std::none_of(decimal.begin(), decimal.end(), isE))
+        return false;
+    return std::isinf(decimal.toDouble());
+}
+
 } // namespace
+
+QString NSObject_XKJSON::JSONRepresentation(const XKJsonValue &object)
+{
+    XKJsonWriter writer;
+    QString text = writer.stringWithObject(object);
+    if (text.isNull())
+        qCWarning(xkJson).noquote() << "-JSONRepresentation failed. Error trace is:"
+                                    << writer.errorTraceDescription();
+    return text;
+}
 
 QString XKJsonWriter::stringWithObject(const XKJsonValue &object, XKJsonError *error)
 {
@@ -71,7 +65,9 @@ QString XKJsonWriter::stringWithObject(const XKJsonValue &object, XKJsonError *e
             break;
         value = *proxy;
     }
-    leaveProxies(m_proxies.size());
+    m_frames.clear();
+    m_proxies.clear();
+    m_proxied.clear();
     for (; text.isNull() && calls > 0; --calls)
         addErrorWithCode(Code::Fragment, u"Not valid type for JSON"_s);
     if (error && text.isNull())
@@ -79,312 +75,176 @@ QString XKJsonWriter::stringWithObject(const XKJsonValue &object, XKJsonError *e
     return text;
 }
 
-Q_ALWAYS_INLINE XKJsonWriter::Step XKJsonWriter::appendArray(const XKJsonNode &array, XKJsonOutput &into,
-                                                             char16_t *&end)
+inline const XKJsonNode *XKJsonWriter::Frame::keyAt(std::size_t index) const
+{
+    return sortedKeys ? sortedKeys[index] : container.items + 2 * index;
+}
+
+Q_ALWAYS_INLINE bool XKJsonWriter::appendContainer(const XKJsonNode &container, XKJsonOutput &into)
 {
     if (!enterContainer())
-        return Step::Failed;
-    m_frames.push_back({&array, 0});
-    into.reserve(end, /*units=*/1);
-    *end++ = u'[';
-    return Step::Opened;
+        return false;
+    const bool isDictionary = container.kind() == XKJsonKind::Dictionary;
+    into.put(isDictionary ? u'{' : u'[');
+    m_frames.push_back({container, 0, m_sortKeys && isDictionary ? sortedKeysOf(container) : nullptr});
+    return true;
 }
 
-Q_ALWAYS_INLINE XKJsonWriter::Step XKJsonWriter::appendDictionary(const XKJsonNode &dictionary,
-                                                                  XKJsonOutput &into, char16_t *&end)
-{
-    if (!enterContainer())
-        return Step::Failed;
-    m_frames.push_back({&dictionary, 0});
-    if (m_isSorting)
-        pushSortedKeys(Items(dictionary));
-    into.reserve(end, /*units=*/1);
-    *end++ = u'{';
-    return Step::Opened;
-}
-
-Q_ALWAYS_INLINE XKJsonWriter::Step XKJsonWriter::appendString(const XKJsonNode &string, XKJsonOutput &into,
-                                                              char16_t *&end)
-{
-    const std::size_t length = string.length();
-    into.reserve(end, length + 2);
-    *end++ = u'"';
-    if (string.is(XKJsonNode::Plain)) {
-        end = XKJsonOutput::put(end, string.text, length);
-    } else {
-        end = into.putEscaped(end, string.text, length);
-        into.reserve(end, /*units=*/1);
-    }
-    *end++ = u'"';
-    return Step::Appended;
-}
-
-Q_ALWAYS_INLINE XKJsonWriter::Step XKJsonWriter::appendValue(const XKJsonNode &value, XKJsonOutput &into,
-                                                             char16_t *&end)
+Q_ALWAYS_INLINE bool XKJsonWriter::appendValue(const XKJsonNode &value, XKJsonOutput &into)
 {
     switch (value.kind()) {
     case XKJsonKind::Dictionary:
-        return appendDictionary(value, into, end);
     case XKJsonKind::Array:
-        return appendArray(value, into, end);
+        return appendContainer(value, into);
     case XKJsonKind::String:
-        return appendString(value, into, end);
+        into.putString(value.view());
+        return true;
     case XKJsonKind::Boolean:
-        into.reserve(end, /*units=*/5);
-        end = value.boolean ? XKJsonOutput::put(end, u"true") : XKJsonOutput::put(end, u"false");
-        return Step::Appended;
+        into.put(value.integer ? QStringView(u"true") : QStringView(u"false"));
+        return true;
     case XKJsonKind::Integer:
-        into.reserve(end, /*units=*/20);
-        end = XKJsonOutput::putInteger(end, value.integer);
-        return Step::Appended;
+        into.putInteger(value.integer);
+        return true;
     case XKJsonKind::Decimal:
-        if (!value.is(XKJsonNode::Plain) && std::isinf(value.view().toDouble()))
+        if (isInfinite(value.view()))
             return refuse(u"Infinity is not a valid number in JSON"_s);
-        into.reserve(end, value.length());
-        end = XKJsonOutput::put(end, value.text, value.length());
-        return Step::Appended;
+        into.put(value.view());
+        return true;
     case XKJsonKind::Double:
-        return appendDouble(value.real, into, end);
+        if (!std::isfinite(value.real))
+            return refuse(std::isnan(value.real) ? u"NaN is not a valid number in JSON"_s
+                                                 : u"Infinity is not a valid number in JSON"_s);
+        into.putReal(value.real);
+        return true;
     case XKJsonKind::Null:
-        into.reserve(end, /*units=*/4);
-        end = XKJsonOutput::put(end, u"null");
-        return Step::Appended;
-    case XKJsonKind::Object: {
-        into.commit(end);
-        const Step step = appendObject(*value.object, into);
-        end = into.end();
-        return step;
-    }
+        into.put(u"null");
+        return true;
+    case XKJsonKind::Object:
+        return appendObject(*value.object, into);
     case XKJsonKind::None:
         break;
     }
     return refuseClass(u"(null)"_s);
 }
 
-XKJsonWriter::Step XKJsonWriter::appendDouble(double real, XKJsonOutput &into, char16_t *&end)
-{
-    if (std::isnan(real))
-        return refuse(u"NaN is not a valid number in JSON"_s);
-    if (std::isinf(real))
-        return refuse(u"Infinity is not a valid number in JSON"_s);
-    std::array<char, 32> digits; // the shortest form takes 24 at most
-    const char *const digitsEnd = std::to_chars(digits.data(), digits.data() + digits.size(), real).ptr;
-    into.reserve(end, digits.size());
-    end = std::copy(std::as_const(digits).data(), digitsEnd, end);
-    return Step::Appended;
-}
-
 // A chain of objects, each the proxy of the one before, is followed in a loop, whatever its length. What
 // becomes of a proxy does not count: only an object that offers none is a failure.
-XKJsonWriter::Step XKJsonWriter::appendObject(const XKJsonObject &object, XKJsonOutput &into)
+bool XKJsonWriter::appendObject(const XKJsonObject &object, XKJsonOutput &into)
 {
     std::optional<XKJsonValue> proxy = object.proxyForJson();
     if (!proxy)
         return refuseClass(object.className());
-    const std::size_t proxiesBefore = m_proxies.size();
-    const XKJsonObject *offering = &object;
-    while (proxy && enterProxy(*offering, *proxy)) {
+    for (const XKJsonObject *offering = &object; enterProxy(*offering, *proxy);) {
         offering = proxy->toObject();
-        if (!offering)
-            return appendProxy(m_proxies.size() - proxiesBefore, into);
+        if (!offering) {
+            appendValue(proxy->m_node, into);
+            break;
+        }
         proxy = offering->proxyForJson();
-        if (!proxy)
+        if (!proxy) {
             refuseClass(offering->className());
+            break;
+        }
     }
-    leaveProxies(m_proxies.size() - proxiesBefore);
-    return Step::Appended;
+    leaveProxies();
+    return true;
 }
 
-XKJsonWriter::Step XKJsonWriter::appendProxy(std::size_t chain, XKJsonOutput &into)
-{
-    if (appendAnyValue(m_proxies.back().second.m_node, into) == Step::Opened) {
-        m_proxyFrames.push_back({m_frames.size() - 1, chain});
-        return Step::Opened;
-    }
-    leaveProxies(chain);
-    return Step::Appended;
-}
-
-void XKJsonWriter::pushSortedKeys(const Items &members)
-{
-    const std::size_t before = m_sorted.size();
-    for (std::size_t i = 0; i < members.count; ++i)
-        m_sorted.push_back(&members.at(2 * i));
-    std::sort(m_sorted.begin() + static_cast<std::ptrdiff_t>(before), m_sorted.end(), comesBefore);
-}
-
-inline const XKJsonNode &XKJsonWriter::keyAt(const Items &members, std::size_t index) const
-{
-    return m_isSorting ? *m_sorted[m_sorted.size() - members.count + index] : members.at(2 * index);
-}
-
-inline void XKJsonWriter::leave()
-{
-    if (m_isSorting) {
-        const Items items(*m_frames.back().container);
-        m_sorted.resize(m_sorted.size() - (items.isDictionary ? items.count : 0));
-    }
-    m_frames.pop_back();
-    if (!m_proxyFrames.empty() && m_proxyFrames.back().frame == m_frames.size()) {
-        leaveProxies(m_proxyFrames.back().chain);
-        m_proxyFrames.pop_back();
-    }
-}
-
-inline void XKJsonWriter::close(char16_t bracket, XKJsonOutput &into, char16_t *&end)
-{
-    leaveContainer();
-    const std::size_t spaces = spacesOfIndent();
-    into.reserve(end, spaces + 2);
-    if (m_humanReadable && m_frames.back().done > 0)
-        end = XKJsonOutput::putLine(end, spaces);
-    *end++ = bracket;
-    leave();
-}
-
-Q_ALWAYS_INLINE XKJsonWriter::Step XKJsonWriter::appendMember(const XKJsonNode &key, const XKJsonNode &value,
-                                                              XKJsonOutput &into, char16_t *&end)
+inline bool XKJsonWriter::appendKey(const XKJsonNode &key, XKJsonOutput &into)
 {
     if (key.kind() != XKJsonKind::String)
         return refuse(u"JSON object key must be string"_s);
-    appendString(key, into, end);
-    into.reserve(end, /*units=*/3);
-    end = m_humanReadable ? XKJsonOutput::put(end, u" : ") : XKJsonOutput::put(end, u":");
-    const Step step = appendValue(value, into, end);
-    if (step == Step::Failed)
-        refuseMember(key);
-    return step;
+    into.putString(key.view());
+    m_humanReadable ? into.put(u" : ") : into.put(u':');
+    return true;
 }
 
-Q_ALWAYS_INLINE void XKJsonWriter::appendSeparator(bool isFirst, XKJsonOutput &into, char16_t *&end)
+inline void XKJsonWriter::close(XKJsonOutput &into)
 {
-    const std::size_t spaces = spacesOfIndent();
-    into.reserve(end, spaces + 2);
-    if (!isFirst)
-        *end++ = u',';
+    const XKJsonNode container = m_frames.back().container;
+    leaveContainer();
+    if (m_humanReadable && container.length() > 0)
+        into.putLine(spacesOfIndent());
+    into.put(container.kind() == XKJsonKind::Dictionary ? u'}' : u']');
+    m_frames.pop_back();
+    if (!m_proxies.empty())
+        leaveProxies();
+}
+
+Q_ALWAYS_INLINE bool XKJsonWriter::appendItem(XKJsonOutput &into)
+{
+    Frame &frame = m_frames.back();
+    if (frame.done == frame.container.length()) {
+        close(into);
+        return true;
+    }
+    const std::size_t index = frame.done++;
+    if (index > 0)
+        into.put(u',');
     if (m_humanReadable)
-        end = XKJsonOutput::putLine(end, spaces);
+        into.putLine(spacesOfIndent()); // which a proxy that failed may have deepened
+    if (frame.container.kind() == XKJsonKind::Array)
+        return appendValue(frame.container.items[index], into);
+    const XKJsonNode *const key = frame.keyAt(index);
+    return appendKey(*key, into) && (appendValue(key[1], into) || refuseMember(*key));
 }
 
-XKJsonWriter::Step XKJsonWriter::appendElements(XKJsonOutput &into)
+QString XKJsonWriter::textOf(const XKJsonValue &container)
 {
-    Frame &frame = m_frames.back();
-    const Items elements(*frame.container);
-    char16_t *end = into.end();
-    Step step = Step::Appended;
-    while (step == Step::Appended && frame.done < elements.count) {
-        appendSeparator(frame.done == 0, into, end);
-        const XKJsonNode &element = elements.at(frame.done++);
-        step = appendValue(element, into, end); // which may move the frame, if it opens another
-    }
-    if (step == Step::Appended)
-        close(u']', into, end);
-    into.commit(end);
-    return step;
+    XKJsonOutput into;
+    resetDepth();
+    bool isAppended = appendContainer(container.m_node, into);
+    while (isAppended && !m_frames.empty())
+        isAppended = appendItem(into) || goOnBehindProxy();
+    return isAppended ? into.take() : QString();
 }
 
-XKJsonWriter::Step XKJsonWriter::appendMembers(XKJsonOutput &into)
+bool XKJsonWriter::enterProxy(const XKJsonObject &object, const XKJsonValue &value)
 {
-    Frame &frame = m_frames.back();
-    const Items members(*frame.container);
-    char16_t *end = into.end();
-    Step step = Step::Appended;
-    while (step == Step::Appended && frame.done < members.count) {
-        appendSeparator(frame.done == 0, into, end);
-        const XKJsonNode &key = keyAt(members, frame.done++);
-        step = appendMember(key, *members.after(&key, /*places=*/1), into, end);
+    constexpr std::size_t mostProxies = 10'000; // inside each other: objects made anew each time have no end
+    if ((maxDepth() > 0 && m_proxies.size() == mostProxies) || !m_proxied.insert(&object).second) {
+        addErrorWithCode(Code::Depth, u"Nested too deep"_s);
+        return false;
     }
-    if (step == Step::Appended)
-        close(u'}', into, end);
-    into.commit(end);
-    return step;
+    m_proxies.push_back({&object, value, m_frames.size()});
+    return true;
+}
+
+// Leaves those that were met directly in the container that is now the innermost. False if there are none.
+bool XKJsonWriter::leaveProxies()
+{
+    const std::size_t before = m_proxies.size();
+    for (; !m_proxies.empty() && m_proxies.back().frames == m_frames.size(); m_proxies.pop_back())
+        m_proxied.erase(m_proxies.back().object);
+    return m_proxies.size() < before;
 }
 
 // After a failure in the innermost open container: gives up all containers out to the one that a proxy led
 // to, itself included. False if there is none.
 bool XKJsonWriter::goOnBehindProxy()
 {
-    for (;;) {
-        const bool isOfProxy = !m_proxyFrames.empty() && m_proxyFrames.back().frame + 1 == m_frames.size();
-        leave();
-        if (isOfProxy)
+    for (m_frames.pop_back(); !m_frames.empty(); m_frames.pop_back()) {
+        if (leaveProxies())
             return true;
-        if (m_frames.empty())
-            return false;
-        const Items items(*m_frames.back().container);
-        if (items.isDictionary)
-            refuseMember(keyAt(items, m_frames.back().done - 1));
+        const Frame &around = m_frames.back();
+        if (around.container.kind() == XKJsonKind::Dictionary)
+            refuseMember(*around.keyAt(around.done - 1));
     }
+    return false;
 }
 
-bool XKJsonWriter::enterProxy(const XKJsonObject &object, const XKJsonValue &proxy)
-{
-    constexpr std::size_t mostProxies = 10'000; // inside each other: objects made anew each time have no end
-    if (m_proxies.size() == mostProxies || !m_proxied.insert(&object).second) {
-        addErrorWithCode(Code::Depth, u"Nested too deep"_s);
-        return false;
-    }
-    m_proxies.emplace_back(&object, proxy);
-    return true;
-}
-
-void XKJsonWriter::leaveProxies(std::size_t count)
-{
-    for (; count > 0; --count) {
-        m_proxied.erase(m_proxies.back().first);
-        m_proxies.pop_back();
-    }
-}
-
-XKJsonWriter::Step XKJsonWriter::refuse(const QString &description)
+bool XKJsonWriter::refuse(const QString &description)
 {
     addErrorWithCode(Code::Unsupported, description);
-    return Step::Failed;
+    return false;
 }
 
-XKJsonWriter::Step XKJsonWriter::refuseClass(const QString &className)
+bool XKJsonWriter::refuseClass(const QString &className)
 {
     return refuse("JSON serialisation not supported for %1"_L1.arg(className));
 }
 
-void XKJsonWriter::refuseMember(const XKJsonNode &key)
+bool XKJsonWriter::refuseMember(const XKJsonNode &key)
 {
-    refuse("Unsupported value for key %1 in object"_L1.arg(key.view()));
-}
-
-QString XKJsonWriter::indent() const
-{
-    return u'\n' + QString(static_cast<qsizetype>(spacesOfIndent()), u' ');
-}
-
-XKJsonWriter::Step XKJsonWriter::appendAnyValue(const XKJsonNode &value, XKJsonOutput &into)
-{
-    char16_t *end = into.end();
-    const Step step = appendValue(value, into, end);
-    into.commit(end);
-    return step;
-}
-
-QString XKJsonWriter::textOf(const XKJsonValue &container)
-{
-    XKJsonOutput output;
-    resetDepth();
-    m_frames.clear();
-    m_sorted.clear();
-    m_proxyFrames.clear();
-    m_isSorting = m_sortKeys;
-    if (appendAnyValue(container.m_node, output) == Step::Failed || !appendOpenContainers(output))
-        return {};
-    return output.take();
-}
-
-bool XKJsonWriter::appendOpenContainers(XKJsonOutput &into)
-{
-    while (!m_frames.empty()) {
-        const bool isDictionary = m_frames.back().container->kind() == XKJsonKind::Dictionary;
-        const Step step = isDictionary ? appendMembers(into) : appendElements(into);
-        if (step == Step::Failed && !goOnBehindProxy())
-            return false;
-    }
-    return true;
+    return refuse("Unsupported value for key %1 in object"_L1.arg(key.view()));
 }

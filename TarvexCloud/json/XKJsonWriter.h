@@ -4,16 +4,18 @@
 #include "XKJsonOutput.h"
 #include "XKJsonValue.h"
 
-#include <list>
+#include <memory>
 #include <unordered_set>
 #include <vector>
 
 /// Turns a tree into JSON text. A dictionary or an array must stand at the top. Nesting costs heap, never
 /// machine stack.
 ///
-/// An object is written as the proxy it offers. A proxy that cannot be written leaves its errors in the
-/// trace and what it had written so far in the text, yet the writing goes on; one that leads back to an
-/// object being written counts as nested too deep.
+/// An object is written as the proxy it offers. Odd, and kept on purpose: a proxy that cannot be written
+/// leaves its errors in the trace and what it had written so far in the text, yet the writing goes on. One
+/// that leads back to an object being written counts as nested too deep, and so do ten thousand objects
+/// inside each other, unless nesting has no limit: then whatever has an end is written in full, and objects
+/// that make ever new ones have none.
 class XKJsonWriter : public XKJsonBase
 {
 public:
@@ -30,61 +32,47 @@ public:
     void setSortKeys(bool sortKeys) { m_sortKeys = sortKeys; }
 
     /// The line break at the current depth.
-    QString indent() const;
+    QString indent() const { return u'\n' + QString(spacesOfIndent(), u' '); }
 
 private:
-    enum class Step { Failed, Appended, Opened };
-
     // A container being written. Small, since there is one for each level of nesting.
     struct Frame
     {
-        const XKJsonNode *container;
-        std::size_t done; // elements or members, the one being written included
+        const XKJsonNode *keyAt(std::size_t index) const;
+
+        XKJsonNode container;
+        std::size_t done = 0; // elements or members, the one being written included
+        std::unique_ptr<const XKJsonNode *[]> sortedKeys; // if they are to be sorted
     };
-    // The way to a container that proxies led to.
-    struct ProxyFrame
+    // An object being written as what it offers.
+    struct Proxy
     {
-        std::size_t frame; // of that container
-        std::size_t chain; // proxies, each of the one before
+        const XKJsonObject *object;
+        XKJsonValue value;
+        std::size_t frames; // that were open around it
     };
-    struct Items;
 
     QString textOf(const XKJsonValue &container);
-    bool appendOpenContainers(XKJsonOutput &into);
-    // These two go on with the innermost open container: to its end, or to where another opens inside it.
-    Step appendElements(XKJsonOutput &into);
-    Step appendMembers(XKJsonOutput &into);
+    // Each of these writes a value, or opens the container.
+    bool appendValue(const XKJsonNode &value, XKJsonOutput &into);
+    bool appendContainer(const XKJsonNode &container, XKJsonOutput &into);
+    bool appendObject(const XKJsonObject &object, XKJsonOutput &into);
+    /// Goes on in the innermost open container: writes its next item, or closes it.
+    bool appendItem(XKJsonOutput &into);
+    bool appendKey(const XKJsonNode &key, XKJsonOutput &into);
+    void close(XKJsonOutput &into);
 
-    // What takes the text's end as an argument does so for it to stay in a register of these two.
-    Step appendMember(const XKJsonNode &key, const XKJsonNode &value, XKJsonOutput &into, char16_t *&end);
-    Step appendValue(const XKJsonNode &value, XKJsonOutput &into, char16_t *&end);
-    Step appendArray(const XKJsonNode &array, XKJsonOutput &into, char16_t *&end);
-    Step appendDictionary(const XKJsonNode &dictionary, XKJsonOutput &into, char16_t *&end);
-    Step appendString(const XKJsonNode &string, XKJsonOutput &into, char16_t *&end);
-    Step appendDouble(double real, XKJsonOutput &into, char16_t *&end);
-    void appendSeparator(bool isFirst, XKJsonOutput &into, char16_t *&end);
-    Step appendAnyValue(const XKJsonNode &value, XKJsonOutput &into);
-    Step appendObject(const XKJsonObject &object, XKJsonOutput &into);
-    Step appendProxy(std::size_t chain, XKJsonOutput &into);
-
-    void close(char16_t bracket, XKJsonOutput &into, char16_t *&end);
-    void leave();
-    void pushSortedKeys(const Items &members);
-    const XKJsonNode &keyAt(const Items &members, std::size_t index) const;
+    bool enterProxy(const XKJsonObject &object, const XKJsonValue &value);
+    bool leaveProxies();
     bool goOnBehindProxy();
-    bool enterProxy(const XKJsonObject &object, const XKJsonValue &proxy);
-    void leaveProxies(std::size_t count);
-    std::size_t spacesOfIndent() const { return depth() > 0 ? 2 * static_cast<std::size_t>(depth()) : 0; }
-    Step refuse(const QString &description);
-    Step refuseClass(const QString &className);
-    void refuseMember(const XKJsonNode &key);
+    qsizetype spacesOfIndent() const { return depth() > 0 ? 2 * static_cast<qsizetype>(depth()) : 0; }
+    bool refuse(const QString &description);
+    bool refuseClass(const QString &className);
+    bool refuseMember(const XKJsonNode &key);
 
     bool m_humanReadable = false;
     bool m_sortKeys = false;
-    bool m_isSorting = false; // as m_sortKeys was when the writing began
     std::vector<Frame> m_frames;
-    std::vector<const XKJsonNode *> m_sorted; // keys of all open dictionaries, the innermost's last
-    std::list<std::pair<const XKJsonObject *, XKJsonValue>> m_proxies; // being written; frames point at them
-    std::unordered_set<const XKJsonObject *> m_proxied;                // the objects of these
-    std::vector<ProxyFrame> m_proxyFrames;
+    std::vector<Proxy> m_proxies;                       // of objects inside each other
+    std::unordered_set<const XKJsonObject *> m_proxied; // these objects
 };

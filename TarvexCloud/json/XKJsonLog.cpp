@@ -1,3 +1,0 @@
-#include "XKJsonLog.h"
-
-Q_LOGGING_CATEGORY(xkJson, "tarvex.json")

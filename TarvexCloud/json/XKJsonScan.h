@@ -1,0 +1,79 @@
+#pragma once
+
+#include <array>
+#include <bit>
+#include <cstring>
+#include <QtGlobal>
+
+/// How far units of one kind reach in UTF-16 text. What tells a kind takes one unit, or eight of them for as
+/// many answers; compilers make vector instructions of these, where there are any.
+namespace XKJsonScan {
+
+using Eight = quint16 __attribute__((vector_size(16)));
+static_assert(std::endian::native == std::endian::little, "countOf() counts from the lowest bit");
+
+constexpr quint16 blank = u' ', quote = u'"', backslash = u'\\';
+constexpr quint16 tab = u'\t', carriageReturn = u'\r';
+constexpr quint16 zero = u'0', nine = u'9';
+
+constexpr auto isBlank = [](auto unit) { return unit == blank; };
+
+constexpr auto isSpace = [](auto unit) {
+    return (unit == blank) | ((unit >= tab) & (unit <= carriageReturn));
+};
+
+constexpr auto isDigit = [](auto unit) { return (unit >= zero) & (unit <= nine); };
+
+constexpr auto isHighSurrogate = [](auto unit) { return (unit & 0xFC00) == 0xD800; };
+
+constexpr auto isLowSurrogate = [](auto unit) { return (unit & 0xFC00) == 0xDC00; };
+
+/// Whether a unit needs no escape: no quote, backslash or control character, so no zero.
+constexpr auto isPlain = [](auto unit) { return (unit >= blank) & (unit != quote) & (unit != backslash); };
+
+/// The same, and no surrogate.
+constexpr auto isText = [](auto unit) { return isPlain(unit) & ((unit & 0xF800) != 0xD800); };
+
+inline Eight eightAt(const char16_t *c)
+{
+    Eight units;
+    std::memcpy(&units, c, sizeof(units));
+    return units;
+}
+
+/// How many of eight units are of a kind before the first of another.
+template<typename Answers>
+qptrdiff countOf(Answers answers)
+{
+    const auto halves = std::bit_cast<std::array<quint64, 2>>(answers); // sixteen bits for each unit
+    const int first = std::countr_one(halves[0]);
+    return (first < 64 ? first : 64 + std::countr_one(halves[1])) / 16;
+}
+
+/// The first unit of another kind, or the end.
+template<typename Kind>
+const char16_t *after(Kind isOfKind, const char16_t *c, const char16_t *end)
+{
+    for (; end - c >= 8; c += 8)
+        if (const qptrdiff count = countOf(isOfKind(eightAt(c))); count < 8)
+            return c + count;
+    while (c != end && isOfKind(*c))
+        ++c;
+    return c;
+}
+
+/// Copies what is in front of that unit, and gives it. There must be room for all up to the end.
+template<typename Kind>
+const char16_t *copy(Kind isOfKind, const char16_t *c, const char16_t *end, char16_t *&to)
+{
+    for (qptrdiff count = 8; end - c >= 8 && count == 8; c += count, to += count) {
+        const Eight units = eightAt(c);
+        std::memcpy(to, &units, sizeof(units));
+        count = countOf(isOfKind(units));
+    }
+    while (c != end && isOfKind(*c))
+        *to++ = *c++;
+    return c;
+}
+
+} // namespace XKJsonScan
