@@ -1,6 +1,5 @@
 #include "XKJsonBase.h"
 
-#include <algorithm>
 #include <QStringList>
 #include <utility>
 
@@ -40,8 +39,7 @@ std::optional<XKJsonErrorList> XKJsonBase::errorTrace() const
         return std::nullopt;
     XKJsonErrorList trace;
     for (; !error.isNone(); error = error.underlyingError())
-        trace.append(error);
-    std::reverse(trace.begin(), trace.end());
+        trace.prepend(error);
     return trace;
 }
 

@@ -36,13 +36,9 @@ private:
     XKJsonShared *m_nextToDestroy = nullptr;
 };
 
-/// Asks the system to back an allocation with large pages, if it is worth that: much of what a large text
-/// costs would otherwise be the system handing out one small page after another.
-void preferLargePages(void *memory, std::size_t bytes);
-
 /// The memory of one parsed tree, given back as a whole. The text is part of it: strings without escapes
 /// and decimals point into it.
-class XKJsonArena final : public XKJsonShared, private std::pmr::memory_resource
+class XKJsonArena final : public XKJsonShared
 {
 public:
     explicit XKJsonArena(const QString &text);
@@ -53,11 +49,6 @@ public:
     void *allocate(std::size_t bytes) { return m_memory.allocate(bytes, alignof(XKJsonNode)); }
 
 private:
-    // Where the memory comes from, as far as the first of it does not do.
-    void *do_allocate(std::size_t bytes, std::size_t alignment) override;
-    void do_deallocate(void *memory, std::size_t bytes, std::size_t alignment) override;
-    bool do_is_equal(const memory_resource &other) const noexcept override { return this == &other; }
-
     QString m_text;
     std::array<std::byte, 512> m_first; // so that an answer of a few fields takes one allocation
     std::pmr::monotonic_buffer_resource m_memory;

@@ -1,15 +1,7 @@
 #include "XKJsonOutput.h"
 
-#include "XKJsonMemory.h"
-
 #include <array>
 #include <charconv>
-
-QString XKJsonOutput::take()
-{
-    m_text.truncate(used());
-    return std::move(m_text);
-}
 
 void XKJsonOutput::putReal(double real)
 {
@@ -38,7 +30,6 @@ void XKJsonOutput::makeRoom(qsizetype units)
     const qsizetype before = used();
     m_text.resize(std::max(m_text.size() + m_text.size() / 2, before + units));
     m_text.resize(m_text.capacity());
-    preferLargePages(m_text.data(), static_cast<std::size_t>(m_text.size()) * sizeof(QChar));
     auto *const begin = reinterpret_cast<char16_t *>(m_text.data());
     m_end = begin + before;
     m_limit = begin + m_text.size();

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <limits>
 #include <QString>
+#include <utility>
 
 /// The end of a JSON text in the making.
 class XKJsonOutput
@@ -12,7 +13,11 @@ class XKJsonOutput
 public:
     XKJsonOutput() { makeRoom(firstCapacity); }
     /// The text; the output is of no more use.
-    QString take();
+    QString take()
+    {
+        m_text.truncate(used());
+        return std::move(m_text);
+    }
 
     void put(char16_t unit)
     {
@@ -75,8 +80,8 @@ inline void XKJsonOutput::putString(QStringView text)
     const char16_t *const end = c + text.size();
     put(u'"');
     for (;;) {
-        reserve(end - c);
-        c = XKJsonScan::copy(XKJsonScan::isPlain, c, end, m_end);
+        const char16_t *const run = std::exchange(c, XKJsonScan::after(XKJsonScan::isPlain, c, end));
+        put(QStringView(run, c));
         if (c == end)
             break;
         putEscape(*c++);

@@ -62,18 +62,4 @@ const char16_t *after(Kind isOfKind, const char16_t *c, const char16_t *end)
     return c;
 }
 
-/// Copies what is in front of that unit, and gives it. There must be room for all up to the end.
-template<typename Kind>
-const char16_t *copy(Kind isOfKind, const char16_t *c, const char16_t *end, char16_t *&to)
-{
-    for (qptrdiff count = 8; end - c >= 8 && count == 8; c += count, to += count) {
-        const Eight units = eightAt(c);
-        std::memcpy(to, &units, sizeof(units));
-        count = countOf(isOfKind(units));
-    }
-    while (c != end && isOfKind(*c))
-        *to++ = *c++;
-    return c;
-}
-
 } // namespace XKJsonScan

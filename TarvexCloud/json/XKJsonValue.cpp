@@ -13,18 +13,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-struct OwnedText final : XKJsonShared
+/// What a value points at or into, if it was not read from a text.
+template<typename Held>
+struct Owner final : XKJsonShared
 {
-    explicit OwnedText(const QString &string) : text(string.isNull() ? u""_s : string) {}
+    explicit Owner(Held given) : held(std::move(given)) {}
 
-    const QString text;
-};
-
-struct OwnedObject final : XKJsonShared
-{
-    explicit OwnedObject(std::shared_ptr<const XKJsonObject> given) : object(std::move(given)) {}
-
-    const std::shared_ptr<const XKJsonObject> object;
+    const Held held;
 };
 
 bool isDecimal(QString text)
@@ -113,9 +108,9 @@ private:
 
 XKJsonValue::XKJsonValue(const QString &string)
 {
-    auto *const owned = new OwnedText(string);
-    m_node = XKJsonNode(XKJsonKind::String, owned->text);
-    m_owner = owned;
+    auto *const owner = new Owner<QString>(string.isNull() ? u""_s : string);
+    m_node = XKJsonNode(XKJsonKind::String, owner->held);
+    m_owner = owner;
 }
 
 XKJsonValue::XKJsonValue(const XKJsonValue &other) : m_node(other.m_node), m_owner(other.m_owner)
@@ -134,8 +129,8 @@ XKJsonValue XKJsonValue::decimal(const QString &text)
 {
     if (!isDecimal(text))
         return {};
-    auto *const owned = new OwnedText(text);
-    return XKJsonValue(XKJsonNode(XKJsonKind::Decimal, owned->text), owned);
+    auto *const owner = new Owner<QString>(text);
+    return XKJsonValue(XKJsonNode(XKJsonKind::Decimal, owner->held), owner);
 }
 
 XKJsonValue XKJsonValue::array(std::initializer_list<XKJsonValue> elements)
@@ -159,7 +154,7 @@ XKJsonValue XKJsonValue::object(std::shared_ptr<const XKJsonObject> object)
     if (!object)
         return {};
     const XKJsonNode node(object.get());
-    return XKJsonValue(node, new OwnedObject(std::move(object)));
+    return XKJsonValue(node, new Owner<std::shared_ptr<const XKJsonObject>>(std::move(object)));
 }
 
 XKJsonValue XKJsonValue::keyAt(std::size_t index) const

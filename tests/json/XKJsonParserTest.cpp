@@ -50,8 +50,14 @@ private Q_SLOTS:
         XKJsonParser parser;
         XKJsonError error;
         QTEST(described(parser.objectWithString(text, &error)), "expected");
-        QVERIFY(error.isNone());
-        QVERIFY(!parser.errorTrace());
+        QVERIFY(error.isNone() && !parser.errorTrace());
+        XKJsonWriter writer;
+        const QString written = writer.stringWithObject(parser.objectWithString(text));
+        writer.setHumanReadable(true);
+        const QString inLines = writer.stringWithObject(parser.objectWithString(written));
+        writer.setHumanReadable(false);
+        const bool isOneWay = QByteArray(QTest::currentDataTag()).startsWith("values: ");
+        QVERIFY(isOneWay || writer.stringWithObject(parser.objectWithString(inLines)) == written);
     }
 
     void invalidTextsTellTheirWholeTrace_data() { addSamples({"invalid"}); }
@@ -149,15 +155,7 @@ private Q_SLOTS:
         QCOMPARE(trace(/*maxDepth=*/2, u"[[],[],{},{}]"_s), u"read"_s);
         QVERIFY(trace(/*maxDepth=*/2, u"{\"a\":{\"b\":[]}}"_s).startsWith(u"7 Nested too deep\n3 "_s));
         QCOMPARE(trace(/*maxDepth=*/0, nested(100'000)), u"read"_s);
-    }
-
-    void aMillionOpenBracketsFailWithAMillionErrors()
-    {
-        XKJsonParser parser;
-        parser.setMaxDepth(0);
-        QVERIFY(parser.objectWithString(QString(1'000'000, u'[')).isNone());
-        QCOMPARE(parser.errorTrace()->size(), 1'000'000);
-        QCOMPARE(parser.errorTrace()->first().localizedDescription(), u"End of input while parsing array"_s);
+        QCOMPARE(trace(/*maxDepth=*/0, QString(1'000'000, u'[')).count(u'\n'), 1'000'000 - 1); // errors
     }
 
     void membersAreFoundInDictionariesOfAnySize()

@@ -174,18 +174,6 @@ private Q_SLOTS:
         QCOMPARE(writer.indent(), u"\n"_s);
     }
 
-    void samplesSurviveTheRoundTrip_data() { addSamples({"valid"}); }
-
-    void samplesSurviveTheRoundTrip()
-    {
-        QFETCH(QString, text);
-        XKJsonWriter writer;
-        const QString written = writer.stringWithObject(parsed(text));
-        QCOMPARE(writer.stringWithObject(parsed(written)), written);
-        writer.setHumanReadable(true);
-        QTEST(described(parsed(writer.stringWithObject(parsed(written)))), "expected");
-    }
-
     void keysThatAreNoStringsAreSortedFirst()
     {
         XKJsonWriter writer;
@@ -200,7 +188,7 @@ private Q_SLOTS:
     {
         XKJsonWriter writer;
         writer.setMaxDepth(0);
-        constexpr int deepest = 10'000'000;
+        constexpr int deepest = 1'000'000;
         const QString text = QString(deepest, u'[') + QString(deepest, u']');
         QVERIFY(writer.stringWithObject(parsed(text)) == text);
         QCOMPARE(writer.stringWithObject(chained(200'000)), u"[[7]]"_s);
