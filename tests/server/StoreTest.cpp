@@ -2,11 +2,11 @@
 #include "Database.h"
 #include "Goals.h"
 #include "Sets.h"
+#include "SqliteConnection.h"
 #include "TemporaryFolder.h"
 
+#include <fstream>
 #include <gtest/gtest.h>
-#include <soci/soci.h>
-#include <soci/sqlite3/soci-sqlite3.h>
 
 using namespace tarvex::store;
 
@@ -53,11 +53,10 @@ TEST_F(StoreTest, RemovesForGoodOnlyWhatWasDeletedLongEnoughAgo)
         deleteGoals(connection, m_account, {2}, /*now=*/100);
         deleteGoals(connection, m_account, {3}, /*now=*/200);
         purgeDeleted(connection, m_account, /*before=*/150);
-        std::string left;
-        connection << "SELECT group_concat(name) FROM (SELECT name FROM goal UNION ALL"
-                      " SELECT name FROM goal_set ORDER BY name)",
-            soci::into(left);
-        EXPECT_EQ(left, "live,recent,second");
+        Rows left = connection.rows("SELECT group_concat(name) FROM (SELECT name FROM goal UNION ALL"
+                                    " SELECT name FROM goal_set ORDER BY name)");
+        EXPECT_TRUE(left.next());
+        EXPECT_EQ(left.text(0), "live,recent,second");
     });
 }
 
@@ -92,17 +91,18 @@ TEST_F(StoreTest, KeepsItsDataInAFileForItsOwnerAlone)
 
 TEST_F(StoreTest, IsNotOpenedWhenANewerServerMadeIt)
 {
-    m_database.write([](Connection &connection) { connection << "UPDATE schema_version SET version = 99"; });
+    m_database.write(
+        [](Connection &connection) { connection.change("UPDATE schema_version SET version = 99"); });
     EXPECT_THROW(Database database(m_folder.databaseUrl()), CannotOpen);
 }
 
 TEST_F(StoreTest, OpensDatabasesOfItsOwnAlone)
 {
     m_database.write([](Connection &connection) { // as databases began
-        connection << "PRAGMA application_id = 0";
+        connection.change("PRAGMA application_id = 0");
     });
     EXPECT_NO_THROW(Database database(m_folder.databaseUrl()));
-    soci::session other(soci::sqlite3, "db=\"" + file() + "2\"");
-    other << "CREATE TABLE account (id INTEGER)";
+    std::ofstream(file() + "2").close();
+    SqliteConnection(file() + "2").execute("CREATE TABLE account (id INTEGER)");
     EXPECT_THROW(Database database(m_folder.databaseUrl() + "2"), CannotOpen);
 }
