@@ -160,7 +160,6 @@ std::string deleteSomeGoals(Call &call)
     require(!ids.empty() && ids.size() <= maximumIds);
     require(!call.refusedSaves.takeRefusal(call.saver, placesOf(call, ids)));
     store::deleteGoals(call.connection, call.accountId, ids, call.now);
-    purgeDeleted(call);
     return done();
 }
 

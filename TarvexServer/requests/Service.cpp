@@ -45,7 +45,7 @@ Turn::Turn(Request request)
 
 Service::Service(store::Database &database, Clocks clocks)
     : m_database(database), m_clocks(std::move(clocks)), m_limits(m_clocks.steady),
-      m_refusedSaves(m_clocks.steady)
+      m_refusedSaves(m_clocks.steady), m_purge(database, m_clocks)
 {
     security::matchesPassword(/*hash=*/"", /*digest=*/""); // the first one costs twice
 }

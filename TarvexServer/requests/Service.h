@@ -2,17 +2,17 @@
 
 #include "Accounts.h"
 #include "Answer.h"
+#include "Clocks.h"
 #include "Database.h"
 #include "FailureLimits.h"
 #include "Form.h"
 #include "KeyedHash.h"
+#include "Purge.h"
 #include "RefusedSaves.h"
 #include "RequestKind.h"
 #include "SignUpForm.h"
 #include "VerifiedCredentials.h"
 
-#include <chrono>
-#include <ctime>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -62,12 +62,6 @@ private:
     Step m_step = Step::Answer;
 };
 
-struct Clocks
-{
-    std::function<std::chrono::steady_clock::time_point()> steady = std::chrono::steady_clock::now;
-    std::function<std::int64_t()> seconds = [] { return std::time(nullptr); }; ///< since 1970
-};
-
 /// Turns request bodies into answers; knows no sockets and no SQL. For many threads.
 ///
 /// A request takes up to three steps, so that the caller decides where each one runs: begin() takes a moment,
@@ -86,6 +80,9 @@ public:
     Answer finish(Turn &turn);
     /// The same for a turn that is to write, without waiting: `done` is told on another thread.
     void finishLater(std::shared_ptr<Turn> turn, std::function<void(const Answer &)> done);
+
+    /// A small step of what the database needs now and then; to be called every second or so. Does not wait.
+    void keepHouse() { m_purge.step(); }
 
     /// Ends a turn that was begun and, for want of room, will be neither verified nor finished.
     Answer giveUp(const Turn &turn);
@@ -118,6 +115,7 @@ private:
     security::VerifiedCredentials m_verified;
     security::FailureLimits m_limits;
     RefusedSaves m_refusedSaves;
+    Purge m_purge;
 };
 
 } // namespace tarvex::requests

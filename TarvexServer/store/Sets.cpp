@@ -49,13 +49,4 @@ bool deleteSet(Connection &connection, std::int64_t accountId, std::int64_t setI
                              now, accountId, setId) > 0;
 }
 
-void purgeDeleted(Connection &connection, std::int64_t accountId, std::int64_t before)
-{
-    connection.change("DELETE FROM goal WHERE account_id = $1 AND deleted_at < $2", accountId, before);
-    connection.change("DELETE FROM goal WHERE account_id = $1 AND set_id IN (SELECT set_id"
-                      " FROM goal_set WHERE account_id = $1 AND deleted_at < $2)",
-                      accountId, before);
-    connection.change("DELETE FROM goal_set WHERE account_id = $1 AND deleted_at < $2", accountId, before);
-}
-
 } // namespace tarvex::store

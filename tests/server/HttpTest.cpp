@@ -114,11 +114,14 @@ TEST_F(Http, TellsAClientThatAsksToGoOn)
     start();
     RawClient client(port());
     const std::string body = asAnna("sign-in");
-    client.send("POST /tarvex/ HTTP/1.1\r\nExpect: 100-continue\r\nContent-Length: " +
+    client.send("POST http://x/tarvex/ HTTP/1.1\r\nHost: x\r\nExpect: 100-continue\r\nContent-Length: " +
                 std::to_string(body.size()) + "\r\n\r\n");
     EXPECT_EQ(client.read().result_int(), 100U);
     client.send(body);
     EXPECT_EQ(client.read().body(), "OK");
+    client.send(
+        "POST /tarvex/ HTTP/1.1\r\nHost: x\r\nExpect: 100-continue\r\nContent-Length: 5000000\r\n\r\n");
+    EXPECT_EQ(client.read().result_int(), 413U);
 }
 
 TEST_F(Http, ClosesConnectionsThatKeepItWaiting)
@@ -128,7 +131,7 @@ TEST_F(Http, ClosesConnectionsThatKeepItWaiting)
     limits.idleTime = std::chrono::hours(1);
     start(limits);
     for (const char *beginning :
-         {"", "POST /tarv", "POST /tarvex/ HTTP/1.1\r\nContent-Length: 9\r\n\r\np1="}) {
+         {"", "POST /tarv", "POST /tarvex/ HTTP/1.1\r\nHost: x\r\nContent-Length: 9\r\n\r\np1="}) {
         RawClient client(port());
         client.send(beginning);
         EXPECT_TRUE(client.isClosedSilently()) << beginning;

@@ -1,5 +1,6 @@
 #include "Accounts.h"
 #include "Database.h"
+#include "Deleted.h"
 #include "Goals.h"
 #include "Sets.h"
 #include "SqliteConnection.h"
@@ -52,7 +53,7 @@ TEST_F(StoreTest, RemovesForGoodOnlyWhatWasDeletedLongEnoughAgo)
         deleteSet(connection, m_account, /*setId=*/1, /*now=*/100);
         deleteGoals(connection, m_account, {2}, /*now=*/100);
         deleteGoals(connection, m_account, {3}, /*now=*/200);
-        purgeDeleted(connection, m_account, /*before=*/150);
+        EXPECT_EQ(purgeDeleted(connection, m_account, /*before=*/150, /*most=*/9), 3);
         Rows left = connection.rows("SELECT group_concat(name) FROM (SELECT name FROM goal UNION ALL"
                                     " SELECT name FROM goal_set ORDER BY name)");
         EXPECT_TRUE(left.next());
