@@ -4,6 +4,7 @@
 #include "Server.h"
 #include "ServiceFixture.h"
 
+#include <future>
 #include <thread>
 
 using namespace tarvex;
@@ -257,6 +258,29 @@ TEST(ConnectionCounts, LimitConnectionsPerPeerAndAltogether)
     EXPECT_EQ(counts.enter("b"), Welcome::Refused);
     counts.leave("a", Welcome::Served);
     EXPECT_EQ(counts.enter("a"), Welcome::Served);
+}
+
+TEST(AccountQueues, StartOneTaskOfAnAccountAtATime)
+{
+    http::AccountQueues queues;
+    std::string started;
+    for (const char task : {'a', 'b', 'c'})
+        queues.enter(/*accountId=*/1, [&started, task] { started += task; });
+    queues.enter(/*accountId=*/2, [&started] { started += 'x'; });
+    EXPECT_EQ(started, "ax");
+    queues.leave(1);
+    EXPECT_EQ(started, "axb");
+    auto ended = std::async(std::launch::async, [&] { queues.end(); });
+    queues.leave(2);
+    for (bool isIn = true; isIn;) { // until it lets nothing more in
+        isIn = false;
+        queues.enter(/*accountId=*/3, [&isIn] { isIn = true; });
+        if (isIn)
+            queues.leave(3);
+    }
+    queues.leave(1);
+    ended.get();
+    EXPECT_EQ(started, "axb");
 }
 
 TEST(PeerName, IsWhatOneSubscriberHas)

@@ -7,6 +7,7 @@
 #include "TemporaryFolder.h"
 
 #include <fstream>
+#include <future>
 #include <gtest/gtest.h>
 
 using namespace tarvex::store;
@@ -77,6 +78,67 @@ TEST_F(StoreTest, LeavesNothingOfATransactionThatFailedAndNoValueInTheErrorsText
     m_database.write([&](Connection &connection) {
         EXPECT_FALSE(hasSet(connection, m_account, /*setId=*/3));
         EXPECT_EQ(createSet(connection, m_account, "next"), 3);
+    });
+}
+
+TEST_F(StoreTest, WritesThatWaitShareACommitAndNoFailure)
+{
+    std::promise<void> gate;
+    std::vector<std::string> order;
+    const auto create = [&](const std::string &name, bool fails) {
+        m_database.write(
+            [this, name, fails](Connection &connection) {
+                createSet(connection, m_account, name);
+                if (fails)
+                    throw std::runtime_error(name);
+            },
+            [&order, name](const std::exception_ptr &failure) {
+                order.push_back(name + (failure ? "!" : ""));
+            });
+    };
+    m_database.write([&](Connection &) { gate.get_future().wait(); }, [](const std::exception_ptr &) {});
+    create("third", /*fails=*/false);
+    create("lost", /*fails=*/true);
+    create("fourth", /*fails=*/false);
+    m_database.read([&](Connection &connection) { // which waits for no write
+        EXPECT_EQ(sets(connection, m_account).size(), 2U);
+        EXPECT_TRUE(order.empty());
+    });
+    gate.set_value();
+    m_database.write(
+        [&](Connection &connection) { EXPECT_EQ(createSet(connection, m_account, "fifth"), 5); });
+    EXPECT_EQ(order, (std::vector<std::string>{"third", "lost!", "fourth"}));
+}
+
+TEST_F(StoreTest, GivesUpReadingWhatTakesMoreThanAMoment)
+{
+    const auto isRead = [&](std::int64_t set) {
+        std::size_t found = 0;
+        return m_database.readInAMoment([&](Connection &connection) {
+            found = goalsOfSet(connection, m_account, set).size();
+        }) && found == 2;
+    };
+    m_database.write([&](Connection &connection) {
+        createNamedGoals(connection, /*set=*/1, {"one", "two"});
+        createGoals(
+            connection, m_account,
+            std::vector<Goal>(
+                10'000,
+                Goal{.id = 0, .setId = 2, .areaId = 1, .name = {}, .priority = 0, .isChecked = false}));
+    });
+    for (int again = 0; again < 3; ++again) {
+        EXPECT_FALSE(isRead(2));
+        EXPECT_TRUE(isRead(1));
+    }
+}
+
+TEST_F(StoreTest, CountsTheTimeToPurgingByThatWhichItRan)
+{
+    m_database.write([&](Connection &connection) {
+        EXPECT_EQ(movePurgeClock(connection, /*secondsRun=*/5, /*now=*/1000), 1000);
+        EXPECT_EQ(movePurgeClock(connection, /*secondsRun=*/60, /*now=*/9'000'000), 1060);
+        EXPECT_EQ(movePurgeClock(connection, /*secondsRun=*/60, /*now=*/1100), 1100);
+        EXPECT_EQ(movePurgeClock(connection, /*secondsRun=*/60, /*now=*/100), 100);
     });
 }
 
