@@ -69,6 +69,7 @@ void Server::drainOnSignals()
 void Server::run()
 {
     accept();
+    keepHouse();
     while (!m_context.isDraining && m_io.run_one() > 0) {
     }
     m_io.run_for(m_context.limits.drainTime); // until the last connection has ended, or no longer
@@ -116,12 +117,24 @@ void Server::welcome(asio::ip::tcp::socket socket)
     session->start();
 }
 
+void Server::keepHouse()
+{
+    m_houseTimer.expires_after(std::chrono::seconds(1));
+    m_houseTimer.async_wait([this](error_code ended) {
+        if (ended)
+            return;
+        m_context.service.keepHouse();
+        keepHouse();
+    });
+}
+
 void Server::beginDrain()
 {
     m_context.isDraining = true;
     error_code ignored;
     m_acceptor.close(ignored);
     m_acceptTimer.cancel();
+    m_houseTimer.cancel();
     m_signals.cancel(ignored);
     for (const auto &known : m_sessions) {
         if (const auto session = known.lock())

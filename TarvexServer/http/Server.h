@@ -46,6 +46,7 @@ public:
 private:
     void accept();
     void welcome(boost::asio::ip::tcp::socket socket);
+    void keepHouse();
     void beginDrain();
 
     // In this order the sessions that the last two still hold end before what they use.
@@ -55,6 +56,7 @@ private:
     Workers m_workers;
     boost::asio::ip::tcp::acceptor m_acceptor{m_io};
     boost::asio::steady_timer m_acceptTimer{m_io};
+    boost::asio::steady_timer m_houseTimer{m_io};
     boost::asio::signal_set m_signals{m_io};
     std::vector<std::weak_ptr<Session>> m_sessions;
 };

@@ -6,6 +6,7 @@
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/write.hpp>
+#include <boost/beast/core/string.hpp>
 #include <boost/beast/http/read.hpp>
 #include <boost/beast/http/write.hpp>
 
@@ -36,6 +37,34 @@ std::string_view contentType(requests::Format format)
         break;
     }
     return "text/plain; charset=us-ascii";
+}
+
+using Head = beast::request_parser<beast::empty_body>::value_type;
+
+/// RFC 9112, 3.2: whoever speaks HTTP/1.1 names the host, once.
+bool isHostSound(const Head &head)
+{
+    const auto count = head.count(beast::field::host);
+    return head.version() < 11 ? count <= 1 : count == 1;
+}
+
+/// Whether the body comes in a form that is not known here; read as if it were plain, it could hide another
+/// request.
+bool isCodingUnknown(const Head &head)
+{
+    const auto coding = head.find(beast::field::transfer_encoding);
+    return head.count(beast::field::transfer_encoding) > 1 ||
+           (coding != head.end() && !boost::beast::iequals(coding->value(), "chunked"));
+}
+
+/// The path of a target, of which the other form (RFC 9112, 3.2.2) is for proxies and must be understood.
+std::string_view pathOf(std::string_view target)
+{
+    constexpr std::string_view scheme = "http://";
+    if (!target.starts_with(scheme))
+        return target;
+    target.remove_prefix(scheme.size());
+    return target.substr(std::min(target.find('/'), target.size()));
 }
 
 /// For proxies and people; the client reads the body alone.
@@ -115,7 +144,11 @@ void Session::headArrived(Error error)
         return;
     }
     const auto &request = m_parser->get();
-    if (request.target() != servicePath) {
+    if (!isHostSound(request)) {
+        sendStatus(beast::status::bad_request, "The request must name one host.");
+    } else if (isCodingUnknown(request)) {
+        sendStatus(beast::status::not_implemented, "The body is in a form that is not understood here.");
+    } else if (pathOf(request.target()) != servicePath) {
         sendStatus(beast::status::not_found, "There is nothing here.");
     } else if (request.method() != beast::verb::post) {
         sendStatus(beast::status::method_not_allowed, "The service answers POST requests only.");
@@ -147,7 +180,13 @@ void Session::beginBody(std::size_t length)
     m_keptBody = m_refusal ? std::min(length, beginningOfBody) : length;
     m_bodyRest = length > limits.discardedBody ? m_keptBody : length;
     m_stream.expires_after(limits.bodyTime);
-    if (beast::token_list(m_parser->get()[beast::field::expect]).exists("100-continue")) {
+    const bool isToldToGoOn = beast::token_list(m_parser->get()[beast::field::expect]).exists("100-continue");
+    m_isBodyLeft = length > limits.discardedBody || (isToldToGoOn && m_refusal);
+    if (isToldToGoOn && m_refusal) {
+        bodyArrived();
+        return;
+    }
+    if (isToldToGoOn) {
         static constexpr std::string_view goOn = "HTTP/1.1 100 Continue\r\n\r\n";
         asio::async_write(m_stream, asio::buffer(goOn),
                           [self = shared_from_this()](Error error, std::size_t) {
@@ -251,8 +290,7 @@ void Session::answer(const requests::Answer &answer)
     m_response.set(beast::field::content_type, contentType(answer.format));
     m_response.body() = answer.body;
     const bool isBusy = answer.outcome == Outcome::Busy;
-    const bool hasUnreadBody = m_bodySize > m_context.limits.discardedBody;
-    m_response.keep_alive(m_parser->get().keep_alive() && !isBusy && !hasUnreadBody);
+    m_response.keep_alive(m_parser->get().keep_alive() && !isBusy && !m_isBodyLeft);
     report(answer);
     send();
 }

@@ -92,6 +92,7 @@ private:
 
     std::string m_body;
     std::size_t m_bodyRest = 0; ///< bytes still to come
+    bool m_isBodyLeft = false;  // and not going to be read
     std::size_t m_bodySize = 0;
     std::size_t m_keptBody = 0;     ///< of a request that will be refused only the beginning is kept
     std::size_t m_reservedBody = 0; ///< this session's share of SessionContext::bodyBytes

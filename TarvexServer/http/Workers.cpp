@@ -19,35 +19,49 @@ void Workers::stop()
 {
     m_hashingThreads.stop();
     m_hashingThreads.join();
+    m_queues.end();
     m_requestThreads.stop();
     m_requestThreads.join();
 }
 
 void Workers::submit(requests::Request request, Done done)
 {
-    boost::asio::post(m_requestThreads,
-                      [this, request = std::move(request), done = std::move(done)]() mutable {
-                          auto turn = m_service.begin(std::move(request));
-                          if (turn->needsHashing())
-                              verify(std::move(turn), std::move(done));
-                          else
-                              done(m_service.finish(*turn));
-                      });
+    const std::shared_ptr<requests::Turn> turn = m_service.begin(std::move(request));
+    if (turn->step() == requests::Turn::Step::Answer)
+        done(m_service.finish(*turn));
+    else if (turn->step() == requests::Turn::Step::Hash)
+        verify(turn, std::move(done));
+    else
+        finish(turn, std::move(done));
 }
 
-void Workers::verify(std::unique_ptr<requests::Turn> turn, Done done)
+void Workers::verify(const std::shared_ptr<requests::Turn> &turn, Done done)
 {
     if (m_hashes.fetch_add(1) >= m_maximumHashes) {
         m_hashes.fetch_sub(1);
         done(m_service.giveUp(*turn));
         return;
     }
-    boost::asio::post(m_hashingThreads, [this, turn = std::move(turn), done = std::move(done)]() mutable {
+    boost::asio::post(m_hashingThreads, [this, turn, done = std::move(done)] {
         m_service.verify(*turn);
         m_hashes.fetch_sub(1);
-        boost::asio::post(m_requestThreads, [this, turn = std::move(turn), done = std::move(done)] {
-            done(m_service.finish(*turn));
-        });
+        finish(turn, done);
+    });
+}
+
+void Workers::finish(const std::shared_ptr<requests::Turn> &turn, Done done)
+{
+    // Who has no account yet waits for nobody.
+    const std::int64_t accountId = turn->accountId() != 0 ? turn->accountId() : --m_lastStranger;
+    const auto leave = [this, accountId, done = std::move(done)](const requests::Answer &answer) {
+        done(answer);
+        m_queues.leave(accountId);
+    };
+    m_queues.enter(accountId, [this, turn, leave] {
+        if (turn->step() == requests::Turn::Step::Write)
+            m_service.finishLater(turn, leave);
+        else
+            boost::asio::post(m_requestThreads, [this, turn, leave] { leave(m_service.finish(*turn)); });
     });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AccountQueues.h"
 #include "Limits.h"
 #include "Service.h"
 
@@ -9,8 +10,8 @@
 
 namespace tarvex::http {
 
-/// Carries requests through the service on threads of their own: a few for the store, two for the hashing of
-/// passwords, so that a rush of sign-ins holds up nobody who is signed in already.
+/// Carries requests through the service: most on the caller's thread, in a moment. Long reads and the hashing
+/// of passwords have threads of their own, so that neither they nor a rush of sign-ins hold up anybody else.
 class Workers
 {
 public:
@@ -21,19 +22,21 @@ public:
     Workers(const Workers &) = delete;
     Workers &operator=(const Workers &) = delete;
 
-    /// Calls done with the answer, on a thread of the workers. At once if too many passwords wait for
-    /// hashing.
+    /// Calls done with the answer, at once or on another thread. From one thread only.
     void submit(requests::Request request, Done done);
 
     /// Ends the threads; requests that wait are dropped without an answer.
     void stop();
 
 private:
-    void verify(std::unique_ptr<requests::Turn> turn, Done done);
+    void verify(const std::shared_ptr<requests::Turn> &turn, Done done);
+    void finish(const std::shared_ptr<requests::Turn> &turn, Done done);
 
     requests::Service &m_service;
     std::size_t m_maximumHashes;
     std::atomic<std::size_t> m_hashes = 0;
+    AccountQueues m_queues;
+    std::atomic<std::int64_t> m_lastStranger = 0;
     boost::asio::thread_pool m_requestThreads;
     boost::asio::thread_pool m_hashingThreads;
 };

@@ -1,7 +1,6 @@
 #include "Call.h"
 
 #include "Decimal.h"
-#include "Sets.h"
 #include "WireText.h"
 
 #include <optional>
@@ -44,12 +43,6 @@ void require(bool condition)
 {
     if (!condition)
         throw RequestRefused();
-}
-
-void purgeDeleted(const Call &call)
-{
-    constexpr std::int64_t keptSeconds = 30LL * 24 * 60 * 60;
-    store::purgeDeleted(call.connection, call.accountId, /*before=*/call.now - keptSeconds);
 }
 
 std::string done()

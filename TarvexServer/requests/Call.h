@@ -37,9 +37,6 @@ std::string nameField(const Call &call, int number);
 /// Throws RequestRefused unless the condition holds.
 void require(bool condition);
 
-/// Removes for good what the account deleted more than 30 days ago.
-void purgeDeleted(const Call &call);
-
 /// The body that tells the client of a change that was made.
 std::string done();
 

@@ -69,8 +69,10 @@ std::vector<store::Goal> soundGoals(const Call &call, const std::vector<wire::Go
 std::set<wire::GoalPlace> placesOf(const Call &call, const std::vector<std::int64_t> &goalIds)
 {
     std::set<wire::GoalPlace> places;
-    for (const store::Goal &goal : store::findGoals(call.connection, call.accountId, goalIds))
-        places.insert({.setId = goal.setId, .areaId = goal.areaId});
+    for (const std::int64_t goalId : goalIds) {
+        if (const auto goal = store::findGoal(call.connection, call.accountId, goalId))
+            places.insert({.setId = goal->setId, .areaId = goal->areaId});
+    }
     return places;
 }
 
@@ -105,14 +107,15 @@ std::string getComplexGoalsForSets(Call &call)
 
 std::string getRandomGoal(Call &call)
 {
-    std::vector<store::Goal> goals =
-        store::goalsOfSet(call.connection, call.accountId, idField(call, /*number=*/4));
-    std::erase_if(goals, [](const store::Goal &goal) { return goal.isChecked; });
-    require(!goals.empty());
+    const std::int64_t setId = idField(call, /*number=*/4);
+    const std::int64_t undone = store::countUndone(call.connection, call.accountId, setId);
+    require(undone > 0);
     std::random_device source;
-    std::uniform_int_distribution<std::size_t> place(0, goals.size() - 1);
+    std::uniform_int_distribution<std::int64_t> place(0, undone - 1);
+    const auto goal = store::undoneGoal(call.connection, call.accountId, setId, place(source));
+    require(goal.has_value());
     wire::XmlAnswer answer(wire::XmlAnswer::Encoding::Ascii);
-    writeGoal(answer, goals[place(source)], /*withArea=*/true);
+    writeGoal(answer, *goal, /*withArea=*/true);
     return answer.finish();
 }
 
@@ -157,7 +160,6 @@ std::string deleteSomeGoals(Call &call)
     require(!ids.empty() && ids.size() <= maximumIds);
     require(!call.refusedSaves.takeRefusal(call.saver, placesOf(call, ids)));
     store::deleteGoals(call.connection, call.accountId, ids, call.now);
-    purgeDeleted(call);
     return done();
 }
 

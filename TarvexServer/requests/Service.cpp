@@ -7,6 +7,7 @@
 #include "Records.h"
 
 #include <algorithm>
+#include <new>
 
 namespace tarvex::requests {
 
@@ -18,11 +19,21 @@ bool hasCredentials(const wire::Form &form)
            security::isSignInDigest(form.field(/*number=*/3).value_or(""));
 }
 
-Answer failure(const RequestKind &kind, const std::exception &error)
+Answer failure(const RequestKind &kind, const std::exception_ptr &thrown)
 {
-    Answer answer = refusalOf(kind, Outcome::Failed);
-    answer.cause = error.what();
-    return answer;
+    try {
+        std::rethrow_exception(thrown);
+    } catch (const store::TransactionHindered &error) {
+        Answer answer = refusalOf(kind, Outcome::Busy);
+        answer.cause = error.what();
+        return answer;
+    } catch (const std::bad_alloc &) {
+        return refusalOf(kind, Outcome::Busy);
+    } catch (const std::exception &error) {
+        Answer answer = refusalOf(kind, Outcome::Failed);
+        answer.cause = error.what();
+        return answer;
+    }
 }
 
 } // namespace
@@ -34,7 +45,7 @@ Turn::Turn(Request request)
 
 Service::Service(store::Database &database, Clocks clocks)
     : m_database(database), m_clocks(std::move(clocks)), m_limits(m_clocks.steady),
-      m_refusedSaves(m_clocks.steady)
+      m_refusedSaves(m_clocks.steady), m_purge(database, m_clocks)
 {
     security::matchesPassword(/*hash=*/"", /*digest=*/""); // the first one costs twice
 }
@@ -49,55 +60,63 @@ std::unique_ptr<Turn> Service::begin(Request request)
 {
     auto turn = std::make_unique<Turn>(std::move(request));
     try {
-        if (turn->m_kind.name.empty())
-            turn->m_answer = refusalOf(turn->m_kind, Outcome::Invalid);
-        else if (turn->m_kind.handler == nullptr)
-            beginSignUp(*turn);
+        if (!isFormSound(*turn))
+            return turn;
+        if (m_database.readInAMoment([&](store::Connection &connection) { look(*turn, connection); }))
+            decide(*turn);
         else
-            beginSignedIn(*turn);
-    } catch (const std::exception &error) {
-        turn->m_answer = failure(turn->m_kind, error);
+            turn->m_step = Turn::Step::Read;
+    } catch (...) {
+        turn->m_answer = failure(turn->m_kind, std::current_exception());
     }
-    turn->m_needsHashing = turn->m_needsHashing && !turn->m_answer;
     return turn;
 }
 
-void Service::beginSignUp(Turn &turn)
+/// Whether there is anything to look up for the request; else it has its answer.
+bool Service::isFormSound(Turn &turn)
 {
-    turn.m_signUp = wire::readSignUpForm(turn.m_request.body);
-    if (!turn.m_signUp) {
+    if (turn.m_kind.name.empty()) {
         turn.m_answer = refusalOf(turn.m_kind, Outcome::Invalid);
-        return;
+    } else if (turn.m_kind.handler != nullptr) {
+        if (!hasCredentials(turn.m_form))
+            turn.m_answer = refusalOf(turn.m_kind, Outcome::NotSignedIn);
+    } else {
+        turn.m_signUp = wire::readSignUpForm(turn.m_request.body);
+        turn.m_answer =
+            turn.m_signUp ? signUpFault(*turn.m_signUp) : refusalOf(turn.m_kind, Outcome::Invalid);
+        if (!turn.m_answer && (isExhausted(turn) || m_limits.isExhausted(newAccountsKey(turn))))
+            turn.m_answer = refusalOf(turn.m_kind, Outcome::TooManyAttempts);
     }
-    turn.m_answer = signUpFault(*turn.m_signUp);
-    if (turn.m_answer)
-        return;
-    if (isExhausted(turn) || m_limits.isExhausted(newAccountsKey(turn))) {
-        turn.m_answer = refusalOf(turn.m_kind, Outcome::TooManyAttempts);
-        return;
-    }
-    m_database.read(
-        [&](store::Connection &connection) { turn.m_answer = duplicateFault(connection, *turn.m_signUp); });
-    if (turn.m_answer)
-        countFailure(turn); // it tells who has an account
-    turn.m_needsHashing = true;
+    return !turn.m_answer;
 }
 
-void Service::beginSignedIn(Turn &turn)
+/// All of a request that reading can do. May be begun anew.
+void Service::look(Turn &turn, store::Connection &connection)
 {
-    const std::string login(turn.m_form.field(/*number=*/2).value_or(""));
-    if (!hasCredentials(turn.m_form)) {
-        turn.m_answer = refusalOf(turn.m_kind, Outcome::NotSignedIn);
+    if (turn.m_signUp) {
+        turn.m_answer = duplicateFault(connection, *turn.m_signUp);
         return;
     }
-    m_database.read([&](store::Connection &connection) {
-        turn.m_credentials = store::findCredentials(connection, login).value_or(store::Credentials());
-    });
-    if (isVerified(turn))
+    const std::string_view login = turn.m_form.field(/*number=*/2).value_or("");
+    turn.m_credentials = store::findCredentials(connection, login).value_or(store::Credentials());
+    if (turn.m_kind.access == Access::Read && isVerified(turn))
+        turn.m_answer = handled(turn, connection);
+}
+
+/// What comes next, after a look.
+void Service::decide(Turn &turn)
+{
+    if (turn.m_signUp && turn.m_answer)
+        countFailure(turn); // it tells who has an account
+    turn.m_step = Turn::Step::Answer;
+    if (turn.m_answer)
         return;
-    if (isExhausted(turn))
+    if (!turn.m_signUp && isVerified(turn))
+        turn.m_step = Turn::Step::Write;
+    else if (!turn.m_signUp && isExhausted(turn))
         turn.m_answer = refusalOf(turn.m_kind, Outcome::TooManyAttempts);
-    turn.m_needsHashing = true;
+    else
+        turn.m_step = Turn::Step::Hash;
 }
 
 /// What failures of the turn count against: the login, the address.
@@ -139,9 +158,11 @@ void Service::verify(Turn &turn)
             turn.m_newPasswordHash = security::hashPassword(security::signInDigest(turn.m_signUp->password));
         else
             verifyPassword(turn);
-    } catch (const std::exception &error) {
-        turn.m_answer = failure(turn.m_kind, error);
+    } catch (...) {
+        turn.m_answer = failure(turn.m_kind, std::current_exception());
     }
+    const bool isRead = turn.m_kind.access == Access::Read;
+    turn.m_step = turn.m_answer ? Turn::Step::Answer : isRead ? Turn::Step::Read : Turn::Step::Write;
 }
 
 void Service::verifyPassword(Turn &turn)
@@ -169,51 +190,92 @@ Answer Service::giveUp(const Turn &turn)
 
 Answer Service::finish(Turn &turn)
 {
-    if (!turn.m_answer && isOverdue(turn))
+    if (turn.m_step != Turn::Step::Answer && isOverdue(turn)) {
         turn.m_answer = refusalOf(turn.m_kind, Outcome::Busy);
-    return conclude(turn.m_kind, turn.m_form, turn.m_answer ? *turn.m_answer : serve(turn));
+        turn.m_step = Turn::Step::Answer;
+    }
+    if (turn.m_step == Turn::Step::Read)
+        readAll(turn);
+    if (turn.m_step == Turn::Step::Hash) // which reading found out only now
+        verify(turn);
+    if (turn.m_step == Turn::Step::Read)
+        readAll(turn);
+    if (turn.m_step == Turn::Step::Write) {
+        std::exception_ptr failure;
+        try {
+            m_database.write([&](store::Connection &connection) { write(turn, connection); });
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        written(turn, failure);
+    }
+    return conclude(turn.m_kind, turn.m_form, *turn.m_answer);
 }
 
-Answer Service::serve(Turn &turn)
+void Service::finishLater(std::shared_ptr<Turn> turn, std::function<void(const Answer &)> done)
+{
+    auto work = [this, turn](store::Connection &connection) { write(*turn, connection); };
+    m_database.write(std::move(work),
+                     [this, turn, done = std::move(done)](const std::exception_ptr &failure) {
+                         written(*turn, failure);
+                         done(conclude(turn->m_kind, turn->m_form, *turn->m_answer));
+                     });
+}
+
+void Service::readAll(Turn &turn)
 {
     try {
-        if (turn.m_signUp)
-            return serveSignUp(turn);
-        const std::string saver = saverOf(turn.m_form);
-        m_refusedSaves.signedIn(saver);
-        std::string body;
-        const auto work = [&](store::Connection &connection) {
-            Call call{.connection = connection,
-                      .form = turn.m_form,
-                      .refusedSaves = m_refusedSaves,
-                      .accountId = turn.m_credentials.accountId,
-                      .saver = saver,
-                      .now = m_clocks.seconds()};
-            body = turn.m_kind.handler(call);
-        };
-        if (turn.m_kind.access == Access::Write)
-            m_database.write(work);
-        else
-            m_database.read(work);
-        return {.body = std::move(body), .format = turn.m_kind.format};
-    } catch (const RequestRefused &) {
-        return refusalOf(turn.m_kind, Outcome::Invalid);
-    } catch (const std::exception &error) {
-        return failure(turn.m_kind, error);
+        m_database.read([&](store::Connection &connection) { look(turn, connection); });
+        decide(turn);
+    } catch (...) {
+        turn.m_answer = failure(turn.m_kind, std::current_exception());
+        turn.m_step = Turn::Step::Answer;
     }
 }
 
-Answer Service::serveSignUp(const Turn &turn)
+/// What the kind's own function answers, inside a transaction.
+Answer Service::handled(Turn &turn, store::Connection &connection)
 {
-    Answer answer;
-    m_database.write([&](store::Connection &connection) {
-        answer = signUp(connection, *turn.m_signUp, turn.m_newPasswordHash, m_clocks.seconds());
-    });
-    if (answer.outcome != Outcome::Done)
+    const std::string saver = saverOf(turn.m_form);
+    m_refusedSaves.signedIn(saver);
+    Call call{.connection = connection,
+              .form = turn.m_form,
+              .refusedSaves = m_refusedSaves,
+              .accountId = turn.m_credentials.accountId,
+              .saver = saver,
+              .now = m_clocks.seconds()};
+    try {
+        return {.body = turn.m_kind.handler(call), .format = turn.m_kind.format};
+    } catch (const RequestRefused &) {
+        return refusalOf(turn.m_kind, Outcome::Invalid);
+    }
+}
+
+void Service::write(Turn &turn, store::Connection &connection)
+{
+    if (isOverdue(turn)) {
+        turn.m_answer = refusalOf(turn.m_kind, Outcome::Busy);
+        return;
+    }
+    turn.m_answer = turn.m_signUp
+                        ? signUp(connection, *turn.m_signUp, turn.m_newPasswordHash, m_clocks.seconds())
+                        : handled(turn, connection);
+    if (turn.m_answer->outcome != Outcome::Done)
+        throw RequestRefused(); // so that nothing of it stays
+}
+
+void Service::written(Turn &turn, const std::exception_ptr &failure)
+{
+    turn.m_step = Turn::Step::Answer;
+    const bool isRefused = turn.m_answer && turn.m_answer->outcome != Outcome::Done;
+    if (failure && !isRefused)
+        turn.m_answer = requests::failure(turn.m_kind, failure);
+    if (!turn.m_signUp)
+        return;
+    if (turn.m_answer->outcome != Outcome::Done)
         countFailure(turn);
     else if (!turn.m_request.peer.empty())
         m_limits.countFailure(newAccountsKey(turn));
-    return answer;
 }
 
 Answer Service::conclude(const RequestKind &kind, const wire::Form &form, Answer answer)

@@ -2,17 +2,18 @@
 
 #include "Accounts.h"
 #include "Answer.h"
+#include "Clocks.h"
 #include "Database.h"
 #include "FailureLimits.h"
 #include "Form.h"
 #include "KeyedHash.h"
+#include "Purge.h"
 #include "RefusedSaves.h"
 #include "RequestKind.h"
 #include "SignUpForm.h"
 #include "VerifiedCredentials.h"
 
-#include <chrono>
-#include <ctime>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -37,8 +38,16 @@ public:
     Turn(const Turn &) = delete;
     Turn &operator=(const Turn &) = delete;
 
-    /// Whether the next step is Service::verify() rather than Service::finish().
-    bool needsHashing() const { return m_needsHashing; }
+    /// What must be done before there is an answer.
+    enum class Step {
+        Answer, ///< nothing
+        Hash,   ///< Service::verify()
+        Read,   ///< more of the database than is read in a moment
+        Write,
+    };
+    Step step() const { return m_step; }
+    /// Whose turn it is; 0 as long as that is not known.
+    std::int64_t accountId() const { return m_credentials.accountId; }
 
 private:
     friend class Service;
@@ -50,19 +59,14 @@ private:
     store::Credentials m_credentials;
     std::string m_newPasswordHash;
     std::optional<Answer> m_answer;
-    bool m_needsHashing = false;
-};
-
-struct Clocks
-{
-    std::function<std::chrono::steady_clock::time_point()> steady = std::chrono::steady_clock::now;
-    std::function<std::int64_t()> seconds = [] { return std::time(nullptr); }; ///< since 1970
+    Step m_step = Step::Answer;
 };
 
 /// Turns request bodies into answers; knows no sockets and no SQL. For many threads.
 ///
-/// A request takes three steps, so that the caller decides where each one runs: begin() and finish() ask the
-/// store, verify() burns 20 ms and 19 MiB on a password and is left out when needsHashing() is false.
+/// A request takes up to three steps, so that the caller decides where each one runs: begin() takes a moment,
+/// and for most requests it is all; verify() burns 20 ms and 19 MiB on a password, where Turn::step() asks
+/// for it; finish() reads or writes what is left to be, and waits for the disk.
 class Service
 {
 public:
@@ -74,6 +78,11 @@ public:
     std::unique_ptr<Turn> begin(Request request);
     void verify(Turn &turn);
     Answer finish(Turn &turn);
+    /// The same for a turn that is to write, without waiting: `done` is told on another thread.
+    void finishLater(std::shared_ptr<Turn> turn, std::function<void(const Answer &)> done);
+
+    /// A small step of what the database needs now and then; to be called every second or so. Does not wait.
+    void keepHouse() { m_purge.step(); }
 
     /// Ends a turn that was begun and, for want of room, will be neither verified nor finished.
     Answer giveUp(const Turn &turn);
@@ -83,15 +92,18 @@ public:
     Answer refuse(std::string_view body, Outcome outcome);
 
 private:
-    void beginSignUp(Turn &turn);
-    void beginSignedIn(Turn &turn);
+    bool isFormSound(Turn &turn);
+    void look(Turn &turn, store::Connection &connection);
+    void decide(Turn &turn);
+    void readAll(Turn &turn);
     std::vector<std::string> limitedKeys(const Turn &turn) const;
     bool isExhausted(const Turn &turn);
     void countFailure(const Turn &turn);
     bool isVerified(const Turn &turn);
     void verifyPassword(Turn &turn);
-    Answer serve(Turn &turn);
-    Answer serveSignUp(const Turn &turn);
+    Answer handled(Turn &turn, store::Connection &connection);
+    void write(Turn &turn, store::Connection &connection);
+    void written(Turn &turn, const std::exception_ptr &failure);
     Answer conclude(const RequestKind &kind, const wire::Form &form, Answer answer);
     bool isOverdue(const Turn &turn) const;
     std::string newAccountsKey(const Turn &turn) const;
@@ -103,6 +115,7 @@ private:
     security::VerifiedCredentials m_verified;
     security::FailureLimits m_limits;
     RefusedSaves m_refusedSaves;
+    Purge m_purge;
 };
 
 } // namespace tarvex::requests

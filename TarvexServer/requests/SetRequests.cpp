@@ -46,7 +46,6 @@ std::string setSetsName(Call &call)
 std::string deleteSets(Call &call)
 {
     require(store::deleteSet(call.connection, call.accountId, idField(call, /*number=*/4), call.now));
-    purgeDeleted(call);
     return done();
 }
 

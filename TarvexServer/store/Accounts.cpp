@@ -1,6 +1,6 @@
 #include "Accounts.h"
 
-#include "Statements.h"
+#include "Counters.h"
 #include "StoreError.h"
 
 #include <limits>
@@ -20,25 +20,33 @@ std::int64_t randomAccountId()
 void insertAreas(Connection &connection, std::int64_t accountId, const std::vector<NewArea> &areas)
 {
     std::int64_t areaId = 0;
-    for (const NewArea &area : areas) {
-        ++areaId;
-        connection << "INSERT INTO area (account_id, area_id, name, color, value)"
-                      " VALUES (:account, :area, :name, :color, :value)",
-            soci::use(accountId), soci::use(areaId), soci::use(area.name), soci::use(area.color),
-            soci::use(area.value);
-    }
+    for (const NewArea &area : areas)
+        connection.change("INSERT INTO area (account_id, area_id, name, color, value)"
+                          " VALUES ($1, $2, $3, $4, $5)",
+                          accountId, ++areaId, area.name, area.color, area.value);
+}
+
+const char *takingStatement(Counter counter)
+{
+    return counter == Counter::Set ? "UPDATE account SET next_set_id = next_set_id + $1"
+                                     " WHERE account_id = $2 RETURNING next_set_id"
+                                   : "UPDATE account SET next_goal_id = next_goal_id + $1"
+                                     " WHERE account_id = $2 RETURNING next_goal_id";
 }
 
 } // namespace
 
-std::optional<Credentials> findCredentials(Connection &connection, const std::string &loginDigest)
+std::optional<Credentials> findCredentials(Connection &connection, std::string_view loginDigest)
 {
-    Credentials found;
-    connection << "SELECT account.account_id, account.version, account.password_hash FROM login"
-                  " JOIN account ON account.account_id = login.account_id WHERE login.login_digest = :digest",
-        soci::use(loginDigest), soci::into(found.accountId), soci::into(found.version),
-        soci::into(found.passwordHash);
-    return connection.got_data() ? std::optional(found) : std::nullopt;
+    Rows found =
+        connection.rows("SELECT account.account_id, account.version, account.password_hash FROM login"
+                        " JOIN account ON account.account_id = login.account_id"
+                        " WHERE login.login_digest = $1",
+                        loginDigest);
+    if (!found.next())
+        return {};
+    return Credentials{
+        .accountId = found.number(0), .version = found.number(1), .passwordHash = std::string(found.text(2))};
 }
 
 std::optional<std::int64_t> createAccount(Connection &connection, const NewAccount &account)
@@ -48,27 +56,22 @@ std::optional<std::int64_t> createAccount(Connection &connection, const NewAccou
             return {};
     }
     const std::int64_t accountId = randomAccountId();
-    connection << "INSERT INTO account"
-                  " (account_id, name, password_hash, version, next_set_id, next_goal_id, created_at)"
-                  " VALUES (:account, :name, :hash, 1, 1, 1, :created)",
-        soci::use(accountId), soci::use(account.name), soci::use(account.passwordHash),
-        soci::use(account.createdAt);
+    connection.change("INSERT INTO account"
+                      " (account_id, name, password_hash, version, next_set_id, next_goal_id, created_at)"
+                      " VALUES ($1, $2, $3, 1, 1, 1, $4)",
+                      accountId, account.name, account.passwordHash, account.createdAt);
     for (const std::string &digest : account.loginDigests)
-        connection << "INSERT INTO login (login_digest, account_id) VALUES (:digest, :account)",
-            soci::use(digest), soci::use(accountId);
+        connection.change("INSERT INTO login (login_digest, account_id) VALUES ($1, $2)", digest, accountId);
     insertAreas(connection, accountId, account.areas);
     return accountId;
 }
 
 std::int64_t takeIds(Connection &connection, std::int64_t accountId, Counter counter, std::int64_t count)
 {
-    const std::string column = counter == Counter::Set ? "next_set_id" : "next_goal_id";
-    std::int64_t next = 0;
-    connection << "UPDATE account SET " << column << " = " << column
-               << " + :count WHERE account_id = :account RETURNING " << column,
-        soci::use(count), soci::use(accountId), soci::into(next);
-    if (!connection.got_data())
+    Rows taken = connection.rows(takingStatement(counter), count, accountId);
+    if (!taken.next())
         throw TransactionFailed("the account is gone");
+    const std::int64_t next = taken.number(0);
     if (next - 1 > std::numeric_limits<std::int32_t>::max())
         throw TransactionFailed("the account has used up its ids");
     return next - count;

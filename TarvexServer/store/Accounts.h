@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tarvex::store {
@@ -34,7 +35,7 @@ struct NewAccount
     std::int64_t createdAt = 0; ///< seconds since 1970
 };
 
-std::optional<Credentials> findCredentials(Connection &connection, const std::string &loginDigest);
+std::optional<Credentials> findCredentials(Connection &connection, std::string_view loginDigest);
 
 /// The new account's id, or nothing if one of its logins is taken.
 std::optional<std::int64_t> createAccount(Connection &connection, const NewAccount &account);

@@ -1,13 +1,11 @@
 #include "Database.h"
 
 #include "Schema.h"
+#include "Writer.h"
 
 #include <cerrno>
 #include <fcntl.h>
-#include <filesystem>
-#include <mutex>
-#include <soci/soci.h>
-#include <soci/sqlite3/soci-sqlite3.h>
+#include <future>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -37,33 +35,17 @@ void createFile(const std::filesystem::path &file)
     ::close(descriptor);
 }
 
-void openSession(soci::session &session, const std::filesystem::path &file)
-{
-    // A path from the root, since the engine reads a leading "file:" or ":" in a way of its own.
-    session.open(soci::sqlite3,
-                 "db=\"" + std::filesystem::absolute(file).string() + "\" timeout=5 synchronous=full");
-    session << "PRAGMA foreign_keys = ON";
-    session << "PRAGMA fullfsync = ON";
-}
-
-int number(soci::session &session, const std::string &query)
-{
-    int found = 0;
-    session << query, soci::into(found);
-    return found;
-}
-
 /// Refuses the database of another program. Ours is known by its mark or, from before there was one, by its
 /// tables; an empty one becomes ours.
-void claim(soci::session &session, const std::filesystem::path &file)
+void claim(SqliteConnection &session, const std::filesystem::path &file)
 {
-    if (number(session, "PRAGMA application_id") == applicationId)
+    if (session.numberOf("PRAGMA application_id") == applicationId)
         return;
-    const int ours = number(session, "SELECT COUNT(*) FROM sqlite_master WHERE type = 'table' AND name IN"
-                                     " ('schema_version', 'account', 'login', 'area', 'goal_set', 'goal')");
-    if (ours < 6 && number(session, "SELECT COUNT(*) FROM sqlite_master") > 0)
+    const auto ours = session.numberOf("SELECT COUNT(*) FROM sqlite_master WHERE type = 'table' AND name IN"
+                                       " ('schema_version', 'account', 'login', 'area', 'goal_set', 'goal')");
+    if (ours < 6 && session.numberOf("SELECT COUNT(*) FROM sqlite_master") > 0)
         throw CannotOpen("The file " + file.string() + " is the database of another program.");
-    session << "PRAGMA application_id = " + std::to_string(applicationId);
+    session.execute("PRAGMA application_id = " + std::to_string(applicationId));
 }
 
 /// Takes the file from all but its owner, whoever made it; the engine gives files beside it the same mode.
@@ -76,28 +58,14 @@ void makePrivate(const std::filesystem::path &file)
     }
 }
 
-void rollBack(soci::session &session)
+void runReading(SqliteConnection &session, const Database::Work &work)
 {
     try {
-        session << "ROLLBACK";
-    } catch (const soci::soci_error &) { // NOLINT(bugprone-empty-catch)
-        // The engine has already ended the transaction by itself.
-    }
-}
-
-void runTransaction(soci::session &session, const std::string &begin,
-                    const std::function<void(Connection &)> &work)
-{
-    try {
-        session << begin;
+        session.change("BEGIN");
         work(session);
-        session << "COMMIT";
-    } catch (const soci::soci_error &error) {
-        rollBack(session);
-        // Not what(): that text quotes the values of the statement.
-        throw TransactionFailed(error.get_error_message());
+        session.change("COMMIT");
     } catch (...) {
-        rollBack(session);
+        session.rollBack();
         throw;
     }
 }
@@ -117,14 +85,49 @@ std::filesystem::path sqliteFile(const std::string &url)
     return path;
 }
 
+/// Sessions that only read, lent to one thread each.
+class Readers
+{
+public:
+    void add(std::unique_ptr<SqliteConnection> session)
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_free.push_back(std::move(session));
+        }
+        m_isFree.notify_one();
+    }
+    std::unique_ptr<SqliteConnection> take()
+    {
+        std::unique_lock lock(m_mutex);
+        m_isFree.wait(lock, [this] { return !m_free.empty(); });
+        auto session = std::move(m_free.back());
+        m_free.pop_back();
+        return session;
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_isFree;
+    std::vector<std::unique_ptr<SqliteConnection>> m_free;
+};
+
+std::unique_ptr<SqliteConnection> reader(const std::filesystem::path &file)
+{
+    auto session = std::make_unique<SqliteConnection>(file);
+    session->execute("PRAGMA query_only = ON");
+    return session;
+}
+
 } // namespace
 
-/// One writer, since the engine allows one, and a few readers beside it.
+/// One writer, since the engine allows one, and readers beside it.
 struct Database::Sessions
 {
-    std::mutex writerMutex;
-    soci::session writer;
-    soci::connection_pool readers{readerCount};
+    std::unique_ptr<Writer> writer;
+    std::mutex hastyMutex;
+    std::unique_ptr<SqliteConnection> hasty;
+    Readers readers;
 };
 
 Database::Database(const std::string &url) : m_sessions(std::make_unique<Sessions>())
@@ -132,34 +135,58 @@ Database::Database(const std::string &url) : m_sessions(std::make_unique<Session
     const std::filesystem::path file = sqliteFile(url);
     createFile(file);
     try {
-        soci::session &writer = m_sessions->writer;
-        openSession(writer, file);
-        claim(writer, file);
+        auto writer = std::make_unique<SqliteConnection>(file);
+        claim(*writer, file);
         makePrivate(file);
-        writer << "PRAGMA journal_mode = WAL";
-        migrate(writer, sqliteMigrations);
-        for (std::size_t i = 0; i < readerCount; ++i) {
-            soci::session &reader = m_sessions->readers.at(i);
-            openSession(reader, file);
-            reader << "PRAGMA query_only = ON";
-        }
-    } catch (const soci::soci_error &error) {
-        throw CannotOpen("The database " + file.string() + " cannot be used: " + error.get_error_message());
+        writer->execute("PRAGMA journal_mode = WAL");
+        migrate(*writer, sqliteMigrations);
+        for (std::size_t i = 0; i < readerCount; ++i)
+            m_sessions->readers.add(reader(file));
+        m_sessions->hasty = reader(file);
+        m_sessions->writer = std::make_unique<Writer>(std::move(writer));
+    } catch (const TransactionFailed &error) {
+        throw CannotOpen("The database " + file.string() + " cannot be used: " + error.what());
     }
 }
 
 Database::~Database() = default;
 
-void Database::read(const std::function<void(Connection &)> &work)
+void Database::read(const Work &work)
 {
-    soci::session reader(m_sessions->readers);
-    runTransaction(reader, "BEGIN", work);
+    std::unique_ptr<SqliteConnection> lent = m_sessions->readers.take();
+    const auto give = [this](SqliteConnection *session) {
+        m_sessions->readers.add(std::unique_ptr<SqliteConnection>(session));
+    };
+    const std::unique_ptr<SqliteConnection, decltype(give)> session(lent.release(), give);
+    runReading(*session, work);
 }
 
-void Database::write(const std::function<void(Connection &)> &work)
+bool Database::readInAMoment(const Work &work)
 {
-    const std::lock_guard lock(m_sessions->writerMutex);
-    runTransaction(m_sessions->writer, "BEGIN IMMEDIATE", work);
+    const std::unique_lock lock(m_sessions->hastyMutex, std::try_to_lock);
+    if (!lock)
+        return false;
+    try {
+        m_sessions->hasty->beginHaste();
+        runReading(*m_sessions->hasty, work);
+        return true;
+    } catch (const TransactionHindered &) {
+        return false;
+    }
+}
+
+void Database::write(const Work &work)
+{
+    std::promise<void> done;
+    write(work, [&](const std::exception_ptr &failure) {
+        failure ? done.set_exception(failure) : done.set_value();
+    });
+    done.get_future().get();
+}
+
+void Database::write(Work work, Written written)
+{
+    m_sessions->writer->add(std::move(work), std::move(written));
 }
 
 } // namespace tarvex::store

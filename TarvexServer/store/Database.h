@@ -3,6 +3,7 @@
 #include "Connection.h"
 #include "StoreError.h"
 
+#include <exception>
 #include <functional>
 #include <memory>
 #include <string>
@@ -11,24 +12,35 @@ namespace tarvex::store {
 
 /// One database, open for many threads.
 ///
-/// All access goes through the two functions below, each one transaction. A write that returns is on disk;
-/// one that throws has left nothing behind. Work handed in must have no effect outside the database: later
-/// engines may run it again, or together with others' work under one commit.
+/// All access goes through the functions below, each one transaction. A write that returns is on disk; one
+/// that throws has left nothing behind. Work handed in must have no effect outside the database that a second
+/// run would not have again: it may be run once more, and goes in together with others' work under one
+/// commit. What it throws comes back to whoever handed it in.
 class Database
 {
 public:
+    using Work = std::function<void(Connection &)>;
+    using Written = std::function<void(std::exception_ptr)>;
+
     /// Opens the database at the URL, making file, missing parent folders and schema as needed.
     /// Throws CannotOpen.
     explicit Database(const std::string &url);
+    /// Writes first what still waits to be written.
     ~Database();
     Database(const Database &) = delete;
     Database &operator=(const Database &) = delete;
 
-    /// Runs the work in a read-only transaction, in parallel with others. Throws TransactionFailed.
-    void read(const std::function<void(Connection &)> &work);
+    /// Runs the work in a read-only transaction, in parallel with others. Never waits for a write. Throws
+    /// TransactionFailed.
+    void read(const Work &work);
+    /// The same for a thread that must not be held up: gives up, and returns false, if it would take longer
+    /// than a moment.
+    bool readInAMoment(const Work &work);
 
-    /// Runs the work in the one writing transaction of the moment. Throws TransactionFailed.
-    void write(const std::function<void(Connection &)> &work);
+    /// Runs the work in a writing transaction and waits until it is on disk. Throws TransactionFailed.
+    void write(const Work &work);
+    /// The same without waiting; `written` is told on another thread, with what was thrown if anything was.
+    void write(Work work, Written written);
 
 private:
     struct Sessions;

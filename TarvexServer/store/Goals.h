@@ -43,9 +43,12 @@ std::vector<GoalCount> goalCounts(Connection &connection, std::int64_t accountId
 
 std::optional<Goal> findGoal(Connection &connection, std::int64_t accountId, std::int64_t goalId);
 
-/// Those of the goals that exist.
-std::vector<Goal> findGoals(Connection &connection, std::int64_t accountId,
-                            const std::vector<std::int64_t> &goalIds);
+/// How many goals of a set are not done.
+std::int64_t countUndone(Connection &connection, std::int64_t accountId, std::int64_t setId);
+
+/// One of these, by its place among them; nothing if there are fewer.
+std::optional<Goal> undoneGoal(Connection &connection, std::int64_t accountId, std::int64_t setId,
+                               std::int64_t index);
 
 /// Inserts the goals in their order under new ids; those they carry are ignored. Set and area must be there.
 void createGoals(Connection &connection, std::int64_t accountId, const std::vector<Goal> &goals);

@@ -31,7 +31,4 @@ bool renameSet(Connection &connection, std::int64_t accountId, std::int64_t setI
 /// account had such a set. `now` is in seconds since 1970.
 bool deleteSet(Connection &connection, std::int64_t accountId, std::int64_t setId, std::int64_t now);
 
-/// Removes for good the account's sets and goals that were deleted before that time, in seconds since 1970.
-void purgeDeleted(Connection &connection, std::int64_t accountId, std::int64_t before);
-
 } // namespace tarvex::store

@@ -18,4 +18,11 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// A transaction could not have the database to itself for long enough; the same may do later.
+class TransactionHindered : public TransactionFailed
+{
+public:
+    using TransactionFailed::TransactionFailed;
+};
+
 } // namespace tarvex::store

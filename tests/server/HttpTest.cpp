@@ -115,11 +115,14 @@ TEST_F(Http, TellsAClientThatAsksToGoOn)
     start();
     RawClient client(port());
     const std::string body = asAnna("sign-in");
-    client.send("POST /tarvex/ HTTP/1.1\r\nExpect: 100-continue\r\nContent-Length: " +
+    client.send("POST http://x/tarvex/ HTTP/1.1\r\nHost: x\r\nExpect: 100-continue\r\nContent-Length: " +
                 std::to_string(body.size()) + "\r\n\r\n");
     EXPECT_EQ(client.read().result_int(), 100U);
     client.send(body);
     EXPECT_EQ(client.read().body(), "OK");
+    client.send(
+        "POST /tarvex/ HTTP/1.1\r\nHost: x\r\nExpect: 100-continue\r\nContent-Length: 5000000\r\n\r\n");
+    EXPECT_EQ(client.read().result_int(), 413U);
 }
 
 TEST_F(Http, ClosesConnectionsThatKeepItWaiting)
@@ -129,7 +132,7 @@ TEST_F(Http, ClosesConnectionsThatKeepItWaiting)
     limits.idleTime = std::chrono::hours(1);
     start(limits);
     for (const char *beginning :
-         {"", "POST /tarv", "POST /tarvex/ HTTP/1.1\r\nContent-Length: 9\r\n\r\np1="}) {
+         {"", "POST /tarv", "POST /tarvex/ HTTP/1.1\r\nHost: x\r\nContent-Length: 9\r\n\r\np1="}) {
         RawClient client(port());
         client.send(beginning);
         EXPECT_TRUE(client.isClosedSilently()) << beginning;
@@ -253,6 +256,29 @@ TEST(ConnectionCounts, LimitConnectionsPerPeerAndAltogether)
     EXPECT_EQ(counts.enter("b"), Welcome::Refused);
     counts.leave("a", Welcome::Served);
     EXPECT_EQ(counts.enter("a"), Welcome::Served);
+}
+
+TEST(AccountQueues, StartOneTaskOfAnAccountAtATime)
+{
+    http::AccountQueues queues;
+    std::string started;
+    for (const char task : {'a', 'b', 'c'})
+        queues.enter(/*accountId=*/1, [&started, task] { started += task; });
+    queues.enter(/*accountId=*/2, [&started] { started += 'x'; });
+    EXPECT_EQ(started, "ax");
+    queues.leave(1);
+    EXPECT_EQ(started, "axb");
+    auto ended = std::async(std::launch::async, [&] { queues.end(); });
+    queues.leave(2);
+    for (bool isIn = true; isIn;) { // until it lets nothing more in
+        isIn = false;
+        queues.enter(/*accountId=*/3, [&isIn] { isIn = true; });
+        if (isIn)
+            queues.leave(3);
+    }
+    queues.leave(1);
+    ended.get();
+    EXPECT_EQ(started, "axb");
 }
 
 TEST(PeerName, IsWhatOneSubscriberHas)

@@ -92,7 +92,7 @@ TEST_F(Requests, WrongPasswordsAreLimitedByPeerUnlessItHasNoName)
 TEST_F(Requests, ARequestThatWaitedTooLongIsNotBegun)
 {
     auto turn = m_service.begin({.body = asAnna("create-sets", "&p4=late"), .peer = "", .arrival = m_now});
-    ASSERT_TRUE(turn->needsHashing());
+    ASSERT_EQ(turn->step(), requests::Turn::Step::Hash);
     m_service.verify(*turn);
     m_now += requests::Service::patience + std::chrono::seconds(1);
     EXPECT_EQ(m_service.finish(*turn).outcome, Outcome::Busy);

@@ -17,7 +17,7 @@ protected:
     tarvex::requests::Answer answerTo(const std::string &body, const std::string &peer = "")
     {
         const auto turn = m_service.begin({.body = body, .peer = peer, .arrival = m_now});
-        if (turn->needsHashing())
+        if (turn->step() == tarvex::requests::Turn::Step::Hash)
             m_service.verify(*turn);
         return m_service.finish(*turn);
     }

@@ -1,12 +1,14 @@
 #include "Accounts.h"
 #include "Database.h"
+#include "Deleted.h"
 #include "Goals.h"
 #include "Sets.h"
+#include "SqliteConnection.h"
 #include "TemporaryFolder.h"
 
+#include <fstream>
+#include <future>
 #include <gtest/gtest.h>
-#include <soci/soci.h>
-#include <soci/sqlite3/soci-sqlite3.h>
 
 using namespace tarvex::store;
 
@@ -52,12 +54,11 @@ TEST_F(StoreTest, RemovesForGoodOnlyWhatWasDeletedLongEnoughAgo)
         deleteSet(connection, m_account, /*setId=*/1, /*now=*/100);
         deleteGoals(connection, m_account, {2}, /*now=*/100);
         deleteGoals(connection, m_account, {3}, /*now=*/200);
-        purgeDeleted(connection, m_account, /*before=*/150);
-        std::string left;
-        connection << "SELECT group_concat(name) FROM (SELECT name FROM goal UNION ALL"
-                      " SELECT name FROM goal_set ORDER BY name)",
-            soci::into(left);
-        EXPECT_EQ(left, "live,recent,second");
+        EXPECT_EQ(purgeDeleted(connection, m_account, /*before=*/150, /*most=*/9), 3);
+        Rows left = connection.rows("SELECT group_concat(name) FROM (SELECT name FROM goal UNION ALL"
+                                    " SELECT name FROM goal_set ORDER BY name)");
+        EXPECT_TRUE(left.next());
+        EXPECT_EQ(left.text(0), "live,recent,second");
     });
 }
 
@@ -80,6 +81,67 @@ TEST_F(StoreTest, LeavesNothingOfATransactionThatFailedAndNoValueInTheErrorsText
     });
 }
 
+TEST_F(StoreTest, WritesThatWaitShareACommitAndNoFailure)
+{
+    std::promise<void> gate;
+    std::vector<std::string> order;
+    const auto create = [&](const std::string &name, bool fails) {
+        m_database.write(
+            [this, name, fails](Connection &connection) {
+                createSet(connection, m_account, name);
+                if (fails)
+                    throw std::runtime_error(name);
+            },
+            [&order, name](const std::exception_ptr &failure) {
+                order.push_back(name + (failure ? "!" : ""));
+            });
+    };
+    m_database.write([&](Connection &) { gate.get_future().wait(); }, [](const std::exception_ptr &) {});
+    create("third", /*fails=*/false);
+    create("lost", /*fails=*/true);
+    create("fourth", /*fails=*/false);
+    m_database.read([&](Connection &connection) { // which waits for no write
+        EXPECT_EQ(sets(connection, m_account).size(), 2U);
+        EXPECT_TRUE(order.empty());
+    });
+    gate.set_value();
+    m_database.write(
+        [&](Connection &connection) { EXPECT_EQ(createSet(connection, m_account, "fifth"), 5); });
+    EXPECT_EQ(order, (std::vector<std::string>{"third", "lost!", "fourth"}));
+}
+
+TEST_F(StoreTest, GivesUpReadingWhatTakesMoreThanAMoment)
+{
+    const auto isRead = [&](std::int64_t set) {
+        std::size_t found = 0;
+        return m_database.readInAMoment([&](Connection &connection) {
+            found = goalsOfSet(connection, m_account, set).size();
+        }) && found == 2;
+    };
+    m_database.write([&](Connection &connection) {
+        createNamedGoals(connection, /*set=*/1, {"one", "two"});
+        createGoals(
+            connection, m_account,
+            std::vector<Goal>(
+                10'000,
+                Goal{.id = 0, .setId = 2, .areaId = 1, .name = {}, .priority = 0, .isChecked = false}));
+    });
+    for (int again = 0; again < 3; ++again) {
+        EXPECT_FALSE(isRead(2));
+        EXPECT_TRUE(isRead(1));
+    }
+}
+
+TEST_F(StoreTest, CountsTheTimeToPurgingByThatWhichItRan)
+{
+    m_database.write([&](Connection &connection) {
+        EXPECT_EQ(movePurgeClock(connection, /*secondsRun=*/5, /*now=*/1000), 1000);
+        EXPECT_EQ(movePurgeClock(connection, /*secondsRun=*/60, /*now=*/9'000'000), 1060);
+        EXPECT_EQ(movePurgeClock(connection, /*secondsRun=*/60, /*now=*/1100), 1100);
+        EXPECT_EQ(movePurgeClock(connection, /*secondsRun=*/60, /*now=*/100), 100);
+    });
+}
+
 TEST_F(StoreTest, KeepsItsDataInAFileForItsOwnerAlone)
 {
     for (const char *suffix : {"", "-wal", "-shm"})
@@ -92,17 +154,18 @@ TEST_F(StoreTest, KeepsItsDataInAFileForItsOwnerAlone)
 
 TEST_F(StoreTest, IsNotOpenedWhenANewerServerMadeIt)
 {
-    m_database.write([](Connection &connection) { connection << "UPDATE schema_version SET version = 99"; });
+    m_database.write(
+        [](Connection &connection) { connection.change("UPDATE schema_version SET version = 99"); });
     EXPECT_THROW(Database database(m_folder.databaseUrl()), CannotOpen);
 }
 
 TEST_F(StoreTest, OpensDatabasesOfItsOwnAlone)
 {
     m_database.write([](Connection &connection) { // as databases began
-        connection << "PRAGMA application_id = 0";
+        connection.change("PRAGMA application_id = 0");
     });
     EXPECT_NO_THROW(Database database(m_folder.databaseUrl()));
-    soci::session other(soci::sqlite3, "db=\"" + file() + "2\"");
-    other << "CREATE TABLE account (id INTEGER)";
+    std::ofstream(file() + "2").close();
+    SqliteConnection(file() + "2").execute("CREATE TABLE account (id INTEGER)");
     EXPECT_THROW(Database database(m_folder.databaseUrl() + "2"), CannotOpen);
 }

@@ -3,19 +3,8 @@
 #include "Connection.h"
 
 #include <cstdint>
-#include <soci/soci.h>
-#include <string>
 
 namespace tarvex::store {
-
-/// Runs a statement that changes rows, its parameters in their order, and tells whether it found one.
-template<class... Values>
-bool changesRow(Connection &connection, const std::string &sql, const Values &...values)
-{
-    soci::statement statement = ((connection.prepare << sql), ..., soci::use(values));
-    statement.execute(true);
-    return statement.get_affected_rows() > 0;
-}
 
 enum class Counter { Set, Goal };
 

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Clocks.h"
+#include "Database.h"
+
+#include <atomic>
+
+namespace tarvex::requests {
+
+/// Removes for good what was deleted more than 30 days of running ago, in small steps.
+class Purge
+{
+public:
+    Purge(store::Database &database, const Clocks &clocks);
+    /// Waits for the step that is under way.
+    ~Purge();
+    Purge(const Purge &) = delete;
+    Purge &operator=(const Purge &) = delete;
+
+    /// Begins a step, unless one is under way, and does not wait for it. To be called every second or so.
+    void step();
+
+private:
+    void removeSome(store::Connection &connection);
+
+    store::Database &m_database;
+    const Clocks &m_clocks;
+    std::atomic<bool> m_isUnderWay = false;
+    std::int64_t m_account = 0; // the last that was looked at
+    std::chrono::steady_clock::time_point m_lastStep;
+};
+
+} // namespace tarvex::requests

@@ -1,0 +1,65 @@
+#include "Deleted.h"
+
+#include <algorithm>
+
+namespace tarvex::store {
+
+namespace {
+
+/// The number that a query brings; nothing without a row.
+template<class... Values>
+std::optional<std::int64_t> number(Connection &connection, const char *sql, const Values &...values)
+{
+    Rows rows = connection.rows(sql, values...);
+    return rows.next() ? std::optional(rows.number(0)) : std::nullopt;
+}
+
+} // namespace
+
+std::int64_t movePurgeClock(Connection &connection, std::int64_t secondsRun, std::int64_t now)
+{
+    const auto before = number(connection, "SELECT seconds FROM purge_clock");
+    const std::int64_t seconds = std::min(now, before.value_or(now) + secondsRun);
+    if (before)
+        connection.change("UPDATE purge_clock SET seconds = $1", seconds);
+    else
+        connection.change("INSERT INTO purge_clock (seconds) VALUES ($1)", seconds);
+    return seconds;
+}
+
+std::optional<std::int64_t> nextWithDeleted(Connection &connection, std::int64_t after)
+{
+    const auto ofGoals = number(connection,
+                                "SELECT account_id FROM goal WHERE account_id > $1 AND deleted_at IS NOT NULL"
+                                " ORDER BY account_id LIMIT 1",
+                                after);
+    const auto ofSets = number(connection,
+                               "SELECT account_id FROM goal_set"
+                               " WHERE account_id > $1 AND deleted_at IS NOT NULL"
+                               " ORDER BY account_id LIMIT 1",
+                               after);
+    return ofGoals && ofSets ? std::min(ofGoals, ofSets) : ofGoals ? ofGoals : ofSets;
+}
+
+std::int64_t purgeDeleted(Connection &connection, std::int64_t accountId, std::int64_t before,
+                          std::int64_t most)
+{
+    std::int64_t removed =
+        connection.change("DELETE FROM goal WHERE account_id = $1 AND goal_id IN (SELECT goal_id FROM goal"
+                          " WHERE account_id = $1 AND deleted_at < $2 LIMIT $3)",
+                          accountId, before, most);
+    removed += connection.change("DELETE FROM goal WHERE account_id = $1 AND goal_id IN"
+                                 " (SELECT goal.goal_id FROM goal_set JOIN goal"
+                                 " ON goal.account_id = goal_set.account_id AND goal.set_id = goal_set.set_id"
+                                 " WHERE goal_set.account_id = $1 AND goal_set.deleted_at < $2"
+                                 " AND goal.deleted_at IS NULL LIMIT $3)",
+                                 accountId, before, most);
+    removed +=
+        connection.change("DELETE FROM goal_set WHERE account_id = $1 AND deleted_at < $2 AND NOT EXISTS"
+                          " (SELECT 1 FROM goal WHERE goal.account_id = $1"
+                          " AND goal.set_id = goal_set.set_id)",
+                          accountId, before);
+    return removed;
+}
+
+} // namespace tarvex::store

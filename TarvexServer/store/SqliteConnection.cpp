@@ -1,0 +1,128 @@
+#include "SqliteConnection.h"
+
+#include "StoreError.h"
+
+namespace tarvex::store {
+
+namespace {
+
+/// How long a session waits for another process that holds the file.
+constexpr int busyMilliseconds = 5000;
+
+[[noreturn]] void fail(sqlite3 *session)
+{
+    const int primaryCode = sqlite3_errcode(session) & 0xFF;
+    if (primaryCode == SQLITE_BUSY || primaryCode == SQLITE_INTERRUPT)
+        throw TransactionHindered(sqlite3_errmsg(session));
+    throw TransactionFailed(sqlite3_errmsg(session));
+}
+
+class SqliteStatement : public Statement
+{
+public:
+    SqliteStatement(sqlite3 *session, std::string_view sql, unsigned flags)
+    {
+        if (sqlite3_prepare_v3(session, sql.data(), static_cast<int>(sql.size()), flags, &m_statement,
+                               nullptr) != SQLITE_OK)
+            fail(session);
+    }
+    ~SqliteStatement() override { sqlite3_finalize(m_statement); }
+    SqliteStatement(const SqliteStatement &) = delete;
+    SqliteStatement &operator=(const SqliteStatement &) = delete;
+
+    void bind(int parameter, std::int64_t number) override
+    {
+        check(sqlite3_bind_int64(m_statement, parameter, number));
+    }
+    void bind(int parameter, std::string_view text) override
+    {
+        check(sqlite3_bind_text64(m_statement, parameter, text.data() != nullptr ? text.data() : "",
+                                  text.size(), SQLITE_TRANSIENT, SQLITE_UTF8));
+    }
+    bool step() override
+    {
+        const int result = sqlite3_step(m_statement);
+        if (result != SQLITE_ROW && result != SQLITE_DONE)
+            check(result);
+        return result == SQLITE_ROW;
+    }
+    std::int64_t number(int column) const override { return sqlite3_column_int64(m_statement, column); }
+    std::string_view text(int column) const override
+    {
+        const auto *bytes = static_cast<const char *>(sqlite3_column_blob(m_statement, column));
+        return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(m_statement, column))};
+    }
+    std::int64_t changes() const override { return sqlite3_changes64(sqlite3_db_handle(m_statement)); }
+    void reset() noexcept override
+    {
+        sqlite3_reset(m_statement);
+        sqlite3_clear_bindings(m_statement);
+    }
+
+private:
+    void check(int result) const
+    {
+        if (result != SQLITE_OK)
+            fail(sqlite3_db_handle(m_statement));
+    }
+
+    sqlite3_stmt *m_statement = nullptr;
+};
+
+} // namespace
+
+SqliteConnection::SqliteConnection(const std::filesystem::path &file)
+{
+    // A path from the root, since the engine reads a leading "file:" or ":" in a way of its own.
+    const int result =
+        sqlite3_open_v2(std::filesystem::absolute(file).c_str(), &m_session,
+                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
+    if (result != SQLITE_OK) {
+        const std::string reason = sqlite3_errmsg(m_session);
+        sqlite3_close(m_session);
+        throw TransactionFailed(reason);
+    }
+    sqlite3_busy_timeout(m_session, busyMilliseconds);
+    execute("PRAGMA synchronous = FULL; PRAGMA fullfsync = ON; PRAGMA foreign_keys = ON");
+}
+
+SqliteConnection::~SqliteConnection()
+{
+    forgetStatements();
+    sqlite3_close(m_session);
+}
+
+void SqliteConnection::execute(const std::string &script)
+{
+    if (sqlite3_exec(m_session, script.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
+        fail(m_session);
+}
+
+std::int64_t SqliteConnection::numberOf(const std::string &query)
+{
+    SqliteStatement statement(m_session, query, /*flags=*/0);
+    return statement.step() ? statement.number(/*column=*/0) : 0;
+}
+
+void SqliteConnection::rollBack() noexcept
+{
+    if (sqlite3_get_autocommit(m_session) == 0)
+        sqlite3_exec(m_session, "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+void SqliteConnection::beginHaste()
+{
+    constexpr int stepsBetween = 1000;
+    constexpr int moment = 20; // thousand steps of the engine, a millisecond or so
+    m_haste = moment;
+    sqlite3_busy_timeout(m_session, /*ms=*/0);
+    const auto isOver = [](void *left) { return --*static_cast<int *>(left) < 0 ? 1 : 0; };
+    sqlite3_progress_handler(m_session, stepsBetween, isOver, &m_haste);
+}
+
+std::unique_ptr<Statement> SqliteConnection::prepare(std::string_view sql)
+{
+    return std::make_unique<SqliteStatement>(m_session, sql, SQLITE_PREPARE_PERSISTENT);
+}
+
+} // namespace tarvex::store

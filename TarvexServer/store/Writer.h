@@ -1,0 +1,53 @@
+#pragma once
+
+#include "SqliteConnection.h"
+
+#include <condition_variable>
+#include <deque>
+#include <exception>
+#include <functional>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace tarvex::store {
+
+/// The one thread that changes the database. Whatever waits for it goes in together, under one commit: a disk
+/// that takes its time for each takes it once for many.
+class Writer
+{
+public:
+    using Work = std::function<void(Connection &)>;
+    /// Told on the writer's thread once the work is on disk, or with why it left nothing behind.
+    using Written = std::function<void(std::exception_ptr)>;
+
+    explicit Writer(std::unique_ptr<SqliteConnection> session);
+    /// What still waits is written first.
+    ~Writer();
+    Writer(const Writer &) = delete;
+    Writer &operator=(const Writer &) = delete;
+
+    void add(Work work, Written written);
+
+private:
+    struct Job
+    {
+        Work work;
+        Written written;
+        std::exception_ptr failure;
+    };
+
+    void run();
+    std::vector<Job> nextBatch();
+    void commit(std::vector<Job> &batch);
+    void attempt(Job &job);
+
+    std::unique_ptr<SqliteConnection> m_session;
+    std::mutex m_mutex;
+    std::condition_variable m_isWork;
+    std::deque<Job> m_waiting;
+    bool m_isEnding = false;
+    std::thread m_thread; // the last, since it uses all of these
+};
+
+} // namespace tarvex::store
