@@ -134,6 +134,25 @@ TEST_F(Requests, NobodyCanMakeItForgetTheRefusedSaveOfAnother)
     EXPECT_EQ(postAsAnna("delete-some-goals", "&p4=1;"), "Error");
 }
 
+TEST_F(Requests, WhatWasDeletedIsGoneAfterThirtyDaysOfRunning)
+{
+    postAsAnna("create-some-goals", "&p4=" + goal("deleted"));
+    postAsAnna("delete-some-goals", "&p4=1;");
+    const auto goalsAfter = [&](int days) {
+        m_now += std::chrono::hours(24 * days);
+        m_seconds += 24LL * 60 * 60 * days;
+        m_service.keepHouse();
+        std::int64_t count = -1;
+        m_database.write([&](store::Connection &connection) {
+            store::Rows rows = connection.rows("SELECT COUNT(*) FROM goal");
+            count = rows.next() ? rows.number(0) : -1;
+        });
+        return count;
+    };
+    EXPECT_EQ(goalsAfter(29), 1);
+    EXPECT_EQ(goalsAfter(2), 0);
+}
+
 TEST_F(Requests, TheSampleAccountIsMadeOnceAndShowsAWheel)
 {
     EXPECT_TRUE(requests::createSampleAccount(m_database));
