@@ -19,17 +19,17 @@ Purge::Purge(store::Database &database, const Clocks &clocks)
 
 Purge::~Purge()
 {
-    m_isUnderWay.wait(true);
+    m_isUnderWay->wait(true);
 }
 
 void Purge::step()
 {
-    if (m_isUnderWay.exchange(true))
+    if (m_isUnderWay->exchange(true))
         return;
     m_database.write([this](store::Connection &connection) { removeSome(connection); },
-                     [this](const std::exception_ptr &) { // a step that failed is begun again
-                         m_isUnderWay = false;
-                         m_isUnderWay.notify_all();
+                     [isUnderWay = m_isUnderWay](const std::exception_ptr &) { // what failed is begun again
+                         *isUnderWay = false;
+                         isUnderWay->notify_all();
                      });
 }
 

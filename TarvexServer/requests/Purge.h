@@ -4,6 +4,7 @@
 #include "Database.h"
 
 #include <atomic>
+#include <memory>
 
 namespace tarvex::requests {
 
@@ -25,7 +26,7 @@ private:
 
     store::Database &m_database;
     const Clocks &m_clocks;
-    std::atomic<bool> m_isUnderWay = false;
+    std::shared_ptr<std::atomic<bool>> m_isUnderWay = std::make_shared<std::atomic<bool>>(false);
     std::int64_t m_account = 0; // the last that was looked at
     std::chrono::steady_clock::time_point m_lastStep;
 };

@@ -177,11 +177,12 @@ bool Database::readInAMoment(const Work &work)
 
 void Database::write(const Work &work)
 {
-    std::promise<void> done;
-    write(work, [&](const std::exception_ptr &failure) {
-        failure ? done.set_exception(failure) : done.set_value();
+    const auto done =
+        std::make_shared<std::promise<void>>(); // which the writer's thread may be the last to leave
+    write(work, [done](const std::exception_ptr &failure) {
+        failure ? done->set_exception(failure) : done->set_value();
     });
-    done.get_future().get();
+    done->get_future().get();
 }
 
 void Database::write(Work work, Written written)
