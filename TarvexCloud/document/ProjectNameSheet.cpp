@@ -38,9 +38,7 @@ void ProjectNameSheet::askForName(const QString &name, qint64 tag)
     m_givenName = name.isNull() ? u""_s : name;
     if (m_textProjectName) {
         m_textProjectName->setText(name);
-        m_shownName = m_textProjectName->text();
-        m_textProjectName->selectAll();
-        m_textProjectName->setFocus();
+        m_textProjectName->setFocus(); // a dialog that comes up selects the text of its focus
     }
     setStatus(QString());
     m_confirm->setText(isNew ? tr("Create") : tr("Rename"));
@@ -50,8 +48,7 @@ void ProjectNameSheet::askForName(const QString &name, qint64 tag)
 
 QString ProjectNameSheet::name() const
 {
-    const bool isGiven = !m_textProjectName || m_textProjectName->text() == m_shownName;
-    return isGiven ? m_givenName : m_textProjectName->text();
+    return m_textProjectName ? m_textProjectName->text() : m_givenName;
 }
 
 void ProjectNameSheet::setStatus(const QString &text)

@@ -46,7 +46,6 @@ private:
 
     qint64 m_tag = tagOfNewSet;
     QString m_givenName;
-    QString m_shownName;
     QLabel *m_title = nullptr;
     QLabel *m_hint = nullptr;
     QPointer<QLineEdit> m_textProjectName;

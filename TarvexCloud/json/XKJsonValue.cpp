@@ -22,7 +22,7 @@ struct Owner final : XKJsonShared
     const Held held;
 };
 
-bool isDecimal(QString text)
+bool isDecimal(const QString &text)
 {
     (void)text.utf16(); // makes sure that a zero stands behind it
     XKJsonCursor c(text);

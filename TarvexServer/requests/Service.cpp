@@ -212,7 +212,7 @@ Answer Service::finish(Turn &turn)
     return conclude(turn.m_kind, turn.m_form, *turn.m_answer);
 }
 
-void Service::finishLater(std::shared_ptr<Turn> turn, std::function<void(const Answer &)> done)
+void Service::finishLater(const std::shared_ptr<Turn> &turn, std::function<void(const Answer &)> done)
 {
     auto work = [this, turn](store::Connection &connection) { write(*turn, connection); };
     m_database.write(std::move(work),

@@ -79,7 +79,7 @@ public:
     void verify(Turn &turn);
     Answer finish(Turn &turn);
     /// The same for a turn that is to write, without waiting: `done` is told on another thread.
-    void finishLater(std::shared_ptr<Turn> turn, std::function<void(const Answer &)> done);
+    void finishLater(const std::shared_ptr<Turn> &turn, std::function<void(const Answer &)> done);
 
     /// A small step of what the database needs now and then; to be called every second or so. Does not wait.
     void keepHouse() { m_purge.step(); }

@@ -338,6 +338,7 @@ private Q_SLOTS:
         QTest::keyClick(area.table, Qt::Key_Down);
         QCOMPARE(table->focusChild()->text(QAccessible::Name), u"Read & write"_s);
         QCOMPARE(table->focusChild()->text(QAccessible::Description), u"Not done"_s);
+        QVERIFY(table->focusChild()->state().selected);
         QCOMPARE(table->tableInterface()->columnDescription(GoalTableModel::CheckColumn), u"Done"_s);
         const QPoint middle = area.accessibleCell(2, 1)->rect().center();
         QCOMPARE(table->childAt(middle.x(), middle.y()), area.accessibleCell(2, 1));

@@ -123,6 +123,9 @@ TEST_F(Requests, AskingWhoHasAnAccountIsLimitedByPeer)
     const std::string body = "p1=create-new-user&p2=" + m_login + "&p3=x&p4=y&type=json";
     for (int i = 0; i < 11; ++i)
         EXPECT_EQ(answerTo(body, "192.0.2.1").outcome, i < 10 ? Outcome::Invalid : Outcome::TooManyAttempts);
+    for (char name = 'a'; name <= 'k'; ++name)
+        EXPECT_EQ(answerTo(body.substr(0, 22) + name + body.substr(22), "192.0.2.2").outcome,
+                  name < 'k' ? Outcome::Done : Outcome::TooManyAttempts);
 }
 
 TEST_F(Requests, NobodyCanMakeItForgetTheRefusedSaveOfAnother)
