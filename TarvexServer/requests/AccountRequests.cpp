@@ -7,7 +7,7 @@
 #include "SignUpAnswer.h"
 #include "WireText.h"
 
-#include <regex>
+#include <boost/regex.hpp>
 
 namespace tarvex::requests {
 
@@ -20,8 +20,8 @@ constexpr std::size_t maximumTextSize = 1024;
 /// and top-level domains of any length besides.
 bool isEmailAddress(std::string_view text)
 {
-    static const std::regex form(R"([A-Za-z0-9._%+-]+@[A-Za-z0-9.-]+\.[A-Za-z]{2,})");
-    return std::regex_match(text.begin(), text.end(), form);
+    static const boost::regex form(R"([A-Za-z0-9._%+-]+@[A-Za-z0-9.-]+\.[A-Za-z]{2,})");
+    return boost::regex_match(text.begin(), text.end(), form);
 }
 
 Answer refusedSignUp(std::string_view message)

@@ -1,6 +1,5 @@
 #include "AlertSheet.h"
 #include "Client.h"
-#include "ProjectNameSheet.h"
 
 #include <QSignalSpy>
 
@@ -61,10 +60,6 @@ private Q_SLOTS:
         routed.setNamesForAreasOnWindow();
         QCOMPARE(Client::labels(current).value(2), u"Renamed"_s);
         QCOMPARE(routed.project(), current->project());
-        TarvexDocument editing(client.controller);
-        editing.editCurrentProject();
-        QCOMPARE(current->wndProjectName()->tag(), 7);
-        QTest::keyClick(current->wndProjectName(), Qt::Key_Escape);
         TarvexDocument deleting(client.controller);
         deleting.alertDeleteCurrentprojectEded(nullptr, AlertSheet::alternateReturn, nullptr);
         deleting.alertDeleteCurrentprojectEded(nullptr, AlertSheet::defaultReturn, nullptr);

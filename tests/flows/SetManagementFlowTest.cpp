@@ -80,16 +80,6 @@ private Q_SLOTS:
         QCOMPARE(document->listOfProjects()->currentText(), u"B"_s); // left to the selector
     }
 
-    void aNameThatNobodyTouchedGoesBackAsItCame()
-    {
-        Client client;
-        client.service.answer("get-sets", sets({"two\nlines"}));
-        const TarvexDocument *document = client.openSignedIn();
-        Client::trigger(document, "actionRenameSet");
-        QTest::keyClick(document->wndProjectName(), Qt::Key_Return);
-        QCOMPARE(client.service.bodies().value(3), "p1=set-sets-name" + annsDigests + "&p4=two\nlines&p5=70");
-    }
-
     void aNameThatIsDictatedCountsHoweverLongItIs()
     {
         Client client;

@@ -177,6 +177,7 @@ private Q_SLOTS:
             }
             QCOMPARE(tree.value(u""_s).toInteger(), -2);
             QVERIFY(tree.value(key(count)).isNone());
+            QVERIFY(!tree.at(1).toBoolean()); // nothing is converted
         }
     }
 

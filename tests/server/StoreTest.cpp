@@ -81,6 +81,15 @@ TEST_F(StoreTest, LeavesNothingOfATransactionThatFailedAndNoValueInTheErrorsText
     });
 }
 
+TEST_F(StoreTest, GivesNoIdThatTheWireCannotCarry)
+{
+    m_database.write([&](Connection &connection) {
+        connection.change("UPDATE account SET next_set_id = 2147483647");
+        EXPECT_EQ(createSet(connection, m_account, "last"), 2'147'483'647);
+        EXPECT_THROW(createSet(connection, m_account, "beyond"), TransactionFailed);
+    });
+}
+
 TEST_F(StoreTest, WritesThatWaitShareACommitAndNoFailure)
 {
     std::promise<void> gate;
@@ -166,6 +175,6 @@ TEST_F(StoreTest, OpensDatabasesOfItsOwnAlone)
     });
     EXPECT_NO_THROW(Database database(m_folder.databaseUrl()));
     std::ofstream(file() + "2").close();
-    SqliteConnection(file() + "2").execute("CREATE TABLE account (id INTEGER)");
+    SqliteConnection(file() + "2").execute("CREATE TABLE notes (id INTEGER)");
     EXPECT_THROW(Database database(m_folder.databaseUrl() + "2"), CannotOpen);
 }

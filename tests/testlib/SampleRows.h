@@ -1,9 +1,9 @@
 #pragma once
 
 #include <boost/algorithm/string.hpp>
+#include <boost/regex.hpp>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -20,13 +20,13 @@ inline std::filesystem::path samplesFolder()
 /// nine times the text.
 inline std::string sampleBytes(std::string text)
 {
-    static const std::regex repeated(R"(\{([^{}*]+)\*(\d+)\})");
+    static const boost::regex repeated(R"(\{([^{}*]+)\*(\d+)\})");
     boost::replace_all(text, "\\r", "\r");
     boost::replace_all(text, "\\n", "\n");
     std::string bytes;
     for (std::size_t at = 0; at < text.size();) {
-        std::cmatch found;
-        if (std::regex_search(text.c_str() + at, found, repeated, std::regex_constants::match_continuous)) {
+        boost::cmatch found;
+        if (boost::regex_search(text.c_str() + at, found, repeated, boost::match_continuous)) {
             for (auto left = std::stoul(found[2]); left > 0; --left)
                 bytes += found[1];
             at += static_cast<std::size_t>(found.length());
