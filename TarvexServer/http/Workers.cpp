@@ -53,8 +53,11 @@ void Workers::finish(const std::shared_ptr<requests::Turn> &turn, Done done)
 {
     // Who has no account yet waits for nobody.
     const std::int64_t accountId = turn->accountId() != 0 ? turn->accountId() : --m_lastStranger;
-    const auto leave = [this, accountId, done = std::move(done)](const requests::Answer &answer) {
-        done(answer);
+    const auto shared = std::make_shared<Done>(std::move(done));
+    const auto leave = [this, accountId, shared](const requests::Answer &answer) {
+        (*shared)(answer);
+        *shared =
+            nullptr; // what it holds must not outlive the server, for which stop() waits no longer after this
         m_queues.leave(accountId);
     };
     m_queues.enter(accountId, [this, turn, leave] {
