@@ -205,7 +205,8 @@ bool XKJsonParser::scanDocument(XKJsonCursor &cursor)
     return isScanned;
 }
 
-bool XKJsonParser::scanRestOfStringWithEscapes(XKJsonCursor &c, QStringView run)
+// Apart, so that it does not crowd out what most strings need.
+Q_NEVER_INLINE bool XKJsonParser::scanRestOfStringWithEscapes(XKJsonCursor &c, QStringView run)
 {
     m_unescaped.assign(run.utf16(), static_cast<std::size_t>(run.size()));
     while (!c.passIf(u'"')) {
