@@ -8,6 +8,7 @@
 
 #include <benchmark/benchmark.h>
 #include <curl/curl.h>
+#include <QCoreApplication>
 
 using namespace Qt::StringLiterals;
 
@@ -88,4 +89,9 @@ BENCHMARK(makeForm)->Name("request/form-with-digests/ours");
 
 } // namespace
 
-BENCHMARK_MAIN();
+int main(int count, char **arguments)
+{
+    const QCoreApplication application(count, arguments); // the service's thread has an event loop
+    benchmark::Initialize(&count, arguments);
+    benchmark::RunSpecifiedBenchmarks();
+}
