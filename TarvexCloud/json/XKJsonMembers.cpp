@@ -28,9 +28,10 @@ bool isSameKey(const XKJsonNode &key, const XKJsonNode &other)
 }
 
 // Four units a multiplication. What they meet is secret, so that nobody can choose keys that all fall into
-// one slot.
-quint32 hashOf(const XKJsonNode &key)
+// one slot; where there are not many to fall, both ends of a key will do.
+quint32 hashOf(const XKJsonNode &key, std::size_t count)
 {
+    const bool endsWillDo = count <= 64; // one more takes a larger index, made anew
     static const quint64 secret = QRandomGenerator::system()->generate64() | 1;
     quint64 hash = secret ^ key.head;
     const auto meet = [&hash](quint64 bits) {
@@ -42,7 +43,7 @@ quint32 hashOf(const XKJsonNode &key)
     if (isText(key)) {
         const char16_t *c = key.text;
         const char16_t *const end = c + key.length();
-        for (; end - c > 4; c += 4, meet(bits))
+        for (; end - c > 4; c = endsWillDo ? end - 4 : c + 4, meet(bits))
             std::memcpy(&bits, c, sizeof(bits));
         if (key.length() >= 4) // the last four may overlap those before
             std::memcpy(&bits, end - 4, sizeof(bits));
@@ -97,7 +98,7 @@ std::array<quint32, 16> hashesFrom(std::size_t first, const XKJsonNode *members,
 {
     std::array<quint32, 16> hashes{};
     for (std::size_t i = first; i < std::min(first + hashes.size(), count); ++i) {
-        hashes[i - first] = hashOf(members[2 * i]);
+        hashes[i - first] = hashOf(members[2 * i], count);
         __builtin_prefetch(slotsOf(members, count) + (hashes[i - first] & (slotsFor(count) - 1)));
     }
     return hashes;
@@ -140,7 +141,8 @@ std::size_t XKJsonMembers::index(XKJsonNode *members, std::size_t count, std::si
 const XKJsonNode *XKJsonMembers::find(const XKJsonNode &dictionary, const XKJsonNode &key)
 {
     const std::size_t count = dictionary.length();
-    const std::size_t number = count <= fewMembers ? findAmongFew(key, dictionary.items, count)
-                                                   : slotOf(key, hashOf(key), dictionary.items, count).number;
+    const std::size_t number = count <= fewMembers
+                                   ? findAmongFew(key, dictionary.items, count)
+                                   : slotOf(key, hashOf(key, count), dictionary.items, count).number;
     return number ? dictionary.items + 2 * number - 1 : nullptr;
 }

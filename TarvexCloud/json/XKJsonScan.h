@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <bit>
 #include <cstring>
 #include <QtGlobal>
@@ -10,6 +9,7 @@
 namespace XKJsonScan {
 
 using Eight = quint16 __attribute__((vector_size(16)));
+using Narrow = qint8 __attribute__((vector_size(8)));
 static_assert(std::endian::native == std::endian::little, "countOf() counts from the lowest bit");
 
 constexpr quint16 blank = u' ', quote = u'"', backslash = u'\\';
@@ -45,9 +45,8 @@ inline Eight eightAt(const char16_t *c)
 template<typename Answers>
 qptrdiff countOf(Answers answers)
 {
-    const auto halves = std::bit_cast<std::array<quint64, 2>>(answers); // sixteen bits for each unit
-    const int first = std::countr_one(halves[0]);
-    return (first < 64 ? first : 64 + std::countr_one(halves[1])) / 16;
+    const auto narrow = __builtin_convertvector(answers, Narrow); // eight bits for each unit
+    return std::countr_one(std::bit_cast<quint64>(narrow)) / 8;
 }
 
 /// The first unit of another kind, or the end.
