@@ -10,7 +10,10 @@
 #include <csignal>
 #include <exception>
 #include <iostream>
+#include <map>
+#include <string>
 #include <sys/resource.h>
+#include <vector>
 
 namespace tarvex::app {
 
@@ -27,17 +30,62 @@ void raiseFileLimit()
     ::setrlimit(RLIMIT_NOFILE, &files); // if it fails, connections beyond the limit wait
 }
 
-int serve(const std::string &listen, const std::string &databaseUrl)
+/// What serve was told.
+struct ServeOptions
 {
-    const auto address = listenAddress(listen);
+    std::string listen = "127.0.0.1:8717";
+    std::string database;
+    std::vector<std::string> trustedProxies;
+    http::Proxies proxies;
+};
+
+void addServeOptions(CLI::App &command, ServeOptions &options)
+{
+    using Source = http::Proxies::Source;
+    command.add_option("--listen", options.listen, "Where to listen, as HOST:PORT; port 0 takes a free one")
+        ->capture_default_str();
+    command.add_option(
+        "--trusted-proxy", options.trustedProxies,
+        "An address or network, as 10.0.0.0/8, whose word is taken on where requests come from; "
+        "may be given several times");
+    command
+        .add_option("--proxy-says", options.proxies.source,
+                    "How such a proxy tells: x-forwarded-for, or proxy-protocol")
+        ->transform(CLI::CheckedTransformer(std::map<std::string, Source>{
+            {"x-forwarded-for", Source::ForwardedFor}, {"proxy-protocol", Source::ProxyProtocol}}))
+        ->default_str("x-forwarded-for");
+    command
+        .add_option("--proxy-hops", options.proxies.hops,
+                    "How many proxies stand between here and the clients, each adding to X-Forwarded-For")
+        ->check(CLI::Range(1, 16))
+        ->capture_default_str();
+}
+
+http::Proxies proxiesOf(const ServeOptions &options)
+{
+    http::Proxies proxies = options.proxies;
+    for (const std::string &text : options.trustedProxies) {
+        const auto network = http::readNetwork(text);
+        if (!network)
+            throw http::CannotListen("A trusted proxy must be given as an address or as ADDRESS/BITS.");
+        proxies.trusted.push_back(*network);
+    }
+    return proxies;
+}
+
+int serve(const ServeOptions &options)
+{
+    const auto address = listenAddress(options.listen);
     if (!address)
         throw http::CannotListen("The address to listen on must be given as HOST:PORT.");
+    http::Proxies proxies = proxiesOf(options);
     const Log log; // the last to end, for it may end the process
-    store::Database database(databaseUrl);
+    store::Database database(options.database);
     requests::Service service(database);
-    http::Server server(service, address->host, address->port, /*limits=*/{}, logRequest);
+    http::Server server(service, address->host, address->port, /*limits=*/{}, logRequest, std::move(proxies));
     server.drainOnSignals();
     std::signal(SIGPIPE, SIG_IGN); // a log that nobody reads any more is no reason to end
+    std::signal(SIGXFSZ, SIG_IGN); // nor is a limit of file sizes: the write that meets it fails
     raiseFileLimit();
     logEvent("started");
     std::cout << "READY " << serviceUrl(address->host, server.port()) << std::endl;
@@ -63,20 +111,18 @@ int runCommand(int argc, const char *const *argv)
     CLI::App app("The service behind Tarvex Cloud, for hosting by yourself.", "tarvex-server");
     app.set_version_flag("--version", TARVEX_VERSION);
     app.require_subcommand(1);
-    std::string listen = "127.0.0.1:8717";
-    std::string database;
+    ServeOptions options;
     const auto addDatabase = [&](CLI::App *command) {
-        command->add_option("--database", database, "The database, as sqlite:PATH")->required();
+        command->add_option("--database", options.database, "The database, as sqlite:PATH")->required();
     };
     CLI::App *serveCommand = app.add_subcommand("serve", "Answer clients until SIGTERM or SIGINT");
-    serveCommand->add_option("--listen", listen, "Where to listen, as HOST:PORT; port 0 takes a free one")
-        ->capture_default_str();
+    addServeOptions(*serveCommand, options);
     addDatabase(serveCommand);
     CLI::App *sampleCommand = app.add_subcommand("sample", "Make an account to try the client with");
     addDatabase(sampleCommand);
     CLI11_PARSE(app, argc, argv);
     try {
-        return serveCommand->parsed() ? serve(listen, database) : sample(database);
+        return serveCommand->parsed() ? serve(options) : sample(options.database);
     } catch (const std::exception &error) {
         std::cerr << "tarvex-server: " << error.what() << std::endl;
         return 1;

@@ -5,6 +5,7 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 
 namespace tarvex::http {
@@ -14,9 +15,12 @@ namespace tarvex::http {
 class AccountQueues
 {
 public:
-    using Task = std::function<void()>;
+    /// Being the one that runs. The next of the account may once the last copy has gone.
+    using Place = std::shared_ptr<void>;
+    using Task = std::function<void(Place)>;
 
-    /// Starts the task, at once or when those of the same account before it have left.
+    /// Starts the task, at once or when those of the same account before it have gone. What it throws comes
+    /// out here if it is started at once, and ends it otherwise.
     void enter(std::int64_t accountId, Task task)
     {
         {
@@ -29,11 +33,25 @@ public:
                 return;
             }
         }
-        task();
+        start(accountId, task);
     }
 
-    /// A task that was started has come to its end.
-    void leave(std::int64_t accountId)
+    /// Drops what waits, lets nothing more in, and returns once all that was started has gone.
+    void end()
+    {
+        std::unique_lock lock(m_mutex);
+        m_isEnding = true;
+        m_hasLeft.wait(lock, [this] { return m_waiting.empty(); });
+    }
+
+private:
+    void start(std::int64_t accountId, const Task &task)
+    {
+        // Without memory for the pointer it leaves all the same.
+        task(Place(nullptr, [this, accountId](std::nullptr_t) { leave(accountId); }));
+    }
+
+    void leave(std::int64_t accountId) noexcept
     {
         Task next;
         {
@@ -47,18 +65,12 @@ public:
             next = std::move(running->second.front());
             running->second.pop_front();
         }
-        next();
+        try {
+            start(accountId, next);
+        } catch (const std::exception &) { // it has left; whoever waits for its answer has a time limit
+        }
     }
 
-    /// Drops what waits, lets nothing more in, and returns once all that was started has left.
-    void end()
-    {
-        std::unique_lock lock(m_mutex);
-        m_isEnding = true;
-        m_hasLeft.wait(lock, [this] { return m_waiting.empty(); });
-    }
-
-private:
     std::mutex m_mutex;
     std::condition_variable m_hasLeft;
     std::map<std::int64_t, std::deque<Task>> m_waiting; // an entry for each that runs

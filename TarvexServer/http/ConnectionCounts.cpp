@@ -2,14 +2,17 @@
 
 namespace tarvex::http {
 
-ConnectionCounts::Welcome ConnectionCounts::enter(const std::string &peer)
+bool ConnectionCounts::isFullFor(const std::string &peer) const
 {
     const auto ofPeer = m_servedByPeer.find(peer);
-    const bool peerHasRoom =
-        peer.empty() || ofPeer == m_servedByPeer.end() || ofPeer->second < m_limits.connectionsPerPeer;
-    if (m_served < m_limits.connections && peerHasRoom) {
-        ++m_served;
+    return !peer.empty() && ofPeer != m_servedByPeer.end() && ofPeer->second >= m_limits.connectionsPerPeer;
+}
+
+ConnectionCounts::Welcome ConnectionCounts::enter(const std::string &peer)
+{
+    if (!isFull() && !isFullFor(peer)) {
         ++m_servedByPeer[peer];
+        ++m_served;
         return Welcome::Served;
     }
     if (m_refused >= m_limits.refusedConnections)

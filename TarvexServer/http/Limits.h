@@ -22,7 +22,7 @@ struct Limits
     std::chrono::milliseconds writeTime{20'000};
     std::chrono::milliseconds idleTime{30'000};
     std::chrono::milliseconds handlerTime{25'000};
-    std::chrono::milliseconds drainTime{5'000};
+    std::chrono::milliseconds drainTime{3'000};
 
     std::size_t connections = 1024;
     /// Per address; connections from the machine itself are not held to it.

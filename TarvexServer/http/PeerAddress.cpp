@@ -4,16 +4,16 @@
 
 namespace tarvex::http {
 
-std::string peerName(const boost::asio::ip::address &address)
+std::string peerName(const boost::asio::ip::address &address, bool isMachineLimited)
 {
     using namespace boost::asio::ip;
-    if (address.is_loopback())
+    if (address.is_loopback() && !isMachineLimited)
         return "";
     if (address.is_v4())
         return address.to_string();
     const address_v6 v6 = address.to_v6();
     if (v6.is_v4_mapped())
-        return peerName(make_address_v4(v4_mapped, v6));
+        return peerName(make_address_v4(v4_mapped, v6), isMachineLimited);
     auto bytes = v6.to_bytes();
     std::fill(bytes.begin() + 8, bytes.end(), static_cast<unsigned char>(0));
     return make_address_v6(bytes).to_string() + "/64";

@@ -2,8 +2,11 @@
 
 #include "PeerAddress.h"
 
+#include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/post.hpp>
 #include <csignal>
+#include <cstdlib>
+#include <unistd.h>
 
 namespace tarvex::http {
 
@@ -12,7 +15,10 @@ using boost::beast::error_code;
 
 namespace {
 
-constexpr std::chrono::milliseconds acceptPause{100};
+constexpr std::chrono::milliseconds roundTime{500};
+
+/// After so many seconds a signal ends the process, whatever is still under way.
+constexpr unsigned longestDrain = 4;
 
 std::string withPort(const std::string &host, std::uint16_t port)
 {
@@ -34,11 +40,11 @@ asio::ip::tcp::endpoint resolve(asio::io_context &io, const std::string &host, s
 } // namespace
 
 Server::Server(requests::Service &service, const std::string &host, std::uint16_t port, const Limits &limits,
-               Reporter report)
+               Reporter report, Proxies proxies)
     : m_counts(limits), m_context{.limits = limits,
+                                  .proxies = std::move(proxies),
                                   .service = service,
                                   .workers = m_workers,
-                                  .counts = m_counts,
                                   .report = std::move(report)},
       m_workers(service, limits)
 {
@@ -60,20 +66,43 @@ void Server::drainOnSignals()
 {
     m_signals.add(SIGTERM);
     m_signals.add(SIGINT);
+    struct sigaction hangUp = {};
+    if (::sigaction(SIGHUP, nullptr, &hangUp) == 0 && hangUp.sa_handler != SIG_IGN)
+        m_signals.add(SIGHUP);
     m_signals.async_wait([this](error_code error, int) {
-        if (!error)
-            beginDrain();
+        if (error)
+            return;
+        beginDrain();
+        std::signal(SIGALRM, [](int) { std::_Exit(EXIT_SUCCESS); }); // what was confirmed is on disk
+        ::alarm(longestDrain);
     });
 }
 
 void Server::run()
 {
-    accept();
-    keepHouse();
-    while (!m_context.isDraining && m_io.run_one() > 0) {
-    }
-    m_io.run_for(m_context.limits.drainTime); // until the last connection has ended, or no longer
+    auto work = asio::make_work_guard(m_io);
+    while (!m_context.isDraining)
+        withoutEnding([this] {
+            makeRounds();
+            m_io.run_one_for(roundTime);
+        });
+    work.reset();
+    // Until the last connection has ended, or no longer.
+    const auto end = std::chrono::steady_clock::now() + m_context.limits.drainTime;
+    withoutEnding([&] { m_io.run_until(end); });
     m_workers.stop();
+}
+
+/// What fails for want of memory has let go of its connection, and of nothing else.
+template<class Work>
+void Server::withoutEnding(Work work)
+{
+    try {
+        work();
+    } catch (const std::exception &error) {
+        if (m_context.report)
+            m_context.report({.kind = "", .outcome = requests::Outcome::Failed, .cause = error.what()});
+    }
 }
 
 void Server::drain()
@@ -84,20 +113,13 @@ void Server::drain()
 void Server::accept()
 {
     m_acceptor.async_accept([this](error_code error, asio::ip::tcp::socket socket) {
-        if (m_context.isDraining)
-            return;
-        if (!error) {
-            welcome(std::move(socket));
-            accept();
-            return;
-        }
-        // Out of descriptors, most likely: trying again at once would only burn time.
-        m_acceptTimer.expires_after(acceptPause);
-        m_acceptTimer.async_wait([this](error_code ended) {
-            if (!ended)
-                accept();
-        });
+        m_isAccepting = false;
+        if (error || m_context.isDraining)
+            return; // out of descriptors, most likely: the next round tries again
+        accept();
+        welcome(std::move(socket));
     });
+    m_isAccepting = true;
 }
 
 void Server::welcome(asio::ip::tcp::socket socket)
@@ -107,25 +129,49 @@ void Server::welcome(asio::ip::tcp::socket socket)
     if (error)
         return; // gone already
     socket.set_option(asio::ip::tcp::no_delay(true), error);
-    std::string peer = peerName(remote.address());
-    const ConnectionCounts::Welcome welcome = m_counts.enter(peer);
-    if (welcome == ConnectionCounts::Welcome::Closed)
+    const Proxies &proxies = m_context.proxies;
+    std::string name = peerName(remote.address(), /*isMachineLimited=*/!proxies.trusted.empty());
+    const bool isProxy = proxies.isTrusted(remote.address());
+    std::string peer = isProxy ? "" : name; // many come through a proxy
+    makeRoom(peer);
+    ConnectionPlace place(m_counts, std::move(peer));
+    if (place.welcome() == ConnectionCounts::Welcome::Closed)
         return;
-    const auto session = std::make_shared<Session>(std::move(socket), std::move(peer), welcome, m_context);
+    const auto session = std::make_shared<Session>(std::move(socket), std::move(place),
+                                                   isProxy ? std::move(name) : "", m_context);
     std::erase_if(m_sessions, [](const std::weak_ptr<Session> &known) { return known.expired(); });
     m_sessions.push_back(session);
     session->start();
 }
 
-void Server::keepHouse()
+/// When there is none, the connection that has been idle the longest goes; the peer's own, if the peer has
+/// too many.
+void Server::makeRoom(const std::string &peer)
 {
-    m_houseTimer.expires_after(std::chrono::seconds(1));
-    m_houseTimer.async_wait([this](error_code ended) {
-        if (ended)
-            return;
-        m_context.service.keepHouse();
-        keepHouse();
-    });
+    const bool isPeerFull = m_counts.isFullFor(peer);
+    if (!isPeerFull && !m_counts.isFull())
+        return;
+    std::shared_ptr<Session> longest;
+    for (const auto &known : m_sessions) {
+        const auto session = known.lock();
+        const bool mayGo = session && session->idleSince() && (!isPeerFull || session->peer() == peer);
+        if (mayGo && (!longest || session->idleSince() < longest->idleSince()))
+            longest = session;
+    }
+    if (longest)
+        longest->giveWay();
+}
+
+/// Now and then: what the service needs, and new connections where accepting them failed.
+void Server::makeRounds()
+{
+    const auto now = std::chrono::steady_clock::now();
+    if (now < m_nextRound)
+        return;
+    m_nextRound = now + roundTime;
+    if (!m_isAccepting)
+        accept();
+    m_context.service.keepHouse();
 }
 
 void Server::beginDrain()
@@ -133,9 +179,7 @@ void Server::beginDrain()
     m_context.isDraining = true;
     error_code ignored;
     m_acceptor.close(ignored);
-    m_acceptTimer.cancel();
-    m_houseTimer.cancel();
-    m_signals.cancel(ignored);
+    m_signals.clear(ignored); // a second one ends the process
     for (const auto &known : m_sessions) {
         if (const auto session = known.lock())
             session->drain();

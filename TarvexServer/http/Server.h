@@ -8,7 +8,7 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/signal_set.hpp>
-#include <boost/asio/steady_timer.hpp>
+#include <chrono>
 #include <cstdint>
 #include <stdexcept>
 #include <string>
@@ -29,14 +29,16 @@ class Server
 public:
     /// Binds at once; port 0 takes a free one. Throws CannotListen.
     Server(requests::Service &service, const std::string &host, std::uint16_t port, const Limits &limits = {},
-           Reporter report = {});
+           Reporter report = {}, Proxies proxies = {});
 
     std::uint16_t port() const { return m_acceptor.local_endpoint().port(); }
 
-    /// Makes SIGTERM and SIGINT drain the server.
+    /// Makes SIGTERM, SIGINT and, unless it was ignored, SIGHUP drain the server. A second one ends the
+    /// process at once, and so does time: it has gone within five seconds.
     void drainOnSignals();
 
-    /// Serves on the calling thread until drained.
+    /// Serves on the calling thread until drained. Without memory for a connection it goes on without that
+    /// connection.
     void run();
 
     /// Takes no more connections, lets the requests under way finish, then ends run(). What takes longer than
@@ -46,7 +48,10 @@ public:
 private:
     void accept();
     void welcome(boost::asio::ip::tcp::socket socket);
-    void keepHouse();
+    void makeRoom(const std::string &peer);
+    void makeRounds();
+    template<class Work>
+    void withoutEnding(Work work);
     void beginDrain();
 
     // In this order the sessions that the last two still hold end before what they use.
@@ -55,8 +60,8 @@ private:
     boost::asio::io_context m_io{1};
     Workers m_workers;
     boost::asio::ip::tcp::acceptor m_acceptor{m_io};
-    boost::asio::steady_timer m_acceptTimer{m_io};
-    boost::asio::steady_timer m_houseTimer{m_io};
+    bool m_isAccepting = false;
+    std::chrono::steady_clock::time_point m_nextRound; // of what is to be done now and then
     boost::asio::signal_set m_signals{m_io};
     std::vector<std::weak_ptr<Session>> m_sessions;
 };

@@ -1,5 +1,7 @@
 #include "Session.h"
 
+#include "PeerAddress.h"
+#include "ProxyHeader.h"
 #include "RequestKind.h"
 
 #include <algorithm>
@@ -84,17 +86,18 @@ beast::status statusOf(Outcome outcome)
 
 } // namespace
 
-Session::Session(asio::ip::tcp::socket socket, std::string peer, ConnectionCounts::Welcome welcome,
+Session::Session(asio::ip::tcp::socket socket, ConnectionPlace place, std::string proxy,
                  SessionContext &context)
-    : m_context(context), m_peer(std::move(peer)), m_welcome(welcome), m_stream(std::move(socket)),
-      m_handlerTimer(m_stream.get_executor()), m_buffer(context.limits.head + readSize)
+    : m_context(context), m_place(std::move(place)), m_proxy(std::move(proxy)),
+      m_isIntroduced(m_proxy.empty() || context.proxies.source != Proxies::Source::ProxyProtocol),
+      m_stream(std::move(socket)), m_handlerTimer(m_stream.get_executor()),
+      m_buffer(context.limits.head + readSize)
 {
 }
 
 Session::~Session()
 {
     releaseBody();
-    m_context.counts.leave(m_peer, m_welcome);
 }
 
 void Session::drain()
@@ -104,8 +107,25 @@ void Session::drain()
         m_stream.socket().close(ignored);
 }
 
+std::optional<std::chrono::steady_clock::time_point> Session::idleSince() const
+{
+    return m_isIdle && m_stream.socket().is_open() ? std::optional(m_idleSince) : std::nullopt;
+}
+
+void Session::giveWay()
+{
+    Error ignored;
+    m_stream.socket().close(ignored);
+    m_place.giveBack();
+}
+
 void Session::start()
 {
+    if (!m_isIntroduced) {
+        m_stream.expires_after(m_context.limits.headTime);
+        readIntroduction();
+        return;
+    }
     m_isIdle = m_buffer.size() == 0;
     if (m_isIdle && m_context.isDraining)
         return;
@@ -113,6 +133,7 @@ void Session::start()
         readHead(); // the client did not wait for the answer before
         return;
     }
+    m_idleSince = std::chrono::steady_clock::now();
     m_stream.expires_after(m_isFirst ? m_context.limits.headTime : m_context.limits.idleTime);
     m_stream.async_read_some(m_buffer.prepare(readSize),
                              [self = shared_from_this()](Error error, std::size_t size) {
@@ -120,6 +141,29 @@ void Session::start()
                                  if (!error)
                                      self->readHead();
                              });
+}
+
+/// What a proxy says first: whose connection it is.
+void Session::readIntroduction()
+{
+    m_isIdle = false;
+    const auto bytes = m_buffer.data();
+    const ProxyHeader header = readProxyHeader({static_cast<const char *>(bytes.data()), bytes.size()});
+    if (header.state == ProxyHeader::State::Incomplete) {
+        m_stream.async_read_some(m_buffer.prepare(readSize),
+                                 [self = shared_from_this()](Error error, std::size_t size) {
+                                     self->m_buffer.commit(size);
+                                     if (!error)
+                                         self->readIntroduction();
+                                 });
+        return;
+    }
+    m_buffer.consume(header.size);
+    m_isIntroduced = header.state == ProxyHeader::State::Whole;
+    if (header.source)
+        m_place.giveTo(peerName(*header.source, /*isMachineLimited=*/true));
+    if (m_isIntroduced && m_place.welcome() != ConnectionCounts::Welcome::Closed)
+        start();
 }
 
 void Session::readHead()
@@ -173,7 +217,7 @@ void Session::beginBody(std::size_t length)
     const Limits &limits = m_context.limits;
     if (length > limits.body)
         m_refusal = Outcome::TooLarge;
-    else if (m_welcome == ConnectionCounts::Welcome::Refused)
+    else if (m_place.welcome() == ConnectionCounts::Welcome::Refused)
         m_refusal = Outcome::Busy;
     m_body.clear();
     m_bodySize = length;
@@ -261,9 +305,22 @@ void Session::bodyArrived()
         serve();
 }
 
+/// Whom the request comes from: whoever the proxy says, if there is one.
+std::string Session::requestPeer() const
+{
+    if (m_proxy.empty() || m_context.proxies.source != Proxies::Source::ForwardedFor)
+        return m_place.peer();
+    std::string values;
+    const auto fields = m_parser->get().equal_range("X-Forwarded-For");
+    for (auto field = fields.first; field != fields.second; ++field)
+        values.append(values.empty() ? "" : ",").append(field->value());
+    const auto address = m_context.proxies.forwardedAddress(values);
+    return address ? peerName(*address, /*isMachineLimited=*/true) : m_proxy;
+}
+
 void Session::serve()
 {
-    requests::Request request{.body = std::move(m_body), .peer = m_peer, .arrival = m_arrival};
+    requests::Request request{.body = std::move(m_body), .peer = requestPeer(), .arrival = m_arrival};
     m_body = request.body.substr(0, beginningOfBody);
     m_handlerTimer.expires_after(m_context.limits.handlerTime);
     m_handlerTimer.async_wait([self = shared_from_this(), turn = m_turn](Error error) {

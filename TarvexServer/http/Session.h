@@ -2,6 +2,7 @@
 
 #include "ConnectionCounts.h"
 #include "Limits.h"
+#include "Proxies.h"
 #include "Service.h"
 #include "Workers.h"
 
@@ -36,9 +37,9 @@ using Reporter = std::function<void(const RequestReport &)>;
 struct SessionContext
 {
     Limits limits;
+    Proxies proxies;
     requests::Service &service;
     Workers &workers;
-    ConnectionCounts &counts;
     Reporter report;
     std::size_t bodyBytes = 0; ///< reserved for bodies that are being read or served
     bool isDraining = false;
@@ -49,7 +50,9 @@ struct SessionContext
 class Session : public std::enable_shared_from_this<Session>
 {
 public:
-    Session(boost::asio::ip::tcp::socket socket, std::string peer, ConnectionCounts::Welcome welcome,
+    /// The address is whose word is taken on whom it speaks for; empty for a connection that speaks for
+    /// itself.
+    Session(boost::asio::ip::tcp::socket socket, ConnectionPlace place, std::string proxy,
             SessionContext &context);
     ~Session();
     Session(const Session &) = delete;
@@ -60,9 +63,16 @@ public:
     /// Closes the connection if no request is under way; otherwise it closes after the answer.
     void drain();
 
+    /// Since when it has been waiting for a request; nothing while one is under way.
+    std::optional<std::chrono::steady_clock::time_point> idleSince() const;
+    /// Closes the connection for the sake of another; to be called while it waits for a request.
+    void giveWay();
+    const std::string &peer() const { return m_place.peer(); }
+
 private:
     using Error = boost::beast::error_code;
 
+    void readIntroduction();
     void readHead();
     void headArrived(Error error);
     void refuseHead(Error error);
@@ -71,6 +81,7 @@ private:
     void bodyCutShort();
     void takeBodyBytes();
     void bodyArrived();
+    std::string requestPeer() const;
     void serve();
     void answer(const requests::Answer &answer);
     void report(const requests::Answer &answer) const;
@@ -82,8 +93,9 @@ private:
     void releaseBody();
 
     SessionContext &m_context;
-    std::string m_peer;
-    ConnectionCounts::Welcome m_welcome;
+    ConnectionPlace m_place;
+    std::string m_proxy;
+    bool m_isIntroduced;
     boost::beast::tcp_stream m_stream;
     boost::asio::steady_timer m_handlerTimer;
     boost::beast::flat_buffer m_buffer;
@@ -100,6 +112,7 @@ private:
     std::chrono::steady_clock::time_point m_arrival;
     unsigned m_turn = 0; ///< counts requests, so that a late answer does not meet the next one
     bool m_isIdle = true;
+    std::chrono::steady_clock::time_point m_idleSince;
     bool m_isFirst = true;
 };
 

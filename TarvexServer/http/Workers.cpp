@@ -4,9 +4,17 @@
 
 namespace tarvex::http {
 
+/// A request that has its account to itself. What waits for the answer goes before the place does.
+struct Workers::Running
+{
+    AccountQueues::Place place;
+    std::shared_ptr<requests::Turn> turn;
+    Done done;
+};
+
 Workers::Workers(requests::Service &service, const Limits &limits)
-    : m_service(service), m_maximumHashes(limits.hashingThreads + limits.waitingHashes),
-      m_requestThreads(limits.requestThreads), m_hashingThreads(limits.hashingThreads)
+    : m_service(service), m_requestThreads(limits.requestThreads),
+      m_hashingThreads(limits.hashingThreads, limits.waitingHashes)
 {
 }
 
@@ -18,7 +26,6 @@ Workers::~Workers()
 void Workers::stop()
 {
     m_hashingThreads.stop();
-    m_hashingThreads.join();
     m_queues.end();
     m_requestThreads.stop();
     m_requestThreads.join();
@@ -26,45 +33,46 @@ void Workers::stop()
 
 void Workers::submit(requests::Request request, Done done)
 {
+    const std::string peer = request.peer;
     const std::shared_ptr<requests::Turn> turn = m_service.begin(std::move(request));
     if (turn->step() == requests::Turn::Step::Answer)
         done(m_service.finish(*turn));
     else if (turn->step() == requests::Turn::Step::Hash)
-        verify(turn, std::move(done));
+        verify(peer.empty() ? std::string(turn->login()) : peer, turn, done);
     else
         finish(turn, std::move(done));
 }
 
-void Workers::verify(const std::shared_ptr<requests::Turn> &turn, Done done)
+void Workers::verify(const std::string &whose, const std::shared_ptr<requests::Turn> &turn, const Done &done)
 {
-    if (m_hashes.fetch_add(1) >= m_maximumHashes) {
-        m_hashes.fetch_sub(1);
-        done(m_service.giveUp(*turn));
-        return;
-    }
-    boost::asio::post(m_hashingThreads, [this, turn, done = std::move(done)] {
+    const auto run = [this, turn, done] {
         m_service.verify(*turn);
-        m_hashes.fetch_sub(1);
-        finish(turn, done);
-    });
+        try {
+            finish(turn, done);
+        } catch (const std::exception &) { // no memory; whoever waits for the answer has a time limit
+        }
+    };
+    m_hashingThreads.submit(whose,
+                            {.run = run, .drop = [this, turn, done] { done(m_service.giveUp(*turn)); }});
 }
 
 void Workers::finish(const std::shared_ptr<requests::Turn> &turn, Done done)
 {
     // Who has no account yet waits for nobody.
     const std::int64_t accountId = turn->accountId() != 0 ? turn->accountId() : --m_lastStranger;
-    const auto shared = std::make_shared<Done>(std::move(done));
-    const auto leave = [this, accountId, shared](const requests::Answer &answer) {
-        (*shared)(answer);
-        *shared =
-            nullptr; // what it holds must not outlive the server, for which stop() waits no longer after this
-        m_queues.leave(accountId);
-    };
-    m_queues.enter(accountId, [this, turn, leave] {
-        if (turn->step() == requests::Turn::Step::Write)
-            m_service.finishLater(turn, leave);
+    m_queues.enter(accountId, [this, turn, done = std::move(done)](AccountQueues::Place place) mutable {
+        const auto running = std::make_shared<Running>(
+            Running{.place = std::move(place), .turn = std::move(turn), .done = std::move(done)});
+        if (running->turn->step() == requests::Turn::Step::Write)
+            m_service.finishLater(running->turn,
+                                  [running](const requests::Answer &answer) { running->done(answer); });
         else
-            boost::asio::post(m_requestThreads, [this, turn, leave] { leave(m_service.finish(*turn)); });
+            boost::asio::post(m_requestThreads, [this, running] {
+                try {
+                    running->done(m_service.finish(*running->turn));
+                } catch (const std::exception &) { // no memory, as above
+                }
+            });
     });
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AccountQueues.h"
+#include "FairThreads.h"
 #include "Limits.h"
 #include "Service.h"
 
@@ -29,16 +30,16 @@ public:
     void stop();
 
 private:
-    void verify(const std::shared_ptr<requests::Turn> &turn, Done done);
+    struct Running;
+
+    void verify(const std::string &whose, const std::shared_ptr<requests::Turn> &turn, const Done &done);
     void finish(const std::shared_ptr<requests::Turn> &turn, Done done);
 
     requests::Service &m_service;
-    std::size_t m_maximumHashes;
-    std::atomic<std::size_t> m_hashes = 0;
     AccountQueues m_queues;
     std::atomic<std::int64_t> m_lastStranger = 0;
     boost::asio::thread_pool m_requestThreads;
-    boost::asio::thread_pool m_hashingThreads;
+    FairThreads m_hashingThreads;
 };
 
 } // namespace tarvex::http

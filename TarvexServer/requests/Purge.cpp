@@ -7,6 +7,7 @@ namespace tarvex::requests {
 namespace {
 
 constexpr std::int64_t keptSeconds = 30LL * 24 * 60 * 60;
+constexpr std::chrono::minutes betweenRounds{1}; // a disk that has nothing to do may sleep meanwhile
 constexpr int accountsPerStep = 20;
 constexpr std::int64_t rowsPerStep = 200; // so that nobody's write waits for long
 
@@ -26,11 +27,18 @@ void Purge::step()
 {
     if (m_isUnderWay->exchange(true))
         return;
+    const bool isThrough = m_account == 0;
+    if (isThrough && m_clocks.steady() < m_lastStep + betweenRounds) {
+        *m_isUnderWay = false;
+        return;
+    }
+    // Goes with the last that holds it, also when the step failed and will be begun again.
+    const std::shared_ptr<void> end(nullptr, [isUnderWay = m_isUnderWay](std::nullptr_t) {
+        *isUnderWay = false;
+        isUnderWay->notify_all();
+    });
     m_database.write([this](store::Connection &connection) { removeSome(connection); },
-                     [isUnderWay = m_isUnderWay](const std::exception_ptr &) { // what failed is begun again
-                         *isUnderWay = false;
-                         isUnderWay->notify_all();
-                     });
+                     [end](const std::exception_ptr &) {});
 }
 
 void Purge::removeSome(store::Connection &connection)

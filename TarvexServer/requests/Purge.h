@@ -18,7 +18,8 @@ public:
     Purge(const Purge &) = delete;
     Purge &operator=(const Purge &) = delete;
 
-    /// Begins a step, unless one is under way, and does not wait for it. To be called every second or so.
+    /// Begins a step, unless one is under way or all was done lately, and does not wait for it. To be called
+    /// every second or so.
     void step();
 
 private:

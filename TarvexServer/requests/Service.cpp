@@ -217,8 +217,11 @@ void Service::finishLater(const std::shared_ptr<Turn> &turn, std::function<void(
     auto work = [this, turn](store::Connection &connection) { write(*turn, connection); };
     m_database.write(std::move(work),
                      [this, turn, done = std::move(done)](const std::exception_ptr &failure) {
-                         written(*turn, failure);
-                         done(conclude(turn->m_kind, turn->m_form, *turn->m_answer));
+                         try {
+                             written(*turn, failure);
+                             done(conclude(turn->m_kind, turn->m_form, *turn->m_answer));
+                         } catch (const std::exception &) { // no memory; the sender has a time limit
+                         }
                      });
 }
 

@@ -48,6 +48,8 @@ public:
     Step step() const { return m_step; }
     /// Whose turn it is; 0 as long as that is not known.
     std::int64_t accountId() const { return m_credentials.accountId; }
+    /// The digest that the sender signs in with; empty where there is none.
+    std::string_view login() const { return m_signUp ? "" : m_form.field(/*number=*/2).value_or(""); }
 
 private:
     friend class Service;

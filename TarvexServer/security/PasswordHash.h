@@ -10,7 +10,7 @@ namespace tarvex::security {
 std::string hashPassword(std::string_view digest);
 
 /// Whether the digest is the one the hash was made of; costs as much as making it. An empty hash, of a login
-/// nobody has, matches nothing and costs the same.
+/// nobody has, matches nothing and costs the same. Throws std::bad_alloc like the above.
 bool matchesPassword(const std::string &hash, std::string_view digest);
 
 } // namespace tarvex::security

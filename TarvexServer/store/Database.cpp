@@ -1,5 +1,6 @@
 #include "Database.h"
 
+#include "FilePlace.h"
 #include "Schema.h"
 #include "Writer.h"
 
@@ -135,15 +136,16 @@ Database::Database(const std::string &url) : m_sessions(std::make_unique<Session
     const std::filesystem::path file = sqliteFile(url);
     createFile(file);
     try {
+        const FolderLock alone(std::filesystem::absolute(file).parent_path());
         auto writer = std::make_unique<SqliteConnection>(file);
         claim(*writer, file);
         makePrivate(file);
-        writer->execute("PRAGMA journal_mode = WAL");
+        writer->useLog();
         migrate(*writer, sqliteMigrations);
         for (std::size_t i = 0; i < readerCount; ++i)
             m_sessions->readers.add(reader(file));
         m_sessions->hasty = reader(file);
-        m_sessions->writer = std::make_unique<Writer>(std::move(writer));
+        m_sessions->writer = std::make_unique<Writer>(std::move(writer), FilePlace(file));
     } catch (const TransactionFailed &error) {
         throw CannotOpen("The database " + file.string() + " cannot be used: " + error.what());
     }

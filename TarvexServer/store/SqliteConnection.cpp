@@ -2,6 +2,10 @@
 
 #include "StoreError.h"
 
+#include <chrono>
+#include <new>
+#include <thread>
+
 namespace tarvex::store {
 
 namespace {
@@ -9,11 +13,17 @@ namespace {
 /// How long a session waits for another process that holds the file.
 constexpr int busyMilliseconds = 5000;
 
+constexpr std::chrono::milliseconds betweenLooks{5};
+
+constexpr std::int64_t largestIdleLog = 16LL * 1024 * 1024; // bytes
+
 [[noreturn]] void fail(sqlite3 *session)
 {
     const int primaryCode = sqlite3_errcode(session) & 0xFF;
     if (primaryCode == SQLITE_BUSY || primaryCode == SQLITE_INTERRUPT)
         throw TransactionHindered(sqlite3_errmsg(session));
+    if (primaryCode == SQLITE_NOMEM)
+        throw std::bad_alloc();
     throw TransactionFailed(sqlite3_errmsg(session));
 }
 
@@ -98,6 +108,15 @@ void SqliteConnection::execute(const std::string &script)
         fail(m_session);
 }
 
+void SqliteConnection::useLog()
+{
+    SqliteStatement statement(m_session, "PRAGMA journal_mode = WAL", /*flags=*/0);
+    if (!statement.step() || statement.text(/*column=*/0) != "wal")
+        throw TransactionFailed("its file system does not take a write-ahead log");
+    // A reader from outside may make it grow; it does not stay so large.
+    execute("PRAGMA journal_size_limit = " + std::to_string(largestIdleLog));
+}
+
 std::int64_t SqliteConnection::numberOf(const std::string &query)
 {
     SqliteStatement statement(m_session, query, /*flags=*/0);
@@ -108,6 +127,18 @@ void SqliteConnection::rollBack() noexcept
 {
     if (sqlite3_get_autocommit(m_session) == 0)
         sqlite3_exec(m_session, "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+void SqliteConnection::waitWhile(std::function<bool()> goesOn)
+{
+    m_waitGoesOn = std::move(goesOn);
+    const auto wait = [](void *self, int) {
+        if (!static_cast<SqliteConnection *>(self)->m_waitGoesOn())
+            return 0;
+        std::this_thread::sleep_for(betweenLooks);
+        return 1;
+    };
+    sqlite3_busy_handler(m_session, wait, this);
 }
 
 void SqliteConnection::beginHaste()

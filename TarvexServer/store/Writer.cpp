@@ -11,11 +11,19 @@ namespace {
 /// So many share a commit at most, so that the first of them does not wait for ever more.
 constexpr std::size_t largestBatch = 64;
 
+/// How long a commit waits for another process that holds the file.
+constexpr std::chrono::seconds longestWait{5};
+
+constexpr std::chrono::milliseconds pauseForMemory{20};
+
 } // namespace
 
-Writer::Writer(std::unique_ptr<SqliteConnection> session)
-    : m_session(std::move(session)), m_thread([this] { run(); })
+Writer::Writer(std::unique_ptr<SqliteConnection> session, FilePlace place)
+    : m_session(std::move(session)), m_place(std::move(place))
 {
+    m_session->waitWhile(
+        [this] { return !m_isEnding && std::chrono::steady_clock::now() < m_beginning + longestWait; });
+    m_thread = std::thread([this] { run(); });
 }
 
 Writer::~Writer()
@@ -41,29 +49,39 @@ void Writer::run()
 {
     for (std::vector<Job> batch = nextBatch(); !batch.empty(); batch = nextBatch()) {
         commit(batch);
-        for (const Job &job : batch)
+        for (Job &job : batch) {
             job.written(job.failure);
+            job = {}; // what it holds goes before the next is told
+        }
     }
 }
 
 /// Waits for work; nothing once the writer is to end.
 std::vector<Writer::Job> Writer::nextBatch()
 {
+    std::vector<Job> batch;
+    while (batch.capacity() < largestBatch) {
+        try {
+            batch.reserve(largestBatch);
+        } catch (const std::bad_alloc &) {
+            std::this_thread::sleep_for(pauseForMemory);
+        }
+    }
     std::unique_lock lock(m_mutex);
     m_isWork.wait(lock, [this] { return m_isEnding || !m_waiting.empty(); });
-    const auto size = static_cast<std::ptrdiff_t>(std::min(m_waiting.size(), largestBatch));
-    const auto end = m_waiting.begin() + size;
-    std::vector<Job> batch(std::make_move_iterator(m_waiting.begin()), std::make_move_iterator(end));
-    m_waiting.erase(m_waiting.begin(), end);
+    for (; !m_waiting.empty() && batch.size() < largestBatch; m_waiting.pop_front())
+        batch.push_back(std::move(m_waiting.front()));
     return batch;
 }
 
-void Writer::commit(std::vector<Job> &batch)
+void Writer::commit(std::vector<Job> &batch) noexcept
 {
+    m_beginning = std::chrono::steady_clock::now();
     try {
         m_session->change("BEGIN IMMEDIATE");
         for (Job &job : batch)
             attempt(job);
+        m_place.check();
         m_session->change("COMMIT");
     } catch (...) {
         for (Job &job : batch)

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "FilePlace.h"
 #include "SqliteConnection.h"
 
+#include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <exception>
@@ -18,11 +21,12 @@ class Writer
 {
 public:
     using Work = std::function<void(Connection &)>;
-    /// Told on the writer's thread once the work is on disk, or with why it left nothing behind.
+    /// Told on the writer's thread once the work is on disk, or with why it left nothing behind. Must not
+    /// throw.
     using Written = std::function<void(std::exception_ptr)>;
 
-    explicit Writer(std::unique_ptr<SqliteConnection> session);
-    /// What still waits is written first.
+    Writer(std::unique_ptr<SqliteConnection> session, FilePlace place);
+    /// What still waits is written first, unless another process holds the file.
     ~Writer();
     Writer(const Writer &) = delete;
     Writer &operator=(const Writer &) = delete;
@@ -39,14 +43,16 @@ private:
 
     void run();
     std::vector<Job> nextBatch();
-    void commit(std::vector<Job> &batch);
+    void commit(std::vector<Job> &batch) noexcept;
     void attempt(Job &job);
 
     std::unique_ptr<SqliteConnection> m_session;
+    FilePlace m_place;
+    std::chrono::steady_clock::time_point m_beginning; // of the commit that is under way
     std::mutex m_mutex;
     std::condition_variable m_isWork;
     std::deque<Job> m_waiting;
-    bool m_isEnding = false;
+    std::atomic<bool> m_isEnding = false;
     std::thread m_thread; // the last, since it uses all of these
 };
 

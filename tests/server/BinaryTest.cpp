@@ -1,12 +1,15 @@
 #include "Md5.h"
 #include "RawClient.h"
 #include "SampleRows.h"
+#include "SqliteConnection.h"
 #include "TemporaryFolder.h"
 
 #define BOOST_PROCESS_USE_STD_FS
 #include <boost/process.hpp>
 #include <csignal>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <thread>
 
 using namespace tarvex;
 namespace process = boost::process;
@@ -16,8 +19,9 @@ namespace {
 /// The real server as a process of its own, which works in the given folder.
 struct ServerProcess
 {
-    ServerProcess(const TemporaryFolder &folder, const std::string &arguments)
-        : child(TARVEX_SERVER_BINARY " " + arguments, process::start_dir(folder.path()),
+    ServerProcess(const TemporaryFolder &folder, const std::string &arguments,
+                  const std::string &wrapper = "")
+        : child(wrapper + TARVEX_SERVER_BINARY " " + arguments, process::start_dir(folder.path()),
                 process::std_out > output, process::std_err > errors)
     {
     }
@@ -31,6 +35,13 @@ struct ServerProcess
         return text;
     }
     std::string line() { return read(output, '\n'); }
+    /// Waits until it is ready.
+    std::uint16_t port()
+    {
+        const std::string url = line();
+        return static_cast<std::uint16_t>(
+            std::stoi(url.substr(std::min(url.rfind(':'), url.size() - 1) + 1)));
+    }
 
     /// Waits for the process to end, with which exit code and after which words on standard error.
     std::pair<int, std::string> ended()
@@ -44,6 +55,8 @@ struct ServerProcess
     process::pipe errors;
     process::child child;
 };
+
+const std::string serveHere = "serve --listen 127.0.0.1:0 --database sqlite:wheel.db";
 
 } // namespace
 
@@ -89,6 +102,65 @@ TEST(Binary, ServesTheSampleAccountUntilItIsTold)
     for (const std::string &secret : {login, password, std::string("example"), std::string("topsecret"),
                                       std::string("Newcomer"), std::string("127.0.0.1")})
         EXPECT_EQ(log.find(secret), std::string::npos) << secret;
+}
+
+TEST(Binary, StartsSeveralTimesAtOnceOnANewDatabase)
+{
+    const TemporaryFolder folder;
+    std::vector<std::unique_ptr<ServerProcess>> servers;
+    for (int i = 0; i < 6; ++i)
+        servers.push_back(std::make_unique<ServerProcess>(folder, serveHere));
+    for (const auto &server : servers) {
+        const std::string line = server->line();
+        EXPECT_TRUE(line.starts_with("READY ")) << server->ended().second;
+        ::kill(server->child.id(), SIGHUP);
+    }
+    for (const auto &server : servers)
+        EXPECT_EQ(server->ended().first, 0);
+}
+
+TEST(Binary, EndsAtASecondSignalOrSoonWithoutOne)
+{
+    const TemporaryFolder folder;
+    for (const bool isSecond : {true, false}) {
+        ServerProcess server(folder, serveHere);
+        RawClient client(server.port());
+        store::SqliteConnection other(folder.path() / "wheel.db");
+        other.execute("BEGIN EXCLUSIVE");
+        client.send(RawClient::request("p1=create-new-user&p2=a@example.org&p3=b&p4=C&type=json"));
+        ::kill(server.child.id(), SIGTERM);
+        while (isSecond && server.child.running()) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10)); // the first must have been seen
+            ::kill(server.child.id(), SIGTERM);
+        }
+        server.child.wait();
+        EXPECT_EQ(server.child.native_exit_code(), isSecond ? SIGTERM : 0);
+    }
+}
+
+TEST(Binary, SaysThatTheDiskIsFullAndServesOn)
+{
+    const TemporaryFolder folder;
+    std::ofstream(folder.path() / "small.sh")
+        << "mount -t tmpfs -o size=1m none \"$PWD\" && cd \"$PWD\" && exec \"$@\"";
+    const std::string small = "/usr/bin/unshare --map-root-user --mount sh small.sh ";
+    ServerProcess server(folder, serveHere, small);
+    RawClient client(server.port());
+    const auto post = [&client](const std::string &kind, const std::string &rest) {
+        return client.post("p1=" + kind + "&p2=" + security::signInDigest("a@example.org") +
+                           "&p3=" + security::signInDigest("b") + rest);
+    };
+    client.post("p1=create-new-user&p2=a@example.org&p3=b&p4=C&type=json");
+    std::string list = "&p4=";
+    for (int i = 0; i < 24; ++i)
+        list += "name:" + std::string(60'000, 'x') + ";priority:5;checked:0;setsId:1;areaId:3;{_end_}";
+    EXPECT_EQ(post("create-some-goals", list).result_int(), 500U);
+    EXPECT_EQ(post("sign-in", "").body(), "OK");
+    EXPECT_EQ(post("create-sets", "&p4=Small").body(), "OK");
+    ::kill(server.child.id(), SIGTERM);
+    const auto [exitCode, log] = server.ended();
+    EXPECT_EQ(exitCode, 0);
+    EXPECT_NE(log.find("database or disk is full"), std::string::npos) << log;
 }
 
 TEST(Binary, SaysInOneLineWhyItCannotStart)
