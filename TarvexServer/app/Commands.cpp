@@ -42,21 +42,21 @@ struct ServeOptions
 void addServeOptions(CLI::App &command, ServeOptions &options)
 {
     using Source = http::Proxies::Source;
+    const std::map<std::string, Source> sources = {{"x-forwarded-for", Source::ForwardedFor},
+                                                   {"proxy-protocol", Source::ProxyProtocol}};
     command.add_option("--listen", options.listen, "Where to listen, as HOST:PORT; port 0 takes a free one")
         ->capture_default_str();
-    command.add_option(
-        "--trusted-proxy", options.trustedProxies,
-        "An address or network, as 10.0.0.0/8, whose word is taken on where requests come from; "
-        "may be given several times");
     command
-        .add_option("--proxy-says", options.proxies.source,
-                    "How such a proxy tells: x-forwarded-for, or proxy-protocol")
-        ->transform(CLI::CheckedTransformer(std::map<std::string, Source>{
-            {"x-forwarded-for", Source::ForwardedFor}, {"proxy-protocol", Source::ProxyProtocol}}))
+        .add_option("--trusted-proxy", options.trustedProxies,
+                    "An address or network whose word is taken on where requests come from")
+        ->type_name("ADDRESS[/BITS]");
+    command.add_option("--proxy-says", options.proxies.source, "How such proxies tell")
+        ->transform(CLI::CheckedTransformer(sources).description("x-forwarded-for|proxy-protocol"))
+        ->type_name("HOW")
         ->default_str("x-forwarded-for");
     command
         .add_option("--proxy-hops", options.proxies.hops,
-                    "How many proxies stand between here and the clients, each adding to X-Forwarded-For")
+                    "Proxies between here and the clients, each of which adds to X-Forwarded-For")
         ->check(CLI::Range(1, 16))
         ->capture_default_str();
 }

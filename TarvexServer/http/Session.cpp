@@ -146,7 +146,6 @@ void Session::start()
 /// What a proxy says first: whose connection it is.
 void Session::readIntroduction()
 {
-    m_isIdle = false;
     const auto bytes = m_buffer.data();
     const ProxyHeader header = readProxyHeader({static_cast<const char *>(bytes.data()), bytes.size()});
     if (header.state == ProxyHeader::State::Incomplete) {

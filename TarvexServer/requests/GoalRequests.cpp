@@ -3,6 +3,7 @@
 #include "Areas.h"
 #include "Call.h"
 #include "Handlers.h"
+#include "Quotas.h"
 #include "Records.h"
 #include "RequestKind.h"
 #include "Sets.h"
@@ -18,8 +19,8 @@ namespace tarvex::requests {
 
 namespace {
 
-/// More ids than goals that fit a save; a longer list would only hold up everyone else.
-constexpr std::size_t maximumIds = 100'000;
+/// A longer list of ids would only hold up everyone else.
+constexpr auto maximumIds = static_cast<std::size_t>(store::Quotas::goals);
 
 /// What the goals of one answer may take as the records of a save, beside its other fields.
 constexpr std::size_t saveRoom = largestBody - 1024;

@@ -4,6 +4,7 @@
 #include "Call.h"
 #include "Md5.h"
 #include "PasswordHash.h"
+#include "Quotas.h"
 #include "Records.h"
 
 #include <algorithm>
@@ -250,6 +251,8 @@ Answer Service::handled(Turn &turn, store::Connection &connection)
     try {
         return {.body = turn.m_kind.handler(call), .format = turn.m_kind.format};
     } catch (const RequestRefused &) {
+        return refusalOf(turn.m_kind, Outcome::Invalid);
+    } catch (const store::QuotaExceeded &) {
         return refusalOf(turn.m_kind, Outcome::Invalid);
     }
 }

@@ -1,9 +1,5 @@
 #include "Accounts.h"
 
-#include "Counters.h"
-#include "StoreError.h"
-
-#include <limits>
 #include <random>
 
 namespace tarvex::store {
@@ -24,14 +20,6 @@ void insertAreas(Connection &connection, std::int64_t accountId, const std::vect
         connection.change("INSERT INTO area (account_id, area_id, name, color, value)"
                           " VALUES ($1, $2, $3, $4, $5)",
                           accountId, ++areaId, area.name, area.color, area.value);
-}
-
-const char *takingStatement(Counter counter)
-{
-    return counter == Counter::Set ? "UPDATE account SET next_set_id = next_set_id + $1"
-                                     " WHERE account_id = $2 RETURNING next_set_id"
-                                   : "UPDATE account SET next_goal_id = next_goal_id + $1"
-                                     " WHERE account_id = $2 RETURNING next_goal_id";
 }
 
 } // namespace
@@ -64,17 +52,6 @@ std::optional<std::int64_t> createAccount(Connection &connection, const NewAccou
         connection.change("INSERT INTO login (login_digest, account_id) VALUES ($1, $2)", digest, accountId);
     insertAreas(connection, accountId, account.areas);
     return accountId;
-}
-
-std::int64_t takeIds(Connection &connection, std::int64_t accountId, Counter counter, std::int64_t count)
-{
-    Rows taken = connection.rows(takingStatement(counter), count, accountId);
-    if (!taken.next())
-        throw TransactionFailed("the account is gone");
-    const std::int64_t next = taken.number(0);
-    if (next - 1 > std::numeric_limits<std::int32_t>::max())
-        throw TransactionFailed("the account has used up its ids");
-    return next - count;
 }
 
 } // namespace tarvex::store

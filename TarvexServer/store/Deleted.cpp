@@ -48,12 +48,6 @@ std::int64_t purgeDeleted(Connection &connection, std::int64_t accountId, std::i
         connection.change("DELETE FROM goal WHERE account_id = $1 AND goal_id IN (SELECT goal_id FROM goal"
                           " WHERE account_id = $1 AND deleted_at < $2 LIMIT $3)",
                           accountId, before, most);
-    removed += connection.change("DELETE FROM goal WHERE account_id = $1 AND goal_id IN"
-                                 " (SELECT goal.goal_id FROM goal_set JOIN goal"
-                                 " ON goal.account_id = goal_set.account_id AND goal.set_id = goal_set.set_id"
-                                 " WHERE goal_set.account_id = $1 AND goal_set.deleted_at < $2"
-                                 " AND goal.deleted_at IS NULL LIMIT $3)",
-                                 accountId, before, most);
     removed +=
         connection.change("DELETE FROM goal_set WHERE account_id = $1 AND deleted_at < $2 AND NOT EXISTS"
                           " (SELECT 1 FROM goal WHERE goal.account_id = $1"

@@ -1,23 +1,20 @@
 #include "Goals.h"
 
-#include "Counters.h"
+#include "Quotas.h"
+
+#include <numeric>
 
 namespace tarvex::store {
 
 namespace {
 
 // Statements are known by their place: these stand for ever.
-const std::string selectGoals =
-    "SELECT goal.goal_id, goal.set_id, goal.area_id, goal.name, goal.priority, goal.checked FROM goal"
-    " JOIN goal_set ON goal_set.account_id = goal.account_id AND goal_set.set_id = goal.set_id"
-    " WHERE goal.account_id = $1 AND goal.deleted_at IS NULL AND goal_set.deleted_at IS NULL";
-const std::string selectGoalsOfArea =
-    selectGoals + " AND goal.set_id = $2 AND goal.area_id = $3 ORDER BY goal.goal_id";
-const std::string selectGoalsOfSet =
-    selectGoals + " AND goal.set_id = $2 ORDER BY goal.area_id, goal.goal_id";
-const std::string selectUndoneGoal =
-    selectGoals + " AND goal.set_id = $2 AND goal.checked = 0 LIMIT 1 OFFSET $3";
-const std::string selectGoal = selectGoals + " AND goal.goal_id = $2";
+const std::string selectGoals = "SELECT goal_id, set_id, area_id, name, priority, checked FROM goal"
+                                " WHERE account_id = $1 AND deleted_at IS NULL";
+const std::string selectGoalsOfArea = selectGoals + " AND set_id = $2 AND area_id = $3 ORDER BY goal_id";
+const std::string selectGoalsOfSet = selectGoals + " AND set_id = $2 ORDER BY area_id, goal_id";
+const std::string selectUndoneGoal = selectGoals + " AND set_id = $2 AND checked = 0 LIMIT 1 OFFSET $3";
+const std::string selectGoal = selectGoals + " AND goal_id = $2";
 
 Goal goalOf(const Rows &row)
 {
@@ -62,10 +59,10 @@ std::optional<Goal> findGoal(Connection &connection, std::int64_t accountId, std
 
 std::int64_t countUndone(Connection &connection, std::int64_t accountId, std::int64_t setId)
 {
-    std::int64_t undone = 0;
-    for (const GoalCount &count : goalCounts(connection, accountId))
-        undone += count.setId == setId ? count.count - count.checked : 0;
-    return undone;
+    Rows undone = connection.rows("SELECT COUNT(*) FROM goal WHERE account_id = $1 AND set_id = $2"
+                                  " AND deleted_at IS NULL AND checked = 0",
+                                  accountId, setId);
+    return undone.next() ? undone.number(0) : 0;
 }
 
 std::optional<Goal> undoneGoal(Connection &connection, std::int64_t accountId, std::int64_t setId,
@@ -93,7 +90,11 @@ void createGoals(Connection &connection, std::int64_t accountId, const std::vect
 {
     if (goals.empty())
         return;
-    std::int64_t id = takeIds(connection, accountId, Counter::Goal, static_cast<std::int64_t>(goals.size()));
+    const auto bytes =
+        std::accumulate(goals.begin(), goals.end(), std::int64_t(0), [](auto sum, const Goal &goal) {
+            return sum + static_cast<std::int64_t>(goal.name.size());
+        });
+    std::int64_t id = takeGoalIds(connection, accountId, static_cast<std::int64_t>(goals.size()), bytes);
     for (const Goal &goal : goals)
         connection.change("INSERT INTO goal (account_id, goal_id, set_id, area_id, name, priority, checked)"
                           " VALUES ($1, $2, $3, $4, $5, $6, $7)",
@@ -104,10 +105,12 @@ void createGoals(Connection &connection, std::int64_t accountId, const std::vect
 void deleteGoals(Connection &connection, std::int64_t accountId, const std::vector<std::int64_t> &goalIds,
                  std::int64_t now)
 {
+    std::int64_t deleted = 0;
     for (const std::int64_t goalId : goalIds)
-        connection.change("UPDATE goal SET deleted_at = $1"
-                          " WHERE account_id = $2 AND goal_id = $3 AND deleted_at IS NULL",
-                          now, accountId, goalId);
+        deleted += connection.change("UPDATE goal SET deleted_at = $1"
+                                     " WHERE account_id = $2 AND goal_id = $3 AND deleted_at IS NULL",
+                                     now, accountId, goalId);
+    countDeleted(connection, accountId, deleted);
 }
 
 void checkGoal(Connection &connection, std::int64_t accountId, std::int64_t goalId)

@@ -29,7 +29,7 @@ struct GoalCount
     std::int64_t checked = 0;
 };
 
-// Deleted goals and the goals of deleted sets do not exist for any of the functions below.
+// Deleted goals do not exist for any of the functions below.
 
 /// The goals of one area in a set, oldest first.
 std::vector<Goal> goalsOfArea(Connection &connection, std::int64_t accountId, std::int64_t setId,
@@ -51,6 +51,7 @@ std::optional<Goal> undoneGoal(Connection &connection, std::int64_t accountId, s
                                std::int64_t index);
 
 /// Inserts the goals in their order under new ids; those they carry are ignored. Set and area must be there.
+/// Throws QuotaExceeded.
 void createGoals(Connection &connection, std::int64_t accountId, const std::vector<Goal> &goals);
 
 /// Marks the goals deleted; ids the account has no goal for are passed over. `now` is in seconds since 1970.

@@ -1,6 +1,6 @@
 #include "Sets.h"
 
-#include "Counters.h"
+#include "Quotas.h"
 
 #include <algorithm>
 
@@ -29,7 +29,7 @@ bool hasSet(Connection &connection, std::int64_t accountId, std::int64_t setId)
 
 std::int64_t createSet(Connection &connection, std::int64_t accountId, const std::string &name)
 {
-    const std::int64_t setId = takeIds(connection, accountId, Counter::Set, /*count=*/1);
+    const std::int64_t setId = takeSetId(connection, accountId);
     connection.change("INSERT INTO goal_set (account_id, set_id, name) VALUES ($1, $2, $3)", accountId, setId,
                       name);
     return setId;
@@ -44,9 +44,15 @@ bool renameSet(Connection &connection, std::int64_t accountId, std::int64_t setI
 
 bool deleteSet(Connection &connection, std::int64_t accountId, std::int64_t setId, std::int64_t now)
 {
-    return connection.change("UPDATE goal_set SET deleted_at = $1"
-                             " WHERE account_id = $2 AND set_id = $3 AND deleted_at IS NULL",
-                             now, accountId, setId) > 0;
+    if (connection.change("UPDATE goal_set SET deleted_at = $1"
+                          " WHERE account_id = $2 AND set_id = $3 AND deleted_at IS NULL",
+                          now, accountId, setId) == 0)
+        return false;
+    countDeleted(connection, accountId,
+                 connection.change("UPDATE goal SET deleted_at = $1"
+                                   " WHERE account_id = $2 AND set_id = $3 AND deleted_at IS NULL",
+                                   now, accountId, setId));
+    return true;
 }
 
 } // namespace tarvex::store

@@ -21,14 +21,14 @@ std::vector<Set> sets(Connection &connection, std::int64_t accountId);
 
 bool hasSet(Connection &connection, std::int64_t accountId, std::int64_t setId);
 
-/// Returns the new set's id.
+/// Returns the new set's id. Throws QuotaExceeded.
 std::int64_t createSet(Connection &connection, std::int64_t accountId, const std::string &name);
 
 /// Tells whether the account has such a set.
 bool renameSet(Connection &connection, std::int64_t accountId, std::int64_t setId, const std::string &name);
 
-/// Marks the set deleted and leaves its goals with it, so that both can come back together. Tells whether the
-/// account had such a set. `now` is in seconds since 1970.
+/// Marks the set and its goals deleted. Tells whether the account had such a set. `now` is in seconds since
+/// 1970.
 bool deleteSet(Connection &connection, std::int64_t accountId, std::int64_t setId, std::int64_t now);
 
 } // namespace tarvex::store

@@ -15,7 +15,7 @@ constexpr int busyMilliseconds = 5000;
 
 constexpr std::chrono::milliseconds betweenLooks{5};
 
-constexpr std::int64_t largestIdleLog = 16LL * 1024 * 1024; // bytes
+constexpr std::int64_t largestIdleLog = 8LL * 1024 * 1024; // bytes
 
 [[noreturn]] void fail(sqlite3 *session)
 {

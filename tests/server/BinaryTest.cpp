@@ -1,3 +1,4 @@
+#include "ListenAddress.h"
 #include "Md5.h"
 #include "RawClient.h"
 #include "SampleRows.h"
@@ -36,11 +37,10 @@ struct ServerProcess
     }
     std::string line() { return read(output, '\n'); }
     /// Waits until it is ready.
-    std::uint16_t port()
+    std::uint16_t port() { return portOf(line()); }
+    static std::uint16_t portOf(const std::string &readyLine)
     {
-        const std::string url = line();
-        return static_cast<std::uint16_t>(
-            std::stoi(url.substr(std::min(url.rfind(':'), url.size() - 1) + 1)));
+        return static_cast<std::uint16_t>(std::stoi(readyLine.substr(readyLine.rfind(':') + 1)));
     }
 
     /// Waits for the process to end, with which exit code and after which words on standard error.
@@ -81,7 +81,7 @@ TEST(Binary, ServesTheSampleAccountUntilItIsTold)
     const std::string address = line.substr(head.size(), line.size() - head.size() - tail.size());
     const std::string login = security::signInDigest("sample@example.org");
     const std::string password = security::signInDigest("wheel of life");
-    RawClient client(static_cast<std::uint16_t>(std::stoi(address.substr(address.find(':') + 1))));
+    RawClient client(ServerProcess::portOf(line));
     EXPECT_EQ(client.post("p1=sign-in&p2=" + login + "&p3=" + password).body(), "OK");
     client.post("p1=create-new-user&p2=new@example.org&p3=topsecret&p4=Newcomer&type=json");
     client.post("p1=sign-in&p2=" + login + "&p3=" + login);
@@ -112,11 +112,17 @@ TEST(Binary, StartsSeveralTimesAtOnceOnANewDatabase)
         servers.push_back(std::make_unique<ServerProcess>(folder, serveHere));
     for (const auto &server : servers) {
         const std::string line = server->line();
-        EXPECT_TRUE(line.starts_with("READY ")) << server->ended().second;
+        ASSERT_TRUE(line.starts_with("READY ")) << server->ended().second;
+        server->errors.close(); // a log that nobody reads
+        RawClient client(ServerProcess::portOf(line));
+        for (int i = 0; i < 20; ++i)
+            client.post("p1=x");
         ::kill(server->child.id(), SIGHUP);
     }
-    for (const auto &server : servers)
-        EXPECT_EQ(server->ended().first, 0);
+    for (const auto &server : servers) {
+        server->child.wait();
+        EXPECT_EQ(server->child.native_exit_code(), 0);
+    }
 }
 
 TEST(Binary, EndsAtASecondSignalOrSoonWithoutOne)
@@ -161,6 +167,15 @@ TEST(Binary, SaysThatTheDiskIsFullAndServesOn)
     const auto [exitCode, log] = server.ended();
     EXPECT_EQ(exitCode, 0);
     EXPECT_NE(log.find("database or disk is full"), std::string::npos) << log;
+}
+
+TEST(Binary, ListensToThisMachineAloneUnlessToldOtherwise)
+{
+    const TemporaryFolder folder;
+    ServerProcess help(folder, "serve --help");
+    EXPECT_NE(ServerProcess::read(help.output, '\0').find("=127.0.0.1:8717\n"), std::string::npos);
+    EXPECT_EQ(help.ended().first, 0);
+    EXPECT_EQ(app::serviceUrl("::1", 80), "http://[::1]:80/tarvex/");
 }
 
 TEST(Binary, SaysInOneLineWhyItCannotStart)

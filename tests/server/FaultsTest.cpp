@@ -150,12 +150,12 @@ TEST_F(Faults, TheLogShrinksAfterAReaderMadeItGrow)
     std::string list;
     for (int i = 0; i < 50; ++i)
         list += goal(std::string(60'000, 'x'));
-    for (int i = 0; i < 7; ++i)
+    for (int i = 0; i < 5; ++i)
         ASSERT_EQ(postAsAnna("create-some-goals", "&p4=" + list), "OK");
     const auto size = [this] { return std::filesystem::file_size(file().string() + "-wal"); };
-    EXPECT_GT(size(), 20'000'000U);
+    EXPECT_GT(size(), 12'000'000U);
     reader.execute("COMMIT");
     for (int i = 0; i < 2; ++i)
         EXPECT_EQ(save().first, Outcome::Done);
-    EXPECT_LE(size(), 16U * 1024 * 1024);
+    EXPECT_LE(size(), 8U * 1024 * 1024);
 }

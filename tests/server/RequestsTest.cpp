@@ -1,6 +1,7 @@
 #include "SampleAccount.h"
 #include "SampleRows.h"
 #include "ServiceFixture.h"
+#include "Sets.h"
 
 using namespace tarvex;
 using requests::Outcome;
@@ -154,6 +155,35 @@ TEST_F(Requests, WhatWasDeletedIsGoneAfterThirtyDaysOfRunning)
     };
     EXPECT_EQ(goalsAfter(29), 1);
     EXPECT_EQ(goalsAfter(2), 0);
+}
+
+TEST_F(Requests, AnAccountHoldsNoMoreThanItMay)
+{
+    std::string list;
+    for (int i = 0; i < 5'000; ++i)
+        list += goal("x");
+    for (int i = 0; i < 4; ++i)
+        EXPECT_EQ(postAsAnna("create-some-goals", "&p4=" + list), "OK");
+    EXPECT_EQ(postAsAnna("create-some-goals", "&p4=" + goal("x")), "Error");
+    postAsAnna("get-sets"); // nor is that a refused save for ever
+    EXPECT_EQ(postAsAnna("delete-goal", "&p4=1"), "OK");
+    EXPECT_EQ(postAsAnna("create-some-goals", "&p4=" + goal("y")), "OK");
+    EXPECT_EQ(postAsAnna("create-some-goals", "&p4=" + goal("z")), "Error");
+    EXPECT_EQ(postAsAnna("delete-sets", "&p4=1"), "OK");
+    EXPECT_EQ(postAsAnna("create-sets", "&p4=x"), "OK");
+    m_database.write([](store::Connection &connection) {
+        const auto account = store::findCredentials(connection, security::signInDigest("anna@example.org"));
+        for (int i = 0; i < 499; ++i)
+            store::createSet(connection, account.value().accountId, "x");
+    });
+    EXPECT_EQ(postAsAnna("create-sets", "&p4=x"), "Error");
+    const std::string large =
+        boost::replace_all_copy(goal(std::string(60'000, 'x')), "setsId:1;", "setsId:2;");
+    int saved = 0;
+    for (bool isSaved = true; isSaved; ++saved)
+        isSaved = postAsAnna("create-some-goals",
+                             "&p4=" + boost::algorithm::join(std::vector(50, large), "")) == "OK";
+    EXPECT_EQ(saved - 1, 16 * 1024 * 1024 / (50 * 60'000));
 }
 
 TEST_F(Requests, TheSampleAccountIsMadeOnceAndShowsAWheel)

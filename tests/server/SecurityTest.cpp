@@ -1,4 +1,5 @@
 #include "FailureLimits.h"
+#include "KeyedHash.h"
 #include "Md5.h"
 #include "VerifiedCredentials.h"
 
@@ -14,6 +15,14 @@ TEST(SignInDigest, IsUpperCaseMd5OfTheBytesBeforeAZero)
     EXPECT_TRUE(isSignInDigest("900150983CD24FB0D6963F7D28E17F72"));
     EXPECT_FALSE(isSignInDigest("900150983cd24fb0d6963f7d28e17f72"));
     EXPECT_FALSE(isSignInDigest("900150983CD24FB0D6963F7D28E17F7"));
+}
+
+TEST(KeyedHash, KeepsItsPartsApart)
+{
+    const KeyedHash hash;
+    EXPECT_EQ(hash({"ab", "c"}), hash({"ab", "c"}));
+    EXPECT_NE(hash({"ab", "c"}), hash({"a", "bc"}));
+    EXPECT_NE(hash({"ab", "c"}), KeyedHash()({"ab", "c"}));
 }
 
 TEST(VerifiedCredentials, HoldForOneVersionOfOneAccount)

@@ -9,6 +9,7 @@
 #include <fstream>
 #include <future>
 #include <gtest/gtest.h>
+#include <numeric>
 
 using namespace tarvex::store;
 
@@ -139,6 +140,23 @@ TEST_F(StoreTest, GivesUpReadingWhatTakesMoreThanAMoment)
         EXPECT_FALSE(isRead(2));
         EXPECT_TRUE(isRead(1));
     }
+}
+
+TEST_F(StoreTest, KeepsSoManyDeletedGoalsOfAnAccountAtMost)
+{
+    m_database.write([&](Connection &connection) {
+        const std::vector<Goal> goals(20'000, Goal{.setId = 1, .areaId = 1, .name = "x"});
+        for (std::int64_t round = 0; round < 6; ++round) {
+            createGoals(connection, m_account, goals);
+            std::vector<std::int64_t> ids(goals.size());
+            std::iota(ids.begin(), ids.end(), round * 20'000 + 1);
+            deleteGoals(connection, m_account, ids, /*now=*/round);
+        }
+        Rows left = connection.rows("SELECT COUNT(*), MIN(deleted_at) FROM goal");
+        ASSERT_TRUE(left.next());
+        EXPECT_EQ(left.number(0), 100'000);
+        EXPECT_EQ(left.number(1), 1); // the oldest have gone
+    });
 }
 
 TEST_F(StoreTest, CountsTheTimeToPurgingByThatWhichItRan)

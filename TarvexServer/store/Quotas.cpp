@@ -1,0 +1,99 @@
+#include "Quotas.h"
+
+#include "StoreError.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace tarvex::store {
+
+namespace {
+
+/// The row that a query brings about an account.
+Rows only(Rows rows)
+{
+    if (!rows.next())
+        throw TransactionFailed("the account is gone");
+    return rows;
+}
+
+std::int64_t requireForWire(std::int64_t lastId)
+{
+    if (lastId > std::numeric_limits<std::int32_t>::max())
+        throw TransactionFailed("the account has used up its ids");
+    return lastId;
+}
+
+/// What the account holds, exactly, with so much that is about to be added.
+void requireRoom(Connection &connection, std::int64_t accountId, std::int64_t count, std::int64_t bytes)
+{
+    const auto [goals, goalBytes] = [&] {
+        const Rows held = only(connection.rows("SELECT COUNT(*), COALESCE(SUM(LENGTH(name)), 0) FROM goal"
+                                               " WHERE account_id = $1 AND deleted_at IS NULL",
+                                               accountId));
+        return std::pair(held.number(0) + count, held.number(1) + bytes);
+    }();
+    if (goals > Quotas::goals || goalBytes > Quotas::goalBytes)
+        throw QuotaExceeded();
+    connection.change("UPDATE account SET goals = $1, goal_bytes = $2 WHERE account_id = $3", goals,
+                      goalBytes, accountId);
+}
+
+} // namespace
+
+std::int64_t takeSetId(Connection &connection, std::int64_t accountId)
+{
+    {
+        const Rows held = only(connection.rows("SELECT COUNT(*), COUNT(deleted_at) FROM goal_set"
+                                               " WHERE account_id = $1",
+                                               accountId));
+        if (held.number(0) >= Quotas::setsWithDeleted || held.number(0) - held.number(1) >= Quotas::sets)
+            throw QuotaExceeded();
+    }
+    const Rows taken = only(connection.rows("UPDATE account SET next_set_id = next_set_id + 1"
+                                            " WHERE account_id = $1 RETURNING next_set_id",
+                                            accountId));
+    return requireForWire(taken.number(0) - 1);
+}
+
+std::int64_t takeGoalIds(Connection &connection, std::int64_t accountId, std::int64_t count,
+                         std::int64_t bytes)
+{
+    const auto [last, isTooMuch] = [&] {
+        const Rows taken =
+            only(connection.rows("UPDATE account SET next_goal_id = next_goal_id + $1, goals = goals + $1,"
+                                 " goal_bytes = goal_bytes + $2"
+                                 " WHERE account_id = $3 RETURNING next_goal_id, goals, goal_bytes",
+                                 count, bytes, accountId));
+        return std::pair(taken.number(0) - 1,
+                         taken.number(1) > Quotas::goals || taken.number(2) > Quotas::goalBytes);
+    }();
+    if (isTooMuch)
+        requireRoom(connection, accountId, count, bytes);
+    return requireForWire(last) - count + 1;
+}
+
+void countDeleted(Connection &connection, std::int64_t accountId, std::int64_t count)
+{
+    const auto counted = [&] {
+        return only(connection.rows("UPDATE account SET deleted_goals = deleted_goals + $1"
+                                    " WHERE account_id = $2 RETURNING deleted_goals",
+                                    count, accountId))
+            .number(0);
+    }();
+    if (counted <= Quotas::deletedGoals)
+        return;
+    const std::int64_t held = only(connection.rows("SELECT COUNT(*) FROM goal"
+                                                   " WHERE account_id = $1 AND deleted_at IS NOT NULL",
+                                                   accountId))
+                                  .number(0);
+    // As many again as are new: an account pays for itself, and a larger one comes down step by step.
+    const std::int64_t excess = std::clamp<std::int64_t>(held - Quotas::deletedGoals, 0, 2 * count);
+    connection.change("DELETE FROM goal WHERE account_id = $1 AND goal_id IN (SELECT goal_id FROM goal"
+                      " WHERE account_id = $1 AND deleted_at IS NOT NULL ORDER BY deleted_at LIMIT $2)",
+                      accountId, excess);
+    connection.change("UPDATE account SET deleted_goals = $1 WHERE account_id = $2", held - excess,
+                      accountId);
+}
+
+} // namespace tarvex::store
