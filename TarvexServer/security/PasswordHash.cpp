@@ -47,7 +47,7 @@ void decode(const std::string &text, std::array<unsigned char, size> &bytes)
 
 Stored readHash(const std::string &text)
 {
-    static const boost::regex form(R"(\$argon2id\$v=19\$m=(\d{1,7}),t=(\d{1,3}),p=1\$([^$]+)\$([^$]+))");
+    static const boost::regex form(R"(\$argon2id\$v=19\$m=(\d{1,10}),t=(\d{1,3}),p=1\$([^$]+)\$([^$]+))");
     boost::smatch found;
     if (!boost::regex_match(text, found, form))
         throw std::runtime_error("a password hash is damaged");

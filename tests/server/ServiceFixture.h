@@ -52,6 +52,7 @@ protected:
         return "name:" + name + ";priority:5;checked:0;setsId:1;areaId:3;{_end_}";
     }
 
+public:
     /// The texts of all elements of that name in an answer, each in brackets.
     static std::string column(const std::string &xml, const std::string &name)
     {
@@ -64,6 +65,7 @@ protected:
         return texts;
     }
 
+protected:
     std::string m_login = "Anna@Example.org";
     std::string m_password = "a&b=c+d%26";
     std::chrono::steady_clock::time_point m_now = std::chrono::steady_clock::now();
