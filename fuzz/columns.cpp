@@ -5,6 +5,7 @@
 #include "Fuzz.h"
 
 #include <array>
+#include <QByteArray>
 
 namespace {
 

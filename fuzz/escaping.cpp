@@ -1,7 +1,7 @@
 // The wire's escaping, both ways, against what it stands for: nineteen replacements, one after another.
 
 #include "Escaping.h"
-#include "Fuzz.h"
+#include "Texts.h"
 
 #include <QStringList>
 

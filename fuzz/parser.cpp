@@ -1,8 +1,8 @@
 // JSON text to a tree. What can be read can be written, in each of the writer's forms, and reads as the same
 // tree again; a failure tells why.
 
-#include "Fuzz.h"
 #include "JsonTrees.h"
+#include "Texts.h"
 #include "XKJsonParser.h"
 #include "XKJsonWriter.h"
 

@@ -1,8 +1,8 @@
 // Trees grown from bytes to JSON text. A tree of nothing but what JSON can hold is always written and reads
 // as the same tree again; every other one is written, or tells why not.
 
-#include "Fuzz.h"
 #include "JsonTrees.h"
+#include "Texts.h"
 #include "XKJsonParser.h"
 #include "XKJsonWriter.h"
 

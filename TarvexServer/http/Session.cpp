@@ -2,6 +2,7 @@
 
 #include "PeerAddress.h"
 #include "ProxyHeader.h"
+#include "RequestHead.h"
 #include "RequestKind.h"
 
 #include <algorithm>
@@ -20,7 +21,6 @@ using requests::Outcome;
 
 namespace {
 
-constexpr std::string_view servicePath = "/tarvex/";
 constexpr std::size_t readSize = 16UL * 1024;
 constexpr std::size_t beginningOfBody = 4096; // enough to tell what a request is
 constexpr std::size_t freeBody = 64UL * 1024; // bodies up to this size need no reservation
@@ -39,34 +39,6 @@ std::string_view contentType(requests::Format format)
         break;
     }
     return "text/plain; charset=us-ascii";
-}
-
-using Head = beast::request_parser<beast::empty_body>::value_type;
-
-/// RFC 9112, 3.2: whoever speaks HTTP/1.1 names the host, once.
-bool isHostSound(const Head &head)
-{
-    const auto count = head.count(beast::field::host);
-    return head.version() < 11 ? count <= 1 : count == 1;
-}
-
-/// Whether the body comes in a form that is not known here; read as if it were plain, it could hide another
-/// request.
-bool isCodingUnknown(const Head &head)
-{
-    const auto coding = head.find(beast::field::transfer_encoding);
-    return head.count(beast::field::transfer_encoding) > 1 ||
-           (coding != head.end() && !boost::beast::iequals(coding->value(), "chunked"));
-}
-
-/// The path of a target, of which the other form (RFC 9112, 3.2.2) is for proxies and must be understood.
-std::string_view pathOf(std::string_view target)
-{
-    constexpr std::string_view scheme = "http://";
-    if (!target.starts_with(scheme))
-        return target;
-    target.remove_prefix(scheme.size());
-    return target.substr(std::min(target.find('/'), target.size()));
 }
 
 /// For proxies and people; the client reads the body alone.
@@ -186,20 +158,10 @@ void Session::headArrived(Error error)
         refuseHead(error);
         return;
     }
-    const auto &request = m_parser->get();
-    if (!isHostSound(request)) {
-        sendStatus(beast::status::bad_request, "The request must name one host.");
-    } else if (isCodingUnknown(request)) {
-        sendStatus(beast::status::not_implemented, "The body is in a form that is not understood here.");
-    } else if (pathOf(request.target()) != servicePath) {
-        sendStatus(beast::status::not_found, "There is nothing here.");
-    } else if (request.method() != beast::verb::post) {
-        sendStatus(beast::status::method_not_allowed, "The service answers POST requests only.");
-    } else if (m_parser->chunked() || !m_parser->content_length()) {
-        sendStatus(beast::status::length_required, "The request must state its length.");
-    } else {
+    if (const auto fault = faultOf(*m_parser))
+        sendStatus(fault->status, fault->sentence);
+    else
         beginBody(static_cast<std::size_t>(*m_parser->content_length()));
-    }
 }
 
 void Session::refuseHead(Error error)

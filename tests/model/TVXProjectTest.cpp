@@ -48,6 +48,8 @@ private Q_SLOTS:
         for (const QString &name : {u"Work"_s, u"Wor"_s, QString()})
             QCOMPARE(current(name), sets[1]); // unknown names leave it as it was
         QVERIFY(!project.setByName(u"Wor"_s));
+        project.setCurrentSetsByIndex(0);
+        QCOMPARE(project.currentSets(), sets[0]);
         project.setCurrentSetsByIndex(3);
         for (const qint32 outside : {-1, 5, std::numeric_limits<qint32>::min()})
             project.setCurrentSetsByIndex(outside);

@@ -31,13 +31,16 @@ private Q_SLOTS:
         const TVXAnswer answer = wire.exchange.post(form);
         qunsetenv("http_proxy");
         QCOMPARE(answer.data, QByteArray("Error"));
+        const QByteArray large = form + QByteArray(1'100'000, 'x');
+        QCOMPARE(wire.exchange.post(large).data, QByteArray("Error"));
         const QByteArray host = wire.service.url().split('/').at(2);
         const QByteArray head = "POST /tarvex/ HTTP/1.1\r\nHost: " + host +
                                 "\r\nAccept: */*\r\nContent-Length: 21\r\n"
                                 "Content-Field: application/x-www-form-urlencoded\r\n"
                                 "User-Agent: Tarvex Cloud Mac OS X Client v.0.1.0\r\n"
                                 "Content-Type: application/x-www-form-urlencoded\r\n\r\n";
-        QCOMPARE(wire.service.requests(), {head + form});
+        const QByteArray headOfLarge = QByteArray(head).replace("h: 21", "h: 1100021");
+        QCOMPARE(wire.service.requests(), (QList<QByteArray>{head + form, headOfLarge + large}));
     }
 
     void everyReplyHasOneOutcome_data() { addSampleRows("replies.txt"); }

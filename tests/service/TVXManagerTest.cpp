@@ -115,7 +115,7 @@ const std::map<QByteArray, Call> calls = {
                                TVXGoalList{goal(u"Run 5km"_s, /*priority=*/2, /*checked=*/true),
                                            goal(u"a;b:c{_end_}"_s, /*priority=*/-1, /*checked=*/false)},
                                /*forSetsId=*/7, /*forAreaId=*/3)},
-    {"create-goal", call(&TVXManager::createGoalUsingLogin, u"1/2"_s, /*andPriority=*/9, /*andChecked=*/true,
+    {"create-goal", call(&TVXManager::createGoalUsingLogin, u"1/2"_s, /*andPriority=*/9, /*andChecked=*/false,
                          /*forSetsId=*/7, /*forAreaId=*/3)},
     {"set-sets-name", call(&TVXManager::renameSestUsingLogin, u"50%"_s, /*forSetsWithId=*/7)},
     {"set-area-names", call(&TVXManager::renameAreasUsingLogin,
@@ -170,6 +170,18 @@ private Q_SLOTS:
         QVERIFY(client.exchange.post({}).data); // leaves a connection, which dies with the next request
         QCOMPARE(client.outcome(QTest::currentDataTag(), {{}, /*closes=*/true}), outcome);
         QCOMPARE(client.service.bodies(), QList<QByteArray>{""} << QList<QByteArray>(copies.toInt(), form));
+    }
+
+    void whatNeverLeftNeedNotBeLookedFor()
+    {
+        RecordingWait wait;
+        RecordingAlert alert;
+        CurlExchange exchange("http://127.0.0.1:1/tarvex/", std::chrono::seconds(10), wait);
+        TVXManager manager(exchange, alert);
+        QString why;
+        calls.at("create-goal")(manager, why);
+        QCOMPARE(alert.errors.size(), 1);
+        QVERIFY2(!alert.errors[0].contains(u"Check whether"_s), qPrintable(alert.errors[0]));
     }
 
     void eachAnswerHasItsOutcome_data() { addSampleRows("answers.txt"); }

@@ -104,6 +104,8 @@ private Q_SLOTS:
         for (const Qt::Key key : {Key_Return, Key_Right, Key_Down, Key_Enter, Key_Home, Key_Left, Key_Up,
                                   Key_Space, Key_End, Key_A, Key_Right, Key_Return})
             QTest::keyClick(&wheel, key);
+        QKeyEvent held(QEvent::KeyPress, Key_Return, Qt::NoModifier, QString(), /*autorep=*/true);
+        QCoreApplication::sendEvent(&wheel, &held);
         QCOMPARE(wheel.reports, u"a0 c2 g6 a0 "_s);
     }
 
@@ -173,8 +175,13 @@ private Q_SLOTS:
             return wheel.seenAt(203, 67.5 - 45 * slice).lightness() < 40;
         };
         wheel.clearFocus();
-        wheel.setFocus(Qt::TabFocusReason);
+        wheel.setFocus(Qt::BacktabFocusReason);
         QVERIFY(isRinged(0));
+        wheel.clearFocus();
+        wheel.click(100, -20);
+        QVERIFY(!wheel.hasFocus());                       // stays where it was
+        QVERIFY(wheel.seenAt(100, 45).lightness() > 250); // between two slices
+        wheel.setFocus(Qt::TabFocusReason);
         wheel.click(100, -20);
         QVERIFY(!isRinged(0) && !isRinged(2));
         QTest::keyClick(&wheel, Qt::Key_Right);

@@ -1,0 +1,61 @@
+#include "RequestHead.h"
+
+#include <algorithm>
+#include <boost/beast/core/string.hpp>
+
+namespace tarvex::http {
+
+namespace beast = boost::beast::http;
+
+namespace {
+
+constexpr std::string_view servicePath = "/tarvex/";
+
+using Head = HeadParser::value_type;
+
+/// RFC 9112, 3.2: whoever speaks HTTP/1.1 names the host, once.
+bool isHostSound(const Head &head)
+{
+    const auto count = head.count(beast::field::host);
+    return head.version() < 11 ? count <= 1 : count == 1;
+}
+
+/// Whether the body comes in a form that is not known here; read as if it were plain, it could hide another
+/// request.
+bool isCodingUnknown(const Head &head)
+{
+    const auto coding = head.find(beast::field::transfer_encoding);
+    return head.count(beast::field::transfer_encoding) > 1 ||
+           (coding != head.end() && !boost::beast::iequals(coding->value(), "chunked"));
+}
+
+/// The path of a target, of which the other form (RFC 9112, 3.2.2) is for proxies and must be understood.
+std::string_view pathOf(std::string_view target)
+{
+    constexpr std::string_view scheme = "http://";
+    if (!target.starts_with(scheme))
+        return target;
+    target.remove_prefix(scheme.size());
+    return target.substr(std::min(target.find('/'), target.size()));
+}
+
+} // namespace
+
+std::optional<HeadFault> faultOf(const HeadParser &parser)
+{
+    const Head &head = parser.get();
+    if (!isHostSound(head))
+        return HeadFault{beast::status::bad_request, "The request must name one host."};
+    if (isCodingUnknown(head))
+        return HeadFault{beast::status::not_implemented,
+                         "The body is in a form that is not understood here."};
+    if (pathOf(head.target()) != servicePath)
+        return HeadFault{beast::status::not_found, "There is nothing here."};
+    if (head.method() != beast::verb::post)
+        return HeadFault{beast::status::method_not_allowed, "The service answers POST requests only."};
+    if (parser.chunked() || !parser.content_length())
+        return HeadFault{beast::status::length_required, "The request must state its length."};
+    return {};
+}
+
+} // namespace tarvex::http

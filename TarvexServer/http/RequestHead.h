@@ -1,0 +1,22 @@
+#pragma once
+
+#include <boost/beast/http/empty_body.hpp>
+#include <boost/beast/http/parser.hpp>
+#include <boost/beast/http/status.hpp>
+#include <optional>
+#include <string_view>
+
+namespace tarvex::http {
+
+using HeadParser = boost::beast::http::request_parser<boost::beast::http::empty_body>;
+
+struct HeadFault
+{
+    boost::beast::http::status status;
+    std::string_view sentence;
+};
+
+/// Why a request whose head was read is none of the protocol; nothing if it is one, and states its length.
+std::optional<HeadFault> faultOf(const HeadParser &parser);
+
+} // namespace tarvex::http
