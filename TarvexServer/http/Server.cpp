@@ -89,7 +89,8 @@ void Server::run()
     work.reset();
     // Until the last connection has ended, or no longer.
     const auto end = std::chrono::steady_clock::now() + m_context.limits.drainTime;
-    withoutEnding([&] { m_io.run_until(end); });
+    while (!m_io.stopped() && std::chrono::steady_clock::now() < end)
+        withoutEnding([&] { m_io.run_until(end); });
     m_workers.stop();
 }
 
