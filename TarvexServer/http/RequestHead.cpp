@@ -53,7 +53,7 @@ std::optional<HeadFault> faultOf(const HeadParser &parser)
         return HeadFault{beast::status::not_found, "There is nothing here."};
     if (head.method() != beast::verb::post)
         return HeadFault{beast::status::method_not_allowed, "The service answers POST requests only."};
-    if (parser.chunked() || !parser.content_length())
+    if (parser.chunked() || !head.has_content_length())
         return HeadFault{beast::status::length_required, "The request must state its length."};
     return {};
 }
