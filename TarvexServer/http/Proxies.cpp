@@ -1,7 +1,6 @@
 #include "Proxies.h"
 
 #include <algorithm>
-#include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/split.hpp>
 #include <boost/algorithm/string/trim.hpp>
 #include <charconv>
@@ -49,7 +48,7 @@ bool Proxies::isTrusted(const ip::address &address) const
 std::optional<ip::address> Proxies::forwardedAddress(std::string_view values) const
 {
     std::vector<std::string> elements;
-    boost::split(elements, values, boost::is_any_of(","));
+    boost::split(elements, values, [](char character) { return character == ','; });
     return elements.size() < hops ? std::nullopt : readAddress(withoutPort(elements[elements.size() - hops]));
 }
 

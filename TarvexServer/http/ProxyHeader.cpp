@@ -1,7 +1,6 @@
 #include "ProxyHeader.h"
 
 #include <algorithm>
-#include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/split.hpp>
 #include <string>
 #include <vector>
@@ -38,7 +37,7 @@ ProxyHeader readText(std::string_view bytes)
     if (end == std::string_view::npos)
         return of(bytes.size() < longestText ? State::Incomplete : State::Malformed);
     std::vector<std::string> words;
-    boost::split(words, bytes.substr(0, end), boost::is_any_of(" "));
+    boost::split(words, bytes.substr(0, end), [](char character) { return character == ' '; });
     ProxyHeader header = of(State::Whole, end + 2);
     if (words[1] == "UNKNOWN")
         return header;

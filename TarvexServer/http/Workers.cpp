@@ -62,7 +62,7 @@ void Workers::finish(const std::shared_ptr<requests::Turn> &turn, Done done)
     const std::int64_t accountId = turn->accountId() != 0 ? turn->accountId() : --m_lastStranger;
     m_queues.enter(accountId, [this, turn, done = std::move(done)](AccountQueues::Place place) mutable {
         const auto running = std::make_shared<Running>(
-            Running{.place = std::move(place), .turn = std::move(turn), .done = std::move(done)});
+            Running{.place = std::move(place), .turn = turn, .done = std::move(done)});
         if (running->turn->step() == requests::Turn::Step::Write)
             m_service.finishLater(running->turn,
                                   [running](const requests::Answer &answer) { running->done(answer); });
