@@ -113,14 +113,14 @@ void Server::drain()
 
 void Server::accept()
 {
-    m_acceptor.async_accept([this](error_code error, asio::ip::tcp::socket socket) {
-        m_isAccepting = false;
+    const auto token = std::make_shared<char>(); // goes with the handler, even with one that never runs
+    m_accepting = token;
+    m_acceptor.async_accept([this, token](error_code error, asio::ip::tcp::socket socket) {
         if (error || m_context.isDraining)
             return; // out of descriptors, most likely: the next round tries again
         accept();
         welcome(std::move(socket));
     });
-    m_isAccepting = true;
 }
 
 void Server::welcome(asio::ip::tcp::socket socket)
@@ -170,7 +170,7 @@ void Server::makeRounds()
     if (now < m_nextRound)
         return;
     m_nextRound = now + roundTime;
-    if (!m_isAccepting)
+    if (m_accepting.expired())
         accept();
     m_context.service.keepHouse();
 }

@@ -60,7 +60,7 @@ private:
     boost::asio::io_context m_io{1};
     Workers m_workers;
     boost::asio::ip::tcp::acceptor m_acceptor{m_io};
-    bool m_isAccepting = false;
+    std::weak_ptr<char> m_accepting;                   ///< expired when no connection is waited for
     std::chrono::steady_clock::time_point m_nextRound; // of what is to be done now and then
     boost::asio::signal_set m_signals{m_io};
     std::vector<std::weak_ptr<Session>> m_sessions;

@@ -38,7 +38,8 @@ protected:
 
 [[gnu::noinline]] void *operator new(std::size_t size)
 {
-    if (!isSpared && scarcity != 0 && ++allocations % scarcity == 0)
+    const unsigned oneIn = scarcity;
+    if (!isSpared && oneIn != 0 && ++allocations % oneIn == 0)
         throw std::bad_alloc();
     if (void *const memory = std::malloc(size))
         return memory;
