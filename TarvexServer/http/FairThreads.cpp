@@ -1,6 +1,7 @@
 #include "FairThreads.h"
 
 #include <algorithm>
+#include <iterator>
 #include <new>
 
 namespace tarvex::http {
@@ -30,7 +31,8 @@ void FairThreads::submit(const std::string &whose, Task task)
                 return left.second.size() < right.second.size();
             };
             const auto longest = std::max_element(m_waiting.begin(), m_waiting.end(), isShorter);
-            dropped = takeLast(isShorter(*own, *longest) ? longest : own);
+            const auto most = isShorter(*own, *longest) ? longest : own;
+            dropped = take(most, std::prev(most->second.end()));
         }
     }
     m_isWork.notify_one();
@@ -75,20 +77,15 @@ FairThreads::Task FairThreads::next()
     if (turn == m_waiting.end())
         turn = m_waiting.begin();
     m_lastServed = turn->first;
-    Task task = std::move(turn->second.front());
-    turn->second.pop_front();
-    if (turn->second.empty())
-        m_waiting.erase(turn);
-    --m_count;
-    return task;
+    return take(turn, turn->second.begin());
 }
 
-FairThreads::Task FairThreads::takeLast(Waiting::iterator from)
+FairThreads::Task FairThreads::take(Waiting::iterator whose, std::list<Task>::iterator place)
 {
-    Task task = std::move(from->second.back());
-    from->second.pop_back();
-    if (from->second.empty())
-        m_waiting.erase(from);
+    Task task = std::move(*place);
+    whose->second.erase(place);
+    if (whose->second.empty())
+        m_waiting.erase(whose);
     --m_count;
     return task;
 }

@@ -39,7 +39,7 @@ private:
 
     void run();
     Task next();
-    Task takeLast(Waiting::iterator from);
+    Task take(Waiting::iterator whose, std::list<Task>::iterator place);
 
     std::size_t m_room;
     std::mutex m_mutex;

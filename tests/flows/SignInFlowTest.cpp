@@ -87,21 +87,6 @@ private Q_SLOTS:
         QVERIFY(!document->wndSignIn()->isVisible());
     }
 
-    void cancelAndEscapeCloseTheDocumentAndSendNothing()
-    {
-        for (const bool byKey : {false, true}) {
-            Client client;
-            const QPointer<TarvexDocument> document = client.open();
-            if (byKey)
-                QTest::keyClick(document->wndSignIn(), Qt::Key_Escape);
-            else
-                QTest::mouseClick(Client::button(document->wndSignIn(), u"Quit"_s), Qt::LeftButton);
-            QVERIFY(client.controller.documents().empty());
-            QTRY_VERIFY(document.isNull());
-            QVERIFY(client.service.requests().isEmpty());
-        }
-    }
-
     void theButtonThatClosesSaysWhatItEnds()
     {
         Client client;

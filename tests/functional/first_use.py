@@ -59,29 +59,6 @@ class Keys:
         self.display.keys("Return")
         self.sees(MAIN)
 
-    def does_the_rest(self, texts):
-        """What the assistive tools leave out, and a click of the mouse."""
-        for key, sheet, before, text in [("ctrl+shift+n", "New Set", ["ctrl+a"], "Winter & more"),
-                                         ("F2", "Rename Set", ["ctrl+a"], "Winter"),
-                                         ("ctrl+shift+r", "Rename Areas", ["Tab", "Tab", "ctrl+a"], "Money: all")]:
-            self.display.keys(key)
-            self.sees(sheet)
-            self.display.keys(*before)
-            self.display.type(text)
-            self.display.keys("Return")
-            self.sees(MAIN)
-        expect(["My wheel", "Winter"], texts("name", "get-sets"))
-        expect("Money{_dp_} all", texts("name", "get-areas")[2])
-        self.display.click(MAIN, 530, 300)  # the second slice
-        self.sees(AREA)
-        self.display.keys("Escape")
-        self.sees(MAIN)
-        self.display.keys("alt+s", "d")
-        self.sees("Delete?")
-        self.display.keys("Return")
-        self.sees(MAIN)
-        expect(["My wheel"], texts("name", "get-sets"))
-
     def quits(self):
         self.display.keys("ctrl+q")
 
@@ -128,9 +105,6 @@ class Assistive(AccessibleDesktop):
         self.write("File name:", path, within=sheet)
         self.act("Save", "push button", within=sheet)
 
-    def does_the_rest(self, texts):
-        pass
-
     def quits(self):
         self.chooses("Quit")
 
@@ -174,7 +148,6 @@ def main():
             user.keeps_the_report(path)
             wait_for("the report", pathlib.Path(path).exists)
             check(texts, path)
-            user.does_the_rest(texts)
             user.quits()
             expect(0, process.wait(timeout=10))
         finally:

@@ -24,18 +24,6 @@ private:
     };
 
 private Q_SLOTS:
-    void freshRecordsHoldEmptyTextsRatherThanNone()
-    {
-        const TVXSets set;
-        for (const QString &text : {TVXArea().name(), TVXArea().color(), TVXGoal().nameOfGoal(), set.name(),
-                                    set.percentOfArea(0), set.percentOfArea(7)})
-            QVERIFY(text.isEmpty() && !text.isNull());
-        QVERIFY_THROWS_EXCEPTION(std::out_of_range, (void)set.percentOfArea(8));
-        const TVXProject project;
-        QVERIFY(project.sets()->empty() && project.areas()->empty() && project.goals()->empty());
-        QVERIFY(!project.currentSets());
-    }
-
     void lookupsAreExactAndTakeTheFirstOrNothing()
     {
         ProjectWithSets project({u"work"_s, u"Work"_s, u"Work"_s, QString(), u""_s});

@@ -1,15 +1,11 @@
 #include "BusyIndicator.h"
 #include "ElidedLabel.h"
 #include "ErrorBox.h"
-#include "MessageLine.h"
 #include "OneLineEdit.h"
 #include "QuietLabel.h"
-#include "RotatedLabel.h"
-#include "Sheet.h"
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QMainWindow>
 #include <QMessageBox>
 #include <QTest>
 #include <QTimer>
@@ -43,29 +39,6 @@ private Q_SLOTS:
         QCOMPARE(field.cursorPosition(), 3); // behind what was pasted
     }
 
-    void linesBeginWhereTheLayoutBegins()
-    {
-        QMainWindow window;
-        Sheet sheet(&window);
-        sheet.setLayoutDirection(Qt::RightToLeft);
-        sheet.resize(300, 60);
-        for (QWidget *label : std::initializer_list<QWidget *>{
-                 new QLabel(u"One."_s, &sheet), new QuietLabel(&sheet), new MessageLine(&sheet)}) {
-            label->setProperty("text", u"One."_s);
-            if (auto *line = qobject_cast<MessageLine *>(label))
-                line->setError(u"One."_s);
-            label->resize(300, 60);
-        }
-        sheet.beginOn(nullptr);
-        for (QWidget *label : sheet.findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
-            const QImage image = label->grab().toImage();
-            const QRect half(0, 0, image.width() / 2, image.height());
-            QImage bare = image.copy(half);
-            bare.fill(image.pixelColor(half.bottomRight()));
-            QVERIFY(image.copy(half) == bare && image.copy(half.translated(half.width(), 0)) != bare);
-        }
-    }
-
     void whatShowsAnErrorOrAWaitIsSeen()
     {
         QTimer::singleShot(0, this, [] {
@@ -89,18 +62,6 @@ private Q_SLOTS:
         QTest::keyClick(&field, Qt::Key_S, Qt::AltModifier);
         QTest::keyClick(&field, Qt::Key_T);
         QCOMPARE(field.text(), u"t"_s);
-    }
-
-    void aLabelTurnsAboutTheCentreItIsGiven()
-    {
-        QWidget parent;
-        parent.resize(300, 200);
-        RotatedLabel label(&parent);
-        for (const qreal degrees : {0.0, -22.5, -115.0, 150.5, 90.0}) {
-            label.setFrameRotation(degrees);
-            label.setFrameCentredAt(QPointF(100, 50), QSizeF(80, 20), parent.height());
-            QVERIFY(QLineF(label.geometry().toRectF().center(), QPointF(100, 150)).length() < 1.5);
-        }
     }
 };
 

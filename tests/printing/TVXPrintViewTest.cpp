@@ -3,48 +3,12 @@
 
 #include <QFontInfo>
 #include <QPainter>
-#include <QScreen>
-
-namespace {
-
-ReportSample oddTexts()
-{
-    ReportSample sample;
-    sample.title = u"A title that goes on and on "_s.repeated(9);
-    const QStringList texts =
-        u"plain/עברית وعربي/Emoji 🎯🌱👩‍👩‍👧/two\nlines/\u2028/\t\x7f/"_s.split(
-            u'/') +
-        QStringList{u"long "_s.repeated(2000), QString(10'000, u'W'), QString(QChar(0xD800)) + QChar(0)};
-    for (int area = 0; area < 8; ++area)
-        sample.addArea(area, QList{0, 4, 8, 9, -1, 1000, 195225787, 3}[area], texts[area]);
-    for (int goal = 0; goal < 120; ++goal)
-        sample.addGoal(goal % 9, goal % 11, goal % 3 == 0, texts[goal % texts.size()]);
-    return sample;
-}
-
-} // namespace
 
 class TVXPrintViewTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void itPrintsButStaysBlankOnTheScreen()
-    {
-        const ReportSample sample = oddTexts();
-        TVXPrintView view;
-        view.setProject(sample.project);
-        view.setTitleOfDocument(sample.title);
-        view.resize(300, 300);
-        view.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&view));
-        const QImage seen = view.screen()->grabWindow(view.winId()).toImage();
-        QImage blank = seen.copy();
-        blank.fill(seen.pixelColor(0, 0));
-        QVERIFY(seen == blank);
-        QVERIFY(view.grab().toImage() != blank);
-    }
-
     void linesAreAsHighAsTheirFontsAsk()
     {
         const TVXPrintView view;

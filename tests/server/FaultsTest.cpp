@@ -58,9 +58,7 @@ protected:
 
 TEST_F(Faults, GoesOnAfterMemoryWasScarceInAnyPlace)
 {
-    http::Limits limits;
-    limits.handlerTime = std::chrono::milliseconds(200);
-    start(limits);
+    start({.handlerTime = std::chrono::milliseconds(200)});
     std::size_t confirmed = 0;
     for (const unsigned oneIn : {2U, 3U, 5U, 11U, 23U, 47U, 97U}) {
         for (int i = 0; i < 12; ++i) {

@@ -19,11 +19,14 @@ protected:
     }
 
     /// Makes the request, in which names in braces stand for credentials, and returns its answer. It may come
-    /// to a service that is busy or takes it for too large; time may pass instead.
+    /// to a service that is busy or takes it for too large, or from somewhere; time may pass instead.
     std::string step(std::string request)
     {
         for (const auto &[name, credentials] : m_people)
             boost::replace_all(request, "{" + name + "}", credentials);
+        boost::smatch guess;
+        if (boost::regex_search(request, guess, boost::regex(R"(\{guess at (\w+)\})")))
+            boost::replace_all(request, guess.str(), credentials(guess[1], "wrong"));
         const auto colon = request.find(": ");
         const std::string how = request.substr(0, colon == std::string::npos ? 0 : colon + 2);
         const std::string rest = request.substr(how.size());
@@ -31,6 +34,8 @@ protected:
             return m_service.refuse(rest, Outcome::Busy).body;
         if (how == "too large: ")
             return m_service.refuse(rest, Outcome::TooLarge).body;
+        if (how.starts_with("from "))
+            return answerTo(rest, how).body;
         if (how != "seconds pass: ")
             return post(request);
         m_now += std::chrono::seconds(std::stoi(rest));
@@ -80,16 +85,6 @@ TEST_P(Conversation, GoesAsWritten)
     converse("conversations/" + GetParam() + ".txt");
 }
 
-TEST_F(Requests, WrongPasswordsAreLimitedByPeerUnlessItHasNoName)
-{
-    for (int i = 0; i < 12; ++i) {
-        const std::string body = "p1=sign-in" + credentials("user" + std::to_string(i), "wrong");
-        EXPECT_EQ(answerTo(body, "192.0.2.1").outcome,
-                  i < 10 ? Outcome::NotSignedIn : Outcome::TooManyAttempts);
-        EXPECT_EQ(answerTo(body).outcome, Outcome::NotSignedIn);
-    }
-}
-
 TEST_F(Requests, ARequestThatWaitedTooLongIsNotBegun)
 {
     auto turn = m_service.begin({.body = asAnna("create-sets", "&p4=late"), .peer = "", .arrival = m_now});
@@ -117,16 +112,6 @@ TEST_F(Requests, OnlyFailuresCountHoweverManySignInAtOnce)
         EXPECT_EQ(checked, expected);
         m_now += std::chrono::seconds(60);
     }
-}
-
-TEST_F(Requests, AskingWhoHasAnAccountIsLimitedByPeer)
-{
-    const std::string body = "p1=create-new-user&p2=" + m_login + "&p3=x&p4=y&type=json";
-    for (int i = 0; i < 11; ++i)
-        EXPECT_EQ(answerTo(body, "192.0.2.1").outcome, i < 10 ? Outcome::Invalid : Outcome::TooManyAttempts);
-    for (char name = 'a'; name <= 'k'; ++name)
-        EXPECT_EQ(answerTo(body.substr(0, 22) + name + body.substr(22), "192.0.2.2").outcome,
-                  name < 'k' ? Outcome::Done : Outcome::TooManyAttempts);
 }
 
 TEST_F(Requests, NobodyCanMakeItForgetTheRefusedSaveOfAnother)

@@ -1,4 +1,3 @@
-#include "FailureLimits.h"
 #include "KeyedHash.h"
 #include "Md5.h"
 #include "VerifiedCredentials.h"
@@ -39,20 +38,4 @@ TEST(VerifiedCredentials, HoldForOneVersionOfOneAccount)
     verified.remember(/*accountId=*/3, /*version=*/1, "digest");
     EXPECT_TRUE(verified.contains(/*accountId=*/1, /*version=*/1, "digest"));
     EXPECT_FALSE(verified.contains(/*accountId=*/2, /*version=*/1, "digest"));
-}
-
-TEST(FailureLimits, AreTenFailuresAMinute)
-{
-    std::chrono::steady_clock::time_point now;
-    FailureLimits limits([&] { return now; });
-    for (int i = 0; i < 10; ++i) {
-        EXPECT_FALSE(limits.isExhausted("anna"));
-        limits.countFailure("anna");
-    }
-    EXPECT_TRUE(limits.isExhausted("anna"));
-    EXPECT_FALSE(limits.isExhausted("ben"));
-    now += std::chrono::seconds(59);
-    EXPECT_TRUE(limits.isExhausted("anna"));
-    now += std::chrono::seconds(1);
-    EXPECT_FALSE(limits.isExhausted("anna"));
 }

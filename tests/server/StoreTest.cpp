@@ -130,11 +130,8 @@ TEST_F(StoreTest, GivesUpReadingWhatTakesMoreThanAMoment)
     };
     m_database.write([&](Connection &connection) {
         createNamedGoals(connection, /*set=*/1, {"one", "two"});
-        createGoals(
-            connection, m_account,
-            std::vector<Goal>(
-                10'000,
-                Goal{.id = 0, .setId = 2, .areaId = 1, .name = {}, .priority = 0, .isChecked = false}));
+        createGoals(connection, m_account,
+                    std::vector<Goal>(10'000, Goal{.setId = 2, .areaId = 1, .name = {}}));
     });
     for (int again = 0; again < 3; ++again) {
         EXPECT_FALSE(isRead(2));
