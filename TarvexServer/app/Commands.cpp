@@ -1,5 +1,6 @@
 #include "Commands.h"
 
+#include "Installation.h"
 #include "JsonLog.h"
 #include "ListenAddress.h"
 #include "SampleAccount.h"
@@ -13,6 +14,9 @@
 #include <map>
 #include <string>
 #include <sys/resource.h>
+#ifdef __linux__
+#include <sys/prctl.h>
+#endif
 #include <vector>
 
 namespace tarvex::app {
@@ -35,6 +39,7 @@ struct ServeOptions
 {
     std::string listen = "127.0.0.1:8717";
     std::string database;
+    std::string secret;
     std::vector<std::string> trustedProxies;
     http::Proxies proxies;
 };
@@ -73,15 +78,32 @@ http::Proxies proxiesOf(const ServeOptions &options)
     return proxies;
 }
 
+security::KeyedHash openInstallation(store::Database &database, const ServeOptions &options)
+{
+    const std::string beside = database.file().string() + ".secret";
+    return requests::openInstallation(database, options.secret.empty() ? beside : options.secret);
+}
+
+/// Passwords pass through the memory: nobody gets a picture of it.
+void keepMemoryPrivate()
+{
+    constexpr rlimit none{.rlim_cur = 0, .rlim_max = 0};
+    ::setrlimit(RLIMIT_CORE, &none);
+#ifdef __linux__
+    ::prctl(PR_SET_DUMPABLE, 0, 0, 0, 0); // which a program that takes core dumps would get all the same
+#endif
+}
+
 int serve(const ServeOptions &options)
 {
+    keepMemoryPrivate();
     const auto address = listenAddress(options.listen);
     if (!address)
         throw http::CannotListen("The address to listen on must be given as HOST:PORT.");
     http::Proxies proxies = proxiesOf(options);
     const Log log; // the last to end, for it may end the process
     store::Database database(options.database);
-    requests::Service service(database);
+    requests::Service service(database, openInstallation(database, options));
     http::Server server(service, address->host, address->port, /*limits=*/{}, logRequest, std::move(proxies));
     server.drainOnSignals();
     std::signal(SIGPIPE, SIG_IGN); // a log that nobody reads any more is no reason to end
@@ -94,10 +116,10 @@ int serve(const ServeOptions &options)
     return 0;
 }
 
-int sample(const std::string &databaseUrl)
+int sample(const ServeOptions &options)
 {
-    store::Database database(databaseUrl);
-    if (!requests::createSampleAccount(database))
+    store::Database database(options.database);
+    if (!requests::createSampleAccount(database, openInstallation(database, options)))
         std::cout << "The sample account is there already.\n";
     std::cout << "login: " << requests::sampleLogin << "\npassword: " << requests::samplePassword
               << std::endl;
@@ -114,6 +136,10 @@ int runCommand(int argc, const char *const *argv)
     ServeOptions options;
     const auto addDatabase = [&](CLI::App *command) {
         command->add_option("--database", options.database, "The database, as sqlite:PATH")->required();
+        command
+            ->add_option("--secret", options.secret,
+                         "The file of the secret that logins are kept under; made if it is not there")
+            ->default_str("PATH.secret");
     };
     CLI::App *serveCommand = app.add_subcommand("serve", "Answer clients until SIGTERM or SIGINT");
     addServeOptions(*serveCommand, options);
@@ -122,7 +148,7 @@ int runCommand(int argc, const char *const *argv)
     addDatabase(sampleCommand);
     CLI11_PARSE(app, argc, argv);
     try {
-        return serveCommand->parsed() ? serve(options) : sample(options.database);
+        return serveCommand->parsed() ? serve(options) : sample(options);
     } catch (const std::exception &error) {
         std::cerr << "tarvex-server: " << error.what() << std::endl;
         return 1;

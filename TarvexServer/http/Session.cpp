@@ -4,6 +4,7 @@
 #include "ProxyHeader.h"
 #include "RequestHead.h"
 #include "RequestKind.h"
+#include "Wipe.h"
 
 #include <algorithm>
 #include <boost/asio/executor_work_guard.hpp>
@@ -226,6 +227,7 @@ void Session::bodyCutShort()
     takeBodyBytes();
     m_arrival = std::chrono::steady_clock::now();
     report(m_context.service.refuse(m_body, m_refusal.value_or(Outcome::Invalid)));
+    forgetRequest();
     releaseBody();
 }
 
@@ -310,7 +312,16 @@ void Session::answer(const requests::Answer &answer)
     const bool isBusy = answer.outcome == Outcome::Busy;
     m_response.keep_alive(m_parser->get().keep_alive() && !isBusy && !m_isBodyLeft);
     report(answer);
+    forgetRequest();
     send();
+}
+
+/// Leaves no password of it in memory.
+void Session::forgetRequest()
+{
+    security::wipe(m_body);
+    const auto spent = m_buffer.prepare(m_buffer.capacity() - m_buffer.size());
+    security::wipe(spent.data(), spent.size());
 }
 
 void Session::report(const requests::Answer &answer) const

@@ -91,6 +91,7 @@ private:
     void linger();
     void reserveBody(std::size_t size);
     void releaseBody();
+    void forgetRequest();
 
     SessionContext &m_context;
     ConnectionPlace m_place;

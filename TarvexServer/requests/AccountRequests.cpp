@@ -2,9 +2,12 @@
 
 #include "Call.h"
 #include "Handlers.h"
+#include "Md5.h"
 #include "NewAccounts.h"
+#include "PasswordHash.h"
 #include "Sets.h"
 #include "SignUpAnswer.h"
+#include "Wipe.h"
 #include "WireText.h"
 
 #include <boost/regex.hpp>
@@ -49,23 +52,32 @@ std::optional<Answer> signUpFault(const wire::SignUpForm &form)
     return {};
 }
 
-std::optional<Answer> duplicateFault(store::Connection &connection, const wire::SignUpForm &form)
+std::optional<Answer> duplicateFault(store::Connection &connection, const wire::SignUpForm &form,
+                                     const security::KeyedHash &hash)
 {
-    for (const std::string &digest : loginDigests(form.email)) {
-        if (store::findCredentials(connection, digest))
+    for (const std::string &login : loginKeys(hash, form.email)) {
+        if (store::findCredentials(connection, login))
             return refusedSignUp("An account with this e-mail address already exists.");
     }
     return {};
 }
 
-Answer signUp(store::Connection &connection, const wire::SignUpForm &form, const std::string &passwordHash,
-              std::int64_t now)
+std::string newPasswordHash(const wire::SignUpForm &form)
 {
-    if (auto fault = duplicateFault(connection, form))
+    std::string digest = security::signInDigest(form.password);
+    std::string passwordHash = security::hashPassword(digest);
+    security::wipe(digest);
+    return passwordHash;
+}
+
+Answer signUp(store::Connection &connection, const wire::SignUpForm &form, const std::string &passwordHash,
+              const security::KeyedHash &hash, std::int64_t now)
+{
+    if (auto fault = duplicateFault(connection, form, hash))
         return *fault;
     const std::string name = wire::storableName(form.name).value_or("");
     const auto accountId =
-        store::createAccount(connection, newAccount(/*login=*/form.email, name, passwordHash, now));
+        store::createAccount(connection, newAccount(loginKeys(hash, form.email), name, passwordHash, now));
     store::createSet(connection, accountId.value(), "My wheel");
     return {.body = wire::signUpAccepted(), .format = Format::Json};
 }

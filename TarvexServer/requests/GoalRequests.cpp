@@ -159,7 +159,7 @@ std::string deleteSomeGoals(Call &call)
     std::sort(ids.begin(), ids.end());
     ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
     require(!ids.empty() && ids.size() <= maximumIds);
-    require(!call.refusedSaves.takeRefusal(call.saver, placesOf(call, ids)));
+    require(!call.refusedSaves.takeRefusal(call.connection, call.saver, placesOf(call, ids)));
     store::deleteGoals(call.connection, call.accountId, ids, call.now);
     return done();
 }

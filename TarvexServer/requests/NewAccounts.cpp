@@ -1,6 +1,8 @@
 #include "NewAccounts.h"
 
+#include "Installation.h"
 #include "Md5.h"
+#include "Wipe.h"
 
 #include <algorithm>
 
@@ -31,19 +33,23 @@ std::string asciiLowerCase(std::string_view text)
 
 } // namespace
 
-std::vector<std::string> loginDigests(std::string_view login)
+std::vector<std::string> loginKeys(const security::KeyedHash &hash, std::string_view login)
 {
-    std::vector<std::string> digests = {security::signInDigest(login)};
-    const std::string lower = security::signInDigest(asciiLowerCase(login));
-    if (lower != digests.front())
-        digests.push_back(lower);
-    return digests;
+    std::vector<std::string> keys;
+    for (std::string text : {std::string(login), asciiLowerCase(login)}) {
+        std::string digest = security::signInDigest(text);
+        if (std::string key = loginKey(hash, digest); keys.empty() || key != keys.front())
+            keys.push_back(std::move(key));
+        security::wipe(digest);
+        security::wipe(text);
+    }
+    return keys;
 }
 
-store::NewAccount newAccount(std::string_view login, const std::string &name, const std::string &passwordHash,
-                             std::int64_t now)
+store::NewAccount newAccount(std::vector<std::string> logins, const std::string &name,
+                             const std::string &passwordHash, std::int64_t now)
 {
-    return store::NewAccount{.loginDigests = loginDigests(login),
+    return store::NewAccount{.logins = std::move(logins),
                              .name = name,
                              .passwordHash = passwordHash,
                              .areas = startingAreas,

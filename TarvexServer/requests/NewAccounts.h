@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Accounts.h"
+#include "KeyedHash.h"
 
 #include <cstdint>
 #include <string>
@@ -9,12 +10,11 @@
 
 namespace tarvex::requests {
 
-/// The digests an account can be signed in to with: that of the login as typed and that of its lower-case
-/// form.
-std::vector<std::string> loginDigests(std::string_view login);
+/// What an account is found by: its login as typed and in lower case, under the hash of the installation.
+std::vector<std::string> loginKeys(const security::KeyedHash &hash, std::string_view login);
 
 /// An account as it begins: eight named areas of value 0. The first set comes separately.
-store::NewAccount newAccount(std::string_view login, const std::string &name, const std::string &passwordHash,
-                             std::int64_t now);
+store::NewAccount newAccount(std::vector<std::string> logins, const std::string &name,
+                             const std::string &passwordHash, std::int64_t now);
 
 } // namespace tarvex::requests

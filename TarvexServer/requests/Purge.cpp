@@ -1,6 +1,8 @@
 #include "Purge.h"
 
 #include "Deleted.h"
+#include "FailureCounts.h"
+#include "Incidents.h"
 
 namespace tarvex::requests {
 
@@ -49,6 +51,8 @@ void Purge::removeSome(store::Connection &connection)
     const std::int64_t before =
         store::movePurgeClock(connection, ran.count(), m_clocks.seconds()) - keptSeconds;
     m_lastStep += ran;
+    const std::int64_t now = m_clocks.seconds();
+    store::forgetIncidents(connection, now - security::FailureCounts::window.count(), now);
     std::int64_t removed = 0;
     for (int i = 0; i < accountsPerStep && removed < rowsPerStep; ++i) {
         m_account = store::nextWithDeleted(connection, m_account).value_or(0);

@@ -92,11 +92,11 @@ void fillAccount(store::Connection &connection, std::int64_t accountId)
 
 } // namespace
 
-bool createSampleAccount(store::Database &database)
+bool createSampleAccount(store::Database &database, const security::KeyedHash &hash)
 {
     const auto now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
-    const std::string hash = security::hashPassword(security::signInDigest(samplePassword));
-    store::NewAccount account = newAccount(sampleLogin, "Sample", hash, now);
+    const std::string password = security::hashPassword(security::signInDigest(samplePassword));
+    store::NewAccount account = newAccount(loginKeys(hash, sampleLogin), "Sample", password, now);
     for (std::size_t i = 0; i < areaValues.size(); ++i)
         account.areas[i].value = areaValues[i];
     bool isNew = false;

@@ -2,12 +2,13 @@
 
 #include "AccountRequests.h"
 #include "Call.h"
+#include "Installation.h"
 #include "Md5.h"
 #include "PasswordHash.h"
 #include "Quotas.h"
 #include "Records.h"
+#include "Wipe.h"
 
-#include <algorithm>
 #include <new>
 
 namespace tarvex::requests {
@@ -18,6 +19,14 @@ bool hasCredentials(const wire::Form &form)
 {
     return security::isSignInDigest(form.field(/*number=*/2).value_or("")) &&
            security::isSignInDigest(form.field(/*number=*/3).value_or(""));
+}
+
+constexpr std::string_view savingKind = "create-some-goals";
+
+/// Where the goals of a save belong, as far as that can be seen.
+std::optional<wire::GoalPlace> placeOf(const wire::Form &form)
+{
+    return wire::goalPlaceHint(form.field(/*number=*/4).value_or(""));
 }
 
 Answer failure(const RequestKind &kind, const std::exception_ptr &thrown)
@@ -44,9 +53,14 @@ Turn::Turn(Request request)
 {
 }
 
-Service::Service(store::Database &database, Clocks clocks)
-    : m_database(database), m_clocks(std::move(clocks)), m_limits(m_clocks.steady),
-      m_refusedSaves(m_clocks.steady), m_purge(database, m_clocks)
+Turn::~Turn()
+{
+    security::wipe(m_request.body);
+}
+
+Service::Service(store::Database &database, const security::KeyedHash &hash, Clocks clocks)
+    : m_database(database), m_clocks(std::move(clocks)), m_hash(hash), m_failures(database, m_clocks),
+      m_refusedSaves(database, m_clocks), m_purge(database, m_clocks)
 {
     security::matchesPassword(/*hash=*/"", /*digest=*/""); // the first one costs twice
 }
@@ -85,7 +99,7 @@ bool Service::isFormSound(Turn &turn)
         turn.m_signUp = wire::readSignUpForm(turn.m_request.body);
         turn.m_answer =
             turn.m_signUp ? signUpFault(*turn.m_signUp) : refusalOf(turn.m_kind, Outcome::Invalid);
-        if (!turn.m_answer && (isExhausted(turn) || m_limits.isExhausted(newAccountsKey(turn))))
+        if (!turn.m_answer && m_failures.isExhausted(limitedKeys(turn)))
             turn.m_answer = refusalOf(turn.m_kind, Outcome::TooManyAttempts);
     }
     return !turn.m_answer;
@@ -94,54 +108,50 @@ bool Service::isFormSound(Turn &turn)
 /// All of a request that reading can do. May be begun anew.
 void Service::look(Turn &turn, store::Connection &connection)
 {
-    if (turn.m_signUp) {
-        turn.m_answer = duplicateFault(connection, *turn.m_signUp);
-        return;
+    if (!turn.m_signUp) {
+        const std::string login = loginKey(m_hash, turn.login());
+        turn.m_credentials = store::findCredentials(connection, login).value_or(store::Credentials());
+        if (isVerified(turn)) {
+            if (turn.m_kind.access == Access::Read)
+                turn.m_answer = handled(turn, connection);
+            return;
+        }
     }
-    const std::string_view login = turn.m_form.field(/*number=*/2).value_or("");
-    turn.m_credentials = store::findCredentials(connection, login).value_or(store::Credentials());
-    if (turn.m_kind.access == Access::Read && isVerified(turn))
-        turn.m_answer = handled(turn, connection);
+    turn.m_isExhausted = m_failures.isExhausted(limitedKeys(turn), connection);
+    if (turn.m_signUp && !turn.m_isExhausted)
+        turn.m_answer = duplicateFault(connection, *turn.m_signUp, m_hash);
 }
 
 /// What comes next, after a look.
 void Service::decide(Turn &turn)
 {
     if (turn.m_signUp && turn.m_answer)
-        countFailure(turn); // it tells who has an account
+        m_failures.countFailure(limitedKeys(turn)); // it tells who has an account
     turn.m_step = Turn::Step::Answer;
     if (turn.m_answer)
         return;
     if (!turn.m_signUp && isVerified(turn))
         turn.m_step = Turn::Step::Write;
-    else if (!turn.m_signUp && isExhausted(turn))
+    else if (turn.m_isExhausted || m_failures.isExhausted(limitedKeys(turn)))
         turn.m_answer = refusalOf(turn.m_kind, Outcome::TooManyAttempts);
     else
         turn.m_step = Turn::Step::Hash;
 }
 
-/// What failures of the turn count against: the login, the address.
-std::vector<std::string> Service::limitedKeys(const Turn &turn) const
+/// Whom the turn counts against.
+Failures::Keys Service::limitedKeys(const Turn &turn) const
 {
-    std::vector<std::string> keys;
-    if (!turn.m_request.peer.empty())
-        keys.push_back(m_hash({"peer", turn.m_request.peer}));
+    const std::string &peer = turn.m_request.peer;
+    Failures::Keys keys;
+    if (!peer.empty())
+        keys.address = m_hash({"peer", peer});
     if (!turn.m_signUp)
-        keys.push_back(m_hash({"login", turn.m_form.field(/*number=*/2).value_or("")}));
+        keys.login = loginKey(m_hash, turn.login());
+    if (!turn.m_signUp && !peer.empty())
+        keys.loginThere = m_hash({"login", turn.login(), peer});
+    if (turn.m_signUp && !peer.empty())
+        keys.newAccounts = m_hash({"sign-up", peer});
     return keys;
-}
-
-bool Service::isExhausted(const Turn &turn)
-{
-    const std::vector<std::string> keys = limitedKeys(turn);
-    return std::any_of(keys.begin(), keys.end(),
-                       [&](const std::string &key) { return m_limits.isExhausted(key); });
-}
-
-void Service::countFailure(const Turn &turn)
-{
-    for (const std::string &key : limitedKeys(turn))
-        m_limits.countFailure(key);
 }
 
 bool Service::isVerified(const Turn &turn)
@@ -156,7 +166,7 @@ void Service::verify(Turn &turn)
         if (isOverdue(turn))
             turn.m_answer = refusalOf(turn.m_kind, Outcome::Busy);
         else if (turn.m_signUp)
-            turn.m_newPasswordHash = security::hashPassword(security::signInDigest(turn.m_signUp->password));
+            turn.m_newPasswordHash = newPasswordHash(*turn.m_signUp);
         else
             verifyPassword(turn);
     } catch (...) {
@@ -170,23 +180,32 @@ void Service::verifyPassword(Turn &turn)
 {
     if (isVerified(turn)) // since it began to wait
         return;
-    if (isExhausted(turn)) {
+    if (m_failures.isExhausted(limitedKeys(turn))) {
         turn.m_answer = refusalOf(turn.m_kind, Outcome::TooManyAttempts);
         return;
     }
     const std::string_view password = *turn.m_form.field(/*number=*/3);
     const store::Credentials &credentials = turn.m_credentials;
     if (!security::matchesPassword(credentials.passwordHash, password)) {
-        countFailure(turn);
+        m_failures.countFailure(limitedKeys(turn));
         turn.m_answer = refusalOf(turn.m_kind, Outcome::NotSignedIn);
         return;
     }
     m_verified.remember(credentials.accountId, credentials.version, password);
 }
 
-Answer Service::giveUp(const Turn &turn)
+Answer Service::giveUp(Turn &turn)
 {
-    return conclude(turn.m_kind, turn.m_form, refusalOf(turn.m_kind, Outcome::Busy));
+    turn.m_answer = refusalOf(turn.m_kind, Outcome::Busy);
+    return end(turn);
+}
+
+/// The answer of a turn that is over; by the time it is told, nothing of the request is in memory.
+Answer Service::end(Turn &turn)
+{
+    Answer answer = conclude(turn.m_kind, turn.m_form, std::move(*turn.m_answer));
+    security::wipe(turn.m_request.body);
+    return answer;
 }
 
 Answer Service::finish(Turn &turn)
@@ -210,7 +229,7 @@ Answer Service::finish(Turn &turn)
         }
         written(turn, failure);
     }
-    return conclude(turn.m_kind, turn.m_form, *turn.m_answer);
+    return end(turn);
 }
 
 void Service::finishLater(const std::shared_ptr<Turn> &turn, std::function<void(const Answer &)> done)
@@ -220,7 +239,7 @@ void Service::finishLater(const std::shared_ptr<Turn> &turn, std::function<void(
                      [this, turn, done = std::move(done)](const std::exception_ptr &failure) {
                          try {
                              written(*turn, failure);
-                             done(conclude(turn->m_kind, turn->m_form, *turn->m_answer));
+                             done(end(*turn));
                          } catch (const std::exception &) { // no memory; the sender has a time limit
                          }
                      });
@@ -249,7 +268,10 @@ Answer Service::handled(Turn &turn, store::Connection &connection)
               .saver = saver,
               .now = m_clocks.seconds()};
     try {
-        return {.body = turn.m_kind.handler(call), .format = turn.m_kind.format};
+        Answer answer{.body = turn.m_kind.handler(call), .format = turn.m_kind.format};
+        if (turn.m_kind.name == savingKind)
+            m_refusedSaves.accepted(connection, saver, placeOf(turn.m_form));
+        return answer;
     } catch (const RequestRefused &) {
         return refusalOf(turn.m_kind, Outcome::Invalid);
     } catch (const store::QuotaExceeded &) {
@@ -263,9 +285,9 @@ void Service::write(Turn &turn, store::Connection &connection)
         turn.m_answer = refusalOf(turn.m_kind, Outcome::Busy);
         return;
     }
-    turn.m_answer = turn.m_signUp
-                        ? signUp(connection, *turn.m_signUp, turn.m_newPasswordHash, m_clocks.seconds())
-                        : handled(turn, connection);
+    turn.m_answer =
+        turn.m_signUp ? signUp(connection, *turn.m_signUp, turn.m_newPasswordHash, m_hash, m_clocks.seconds())
+                      : handled(turn, connection);
     if (turn.m_answer->outcome != Outcome::Done)
         throw RequestRefused(); // so that nothing of it stays
 }
@@ -278,33 +300,24 @@ void Service::written(Turn &turn, const std::exception_ptr &failure)
         turn.m_answer = requests::failure(turn.m_kind, failure);
     if (!turn.m_signUp)
         return;
-    if (turn.m_answer->outcome != Outcome::Done)
-        countFailure(turn);
-    else if (!turn.m_request.peer.empty())
-        m_limits.countFailure(newAccountsKey(turn));
+    if (turn.m_answer->outcome == Outcome::Done)
+        m_failures.countNewAccount(limitedKeys(turn));
+    else if (turn.m_answer->outcome == Outcome::Invalid)
+        m_failures.countFailure(limitedKeys(turn));
 }
 
 Answer Service::conclude(const RequestKind &kind, const wire::Form &form, Answer answer)
 {
     const bool isRefusedForGood = answer.outcome == Outcome::NotSignedIn; // and so is the delete behind it
-    if (kind.name != "create-some-goals" || isRefusedForGood || !hasCredentials(form))
-        return answer;
-    const auto place = wire::goalPlaceHint(form.field(/*number=*/4).value_or(""));
-    if (answer.outcome != Outcome::Done)
-        m_refusedSaves.refused(saverOf(form), place);
-    else if (place)
-        m_refusedSaves.accepted(saverOf(form), *place);
+    if (kind.name == savingKind && answer.outcome != Outcome::Done && !isRefusedForGood &&
+        hasCredentials(form))
+        m_refusedSaves.refused(saverOf(form), placeOf(form));
     return answer;
 }
 
 bool Service::isOverdue(const Turn &turn) const
 {
     return m_clocks.steady() - turn.m_request.arrival > patience;
-}
-
-std::string Service::newAccountsKey(const Turn &turn) const
-{
-    return m_hash({"sign-up", turn.m_request.peer});
 }
 
 std::string Service::saverOf(const wire::Form &form) const

@@ -4,7 +4,7 @@
 #include "Answer.h"
 #include "Clocks.h"
 #include "Database.h"
-#include "FailureLimits.h"
+#include "Failures.h"
 #include "Form.h"
 #include "KeyedHash.h"
 #include "Purge.h"
@@ -18,7 +18,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace tarvex::requests {
 
@@ -35,6 +34,8 @@ class Turn
 {
 public:
     explicit Turn(Request request);
+    /// Leaves nothing of the request in memory.
+    ~Turn();
     Turn(const Turn &) = delete;
     Turn &operator=(const Turn &) = delete;
 
@@ -59,6 +60,7 @@ private:
     wire::Form m_form; // its views point into m_request
     std::optional<wire::SignUpForm> m_signUp;
     store::Credentials m_credentials;
+    bool m_isExhausted = false; // as the database knows it
     std::string m_newPasswordHash;
     std::optional<Answer> m_answer;
     Step m_step = Step::Answer;
@@ -75,7 +77,8 @@ public:
     /// How long a request may be on its way; one that took longer is refused instead of begun.
     static constexpr std::chrono::seconds patience{15};
 
-    explicit Service(store::Database &database, Clocks clocks = {});
+    /// The hash is that of the installation, see openInstallation().
+    Service(store::Database &database, const security::KeyedHash &hash, Clocks clocks = {});
 
     std::unique_ptr<Turn> begin(Request request);
     void verify(Turn &turn);
@@ -87,7 +90,7 @@ public:
     void keepHouse() { m_purge.step(); }
 
     /// Ends a turn that was begun and, for want of room, will be neither verified nor finished.
-    Answer giveUp(const Turn &turn);
+    Answer giveUp(Turn &turn);
 
     /// The answer to a request that will not be served, of which the body's beginning is enough. It counts as
     /// a refused save where it was one.
@@ -98,24 +101,22 @@ private:
     void look(Turn &turn, store::Connection &connection);
     void decide(Turn &turn);
     void readAll(Turn &turn);
-    std::vector<std::string> limitedKeys(const Turn &turn) const;
-    bool isExhausted(const Turn &turn);
-    void countFailure(const Turn &turn);
+    Failures::Keys limitedKeys(const Turn &turn) const;
     bool isVerified(const Turn &turn);
     void verifyPassword(Turn &turn);
     Answer handled(Turn &turn, store::Connection &connection);
     void write(Turn &turn, store::Connection &connection);
     void written(Turn &turn, const std::exception_ptr &failure);
+    Answer end(Turn &turn);
     Answer conclude(const RequestKind &kind, const wire::Form &form, Answer answer);
     bool isOverdue(const Turn &turn) const;
-    std::string newAccountsKey(const Turn &turn) const;
     std::string saverOf(const wire::Form &form) const;
 
     store::Database &m_database;
     Clocks m_clocks;
     security::KeyedHash m_hash;
     security::VerifiedCredentials m_verified;
-    security::FailureLimits m_limits;
+    Failures m_failures;
     RefusedSaves m_refusedSaves;
     Purge m_purge;
 };

@@ -14,14 +14,20 @@ KeyedHash::KeyedHash()
 
 std::string KeyedHash::operator()(std::initializer_list<std::string_view> parts) const
 {
-    std::string text;
-    for (const std::string_view part : parts)
-        text.append(std::to_string(part.size())).append(":").append(part);
-    std::array<unsigned char, crypto_generichash_BYTES> hash{};
+    crypto_generichash_state state;
     // The library takes unsigned bytes; a char may be read as one.
-    crypto_generichash(hash.data(), hash.size(), reinterpret_cast<const unsigned char *>(text.data()),
-                       text.size(), m_key.data(), m_key.size());
-    return {hash.begin(), hash.end()};
+    const auto add = [&](std::string_view text) {
+        crypto_generichash_update(&state, reinterpret_cast<const unsigned char *>(text.data()), text.size());
+    };
+    std::array<unsigned char, crypto_generichash_BYTES> hash{};
+    crypto_generichash_init(&state, m_key.data(), m_key.size(), hash.size());
+    for (const std::string_view part : parts) {
+        add(std::to_string(part.size()) + ":");
+        add(part);
+    }
+    crypto_generichash_final(&state, hash.data(), hash.size());
+    std::array<char, 2 * hash.size() + 1> digits{};
+    return sodium_bin2hex(digits.data(), digits.size(), hash.data(), hash.size());
 }
 
 } // namespace tarvex::security

@@ -1,25 +1,29 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
 #include <initializer_list>
 #include <string>
 #include <string_view>
 
 namespace tarvex::security {
 
-/// Turns secrets into keys that can be held in memory and compared: a hash under a random key that the
-/// process keeps for itself, so that neither can a caller steer it nor a reader of the memory turn it back.
+/// Turns secrets into keys that can be held and compared: a hash (BLAKE2b, RFC 7693) under a key of its own,
+/// so that neither can a caller steer it nor a reader of the memory or the database turn it back.
 class KeyedHash
 {
 public:
-    KeyedHash();
+    using Key = std::array<unsigned char, 32>;
 
-    /// The hash of the parts, which also depends on where one ends and the next begins.
+    /// Under a random key that nobody else has.
+    KeyedHash();
+    explicit KeyedHash(const Key &key) : m_key(key) {}
+
+    /// The hash of the parts, which also depends on where one ends and the next begins; in hexadecimal
+    /// digits.
     std::string operator()(std::initializer_list<std::string_view> parts) const;
 
 private:
-    std::array<unsigned char, 32> m_key{};
+    Key m_key{};
 };
 
 } // namespace tarvex::security

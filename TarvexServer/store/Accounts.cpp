@@ -24,13 +24,13 @@ void insertAreas(Connection &connection, std::int64_t accountId, const std::vect
 
 } // namespace
 
-std::optional<Credentials> findCredentials(Connection &connection, std::string_view loginDigest)
+std::optional<Credentials> findCredentials(Connection &connection, std::string_view login)
 {
     Rows found =
         connection.rows("SELECT account.account_id, account.version, account.password_hash FROM login"
                         " JOIN account ON account.account_id = login.account_id"
                         " WHERE login.login_digest = $1",
-                        loginDigest);
+                        login);
     if (!found.next())
         return {};
     return Credentials{
@@ -39,7 +39,7 @@ std::optional<Credentials> findCredentials(Connection &connection, std::string_v
 
 std::optional<std::int64_t> createAccount(Connection &connection, const NewAccount &account)
 {
-    for (const std::string &digest : account.loginDigests) {
+    for (const std::string &digest : account.logins) {
         if (findCredentials(connection, digest))
             return {};
     }
@@ -48,7 +48,7 @@ std::optional<std::int64_t> createAccount(Connection &connection, const NewAccou
                       " (account_id, name, password_hash, version, next_set_id, next_goal_id, created_at)"
                       " VALUES ($1, $2, $3, 1, 1, 1, $4)",
                       accountId, account.name, account.passwordHash, account.createdAt);
-    for (const std::string &digest : account.loginDigests)
+    for (const std::string &digest : account.logins)
         connection.change("INSERT INTO login (login_digest, account_id) VALUES ($1, $2)", digest, accountId);
     insertAreas(connection, accountId, account.areas);
     return accountId;

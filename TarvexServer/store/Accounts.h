@@ -28,14 +28,14 @@ struct NewArea
 
 struct NewAccount
 {
-    std::vector<std::string> loginDigests; ///< every digest the account can sign in with, without doubles
+    std::vector<std::string> logins; ///< all that the account is found by, without doubles
     std::string name;
     std::string passwordHash;
     std::vector<NewArea> areas; ///< get the ids 1, 2 ... in this order
     std::int64_t createdAt = 0; ///< seconds since 1970
 };
 
-std::optional<Credentials> findCredentials(Connection &connection, std::string_view loginDigest);
+std::optional<Credentials> findCredentials(Connection &connection, std::string_view login);
 
 /// The new account's id, or nothing if one of its logins is taken.
 std::optional<std::int64_t> createAccount(Connection &connection, const NewAccount &account);

@@ -131,9 +131,9 @@ struct Database::Sessions
     Readers readers;
 };
 
-Database::Database(const std::string &url) : m_sessions(std::make_unique<Sessions>())
+Database::Database(const std::string &url) : m_file(sqliteFile(url)), m_sessions(std::make_unique<Sessions>())
 {
-    const std::filesystem::path file = sqliteFile(url);
+    const std::filesystem::path &file = m_file;
     createFile(file);
     try {
         const FolderLock alone(std::filesystem::absolute(file).parent_path());

@@ -4,6 +4,7 @@
 #include "StoreError.h"
 
 #include <exception>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -42,8 +43,12 @@ public:
     /// The same without waiting; `written` is told on another thread, with what was thrown if anything was.
     void write(Work work, Written written);
 
+    /// The file it is in.
+    const std::filesystem::path &file() const { return m_file; }
+
 private:
     struct Sessions;
+    std::filesystem::path m_file;
     std::unique_ptr<Sessions> m_sessions;
 };
 

@@ -5,6 +5,7 @@
 #include "ServerProcess.h"
 #include "SqliteConnection.h"
 
+#include <boost/regex.hpp>
 #include <csignal>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -119,6 +120,39 @@ TEST(Binary, SaysThatTheDiskIsFullAndServesOn)
     const auto [exitCode, log] = server.ended();
     EXPECT_EQ(exitCode, 0);
     EXPECT_NE(log.find("database or disk is full"), std::string::npos) << log;
+}
+
+TEST(Binary, LeavesNoPasswordBehind)
+{
+    const TemporaryFolder folder;
+    std::ofstream(folder.path() / "cores.sh") << "ulimit -c unlimited; exec \"$@\"";
+    ServerProcess server(folder, serveHere, "/bin/sh cores.sh ");
+    RawClient client(server.port());
+    client.post("p1=create-new-user&p2=somebody@example.org&p3=Unlikely-4711-words&p4=Newcomer&type=json");
+    client.post("p1=x");
+    const std::string process = "/proc/" + std::to_string(server.child.id());
+    std::ifstream maps(process + "/maps");
+    std::ifstream memory(process + "/mem", std::ios::binary);
+    if (!memory || !maps)
+        GTEST_SKIP() << "nobody but root may look";
+    std::size_t seen = 0;
+    for (std::string line; std::getline(maps, line);) {
+        boost::smatch range;
+        if (!boost::regex_search(line, range, boost::regex("^([0-9a-f]+)-([0-9a-f]+) rw")))
+            continue;
+        const auto begin = std::stoull(range[1], nullptr, 16);
+        std::string bytes(std::min(std::stoull(range[2], nullptr, 16) - begin, 1ULL << 30U), '\0');
+        memory.clear();
+        memory.seekg(static_cast<std::streamoff>(begin));
+        memory.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        seen += static_cast<std::size_t>(memory.gcount());
+        EXPECT_EQ(bytes.find("Unlikely-4711-words"), std::string::npos) << line;
+        EXPECT_EQ(bytes.find("somebody@example.org"), std::string::npos) << line;
+    }
+    EXPECT_GT(seen, 100'000U);
+    ::kill(server.child.id(), SIGQUIT);
+    server.child.wait();
+    EXPECT_FALSE(WCOREDUMP(server.child.native_exit_code()));
 }
 
 TEST(Binary, ListensToThisMachineAloneUnlessToldOtherwise)

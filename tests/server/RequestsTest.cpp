@@ -1,3 +1,5 @@
+#include "Installation.h"
+#include "NewAccounts.h"
 #include "SampleAccount.h"
 #include "SampleRows.h"
 #include "ServiceFixture.h"
@@ -31,14 +33,19 @@ protected:
         const std::string how = request.substr(0, colon == std::string::npos ? 0 : colon + 2);
         const std::string rest = request.substr(how.size());
         if (how == "busy: ")
-            return m_service.refuse(rest, Outcome::Busy).body;
+            return m_service->refuse(rest, Outcome::Busy).body;
         if (how == "too large: ")
-            return m_service.refuse(rest, Outcome::TooLarge).body;
+            return m_service->refuse(rest, Outcome::TooLarge).body;
         if (how.starts_with("from "))
             return answerTo(rest, how).body;
+        if (how == "another process: ") {
+            m_service = newService();
+            return post(rest);
+        }
         if (how != "seconds pass: ")
             return post(request);
         m_now += std::chrono::seconds(std::stoi(rest));
+        m_seconds += std::stoi(rest);
         return "";
     }
 
@@ -87,11 +94,11 @@ TEST_P(Conversation, GoesAsWritten)
 
 TEST_F(Requests, ARequestThatWaitedTooLongIsNotBegun)
 {
-    auto turn = m_service.begin({.body = asAnna("create-sets", "&p4=late"), .peer = "", .arrival = m_now});
+    auto turn = m_service->begin({.body = asAnna("create-sets", "&p4=late"), .peer = "", .arrival = m_now});
     ASSERT_EQ(turn->step(), requests::Turn::Step::Hash);
-    m_service.verify(*turn);
+    m_service->verify(*turn);
     m_now += requests::Service::patience + std::chrono::seconds(1);
-    EXPECT_EQ(m_service.finish(*turn).outcome, Outcome::Busy);
+    EXPECT_EQ(m_service->finish(*turn).outcome, Outcome::Busy);
     EXPECT_EQ(column(postAsAnna("get-sets"), "id"), "[1]");
 }
 
@@ -101,17 +108,32 @@ TEST_F(Requests, OnlyFailuresCountHoweverManySignInAtOnce)
         std::vector<std::unique_ptr<requests::Turn>> turns;
         turns.reserve(40);
         for (int i = 0; i < 40; ++i)
-            turns.push_back(m_service.begin({.body = "p1=sign-in" + credentials(m_login, password),
-                                             .peer = "192.0.2.1",
-                                             .arrival = m_now}));
+            turns.push_back(m_service->begin({.body = "p1=sign-in" + credentials(m_login, password),
+                                              .peer = "192.0.2.1",
+                                              .arrival = m_now}));
         int checked = 0;
         for (const auto &turn : turns) {
-            m_service.verify(*turn);
-            checked += m_service.finish(*turn).outcome == Outcome::TooManyAttempts ? 0 : 1;
+            m_service->verify(*turn);
+            checked += m_service->finish(*turn).outcome == Outcome::TooManyAttempts ? 0 : 1;
         }
         EXPECT_EQ(checked, expected);
         m_now += std::chrono::seconds(60);
+        m_seconds += 60;
     }
+}
+
+TEST_F(Requests, StrangersDoNotLockAnOwnerOut)
+{
+    const auto signIn = [&](const std::string &password, const std::string &peer) {
+        return answerTo("p1=sign-in" + credentials(m_login, password), peer).outcome;
+    };
+    for (int i = 0; i < 99; ++i)
+        EXPECT_EQ(signIn("wrong", std::to_string(i)), Outcome::NotSignedIn);
+    EXPECT_EQ(signIn(m_password, "0"), Outcome::TooManyAttempts);
+    EXPECT_EQ(signIn(m_password, "her own"), Outcome::Done);
+    EXPECT_EQ(signIn("wrong", "another"), Outcome::NotSignedIn);
+    m_service = newService();
+    EXPECT_EQ(signIn(m_password, "her own"), Outcome::TooManyAttempts);
 }
 
 TEST_F(Requests, NobodyCanMakeItForgetTheRefusedSaveOfAnother)
@@ -119,7 +141,7 @@ TEST_F(Requests, NobodyCanMakeItForgetTheRefusedSaveOfAnother)
     postAsAnna("create-some-goals", "&p4=" + goal("kept"));
     postAsAnna("create-some-goals", "&p4=broken");
     for (int i = 0; i <= 10'000; ++i)
-        m_service.refuse("p1=create-some-goals" + credentials(std::to_string(i), "x"), Outcome::Busy);
+        m_service->refuse("p1=create-some-goals" + credentials(std::to_string(i), "x"), Outcome::Busy);
     EXPECT_EQ(postAsAnna("delete-some-goals", "&p4=1;"), "Error");
 }
 
@@ -130,7 +152,7 @@ TEST_F(Requests, WhatWasDeletedIsGoneAfterThirtyDaysOfRunning)
     const auto goalsAfter = [&](int days) {
         m_now += std::chrono::hours(24 * days);
         m_seconds += 24LL * 60 * 60 * days;
-        m_service.keepHouse();
+        m_service->keepHouse();
         std::int64_t count = -1;
         m_database.write([&](store::Connection &connection) {
             store::Rows rows = connection.rows("SELECT COUNT(*) FROM goal");
@@ -156,8 +178,8 @@ TEST_F(Requests, AnAccountHoldsNoMoreThanItMay)
     EXPECT_EQ(postAsAnna("create-some-goals", "&p4=" + goal("z")), "Error");
     EXPECT_EQ(postAsAnna("delete-sets", "&p4=1"), "OK");
     EXPECT_EQ(postAsAnna("create-sets", "&p4=x"), "OK");
-    m_database.write([](store::Connection &connection) {
-        const auto account = store::findCredentials(connection, security::signInDigest("anna@example.org"));
+    m_database.write([&](store::Connection &connection) {
+        const auto account = store::findCredentials(connection, requests::loginKeys(m_hash, m_login).back());
         for (int i = 0; i < 499; ++i)
             store::createSet(connection, account.value().accountId, "x");
     });
@@ -171,10 +193,36 @@ TEST_F(Requests, AnAccountHoldsNoMoreThanItMay)
     EXPECT_EQ(saved - 1, 16 * 1024 * 1024 / (50 * 60'000));
 }
 
+TEST(Installation, FindsAccountsFromBeforeItHadASecretAndTakesNoOther)
+{
+    const TemporaryFolder folder;
+    store::Database database(folder.databaseUrl());
+    const std::string digest = security::signInDigest("anna@example.org");
+    const auto isFound = [&](const std::string &login) {
+        std::optional<store::Credentials> found;
+        database.read([&](store::Connection &connection) { found = findCredentials(connection, login); });
+        return found.has_value();
+    };
+    database.write([&](store::Connection &connection) {
+        store::createAccount(connection, requests::newAccount({digest}, "Anna", "hash", /*now=*/0));
+    });
+    for (int start = 0; start < 2; ++start) {
+        const auto hash = requests::openInstallation(database, folder.path() / "secret");
+        EXPECT_TRUE(isFound(requests::loginKey(hash, digest)));
+    }
+    EXPECT_FALSE(isFound(digest));
+    EXPECT_EQ(std::filesystem::status(folder.path() / "secret").permissions(), std::filesystem::perms(0600));
+    EXPECT_THROW(requests::openInstallation(database, folder.path() / "lost"), store::CannotOpen);
+    std::ofstream(folder.path() / "other") << std::string(64, '0');
+    EXPECT_THROW(requests::openInstallation(database, folder.path() / "other"), store::CannotOpen);
+    std::ofstream(folder.path() / "damaged") << std::string(63, '0');
+    EXPECT_THROW(requests::openInstallation(database, folder.path() / "damaged"), std::runtime_error);
+}
+
 TEST_F(Requests, TheSampleAccountIsMadeOnceAndShowsAWheel)
 {
-    EXPECT_TRUE(requests::createSampleAccount(m_database));
-    EXPECT_FALSE(requests::createSampleAccount(m_database));
+    EXPECT_TRUE(requests::createSampleAccount(m_database, m_hash));
+    EXPECT_FALSE(requests::createSampleAccount(m_database, m_hash));
     converse("sample-account.txt");
 }
 

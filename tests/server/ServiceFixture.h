@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Database.h"
+#include "Installation.h"
 #include "Md5.h"
 #include "Service.h"
 #include "TemporaryFolder.h"
@@ -16,10 +17,18 @@ protected:
 
     tarvex::requests::Answer answerTo(const std::string &body, const std::string &peer = "")
     {
-        const auto turn = m_service.begin({.body = body, .peer = peer, .arrival = m_now});
+        const auto turn = m_service->begin({.body = body, .peer = peer, .arrival = m_now});
         if (turn->step() == tarvex::requests::Turn::Step::Hash)
-            m_service.verify(*turn);
-        return m_service.finish(*turn);
+            m_service->verify(*turn);
+        return m_service->finish(*turn);
+    }
+    /// One that knows of no other, but has the same database.
+    std::unique_ptr<tarvex::requests::Service> newService()
+    {
+        const tarvex::requests::Clocks clocks = {.steady = [this] { return m_now; },
+                                                 .seconds = [this] { return m_seconds; }};
+        m_database.write([](tarvex::store::Connection &) {}); // what still waits is written now
+        return std::make_unique<tarvex::requests::Service>(m_database, m_hash, clocks);
     }
     std::string post(const std::string &body) { return answerTo(body).body; }
 
@@ -72,6 +81,7 @@ protected:
     std::int64_t m_seconds = 1'000'000;
     TemporaryFolder m_folder;
     tarvex::store::Database m_database{m_folder.databaseUrl()};
-    tarvex::requests::Service m_service{
-        m_database, {.steady = [this] { return m_now; }, .seconds = [this] { return m_seconds; }}};
+    const tarvex::security::KeyedHash m_hash =
+        tarvex::requests::openInstallation(m_database, m_folder.path() / "secret");
+    std::unique_ptr<tarvex::requests::Service> m_service = newService();
 };

@@ -22,7 +22,7 @@ protected:
     StoreTest()
     {
         m_database.write([&](Connection &connection) {
-            const NewAccount anna = {.loginDigests = {"A"},
+            const NewAccount anna = {.logins = {"A"},
                                      .name = "Anna",
                                      .passwordHash = "hash",
                                      .areas = {{.name = "Health", .color = "#1", .value = 6}}};

@@ -1,0 +1,31 @@
+#include "Installation.h"
+
+#include "InstallationKey.h"
+#include "Logins.h"
+
+namespace tarvex::requests {
+
+security::KeyedHash openInstallation(store::Database &database, const std::filesystem::path &secretFile)
+{
+    bool isKeyed = false;
+    database.read([&](store::Connection &connection) { isKeyed = store::areLoginsKeyed(connection); });
+    if (isKeyed && !std::filesystem::exists(secretFile))
+        throw store::CannotOpen("The secret of the database, " + secretFile.string() +
+                                ", is missing; without it nobody can sign in.");
+    const security::KeyedHash hash(security::installationKey(secretFile));
+    bool isOurs = false;
+    database.write([&](store::Connection &connection) {
+        isOurs = store::keyLogins(connection, hash({"proof"}),
+                                  [&](std::string_view digest) { return loginKey(hash, digest); });
+    });
+    if (!isOurs)
+        throw store::CannotOpen("The secret " + secretFile.string() + " is that of another database.");
+    return hash;
+}
+
+std::string loginKey(const security::KeyedHash &hash, std::string_view digest)
+{
+    return hash({"login", digest});
+}
+
+} // namespace tarvex::requests
