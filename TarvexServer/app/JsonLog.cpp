@@ -1,19 +1,25 @@
 #include "JsonLog.h"
 
+#include <algorithm>
 #include <boost/json.hpp>
+#include <cerrno>
 #include <chrono>
+#include <condition_variable>
 #include <cstdlib>
-#include <future>
-#include <spdlog/async.h>
-#include <spdlog/sinks/stdout_sinks.h>
+#include <mutex>
+#include <spdlog/pattern_formatter.h>
+#include <spdlog/sinks/sink.h>
 #include <spdlog/spdlog.h>
-#include <thread>
+#include <string_view>
+#include <unistd.h>
+#include <utility>
 
 namespace tarvex::app {
 
 namespace {
 
-constexpr std::size_t waitingLines = 4096; // beyond these the oldest are lost
+constexpr std::size_t largestWaiting = 1024UL * 1024; // bytes; what would be more is lost
+constexpr std::chrono::milliseconds betweenWrites{100};
 constexpr std::chrono::seconds endTime{2};
 
 const char *nameOf(requests::Outcome outcome)
@@ -45,24 +51,71 @@ void log(spdlog::level::level_enum level, const boost::json::object &fields)
 
 } // namespace
 
-Log::Log()
+/// Lines that wait to be written, all at once: a line by itself costs more than the request it tells of.
+class Log::Lines : public spdlog::sinks::sink
 {
-    spdlog::init_thread_pool(waitingLines, /*threads_n=*/1);
-    auto logger = spdlog::create_async_nb<spdlog::sinks::stderr_sink_mt>("tarvex-server");
+public:
+    void log(const spdlog::details::log_msg &message) override
+    {
+        spdlog::memory_buf_t line;
+        const std::lock_guard lock(m_mutex);
+        m_formatter->format(message, line);
+        if (m_waiting.size() + line.size() <= largestWaiting)
+            m_waiting.append(line.data(), line.size());
+    }
+    void flush() override
+    {
+        std::string lines;
+        {
+            const std::lock_guard lock(m_mutex);
+            lines.swap(m_waiting);
+        }
+        for (std::string_view rest = lines; !rest.empty();) {
+            const ssize_t written = ::write(STDERR_FILENO, rest.data(), rest.size());
+            if (written < 0 && errno != EINTR)
+                return; // nobody reads any more
+            rest.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
+        }
+    }
+    void set_pattern(const std::string &pattern) override
+    {
+        set_formatter(std::make_unique<spdlog::pattern_formatter>(pattern));
+    }
+    void set_formatter(std::unique_ptr<spdlog::formatter> formatter) override
+    {
+        m_formatter = std::move(formatter);
+    }
+
+private:
+    std::mutex m_mutex;
+    std::unique_ptr<spdlog::formatter> m_formatter;
+    std::string m_waiting;
+};
+
+Log::Log() : m_lines(std::make_shared<Lines>()), m_writer([this](const std::stop_token &stop) { run(stop); })
+{
+    auto logger = std::make_shared<spdlog::logger>("tarvex-server", m_lines);
     logger->set_pattern(R"({"time":"%Y-%m-%dT%H:%M:%S.%e%z","level":"%l",%v})");
     spdlog::set_default_logger(logger);
 }
 
 Log::~Log()
 {
-    std::promise<void> written;
-    auto isWritten = written.get_future();
-    std::thread([written = std::move(written)]() mutable {
-        spdlog::shutdown();
-        written.set_value();
-    }).detach();
-    if (isWritten.wait_for(endTime) != std::future_status::ready)
+    m_writer.request_stop();
+    if (m_isWritten.get_future().wait_for(endTime) != std::future_status::ready)
         std::_Exit(EXIT_SUCCESS); // nobody reads the rest, and the thread that writes it cannot be woken
+}
+
+void Log::run(const std::stop_token &stop)
+{
+    std::mutex mutex;
+    std::unique_lock lock(mutex);
+    std::condition_variable_any isEnd;
+    while (!stop.stop_requested()) {
+        isEnd.wait_for(lock, stop, betweenWrites, [] { return false; });
+        m_lines->flush();
+    }
+    m_isWritten.set_value();
 }
 
 void logEvent(const std::string &event)

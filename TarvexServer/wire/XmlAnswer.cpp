@@ -21,14 +21,23 @@ std::string XmlAnswer::finish()
 
 void XmlAnswer::appendText(std::string_view text)
 {
-    while (!text.empty()) {
+    const auto isSpecial = [this](char character) {
+        return character == '&' || character == '<' || character == '>' || character == '\r' ||
+               (m_encoding == Encoding::Ascii && static_cast<unsigned char>(character) > 0x7F);
+    };
+    for (;;) {
+        const auto special = std::find_if(text.begin(), text.end(), isSpecial);
+        m_document.append(text.begin(), special);
+        text.remove_prefix(static_cast<std::size_t>(special - text.begin()));
+        if (text.empty())
+            return;
         const std::size_t length = std::max<std::size_t>(utf8SequenceLength(text), 1);
-        appendCharacter(text.substr(0, length));
+        appendSpecial(text.substr(0, length));
         text.remove_prefix(length);
     }
 }
 
-void XmlAnswer::appendCharacter(std::string_view character)
+void XmlAnswer::appendSpecial(std::string_view character)
 {
     if (character == "&")
         m_document += "&amp;";
@@ -38,10 +47,8 @@ void XmlAnswer::appendCharacter(std::string_view character)
         m_document += "&gt;";
     else if (character == "\r") // a bare one would be read back as a line feed
         m_document += "&#13;";
-    else if (character.size() > 1 && m_encoding == Encoding::Ascii)
-        m_document += "&#" + std::to_string(static_cast<std::uint32_t>(codePoint(character))) + ";";
     else
-        m_document += character;
+        m_document += "&#" + std::to_string(static_cast<std::uint32_t>(codePoint(character))) + ";";
 }
 
 } // namespace tarvex::wire

@@ -31,7 +31,7 @@ public:
 
 private:
     void appendText(std::string_view text);
-    void appendCharacter(std::string_view character);
+    void appendSpecial(std::string_view character);
 
     std::string m_document = R"(<?xml version="1.0" encoding="UTF-8"?><answer>)";
     Encoding m_encoding;
