@@ -3,6 +3,7 @@
 #include "Answer.h"
 #include "Connection.h"
 #include "SignUpForm.h"
+#include "SignUpRules.h"
 
 #include <cstdint>
 #include <optional>
@@ -10,14 +11,18 @@
 
 namespace tarvex::requests {
 
+/// Reads a sign-up. By invitation the code is taken from the name that it was typed behind.
+std::optional<wire::SignUpForm> readSignUp(std::string_view body, const SignUpRules &rules);
+
 /// What is wrong with a sign-up as far as its texts tell, as the answer to it; nothing if they are in order.
-std::optional<Answer> signUpFault(const wire::SignUpForm &form);
+std::optional<Answer> signUpFault(const wire::SignUpForm &form, const SignUpRules &rules);
 
-/// Makes the account with its areas and its one set, or refuses because the e-mail address has one already.
-Answer signUp(store::Connection &connection, const wire::SignUpForm &form, const std::string &passwordHash,
-              std::int64_t now);
+/// The refusal for a code that invites nobody or an e-mail address that has an account already, or nothing.
+std::optional<Answer> accountFault(store::Connection &connection, const wire::SignUpForm &form,
+                                   const SignUpRules &rules, std::int64_t now);
 
-/// The refusal for an e-mail address that has an account already, or nothing.
-std::optional<Answer> duplicateFault(store::Connection &connection, const wire::SignUpForm &form);
+/// Makes the account with its areas and its one set and uses its invitation up, or refuses like the above.
+Answer signUp(store::Connection &connection, const wire::SignUpForm &form, const SignUpRules &rules,
+              const std::string &passwordHash, std::int64_t now);
 
 } // namespace tarvex::requests

@@ -1,6 +1,7 @@
 #include "Purge.h"
 
 #include "Deleted.h"
+#include "Invitations.h"
 
 namespace tarvex::requests {
 
@@ -49,6 +50,7 @@ void Purge::removeSome(store::Connection &connection)
     const std::int64_t before =
         store::movePurgeClock(connection, ran.count(), m_clocks.seconds()) - keptSeconds;
     m_lastStep += ran;
+    store::purgeInvitations(connection, before);
     std::int64_t removed = 0;
     for (int i = 0; i < accountsPerStep && removed < rowsPerStep; ++i) {
         m_account = store::nextWithDeleted(connection, m_account).value_or(0);

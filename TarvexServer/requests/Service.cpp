@@ -44,9 +44,9 @@ Turn::Turn(Request request)
 {
 }
 
-Service::Service(store::Database &database, Clocks clocks)
-    : m_database(database), m_clocks(std::move(clocks)), m_limits(m_clocks.steady),
-      m_refusedSaves(m_clocks.steady), m_purge(database, m_clocks)
+Service::Service(store::Database &database, Clocks clocks, SignUpRules signUpRules)
+    : m_database(database), m_clocks(std::move(clocks)), m_signUpRules(signUpRules),
+      m_limits(m_clocks.steady), m_refusedSaves(m_clocks.steady), m_purge(database, m_clocks)
 {
     security::matchesPassword(/*hash=*/"", /*digest=*/""); // the first one costs twice
 }
@@ -82,9 +82,9 @@ bool Service::isFormSound(Turn &turn)
         if (!hasCredentials(turn.m_form))
             turn.m_answer = refusalOf(turn.m_kind, Outcome::NotSignedIn);
     } else {
-        turn.m_signUp = wire::readSignUpForm(turn.m_request.body);
-        turn.m_answer =
-            turn.m_signUp ? signUpFault(*turn.m_signUp) : refusalOf(turn.m_kind, Outcome::Invalid);
+        turn.m_signUp = readSignUp(turn.m_request.body, m_signUpRules);
+        turn.m_answer = turn.m_signUp ? signUpFault(*turn.m_signUp, m_signUpRules)
+                                      : refusalOf(turn.m_kind, Outcome::Invalid);
         if (!turn.m_answer && (isExhausted(turn) || m_limits.isExhausted(newAccountsKey(turn))))
             turn.m_answer = refusalOf(turn.m_kind, Outcome::TooManyAttempts);
     }
@@ -95,7 +95,7 @@ bool Service::isFormSound(Turn &turn)
 void Service::look(Turn &turn, store::Connection &connection)
 {
     if (turn.m_signUp) {
-        turn.m_answer = duplicateFault(connection, *turn.m_signUp);
+        turn.m_answer = accountFault(connection, *turn.m_signUp, m_signUpRules, m_clocks.seconds());
         return;
     }
     const std::string_view login = turn.m_form.field(/*number=*/2).value_or("");
@@ -263,9 +263,9 @@ void Service::write(Turn &turn, store::Connection &connection)
         turn.m_answer = refusalOf(turn.m_kind, Outcome::Busy);
         return;
     }
-    turn.m_answer = turn.m_signUp
-                        ? signUp(connection, *turn.m_signUp, turn.m_newPasswordHash, m_clocks.seconds())
-                        : handled(turn, connection);
+    turn.m_answer = turn.m_signUp ? signUp(connection, *turn.m_signUp, m_signUpRules, turn.m_newPasswordHash,
+                                           m_clocks.seconds())
+                                  : handled(turn, connection);
     if (turn.m_answer->outcome != Outcome::Done)
         throw RequestRefused(); // so that nothing of it stays
 }

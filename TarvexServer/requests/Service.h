@@ -11,6 +11,7 @@
 #include "RefusedSaves.h"
 #include "RequestKind.h"
 #include "SignUpForm.h"
+#include "SignUpRules.h"
 #include "VerifiedCredentials.h"
 
 #include <exception>
@@ -75,7 +76,7 @@ public:
     /// How long a request may be on its way; one that took longer is refused instead of begun.
     static constexpr std::chrono::seconds patience{15};
 
-    explicit Service(store::Database &database, Clocks clocks = {});
+    explicit Service(store::Database &database, Clocks clocks = {}, SignUpRules signUpRules = {});
 
     std::unique_ptr<Turn> begin(Request request);
     void verify(Turn &turn);
@@ -113,6 +114,7 @@ private:
 
     store::Database &m_database;
     Clocks m_clocks;
+    SignUpRules m_signUpRules;
     security::KeyedHash m_hash;
     security::VerifiedCredentials m_verified;
     security::FailureLimits m_limits;

@@ -56,6 +56,26 @@ TEST(Binary, ServesTheSampleAccountUntilItIsTold)
         EXPECT_EQ(log.find(secret), std::string::npos) << secret;
 }
 
+TEST(Binary, PrintsInvitationsThatSigningUpMayNeed)
+{
+    const TemporaryFolder folder;
+    ServerProcess invite(folder, "invite --count 2 --database sqlite:wheel.db");
+    const std::vector<std::string> codes = {invite.line(), invite.line(), invite.line()};
+    EXPECT_EQ(codes[2], "");
+    EXPECT_EQ(invite.ended(), std::pair(0, std::string()));
+    ServerProcess server(folder, serveHere + " --sign-up invitation");
+    RawClient client(server.port());
+    const auto signUp = [&client](const std::string &name) {
+        return client.post("p1=create-new-user&p2=" + name.substr(0, 1) + "@example.org&p3=b&p4=" + name +
+                           "&type=json");
+    };
+    for (const std::string &name : {"A " + codes[0], "B " + codes[1]})
+        EXPECT_EQ(signUp(name).body(), R"({"result":"OK"})");
+    EXPECT_NE(signUp("C").body(), R"({"result":"OK"})");
+    ::kill(server.child.id(), SIGTERM);
+    EXPECT_EQ(server.ended().first, 0);
+}
+
 TEST(Binary, StartsSeveralTimesAtOnceOnANewDatabase)
 {
     const TemporaryFolder folder;

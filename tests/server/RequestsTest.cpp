@@ -1,3 +1,4 @@
+#include "NewInvitations.h"
 #include "SampleAccount.h"
 #include "SampleRows.h"
 #include "ServiceFixture.h"
@@ -19,7 +20,8 @@ protected:
     }
 
     /// Makes the request, in which names in braces stand for credentials, and returns its answer. It may come
-    /// to a service that is busy or takes it for too large, or from somewhere; time may pass instead.
+    /// to a service that is busy or takes it for too large, or from somewhere; time may pass instead, or the
+    /// service get other rules for signing up.
     std::string step(std::string request)
     {
         for (const auto &[name, credentials] : m_people)
@@ -36,9 +38,14 @@ protected:
             return m_service.refuse(rest, Outcome::TooLarge).body;
         if (how.starts_with("from "))
             return answerTo(rest, how).body;
-        if (how != "seconds pass: ")
+        if (how == "seconds pass: ") {
+            m_now += std::chrono::seconds(std::stoi(rest));
+            m_seconds += std::stoi(rest);
+        } else if (how == "sign-up: ") {
+            serveWith(m_signUpRules.at(rest));
+        } else {
             return post(request);
-        m_now += std::chrono::seconds(std::stoi(rest));
+        }
         return "";
     }
 
@@ -52,6 +59,8 @@ protected:
         return elements.empty() ? answer : texts;
     }
 
+    const std::vector<std::string> m_codes =
+        requests::createInvitations(m_database, /*count=*/3, /*expiresAt=*/m_seconds + 100);
     const std::map<std::string, std::string> m_people = {
         {"anna", credentials(m_login, m_password)},
         {"anna in lower case", credentials("anna@example.org", m_password)},
@@ -60,6 +69,13 @@ protected:
         {"guess", credentials(m_login, "wrong")},
         {"nobody", credentials("nobody@example.org", "wrong")},
         {"sample", credentials("sample@example.org", "wheel of life")},
+        {"code", m_codes[0]},
+        {"typed code", boost::to_lower_copy(boost::replace_all_copy(m_codes[1], "-", " "))},
+        {"late code", m_codes[2]},
+    };
+    const std::map<std::string, requests::SignUpRules> m_signUpRules = {
+        {"closed", {.mode = requests::SignUpRules::Mode::Closed}},
+        {"by invitation", {.mode = requests::SignUpRules::Mode::Invitation}},
     };
 };
 
@@ -83,6 +99,21 @@ INSTANTIATE_TEST_SUITE_P(Requests, Conversation, testing::ValuesIn(conversations
 TEST_P(Conversation, GoesAsWritten)
 {
     converse("conversations/" + GetParam() + ".txt");
+}
+
+TEST_F(Requests, TheCodeOfAnInvitationIsKeptNowhere)
+{
+    serveWith({.mode = requests::SignUpRules::Mode::Invitation});
+    EXPECT_EQ(signUp("b@example.org", "p", "Ben B. - " + m_codes[0] + " "), R"({"result":"OK"})");
+    m_seconds += 40LL * 24 * 60 * 60;
+    m_now += std::chrono::hours(40 * 24);
+    m_service.keepHouse(); // the other two have expired
+    m_database.write([&](store::Connection &connection) {
+        store::Rows rows = connection.rows("SELECT COUNT(*) FROM account WHERE name = 'Ben B.' UNION ALL"
+                                           " SELECT COUNT(*) FROM invitation");
+        EXPECT_TRUE(rows.next() && rows.number(0) == 1);
+        EXPECT_TRUE(rows.next() && rows.number(0) == 0);
+    });
 }
 
 TEST_F(Requests, ARequestThatWaitedTooLongIsNotBegun)

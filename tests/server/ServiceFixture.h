@@ -6,6 +6,7 @@
 #include "TemporaryFolder.h"
 
 #include <gtest/gtest.h>
+#include <optional>
 #include <string>
 
 /// A service over a database of its own, with one account and clocks that the test turns.
@@ -28,6 +29,16 @@ protected:
         std::string body = "p1=create-new-user&p2=";
         body.append(email).append("&p3=").append(password).append("&p4=").append(name).append("&type=json");
         return post(body);
+    }
+
+    /// Goes on with a service that has these rules, over the same database.
+    void serveWith(const tarvex::requests::SignUpRules &rules)
+    {
+        m_current.emplace(m_database, clocks(), rules);
+    }
+    tarvex::requests::Clocks clocks()
+    {
+        return {.steady = [this] { return m_now; }, .seconds = [this] { return m_seconds; }};
     }
 
     /// The body of a request that the account of the fixture makes.
@@ -72,6 +83,6 @@ protected:
     std::int64_t m_seconds = 1'000'000;
     TemporaryFolder m_folder;
     tarvex::store::Database m_database{m_folder.databaseUrl()};
-    tarvex::requests::Service m_service{
-        m_database, {.steady = [this] { return m_now; }, .seconds = [this] { return m_seconds; }}};
+    std::optional<tarvex::requests::Service> m_current{std::in_place, m_database, clocks()};
+    tarvex::requests::Service &m_service = *m_current; // whichever that is
 };
