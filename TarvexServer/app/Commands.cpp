@@ -40,6 +40,7 @@ struct ServeOptions
     std::vector<std::string> trustedProxies;
     http::Proxies proxies;
     requests::SignUpRules signUpRules;
+    std::uintmax_t keptFree = 64; // MiB
 };
 
 /// What invite was told.
@@ -49,15 +50,22 @@ struct InviteOptions
     int days = 14;
 };
 
-void addSignUpOptions(CLI::App &command, requests::SignUpRules &rules)
+void addGrowthOptions(CLI::App &command, ServeOptions &options)
 {
     using Mode = requests::SignUpRules::Mode;
     const std::map<std::string, Mode> modes = {
         {"open", Mode::Open}, {"closed", Mode::Closed}, {"invitation", Mode::Invitation}};
-    command.add_option("--sign-up", rules.mode, "Who may make an account")
+    command.add_option("--sign-up", options.signUpRules.mode, "Who may make an account")
         ->transform(CLI::CheckedTransformer(modes).description("open|closed|invitation"))
         ->type_name("WHO")
         ->default_str("open");
+    command.add_option("--most-accounts", options.signUpRules.mostAccounts, "How many accounts there may be")
+        ->check(CLI::NonNegativeNumber)
+        ->capture_default_str();
+    command
+        .add_option("--keep-free", options.keptFree, "How much of its disk the database leaves free, in MiB")
+        ->check(CLI::Range(0, 1 << 30))
+        ->capture_default_str();
 }
 
 void addInviteOptions(CLI::App &command, InviteOptions &options)
@@ -111,7 +119,7 @@ int serve(const ServeOptions &options)
         throw http::CannotListen("The address to listen on must be given as HOST:PORT.");
     http::Proxies proxies = proxiesOf(options);
     const Log log; // the last to end, for it may end the process
-    store::Database database(options.database);
+    store::Database database(options.database, options.keptFree * 1024 * 1024);
     requests::Service service(database, /*clocks=*/{}, options.signUpRules);
     http::Server server(service, address->host, address->port, /*limits=*/{}, logRequest, std::move(proxies));
     server.drainOnSignals();
@@ -158,7 +166,7 @@ int runCommand(int argc, const char *const *argv)
     };
     CLI::App *serveCommand = app.add_subcommand("serve", "Answer clients until SIGTERM or SIGINT");
     addServeOptions(*serveCommand, options);
-    addSignUpOptions(*serveCommand, options.signUpRules);
+    addGrowthOptions(*serveCommand, options);
     addDatabase(serveCommand);
     CLI::App *sampleCommand = app.add_subcommand("sample", "Make an account to try the client with");
     addDatabase(sampleCommand);

@@ -81,6 +81,12 @@ std::optional<Answer> accountFault(store::Connection &connection, const wire::Si
         if (store::findCredentials(connection, digest))
             return refusedSignUp("An account with this e-mail address already exists.");
     }
+    if (store::countAccounts(connection) >= rules.mostAccounts) {
+        Answer full = refusedSignUp("This service takes no more accounts.");
+        full.outcome = Outcome::Failed;
+        full.cause = "there are as many accounts as there may be";
+        return full;
+    }
     return {};
 }
 

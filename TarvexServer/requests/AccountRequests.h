@@ -17,7 +17,8 @@ std::optional<wire::SignUpForm> readSignUp(std::string_view body, const SignUpRu
 /// What is wrong with a sign-up as far as its texts tell, as the answer to it; nothing if they are in order.
 std::optional<Answer> signUpFault(const wire::SignUpForm &form, const SignUpRules &rules);
 
-/// The refusal for a code that invites nobody or an e-mail address that has an account already, or nothing.
+/// The refusal for a code that invites nobody, an e-mail address that has an account already or one account
+/// too many, or nothing.
 std::optional<Answer> accountFault(store::Connection &connection, const wire::SignUpForm &form,
                                    const SignUpRules &rules, std::int64_t now);
 

@@ -107,7 +107,7 @@ void Service::look(Turn &turn, store::Connection &connection)
 /// What comes next, after a look.
 void Service::decide(Turn &turn)
 {
-    if (turn.m_signUp && turn.m_answer)
+    if (turn.m_signUp && turn.m_answer && turn.m_answer->outcome == Outcome::Invalid)
         countFailure(turn); // it tells who has an account
     turn.m_step = Turn::Step::Answer;
     if (turn.m_answer)
@@ -263,6 +263,8 @@ void Service::write(Turn &turn, store::Connection &connection)
         turn.m_answer = refusalOf(turn.m_kind, Outcome::Busy);
         return;
     }
+    if (turn.m_kind.access == Access::Add)
+        m_database.requireRoom();
     turn.m_answer = turn.m_signUp ? signUp(connection, *turn.m_signUp, m_signUpRules, turn.m_newPasswordHash,
                                            m_clocks.seconds())
                                   : handled(turn, connection);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 namespace tarvex::requests {
 
 /// Who may make an account.
@@ -12,6 +14,7 @@ struct SignUpRules
     };
 
     Mode mode = Mode::Open;
+    std::int64_t mostAccounts = 100'000;
 };
 
 } // namespace tarvex::requests

@@ -75,6 +75,7 @@ protected:
     };
     const std::map<std::string, requests::SignUpRules> m_signUpRules = {
         {"closed", {.mode = requests::SignUpRules::Mode::Closed}},
+        {"full at two", {.mostAccounts = 2}},
         {"by invitation", {.mode = requests::SignUpRules::Mode::Invitation}},
     };
 };

@@ -3,3 +3,8 @@ CREATE TABLE invitation (
     code_hash TEXT NOT NULL PRIMARY KEY,
     expires_at BIGINT NOT NULL
 );
+
+-- How many accounts there are. One row.
+CREATE TABLE account_count (accounts BIGINT NOT NULL);
+
+INSERT INTO account_count (accounts) SELECT COUNT(*) FROM account;
