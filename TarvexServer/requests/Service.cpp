@@ -210,7 +210,7 @@ Answer Service::finish(Turn &turn)
         }
         written(turn, failure);
     }
-    return conclude(turn.m_kind, turn.m_form, *turn.m_answer);
+    return conclude(turn.m_kind, turn.m_form, std::move(*turn.m_answer));
 }
 
 void Service::finishLater(const std::shared_ptr<Turn> &turn, std::function<void(const Answer &)> done)
