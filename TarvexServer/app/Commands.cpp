@@ -3,12 +3,14 @@
 #include "Installation.h"
 #include "JsonLog.h"
 #include "ListenAddress.h"
+#include "NewInvitations.h"
 #include "SampleAccount.h"
 #include "Server.h"
 
 #include <algorithm>
 #include <CLI/CLI.hpp>
 #include <csignal>
+#include <ctime>
 #include <exception>
 #include <iostream>
 #include <map>
@@ -42,7 +44,44 @@ struct ServeOptions
     std::string secret;
     std::vector<std::string> trustedProxies;
     http::Proxies proxies;
+    requests::SignUpRules signUpRules;
+    std::uintmax_t keptFree = 64; // MiB
 };
+
+/// What invite was told.
+struct InviteOptions
+{
+    std::size_t count = 1;
+    int days = 14;
+};
+
+void addGrowthOptions(CLI::App &command, ServeOptions &options)
+{
+    using Mode = requests::SignUpRules::Mode;
+    const std::map<std::string, Mode> modes = {
+        {"open", Mode::Open}, {"closed", Mode::Closed}, {"invitation", Mode::Invitation}};
+    command.add_option("--sign-up", options.signUpRules.mode, "Who may make an account")
+        ->transform(CLI::CheckedTransformer(modes).description("open|closed|invitation"))
+        ->type_name("WHO")
+        ->default_str("open");
+    command.add_option("--most-accounts", options.signUpRules.mostAccounts, "How many accounts there may be")
+        ->check(CLI::NonNegativeNumber)
+        ->capture_default_str();
+    command
+        .add_option("--keep-free", options.keptFree, "How much of its disk the database leaves free, in MiB")
+        ->check(CLI::Range(0, 1 << 30))
+        ->capture_default_str();
+}
+
+void addInviteOptions(CLI::App &command, InviteOptions &options)
+{
+    command.add_option("--count", options.count, "How many accounts may be made")
+        ->check(CLI::Range(1, 10'000))
+        ->capture_default_str();
+    command.add_option("--days", options.days, "For how long")
+        ->check(CLI::Range(1, 3'650))
+        ->capture_default_str();
+}
 
 void addServeOptions(CLI::App &command, ServeOptions &options)
 {
@@ -102,8 +141,9 @@ int serve(const ServeOptions &options)
         throw http::CannotListen("The address to listen on must be given as HOST:PORT.");
     http::Proxies proxies = proxiesOf(options);
     const Log log; // the last to end, for it may end the process
-    store::Database database(options.database);
-    requests::Service service(database, openInstallation(database, options));
+    store::Database database(options.database, options.keptFree * 1024 * 1024);
+    requests::Service service(database, openInstallation(database, options), /*clocks=*/{},
+                              options.signUpRules);
     http::Server server(service, address->host, address->port, /*limits=*/{}, logRequest, std::move(proxies));
     server.drainOnSignals();
     std::signal(SIGPIPE, SIG_IGN); // a log that nobody reads any more is no reason to end
@@ -126,6 +166,16 @@ int sample(const ServeOptions &options)
     return 0;
 }
 
+int invite(const std::string &databaseUrl, const InviteOptions &options)
+{
+    constexpr std::int64_t day = 24LL * 60 * 60;
+    store::Database database(databaseUrl);
+    const std::int64_t expiresAt = std::time(nullptr) + options.days * day;
+    for (const std::string &code : requests::createInvitations(database, options.count, expiresAt))
+        std::cout << code << "\n";
+    return 0;
+}
+
 } // namespace
 
 int runCommand(int argc, const char *const *argv)
@@ -143,11 +193,19 @@ int runCommand(int argc, const char *const *argv)
     };
     CLI::App *serveCommand = app.add_subcommand("serve", "Answer clients until SIGTERM or SIGINT");
     addServeOptions(*serveCommand, options);
+    addGrowthOptions(*serveCommand, options);
     addDatabase(serveCommand);
     CLI::App *sampleCommand = app.add_subcommand("sample", "Make an account to try the client with");
     addDatabase(sampleCommand);
+    InviteOptions inviteOptions;
+    CLI::App *inviteCommand =
+        app.add_subcommand("invite", "Print codes that serve --sign-up invitation asks for");
+    addInviteOptions(*inviteCommand, inviteOptions);
+    addDatabase(inviteCommand);
     CLI11_PARSE(app, argc, argv);
     try {
+        if (inviteCommand->parsed())
+            return invite(options.database, inviteOptions);
         return serveCommand->parsed() ? serve(options) : sample(options);
     } catch (const std::exception &error) {
         std::cerr << "tarvex-server: " << error.what() << std::endl;

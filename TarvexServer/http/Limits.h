@@ -17,6 +17,9 @@ struct Limits
     /// The bodies of all connections together.
     std::size_t bodiesInMemory = 64UL * 1024 * 1024;
 
+    /// The answers that wait to be sent, of all connections together.
+    std::size_t answersInMemory = 128UL * 1024 * 1024;
+
     std::chrono::milliseconds headTime{10'000};
     std::chrono::milliseconds bodyTime{20'000};
     std::chrono::milliseconds writeTime{20'000};

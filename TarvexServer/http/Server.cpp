@@ -45,8 +45,9 @@ Server::Server(requests::Service &service, const std::string &host, std::uint16_
                                   .proxies = std::move(proxies),
                                   .service = service,
                                   .workers = m_workers,
-                                  .report = std::move(report)},
-      m_workers(service, limits)
+                                  .report = std::move(report),
+                                  .answers = AnswerMemory(limits.answersInMemory)},
+      m_workers(service, limits, m_context.answers)
 {
     const asio::ip::tcp::endpoint endpoint = resolve(m_io, host, port);
     error_code error;

@@ -263,7 +263,7 @@ void Session::bodyArrived()
     m_stream.expires_never();
     m_arrival = std::chrono::steady_clock::now();
     if (m_refusal)
-        answer(m_context.service.refuse(m_body, *m_refusal));
+        answer({m_context.service.refuse(m_body, *m_refusal)});
     else
         serve();
 }
@@ -288,31 +288,33 @@ void Session::serve()
     m_handlerTimer.expires_after(m_context.limits.handlerTime);
     m_handlerTimer.async_wait([self = shared_from_this(), turn = m_turn](Error error) {
         if (!error && turn == self->m_turn)
-            self->answer(self->m_context.service.refuse(self->m_body, Outcome::Busy));
+            self->answer({self->m_context.service.refuse(self->m_body, Outcome::Busy)});
     });
     auto guard = asio::make_work_guard(m_stream.get_executor());
     m_context.workers.submit(std::move(request), [self = shared_from_this(), turn = m_turn,
-                                                  guard](const requests::Answer &result) mutable {
+                                                  guard](BuiltAnswer built) mutable {
         // The session goes along: it must not end on the thread of a worker.
-        asio::post(guard.get_executor(), [self = std::move(self), turn, result] {
+        asio::post(guard.get_executor(), [self = std::move(self), turn, built = std::move(built)]() mutable {
             if (turn == self->m_turn)
-                self->answer(result);
+                self->answer(std::move(built));
         });
     });
 }
 
-void Session::answer(const requests::Answer &answer)
+void Session::answer(BuiltAnswer built)
 {
+    requests::Answer &answer = built.answer;
     ++m_turn; // whatever still comes for this request comes too late
     m_handlerTimer.cancel();
     releaseBody();
     m_response = {statusOf(answer.outcome), 11};
     m_response.set(beast::field::content_type, contentType(answer.format));
-    m_response.body() = answer.body;
     const bool isBusy = answer.outcome == Outcome::Busy;
     m_response.keep_alive(m_parser->get().keep_alive() && !isBusy && !m_isBodyLeft);
     report(answer);
     forgetRequest();
+    m_response.body() = std::move(answer.body);
+    m_answerShare = std::move(built.share);
     send();
 }
 
@@ -362,7 +364,10 @@ void Session::sent(Error error)
 {
     if (error)
         return;
-    if (m_response.keep_alive()) {
+    const bool isKept = m_response.keep_alive();
+    m_response = {}; // which may be idle for long
+    m_answerShare.reset();
+    if (isKept) {
         start();
         return;
     }

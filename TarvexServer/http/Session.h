@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AnswerMemory.h"
 #include "ConnectionCounts.h"
 #include "Limits.h"
 #include "Proxies.h"
@@ -33,7 +34,8 @@ struct RequestReport
 
 using Reporter = std::function<void(const RequestReport &)>;
 
-/// What all sessions of a server share. Except for service and workers it belongs to the network thread.
+/// What all sessions of a server share. Except for service, workers and answers it belongs to the network
+/// thread.
 struct SessionContext
 {
     Limits limits;
@@ -41,6 +43,7 @@ struct SessionContext
     requests::Service &service;
     Workers &workers;
     Reporter report;
+    AnswerMemory answers;
     std::size_t bodyBytes = 0; ///< reserved for bodies that are being read or served
     bool isDraining = false;
 };
@@ -83,7 +86,7 @@ private:
     void bodyArrived();
     std::string requestPeer() const;
     void serve();
-    void answer(const requests::Answer &answer);
+    void answer(BuiltAnswer built);
     void report(const requests::Answer &answer) const;
     void sendStatus(boost::beast::http::status status, std::string_view text);
     void send();
@@ -102,6 +105,7 @@ private:
     boost::beast::flat_buffer m_buffer;
     std::optional<boost::beast::http::request_parser<boost::beast::http::empty_body>> m_parser;
     boost::beast::http::response<boost::beast::http::string_body> m_response;
+    AnswerMemory::Share m_answerShare;
 
     std::string m_body;
     std::size_t m_bodyRest = 0; ///< bytes still to come

@@ -12,8 +12,8 @@ struct Workers::Running
     Done done;
 };
 
-Workers::Workers(requests::Service &service, const Limits &limits)
-    : m_service(service), m_requestThreads(limits.requestThreads),
+Workers::Workers(requests::Service &service, const Limits &limits, AnswerMemory &answers)
+    : m_service(service), m_answers(answers), m_requestThreads(limits.requestThreads),
       m_hashingThreads(limits.hashingThreads, limits.waitingHashes)
 {
 }
@@ -36,7 +36,7 @@ void Workers::submit(requests::Request request, Done done)
     const std::string peer = request.peer;
     const std::shared_ptr<requests::Turn> turn = m_service.begin(std::move(request));
     if (turn->step() == requests::Turn::Step::Answer)
-        done(m_service.finish(*turn));
+        done(built(*turn));
     else if (turn->step() == requests::Turn::Step::Hash)
         verify(peer.empty() ? std::string(turn->login()) : peer, turn, done);
     else
@@ -53,7 +53,7 @@ void Workers::verify(const std::string &whose, const std::shared_ptr<requests::T
         }
     };
     m_hashingThreads.submit(whose,
-                            {.run = run, .drop = [this, turn, done] { done(m_service.giveUp(*turn)); }});
+                            {.run = run, .drop = [this, turn, done] { done({m_service.giveUp(*turn)}); }});
 }
 
 void Workers::finish(const std::shared_ptr<requests::Turn> &turn, Done done)
@@ -65,15 +65,24 @@ void Workers::finish(const std::shared_ptr<requests::Turn> &turn, Done done)
             Running{.place = std::move(place), .turn = turn, .done = std::move(done)});
         if (running->turn->step() == requests::Turn::Step::Write)
             m_service.finishLater(running->turn,
-                                  [running](const requests::Answer &answer) { running->done(answer); });
+                                  [running](const requests::Answer &answer) { running->done({answer}); });
         else
             boost::asio::post(m_requestThreads, [this, running] {
                 try {
-                    running->done(m_service.finish(*running->turn));
+                    running->done(m_answers.isFull() ? BuiltAnswer{m_service.giveUp(*running->turn)}
+                                                     : built(*running->turn));
                 } catch (const std::exception &) { // no memory, as above
                 }
             });
     });
+}
+
+/// The answer, or that there is no memory for it.
+BuiltAnswer Workers::built(requests::Turn &turn)
+{
+    requests::Answer answer = m_service.finish(turn);
+    auto share = m_answers.take(answer.body.size());
+    return share ? BuiltAnswer{std::move(answer), std::move(*share)} : BuiltAnswer{m_service.giveUp(turn)};
 }
 
 } // namespace tarvex::http

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AccountQueues.h"
+#include "AnswerMemory.h"
 #include "FairThreads.h"
 #include "Limits.h"
 #include "Service.h"
@@ -16,14 +17,15 @@ namespace tarvex::http {
 class Workers
 {
 public:
-    using Done = std::function<void(const requests::Answer &)>;
+    using Done = std::function<void(BuiltAnswer)>;
 
-    Workers(requests::Service &service, const Limits &limits);
+    Workers(requests::Service &service, const Limits &limits, AnswerMemory &answers);
     ~Workers();
     Workers(const Workers &) = delete;
     Workers &operator=(const Workers &) = delete;
 
-    /// Calls done with the answer, at once or on another thread. From one thread only.
+    /// Calls done with the answer, at once or on another thread. From one thread only. While too much waits
+    /// to be sent, what would be large is busy instead.
     void submit(requests::Request request, Done done);
 
     /// Ends the threads; requests that wait are dropped without an answer.
@@ -34,8 +36,10 @@ private:
 
     void verify(const std::string &whose, const std::shared_ptr<requests::Turn> &turn, const Done &done);
     void finish(const std::shared_ptr<requests::Turn> &turn, Done done);
+    BuiltAnswer built(requests::Turn &turn);
 
     requests::Service &m_service;
+    AnswerMemory &m_answers;
     AccountQueues m_queues;
     std::atomic<std::int64_t> m_lastStranger = 0;
     boost::asio::thread_pool m_requestThreads;

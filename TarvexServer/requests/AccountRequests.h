@@ -4,6 +4,7 @@
 #include "Connection.h"
 #include "KeyedHash.h"
 #include "SignUpForm.h"
+#include "SignUpRules.h"
 
 #include <cstdint>
 #include <optional>
@@ -11,18 +12,23 @@
 
 namespace tarvex::requests {
 
-/// What is wrong with a sign-up as far as its texts tell, as the answer to it; nothing if they are in order.
-std::optional<Answer> signUpFault(const wire::SignUpForm &form);
+/// Reads a sign-up. By invitation the code is taken from the name that it was typed behind.
+std::optional<wire::SignUpForm> readSignUp(std::string_view body, const SignUpRules &rules);
 
-/// Makes the account with its areas and its one set, or refuses because the e-mail address has one already.
-Answer signUp(store::Connection &connection, const wire::SignUpForm &form, const std::string &passwordHash,
-              const security::KeyedHash &hash, std::int64_t now);
+/// What is wrong with a sign-up as far as its texts tell, as the answer to it; nothing if they are in order.
+std::optional<Answer> signUpFault(const wire::SignUpForm &form, const SignUpRules &rules);
+
+/// The refusal for a code that invites nobody, an e-mail address that has an account already or one account
+/// too many, or nothing.
+std::optional<Answer> accountFault(store::Connection &connection, const wire::SignUpForm &form,
+                                   const SignUpRules &rules, const security::KeyedHash &hash,
+                                   std::int64_t now);
 
 /// What the account's password will be checked against. Takes its time.
 std::string newPasswordHash(const wire::SignUpForm &form);
 
-/// The refusal for an e-mail address that has an account already, or nothing.
-std::optional<Answer> duplicateFault(store::Connection &connection, const wire::SignUpForm &form,
-                                     const security::KeyedHash &hash);
+/// Makes the account with its areas and its one set and uses its invitation up, or refuses like the above.
+Answer signUp(store::Connection &connection, const wire::SignUpForm &form, const SignUpRules &rules,
+              const std::string &passwordHash, const security::KeyedHash &hash, std::int64_t now);
 
 } // namespace tarvex::requests

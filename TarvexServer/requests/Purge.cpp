@@ -3,6 +3,7 @@
 #include "Deleted.h"
 #include "FailureCounts.h"
 #include "Incidents.h"
+#include "Invitations.h"
 
 namespace tarvex::requests {
 
@@ -53,6 +54,7 @@ void Purge::removeSome(store::Connection &connection)
     m_lastStep += ran;
     const std::int64_t now = m_clocks.seconds();
     store::forgetIncidents(connection, now - security::FailureCounts::window.count(), now);
+    store::purgeInvitations(connection, before);
     std::int64_t removed = 0;
     for (int i = 0; i < accountsPerStep && removed < rowsPerStep; ++i) {
         m_account = store::nextWithDeleted(connection, m_account).value_or(0);

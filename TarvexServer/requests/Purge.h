@@ -8,7 +8,7 @@
 
 namespace tarvex::requests {
 
-/// Removes for good what was deleted more than 30 days of running ago, in small steps.
+/// Removes for good what was deleted, or expired, more than 30 days of running ago, in small steps.
 class Purge
 {
 public:

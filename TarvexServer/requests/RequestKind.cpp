@@ -18,22 +18,22 @@ constexpr std::string_view setChecked = "set-checked-area-percent";
 
 constexpr std::array<RequestKind, 17> kinds = {{
     {signInKind, Access::Read, Format::Plain, signIn},
-    {createNewUser, Access::None, Format::Json, nullptr},
+    {createNewUser, Access::Add, Format::Json, nullptr},
     {"get-sets", Access::Read, Format::Xml, getSets},
     {"get-areas", Access::Read, Format::Xml, getAreas},
     {"get-goals", Access::Read, Format::Xml, getGoals},
     {"get-complex-goals-for-sets", Access::Read, Format::Xml, getComplexGoalsForSets},
     {"get-random-goal", Access::Read, Format::Xml, getRandomGoal},
-    {"create-sets", Access::Write, Format::Plain, createSets},
-    {"set-sets-name", Access::Write, Format::Plain, setSetsName},
-    {"delete-sets", Access::Write, Format::Plain, deleteSets},
-    {"set-area-names", Access::Write, Format::Plain, setAreaNames},
-    {"set-area-value", Access::Write, Format::Plain, setAreaValue},
-    {"create-goal", Access::Write, Format::Plain, createGoal},
-    {"create-some-goals", Access::Write, Format::Plain, createSomeGoals},
-    {"delete-goal", Access::Write, Format::Plain, deleteGoal},
-    {"delete-some-goals", Access::Write, Format::Plain, deleteSomeGoals},
-    {setChecked, Access::Write, Format::Plain, setCheckedAreaPercent},
+    {"create-sets", Access::Add, Format::Plain, createSets},
+    {"set-sets-name", Access::Add, Format::Plain, setSetsName},
+    {"delete-sets", Access::Change, Format::Plain, deleteSets},
+    {"set-area-names", Access::Add, Format::Plain, setAreaNames},
+    {"set-area-value", Access::Change, Format::Plain, setAreaValue},
+    {"create-goal", Access::Add, Format::Plain, createGoal},
+    {"create-some-goals", Access::Add, Format::Plain, createSomeGoals},
+    {"delete-goal", Access::Change, Format::Plain, deleteGoal},
+    {"delete-some-goals", Access::Change, Format::Plain, deleteSomeGoals},
+    {setChecked, Access::Change, Format::Plain, setCheckedAreaPercent},
 }};
 
 constexpr RequestKind unknownKind;

@@ -13,7 +13,12 @@ struct Call;
 /// What one request may hold in bytes, and so the goals that one save can bring.
 constexpr std::size_t largestBody = 4UL * 1024 * 1024;
 
-enum class Access { None, Read, Write };
+enum class Access {
+    None,
+    Read,
+    Change,
+    Add, ///< may make what is kept larger, which it may not on every disk
+};
 
 /// What there is to know of one kind of request.
 struct RequestKind

@@ -58,9 +58,10 @@ Turn::~Turn()
     security::wipe(m_request.body);
 }
 
-Service::Service(store::Database &database, const security::KeyedHash &hash, Clocks clocks)
-    : m_database(database), m_clocks(std::move(clocks)), m_hash(hash), m_failures(database, m_clocks),
-      m_refusedSaves(database, m_clocks), m_purge(database, m_clocks)
+Service::Service(store::Database &database, const security::KeyedHash &hash, Clocks clocks,
+                 SignUpRules signUpRules)
+    : m_database(database), m_clocks(std::move(clocks)), m_signUpRules(signUpRules), m_hash(hash),
+      m_failures(database, m_clocks), m_refusedSaves(database, m_clocks), m_purge(database, m_clocks)
 {
     security::matchesPassword(/*hash=*/"", /*digest=*/""); // the first one costs twice
 }
@@ -96,9 +97,9 @@ bool Service::isFormSound(Turn &turn)
         if (!hasCredentials(turn.m_form))
             turn.m_answer = refusalOf(turn.m_kind, Outcome::NotSignedIn);
     } else {
-        turn.m_signUp = wire::readSignUpForm(turn.m_request.body);
-        turn.m_answer =
-            turn.m_signUp ? signUpFault(*turn.m_signUp) : refusalOf(turn.m_kind, Outcome::Invalid);
+        turn.m_signUp = readSignUp(turn.m_request.body, m_signUpRules);
+        turn.m_answer = turn.m_signUp ? signUpFault(*turn.m_signUp, m_signUpRules)
+                                      : refusalOf(turn.m_kind, Outcome::Invalid);
         if (!turn.m_answer && m_failures.isExhausted(limitedKeys(turn)))
             turn.m_answer = refusalOf(turn.m_kind, Outcome::TooManyAttempts);
     }
@@ -119,13 +120,13 @@ void Service::look(Turn &turn, store::Connection &connection)
     }
     turn.m_isExhausted = m_failures.isExhausted(limitedKeys(turn), connection);
     if (turn.m_signUp && !turn.m_isExhausted)
-        turn.m_answer = duplicateFault(connection, *turn.m_signUp, m_hash);
+        turn.m_answer = accountFault(connection, *turn.m_signUp, m_signUpRules, m_hash, m_clocks.seconds());
 }
 
 /// What comes next, after a look.
 void Service::decide(Turn &turn)
 {
-    if (turn.m_signUp && turn.m_answer)
+    if (turn.m_signUp && turn.m_answer && turn.m_answer->outcome == Outcome::Invalid)
         m_failures.countFailure(limitedKeys(turn)); // it tells who has an account
     turn.m_step = Turn::Step::Answer;
     if (turn.m_answer)
@@ -285,9 +286,11 @@ void Service::write(Turn &turn, store::Connection &connection)
         turn.m_answer = refusalOf(turn.m_kind, Outcome::Busy);
         return;
     }
-    turn.m_answer =
-        turn.m_signUp ? signUp(connection, *turn.m_signUp, turn.m_newPasswordHash, m_hash, m_clocks.seconds())
-                      : handled(turn, connection);
+    if (turn.m_kind.access == Access::Add)
+        m_database.requireRoom();
+    turn.m_answer = turn.m_signUp ? signUp(connection, *turn.m_signUp, m_signUpRules, turn.m_newPasswordHash,
+                                           m_hash, m_clocks.seconds())
+                                  : handled(turn, connection);
     if (turn.m_answer->outcome != Outcome::Done)
         throw RequestRefused(); // so that nothing of it stays
 }

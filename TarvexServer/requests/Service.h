@@ -11,6 +11,7 @@
 #include "RefusedSaves.h"
 #include "RequestKind.h"
 #include "SignUpForm.h"
+#include "SignUpRules.h"
 #include "VerifiedCredentials.h"
 
 #include <exception>
@@ -78,7 +79,8 @@ public:
     static constexpr std::chrono::seconds patience{15};
 
     /// The hash is that of the installation, see openInstallation().
-    Service(store::Database &database, const security::KeyedHash &hash, Clocks clocks = {});
+    Service(store::Database &database, const security::KeyedHash &hash, Clocks clocks = {},
+            SignUpRules signUpRules = {});
 
     std::unique_ptr<Turn> begin(Request request);
     void verify(Turn &turn);
@@ -114,6 +116,7 @@ private:
 
     store::Database &m_database;
     Clocks m_clocks;
+    SignUpRules m_signUpRules;
     security::KeyedHash m_hash;
     security::VerifiedCredentials m_verified;
     Failures m_failures;

@@ -37,6 +37,12 @@ std::optional<Credentials> findCredentials(Connection &connection, std::string_v
         .accountId = found.number(0), .version = found.number(1), .passwordHash = std::string(found.text(2))};
 }
 
+std::int64_t countAccounts(Connection &connection)
+{
+    Rows count = connection.rows("SELECT accounts FROM account_count");
+    return count.next() ? count.number(0) : 0;
+}
+
 std::optional<std::int64_t> createAccount(Connection &connection, const NewAccount &account)
 {
     for (const std::string &digest : account.logins) {
@@ -51,6 +57,7 @@ std::optional<std::int64_t> createAccount(Connection &connection, const NewAccou
     for (const std::string &digest : account.logins)
         connection.change("INSERT INTO login (login_digest, account_id) VALUES ($1, $2)", digest, accountId);
     insertAreas(connection, accountId, account.areas);
+    connection.change("UPDATE account_count SET accounts = accounts + 1");
     return accountId;
 }
 

@@ -37,6 +37,8 @@ struct NewAccount
 
 std::optional<Credentials> findCredentials(Connection &connection, std::string_view login);
 
+std::int64_t countAccounts(Connection &connection);
+
 /// The new account's id, or nothing if one of its logins is taken.
 std::optional<std::int64_t> createAccount(Connection &connection, const NewAccount &account);
 

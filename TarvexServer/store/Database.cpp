@@ -129,14 +129,19 @@ struct Database::Sessions
     std::mutex hastyMutex;
     std::unique_ptr<SqliteConnection> hasty;
     Readers readers;
+    std::filesystem::path folder;
+    std::uintmax_t keptFree;
 };
 
-Database::Database(const std::string &url) : m_file(sqliteFile(url)), m_sessions(std::make_unique<Sessions>())
+Database::Database(const std::string &url, std::uintmax_t keptFree)
+    : m_file(sqliteFile(url)), m_sessions(std::make_unique<Sessions>())
 {
     const std::filesystem::path &file = m_file;
     createFile(file);
+    m_sessions->folder = std::filesystem::absolute(file).parent_path();
+    m_sessions->keptFree = keptFree;
     try {
-        const FolderLock alone(std::filesystem::absolute(file).parent_path());
+        const FolderLock alone(m_sessions->folder);
         auto writer = std::make_unique<SqliteConnection>(file);
         claim(*writer, file);
         makePrivate(file);
@@ -190,6 +195,13 @@ void Database::write(const Work &work)
 void Database::write(Work work, Written written)
 {
     m_sessions->writer->add(std::move(work), std::move(written));
+}
+
+void Database::requireRoom() const
+{
+    std::error_code error; // with which as much is free as can be said
+    if (std::filesystem::space(m_sessions->folder, error).available < m_sessions->keptFree)
+        throw TransactionFailed("the disk has less free than is to be left so");
 }
 
 } // namespace tarvex::store

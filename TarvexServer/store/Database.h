@@ -3,6 +3,7 @@
 #include "Connection.h"
 #include "StoreError.h"
 
+#include <cstdint>
 #include <exception>
 #include <filesystem>
 #include <functional>
@@ -23,9 +24,9 @@ public:
     using Work = std::function<void(Connection &)>;
     using Written = std::function<void(std::exception_ptr)>;
 
-    /// Opens the database at the URL, making file, missing parent folders and schema as needed.
-    /// Throws CannotOpen.
-    explicit Database(const std::string &url);
+    /// Opens the database at the URL, making file, missing parent folders and schema as needed; so many
+    /// bytes of its disk are to be left free. Throws CannotOpen.
+    explicit Database(const std::string &url, std::uintmax_t keptFree = 0);
     /// Writes first what still waits to be written.
     ~Database();
     Database(const Database &) = delete;
@@ -42,6 +43,10 @@ public:
     void write(const Work &work);
     /// The same without waiting; `written` is told on another thread, with what was thrown if anything was.
     void write(Work work, Written written);
+
+    /// Throws TransactionFailed while the disk has no room beside what is to be left free. For work that
+    /// adds; what removes may go on.
+    void requireRoom() const;
 
     /// The file it is in.
     const std::filesystem::path &file() const { return m_file; }

@@ -11,6 +11,7 @@ struct SignUpForm
     std::string_view email;
     std::string_view password;
     std::string_view name;
+    std::string_view code = {}; ///< not read here: that of an invitation, where the name ends with one
 };
 
 /// Whether a body is meant as create-new-user, complete or not.

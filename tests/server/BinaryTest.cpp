@@ -13,6 +13,18 @@
 
 using namespace tarvex;
 
+namespace {
+
+/// What a server is started with so that its folder is a disk of that size.
+std::string onDiskOf(const TemporaryFolder &folder, const std::string &size)
+{
+    std::ofstream(folder.path() / "small.sh")
+        << "mount -t tmpfs -o size=" << size << " none \"$PWD\" && cd \"$PWD\" && exec \"$@\"";
+    return "/usr/bin/unshare --map-root-user --mount sh small.sh ";
+}
+
+} // namespace
+
 TEST(Binary, ServesTheSampleAccountUntilItIsTold)
 {
     const TemporaryFolder folder;
@@ -55,6 +67,26 @@ TEST(Binary, ServesTheSampleAccountUntilItIsTold)
     for (const std::string &secret : {login, password, std::string("example"), std::string("topsecret"),
                                       std::string("Newcomer"), std::string("127.0.0.1")})
         EXPECT_EQ(log.find(secret), std::string::npos) << secret;
+}
+
+TEST(Binary, PrintsInvitationsThatSigningUpMayNeed)
+{
+    const TemporaryFolder folder;
+    ServerProcess invite(folder, "invite --count 2 --database sqlite:wheel.db");
+    const std::vector<std::string> codes = {invite.line(), invite.line(), invite.line()};
+    EXPECT_EQ(codes[2], "");
+    EXPECT_EQ(invite.ended(), std::pair(0, std::string()));
+    ServerProcess server(folder, serveHere + " --sign-up invitation");
+    RawClient client(server.port());
+    const auto signUp = [&client](const std::string &name) {
+        return client.post("p1=create-new-user&p2=" + name.substr(0, 1) + "@example.org&p3=b&p4=" + name +
+                           "&type=json");
+    };
+    for (const std::string &name : {"A " + codes[0], "B " + codes[1]})
+        EXPECT_EQ(signUp(name).body(), R"({"result":"OK"})");
+    EXPECT_NE(signUp("C").body(), R"({"result":"OK"})");
+    ::kill(server.child.id(), SIGTERM);
+    EXPECT_EQ(server.ended().first, 0);
 }
 
 TEST(Binary, StartsSeveralTimesAtOnceOnANewDatabase)
@@ -100,10 +132,7 @@ TEST(Binary, EndsAtASecondSignalOrSoonWithoutOne)
 TEST(Binary, SaysThatTheDiskIsFullAndServesOn)
 {
     const TemporaryFolder folder;
-    std::ofstream(folder.path() / "small.sh")
-        << "mount -t tmpfs -o size=1m none \"$PWD\" && cd \"$PWD\" && exec \"$@\"";
-    const std::string small = "/usr/bin/unshare --map-root-user --mount sh small.sh ";
-    ServerProcess server(folder, serveHere, small);
+    ServerProcess server(folder, serveHere + " --keep-free 0", onDiskOf(folder, "1m"));
     RawClient client(server.port());
     const auto post = [&client](const std::string &kind, const std::string &rest) {
         return client.post("p1=" + kind + "&p2=" + security::signInDigest("a@example.org") +
@@ -153,6 +182,31 @@ TEST(Binary, LeavesNoPasswordBehind)
     ::kill(server.child.id(), SIGQUIT);
     server.child.wait();
     EXPECT_FALSE(WCOREDUMP(server.child.native_exit_code()));
+}
+
+TEST(Binary, AddsNothingWhileTheDiskHasTooLittleFree)
+{
+    const TemporaryFolder folder;
+    ServerProcess server(folder, serveHere + " --keep-free 2", onDiskOf(folder, "3m"));
+    RawClient client(server.port());
+    const std::string credentials =
+        "&p2=" + security::signInDigest("a@example.org") + "&p3=" + security::signInDigest("b");
+    client.post("p1=create-new-user&p2=a@example.org&p3=b&p4=C&type=json");
+    const auto save = [&] {
+        std::string list;
+        for (int i = 0; i < 20; ++i)
+            list += "name:" + std::string(60'000, 'x') + ";priority:5;checked:0;setsId:1;areaId:3;{_end_}";
+        return client.post("p1=create-some-goals" + credentials + "&p4=" + list).body();
+    };
+    EXPECT_EQ(save(), "OK");
+    EXPECT_EQ(save(), "Error");
+    EXPECT_EQ(client.post("p1=set-area-names" + credentials + "&p4=id:1;name:Body;{_end_}").body(), "Error");
+    EXPECT_NE(client.post("p1=create-new-user&p2=d@example.org&p3=b&p4=C&type=json").body(),
+              R"({"result":"OK"})");
+    EXPECT_EQ(client.post("p1=set-area-value" + credentials + "&p4=1&p5=7").body(), "OK");
+    EXPECT_EQ(client.post("p1=delete-sets" + credentials + "&p4=1").body(), "OK");
+    ::kill(server.child.id(), SIGTERM);
+    EXPECT_NE(server.ended().second.find("the disk has less free than is to be left so"), std::string::npos);
 }
 
 TEST(Binary, ListensToThisMachineAloneUnlessToldOtherwise)

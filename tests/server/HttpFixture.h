@@ -16,7 +16,7 @@ public:
 protected:
     void start(const tarvex::http::Limits &limits = {}, const tarvex::http::Proxies &proxies = {})
     {
-        m_server = std::make_unique<tarvex::http::Server>(*m_service, "127.0.0.1", /*port=*/0, limits,
+        m_server = std::make_unique<tarvex::http::Server>(m_service, "127.0.0.1", /*port=*/0, limits,
                                                           tarvex::http::Reporter(), proxies);
         m_thread = std::thread([this] { m_server->run(); });
     }

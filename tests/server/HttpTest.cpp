@@ -150,6 +150,33 @@ TEST_F(Http, SaysThatItIsBusyWhenBodiesThatArrivedFillTheMemory)
     EXPECT_EQ(RawClient(port()).post(body(190'000)).body(), "OK");
 }
 
+TEST_F(Http, SaysThatItIsBusyWhenAnswersThatNobodyTakesFillTheMemory)
+{
+    start({.answersInMemory = 100'000});
+    const std::string large = goal(std::string(60'000, 'x'));
+    const std::string list = boost::algorithm::join(std::vector(40, large), "");
+    for (int i = 0; i < 2; ++i) // more than the system holds for a connection
+        ASSERT_EQ(postAsAnna("create-some-goals", "&p4=" + list), "OK");
+    postAsAnna("create-sets", "&p4=Small");
+    postAsAnna("create-some-goals",
+               "&p4=" + boost::replace_all_copy(large + large, "setsId:1;", "setsId:2;"));
+    const std::string fewGoals = asAnna("get-complex-goals-for-sets", "&p4=2");
+    RawClient client(port());
+    for (int i = 0; i < 2; ++i) // each as large as may be, and sent before the next
+        EXPECT_GT(client.post(fewGoals).body().size(), 120'000U);
+    {
+        RawClient slow(port());
+        slow.send(RawClient::request(asAnna("get-complex-goals-for-sets", "&p4=1")));
+        for (const std::string &request : {asAnna("get-complex-goals-for-sets", "&p4=1"), fewGoals}) {
+            const auto answer = RawClient(port()).post(request);
+            EXPECT_EQ(answer.result_int(), 503U);
+            EXPECT_EQ(answer.body(), "Error");
+        }
+        EXPECT_EQ(client.post(asAnna("get-sets")).result_int(), 200U); // what is small goes on
+    }
+    EXPECT_GT(client.post(fewGoals).body().size(), 120'000U);
+}
+
 TEST_F(Http, SaysThatItIsBusyWhenARequestTakesTooLong)
 {
     start({.handlerTime = std::chrono::milliseconds(50)});

@@ -1,5 +1,6 @@
 #include "Installation.h"
 #include "NewAccounts.h"
+#include "NewInvitations.h"
 #include "SampleAccount.h"
 #include "SampleRows.h"
 #include "ServiceFixture.h"
@@ -21,7 +22,8 @@ protected:
     }
 
     /// Makes the request, in which names in braces stand for credentials, and returns its answer. It may come
-    /// to a service that is busy or takes it for too large, or from somewhere; time may pass instead.
+    /// to a service that is busy or takes it for too large, or from somewhere; time may pass instead, or the
+    /// service get other rules for signing up.
     std::string step(std::string request)
     {
         for (const auto &[name, credentials] : m_people)
@@ -33,19 +35,22 @@ protected:
         const std::string how = request.substr(0, colon == std::string::npos ? 0 : colon + 2);
         const std::string rest = request.substr(how.size());
         if (how == "busy: ")
-            return m_service->refuse(rest, Outcome::Busy).body;
+            return m_service.refuse(rest, Outcome::Busy).body;
         if (how == "too large: ")
-            return m_service->refuse(rest, Outcome::TooLarge).body;
+            return m_service.refuse(rest, Outcome::TooLarge).body;
         if (how.starts_with("from "))
             return answerTo(rest, how).body;
-        if (how == "another process: ") {
-            m_service = newService();
+        if (how == "seconds pass: ") {
+            m_now += std::chrono::seconds(std::stoi(rest));
+            m_seconds += std::stoi(rest);
+        } else if (how == "sign-up: ") {
+            serveWith(m_signUpRules.at(rest));
+        } else if (how == "another process: ") {
+            serveWith({});
             return post(rest);
-        }
-        if (how != "seconds pass: ")
+        } else {
             return post(request);
-        m_now += std::chrono::seconds(std::stoi(rest));
-        m_seconds += std::stoi(rest);
+        }
         return "";
     }
 
@@ -59,6 +64,8 @@ protected:
         return elements.empty() ? answer : texts;
     }
 
+    const std::vector<std::string> m_codes =
+        requests::createInvitations(m_database, /*count=*/3, /*expiresAt=*/m_seconds + 100);
     const std::map<std::string, std::string> m_people = {
         {"anna", credentials(m_login, m_password)},
         {"anna in lower case", credentials("anna@example.org", m_password)},
@@ -67,6 +74,14 @@ protected:
         {"guess", credentials(m_login, "wrong")},
         {"nobody", credentials("nobody@example.org", "wrong")},
         {"sample", credentials("sample@example.org", "wheel of life")},
+        {"code", m_codes[0]},
+        {"typed code", boost::to_lower_copy(boost::replace_all_copy(m_codes[1], "-", " "))},
+        {"late code", m_codes[2]},
+    };
+    const std::map<std::string, requests::SignUpRules> m_signUpRules = {
+        {"closed", {.mode = requests::SignUpRules::Mode::Closed}},
+        {"full at two", {.mostAccounts = 2}},
+        {"by invitation", {.mode = requests::SignUpRules::Mode::Invitation}},
     };
 };
 
@@ -92,13 +107,28 @@ TEST_P(Conversation, GoesAsWritten)
     converse("conversations/" + GetParam() + ".txt");
 }
 
+TEST_F(Requests, TheCodeOfAnInvitationIsKeptNowhere)
+{
+    serveWith({.mode = requests::SignUpRules::Mode::Invitation});
+    EXPECT_EQ(signUp("b@example.org", "p", "Ben B. - " + m_codes[0] + " "), R"({"result":"OK"})");
+    m_seconds += 40LL * 24 * 60 * 60;
+    m_now += std::chrono::hours(40 * 24);
+    m_service.keepHouse(); // the other two have expired
+    m_database.write([&](store::Connection &connection) {
+        store::Rows rows = connection.rows("SELECT COUNT(*) FROM account WHERE name = 'Ben B.' UNION ALL"
+                                           " SELECT COUNT(*) FROM invitation");
+        EXPECT_TRUE(rows.next() && rows.number(0) == 1);
+        EXPECT_TRUE(rows.next() && rows.number(0) == 0);
+    });
+}
+
 TEST_F(Requests, ARequestThatWaitedTooLongIsNotBegun)
 {
-    auto turn = m_service->begin({.body = asAnna("create-sets", "&p4=late"), .peer = "", .arrival = m_now});
+    auto turn = m_service.begin({.body = asAnna("create-sets", "&p4=late"), .peer = "", .arrival = m_now});
     ASSERT_EQ(turn->step(), requests::Turn::Step::Hash);
-    m_service->verify(*turn);
+    m_service.verify(*turn);
     m_now += requests::Service::patience + std::chrono::seconds(1);
-    EXPECT_EQ(m_service->finish(*turn).outcome, Outcome::Busy);
+    EXPECT_EQ(m_service.finish(*turn).outcome, Outcome::Busy);
     EXPECT_EQ(column(postAsAnna("get-sets"), "id"), "[1]");
 }
 
@@ -108,13 +138,13 @@ TEST_F(Requests, OnlyFailuresCountHoweverManySignInAtOnce)
         std::vector<std::unique_ptr<requests::Turn>> turns;
         turns.reserve(40);
         for (int i = 0; i < 40; ++i)
-            turns.push_back(m_service->begin({.body = "p1=sign-in" + credentials(m_login, password),
-                                              .peer = "192.0.2.1",
-                                              .arrival = m_now}));
+            turns.push_back(m_service.begin({.body = "p1=sign-in" + credentials(m_login, password),
+                                             .peer = "192.0.2.1",
+                                             .arrival = m_now}));
         int checked = 0;
         for (const auto &turn : turns) {
-            m_service->verify(*turn);
-            checked += m_service->finish(*turn).outcome == Outcome::TooManyAttempts ? 0 : 1;
+            m_service.verify(*turn);
+            checked += m_service.finish(*turn).outcome == Outcome::TooManyAttempts ? 0 : 1;
         }
         EXPECT_EQ(checked, expected);
         m_now += std::chrono::seconds(60);
@@ -132,7 +162,7 @@ TEST_F(Requests, StrangersDoNotLockAnOwnerOut)
     EXPECT_EQ(signIn(m_password, "0"), Outcome::TooManyAttempts);
     EXPECT_EQ(signIn(m_password, "her own"), Outcome::Done);
     EXPECT_EQ(signIn("wrong", "another"), Outcome::NotSignedIn);
-    m_service = newService();
+    serveWith({});
     EXPECT_EQ(signIn(m_password, "her own"), Outcome::TooManyAttempts);
 }
 
@@ -141,7 +171,7 @@ TEST_F(Requests, NobodyCanMakeItForgetTheRefusedSaveOfAnother)
     postAsAnna("create-some-goals", "&p4=" + goal("kept"));
     postAsAnna("create-some-goals", "&p4=broken");
     for (int i = 0; i <= 10'000; ++i)
-        m_service->refuse("p1=create-some-goals" + credentials(std::to_string(i), "x"), Outcome::Busy);
+        m_service.refuse("p1=create-some-goals" + credentials(std::to_string(i), "x"), Outcome::Busy);
     EXPECT_EQ(postAsAnna("delete-some-goals", "&p4=1;"), "Error");
 }
 
@@ -152,7 +182,7 @@ TEST_F(Requests, WhatWasDeletedIsGoneAfterThirtyDaysOfRunning)
     const auto goalsAfter = [&](int days) {
         m_now += std::chrono::hours(24 * days);
         m_seconds += 24LL * 60 * 60 * days;
-        m_service->keepHouse();
+        m_service.keepHouse();
         std::int64_t count = -1;
         m_database.write([&](store::Connection &connection) {
             store::Rows rows = connection.rows("SELECT COUNT(*) FROM goal");

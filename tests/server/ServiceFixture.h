@@ -7,6 +7,7 @@
 #include "TemporaryFolder.h"
 
 #include <gtest/gtest.h>
+#include <optional>
 #include <string>
 
 /// A service over a database of its own, with one account and clocks that the test turns.
@@ -17,18 +18,10 @@ protected:
 
     tarvex::requests::Answer answerTo(const std::string &body, const std::string &peer = "")
     {
-        const auto turn = m_service->begin({.body = body, .peer = peer, .arrival = m_now});
+        const auto turn = m_service.begin({.body = body, .peer = peer, .arrival = m_now});
         if (turn->step() == tarvex::requests::Turn::Step::Hash)
-            m_service->verify(*turn);
-        return m_service->finish(*turn);
-    }
-    /// One that knows of no other, but has the same database.
-    std::unique_ptr<tarvex::requests::Service> newService()
-    {
-        const tarvex::requests::Clocks clocks = {.steady = [this] { return m_now; },
-                                                 .seconds = [this] { return m_seconds; }};
-        m_database.write([](tarvex::store::Connection &) {}); // what still waits is written now
-        return std::make_unique<tarvex::requests::Service>(m_database, m_hash, clocks);
+            m_service.verify(*turn);
+        return m_service.finish(*turn);
     }
     std::string post(const std::string &body) { return answerTo(body).body; }
 
@@ -37,6 +30,17 @@ protected:
         std::string body = "p1=create-new-user&p2=";
         body.append(email).append("&p3=").append(password).append("&p4=").append(name).append("&type=json");
         return post(body);
+    }
+
+    /// Goes on with a service that has these rules, over the same database.
+    void serveWith(const tarvex::requests::SignUpRules &rules)
+    {
+        m_database.write([](tarvex::store::Connection &) {}); // what still waits is written now
+        m_current.emplace(m_database, m_hash, clocks(), rules);
+    }
+    tarvex::requests::Clocks clocks()
+    {
+        return {.steady = [this] { return m_now; }, .seconds = [this] { return m_seconds; }};
     }
 
     /// The body of a request that the account of the fixture makes.
@@ -83,5 +87,6 @@ protected:
     tarvex::store::Database m_database{m_folder.databaseUrl()};
     const tarvex::security::KeyedHash m_hash =
         tarvex::requests::openInstallation(m_database, m_folder.path() / "secret");
-    std::unique_ptr<tarvex::requests::Service> m_service = newService();
+    std::optional<tarvex::requests::Service> m_current{std::in_place, m_database, m_hash, clocks()};
+    tarvex::requests::Service &m_service = *m_current; // whichever that is
 };
