@@ -98,7 +98,11 @@ class Server:
 
 
 def service(database):
-    return Server(SERVER, "serve", "--listen", "127.0.0.1:0", "--database", f"sqlite:{database}")
+    return Server(SERVER, "serve", "--listen", "127.0.0.1:0", *of_database(database))
+
+
+def of_database(path):
+    return "--database", f"sqlite:{path}", "--secret", path.with_name("secret")
 
 
 def start_load(server, connections, seconds, bodies, pause=0, nice=0):
@@ -133,7 +137,8 @@ def in_turn(runs, connections, seconds):
 
 def make_database(path, accounts, goals):
     """A database of the service with that many accounts beside its sample, goals in places of twenty."""
-    subprocess.run([SERVER, "sample", "--database", f"sqlite:{path}"], stdout=subprocess.DEVNULL, check=True)
+    subprocess.run([SERVER, "sample", *of_database(path)], stdout=subprocess.DEVNULL, check=True)
+    secret = bytes.fromhex(path.with_name("secret").read_text())
     database = sqlite3.connect(path)
     sample, = database.execute("SELECT account_id FROM account").fetchone()
     step = 2 ** 62 // accounts  # ids are spread as widely as those that the service draws
@@ -142,7 +147,10 @@ def make_database(path, accounts, goals):
     database.executemany(
         "INSERT INTO account SELECT ?, name, password_hash, version, ?, ?, created_at, ?, ?, 0 FROM account"
         " WHERE account_id = ?", [(key, sets + 1, goals + 1, goals, goals * len(NAME), sample) for _, key in people])
-    database.executemany("INSERT INTO login VALUES (?, ?)", [(digest(f"account {n}"), key) for n, key in people])
+    for n, key in people:  # as the service keeps it, and as the bare servers look for it
+        login = digest(f"account {n}")
+        keyed = hashlib.blake2b(f"5:login{len(login)}:{login}".encode(), key=secret, digest_size=32).hexdigest()
+        database.executemany("INSERT INTO login VALUES (?, ?)", [(keyed, key), (login, key)])
     database.executemany("INSERT INTO area SELECT ?, area_id, name, color, value FROM area WHERE account_id = ?",
                          [(key, sample) for _, key in people])
     database.executemany("INSERT INTO goal_set VALUES (?, ?, 'A set', NULL)",
