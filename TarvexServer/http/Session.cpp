@@ -7,8 +7,8 @@
 #include "Wipe.h"
 
 #include <algorithm>
+#include <boost/asio/dispatch.hpp>
 #include <boost/asio/executor_work_guard.hpp>
-#include <boost/asio/post.hpp>
 #include <boost/asio/write.hpp>
 #include <boost/beast/core/string.hpp>
 #include <boost/beast/http/read.hpp>
@@ -23,6 +23,7 @@ using requests::Outcome;
 namespace {
 
 constexpr std::size_t readSize = 16UL * 1024;
+constexpr std::size_t idleReadSize = 1024;    // many connections wait, and most requests are small
 constexpr std::size_t beginningOfBody = 4096; // enough to tell what a request is
 constexpr std::size_t freeBody = 64UL * 1024; // bodies up to this size need no reservation
 constexpr std::size_t bodyStep = 64UL * 1024; // and further ones are reserved by so much as they arrive
@@ -108,7 +109,8 @@ void Session::start()
     }
     m_idleSince = std::chrono::steady_clock::now();
     m_stream.expires_after(m_isFirst ? m_context.limits.headTime : m_context.limits.idleTime);
-    m_stream.async_read_some(m_buffer.prepare(readSize),
+    m_buffer.shrink_to_fit();
+    m_stream.async_read_some(m_buffer.prepare(idleReadSize),
                              [self = shared_from_this()](Error error, std::size_t size) {
                                  self->m_buffer.commit(size);
                                  if (!error)
@@ -285,19 +287,23 @@ void Session::serve()
 {
     requests::Request request{.body = std::move(m_body), .peer = requestPeer(), .arrival = m_arrival};
     m_body = request.body.substr(0, beginningOfBody);
+    const unsigned turn = m_turn;
+    auto guard = asio::make_work_guard(m_stream.get_executor());
+    m_context.workers.submit(
+        std::move(request), [self = shared_from_this(), turn, guard](BuiltAnswer built) mutable {
+            // The session goes along: it must not end on the thread of a worker.
+            asio::dispatch(guard.get_executor(),
+                           [self = std::move(self), turn, built = std::move(built)]() mutable {
+                               if (turn == self->m_turn)
+                                   self->answer(std::move(built));
+                           });
+        });
+    if (turn != m_turn)
+        return; // answered already
     m_handlerTimer.expires_after(m_context.limits.handlerTime);
-    m_handlerTimer.async_wait([self = shared_from_this(), turn = m_turn](Error error) {
+    m_handlerTimer.async_wait([self = shared_from_this(), turn](Error error) {
         if (!error && turn == self->m_turn)
             self->answer({self->m_context.service.refuse(self->m_body, Outcome::Busy)});
-    });
-    auto guard = asio::make_work_guard(m_stream.get_executor());
-    m_context.workers.submit(std::move(request), [self = shared_from_this(), turn = m_turn,
-                                                  guard](BuiltAnswer built) mutable {
-        // The session goes along: it must not end on the thread of a worker.
-        asio::post(guard.get_executor(), [self = std::move(self), turn, built = std::move(built)]() mutable {
-            if (turn == self->m_turn)
-                self->answer(std::move(built));
-        });
     });
 }
 
