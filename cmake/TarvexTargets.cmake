@@ -38,11 +38,19 @@ function(tarvex_library name)
   target_link_libraries(${name} PUBLIC ${arg_PUBLIC_LINKS} PRIVATE tarvex-rules ${arg_LINKS})
 endfunction()
 
-# The same for a library of the client, built with the toolkit's code generators.
+# The same for a library of the client, built with the toolkit's code generators. FORMS, which come
+# last, are files of resources/.
 function(tarvex_qt_library name)
-  tarvex_library(${name} ${ARGN})
+  cmake_parse_arguments(arg "" "" "FORMS" ${ARGN})
+  tarvex_library(${name} ${arg_UNPARSED_ARGUMENTS})
   target_link_libraries(${name} PRIVATE tarvex-qt-rules)
-  set_target_properties(${name} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
+  set_target_properties(${name} PROPERTIES AUTOMOC ON AUTORCC ON)
+  if(arg_FORMS) # by a rule of the build, so that whoever changes a form builds once and has it
+    list(TRANSFORM arg_FORMS PREPEND ${PROJECT_SOURCE_DIR}/TarvexCloud/resources/)
+    qt_wrap_ui(headers ${arg_FORMS})
+    target_sources(${name} PRIVATE ${headers})
+    target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_BINARY_DIR})
+  endif()
 endfunction()
 
 # tarvex_program(NAME SOURCES ... LINKS ...): a program of the product.

@@ -20,6 +20,7 @@
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QPushButton>
+#include <QScreen>
 #include <QTest>
 #include <QTimer>
 #include <QUrl>
@@ -136,6 +137,12 @@ public:
             if (((image.pixel(at % image.width(), at / image.width()) ^ color) & 0xffffff) == 0)
                 return true;
         return false;
+    }
+
+    /// The document's window as the screen has it now, drawn or not.
+    static QImage onScreen(const TarvexDocument *document)
+    {
+        return document->window()->screen()->grabWindow(document->window()->winId()).toImage();
     }
 
     /// How often the wheel was drawn by now. What is due anyway counts if `settled`.

@@ -1,20 +1,32 @@
 #include "BusyIndicator.h"
 #include "ElidedLabel.h"
 #include "ErrorBox.h"
+#include "LinkOpener.h"
 #include "OneLineEdit.h"
 #include "QuietLabel.h"
+#include "RotatedLabel.h"
+#include "SheetStyle.h"
+#include "WrappedLabel.h"
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDesktopServices>
 #include <QMessageBox>
 #include <QTest>
 #include <QTimer>
+#include <QUrl>
 
 using namespace Qt::StringLiterals;
 
 class LabelsTest : public QObject
 {
     Q_OBJECT
+
+public Q_SLOTS:
+    void open(const QUrl &address) { m_opened = address; }
+
+private:
+    QUrl m_opened;
 
 private Q_SLOTS:
     void textFromOutsideIsOneBoundedLine()
@@ -54,6 +66,38 @@ private Q_SLOTS:
         const QImage first = indicator.grab().toImage();
         QTRY_VERIFY(indicator.grab().toImage() != first);
         QVERIFY(quietShadeOf(Qt::black).alphaF() > 0.5);
+    }
+
+    void aLabelLeansAsItIsTold()
+    {
+        QWidget parent;
+        parent.resize(200, 200);
+        RotatedLabel label(&parent);
+        label.setText(u"Health"_s);
+        label.setFrameRotation(45); // counter-clockwise: its end is up
+        label.setFrameCentredAt(QPointF(100, 100), QSizeF(120, 20), parent.height());
+        const QImage image = parent.grab().toImage();
+        QVERIFY(image.copy(0, 0, 90, 90) != image.copy(100, 0, 90, 90));
+        QVERIFY(image.copy(0, 0, 90, 90) == image.copy(110, 110, 90, 90));
+    }
+
+    void titlesStandOutAndGoalsAreWhole()
+    {
+        QLabel title;
+        const int size = QFontInfo(title.font()).pixelSize();
+        SheetStyle::makeTitle(&title);
+        QVERIFY(title.font().pixelSize() > size && title.font().bold());
+        WrappedLabel goal;
+        goal.setText(QString(2000, u'x') + u"end"_s);
+        QVERIFY(goal.toPlainText().endsWith(u"end"_s));
+    }
+
+    void linksLeadOutside()
+    {
+        QDesktopServices::setUrlHandler(u"https"_s, this, "open");
+        BrowserLinkOpener().openLink(QUrl(u"https://www.example.org/"_s));
+        QDesktopServices::unsetUrlHandler(u"https"_s);
+        QCOMPARE(m_opened, QUrl(u"https://www.example.org/"_s));
     }
 
     void aMnemonicOfWhatIsOffIsNoText()
