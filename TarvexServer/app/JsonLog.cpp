@@ -60,8 +60,16 @@ public:
         spdlog::memory_buf_t line;
         const std::lock_guard lock(m_mutex);
         m_formatter->format(message, line);
+        if (m_waiting.empty())
+            m_isOne.notify_one();
         if (m_waiting.size() + line.size() <= largestWaiting)
             m_waiting.append(line.data(), line.size());
+    }
+    /// Waits until there is a line, or for the end.
+    void waitForOne(const std::stop_token &stop)
+    {
+        std::unique_lock lock(m_mutex);
+        m_isOne.wait(lock, stop, [this] { return !m_waiting.empty(); });
     }
     void flush() override
     {
@@ -88,6 +96,7 @@ public:
 
 private:
     std::mutex m_mutex;
+    std::condition_variable_any m_isOne;
     std::unique_ptr<spdlog::formatter> m_formatter;
     std::string m_waiting;
 };
@@ -108,11 +117,9 @@ Log::~Log()
 
 void Log::run(const std::stop_token &stop)
 {
-    std::mutex mutex;
-    std::unique_lock lock(mutex);
-    std::condition_variable_any isEnd;
     while (!stop.stop_requested()) {
-        isEnd.wait_for(lock, stop, betweenWrites, [] { return false; });
+        m_lines->waitForOne(stop);
+        std::this_thread::sleep_for(betweenWrites); // while others come
         m_lines->flush();
     }
     m_isWritten.set_value();

@@ -19,7 +19,6 @@ namespace tarvex::requests {
 namespace {
 
 constexpr std::size_t maximumEmailSize = 254; // RFC 5321, 4.5.3.1.3, without the angle brackets
-constexpr std::size_t maximumTextSize = 1024;
 
 /// One "@", the characters addresses are usually made of, and a domain with a dot: what the client accepts,
 /// and top-level domains of any length besides.
@@ -65,7 +64,7 @@ std::optional<Answer> signUpFault(const wire::SignUpForm &form, const SignUpRule
         return refusedSignUp("You must fill in all fields.");
     if (form.email.size() > maximumEmailSize)
         return refusedSignUp("The e-mail address is too long.");
-    if (form.password.size() > maximumTextSize || form.name.size() > maximumTextSize)
+    if (form.password.size() > wire::maximumNameSize || !wire::storableName(form.name))
         return refusedSignUp("The name or the password is too long.");
     if (!isEmailAddress(form.email))
         return refusedSignUp("The e-mail address is not valid.");

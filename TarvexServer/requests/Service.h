@@ -2,6 +2,7 @@
 
 #include "Accounts.h"
 #include "Answer.h"
+#include "AnswerCache.h"
 #include "Clocks.h"
 #include "Database.h"
 #include "Failures.h"
@@ -100,6 +101,7 @@ public:
 
 private:
     bool isFormSound(Turn &turn);
+    void lookHastily(Turn &turn, store::Connection &connection);
     void look(Turn &turn, store::Connection &connection);
     void decide(Turn &turn);
     void readAll(Turn &turn);
@@ -120,6 +122,7 @@ private:
     security::KeyedHash m_hash;
     security::VerifiedCredentials m_verified;
     Failures m_failures;
+    AnswerCache m_answers;
     RefusedSaves m_refusedSaves;
     Purge m_purge;
 };

@@ -88,6 +88,10 @@ public:
         return prepared(sql).changes();
     }
 
+    /// A number that is another one whenever another session, be it of another process, has changed anything
+    /// since it was asked last. Sessions do not compare.
+    virtual std::int64_t version() = 0;
+
 protected:
     Connection() = default;
 

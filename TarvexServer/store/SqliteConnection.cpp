@@ -123,6 +123,12 @@ std::int64_t SqliteConnection::numberOf(const std::string &query)
     return statement.step() ? statement.number(/*column=*/0) : 0;
 }
 
+std::int64_t SqliteConnection::version()
+{
+    Rows found = rows("PRAGMA data_version");
+    return found.next() ? found.number(0) : 0;
+}
+
 void SqliteConnection::rollBack() noexcept
 {
     if (sqlite3_get_autocommit(m_session) == 0)

@@ -28,6 +28,8 @@ public:
     /// Ends a transaction that failed, unless the engine has done so by itself.
     void rollBack() noexcept;
 
+    std::int64_t version() override;
+
     /// From now on a statement waits for another process that holds the file for as long as this says so; it
     /// is asked every few milliseconds, and before the first.
     void waitWhile(std::function<bool()> goesOn);

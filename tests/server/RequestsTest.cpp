@@ -194,6 +194,26 @@ TEST_F(Requests, WhatWasDeletedIsGoneAfterThirtyDaysOfRunning)
     EXPECT_EQ(goalsAfter(2), 0);
 }
 
+TEST_F(Requests, WhatAnotherProcessChangesIsSeenAtOnce)
+{
+    store::Database same(m_folder.databaseUrl());
+    requests::Service other(same, m_hash, clocks());
+    const auto change = [&](const std::string &name) {
+        const auto turn = other.begin(
+            {.body = asAnna("set-sets-name", "&p4=" + name + "&p5=1"), .peer = "", .arrival = m_now});
+        if (turn->step() == requests::Turn::Step::Hash)
+            other.verify(*turn);
+        EXPECT_EQ(other.finish(*turn).body, "OK");
+    };
+    for (const std::string name : {"one", "two", "three"}) {
+        change(name);
+        for (int again = 0; again < 3; ++again)
+            EXPECT_EQ(column(postAsAnna("get-sets"), "name"), "[" + name + "]");
+        EXPECT_EQ(postAsAnna("set-sets-name", "&p4=mine&p5=1"), "OK");
+        EXPECT_EQ(column(postAsAnna("get-sets"), "name"), "[mine]");
+    }
+}
+
 TEST_F(Requests, AnAccountHoldsNoMoreThanItMay)
 {
     std::string list;
