@@ -6,6 +6,7 @@
 
 #include <QFileDialog>
 #include <QPrinterInfo>
+#include <QScrollBar>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -168,6 +169,11 @@ private Q_SLOTS:
         QTest::keyClick(&preview, Qt::Key_End);
         QCOMPARE(preview.currentPage(), 3);
         QVERIFY(preview.grab().toImage() != first);
+        preview.zoomBy(2);
+        const QScrollBar *bar = preview.verticalScrollBar();
+        const int length = bar->maximum() + bar->pageStep();
+        dialog->resize(dialog->width() + 80, dialog->height());
+        QCOMPARE(bar->maximum() + bar->pageStep(), length); // the zoom is the user's
 
         client.document->print(); // the set's window is taken
         client.document->renameAreas();
