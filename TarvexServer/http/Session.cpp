@@ -289,15 +289,14 @@ void Session::serve()
     m_body = request.body.substr(0, beginningOfBody);
     const unsigned turn = m_turn;
     auto guard = asio::make_work_guard(m_stream.get_executor());
-    m_context.workers.submit(
-        std::move(request), [self = shared_from_this(), turn, guard](BuiltAnswer built) mutable {
-            // The session goes along: it must not end on the thread of a worker.
-            asio::dispatch(guard.get_executor(),
-                           [self = std::move(self), turn, built = std::move(built)]() mutable {
-                               if (turn == self->m_turn)
-                                   self->answer(std::move(built));
-                           });
+    m_context.workers.submit(std::move(request), [weak = weak_from_this(), turn, guard](BuiltAnswer built) {
+        // The session must not end on the thread of a worker: until it is answered, its timer keeps it.
+        asio::dispatch(guard.get_executor(), [weak, turn, built = std::move(built)]() mutable {
+            const auto self = weak.lock();
+            if (self && turn == self->m_turn)
+                self->answer(std::move(built));
         });
+    });
     if (turn != m_turn)
         return; // answered already
     m_handlerTimer.expires_after(m_context.limits.handlerTime);
