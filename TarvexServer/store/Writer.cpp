@@ -3,6 +3,9 @@
 #include "StoreError.h"
 
 #include <algorithm>
+#ifdef __linux__
+#include <sys/resource.h>
+#endif
 
 namespace tarvex::store {
 
@@ -15,6 +18,15 @@ constexpr std::size_t largestBatch = 64;
 constexpr std::chrono::seconds longestWait{5};
 
 constexpr std::chrono::milliseconds pauseForMemory{20};
+
+/// A long write leaves the processor to whoever reads meanwhile, where there are more threads than cores.
+void stepBack()
+{
+#ifdef __linux__ // elsewhere this would be the priority of the process
+    constexpr int patient = 10;
+    ::setpriority(PRIO_PROCESS, /*who=*/0, patient); // of this thread; without it, as good as before
+#endif
+}
 
 } // namespace
 
@@ -47,6 +59,7 @@ void Writer::add(Work work, Written written)
 
 void Writer::run()
 {
+    stepBack();
     for (std::vector<Job> batch = nextBatch(); !batch.empty(); batch = nextBatch()) {
         commit(batch);
         for (Job &job : batch) {
