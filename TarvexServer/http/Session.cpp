@@ -110,6 +110,8 @@ void Session::start()
     m_idleSince = std::chrono::steady_clock::now();
     m_stream.expires_after(m_isFirst ? m_context.limits.headTime : m_context.limits.idleTime);
     m_buffer.shrink_to_fit();
+    m_body.shrink_to_fit();
+    m_parser.reset();
     m_stream.async_read_some(m_buffer.prepare(idleReadSize),
                              [self = shared_from_this()](Error error, std::size_t size) {
                                  self->m_buffer.commit(size);
