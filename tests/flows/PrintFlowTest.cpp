@@ -6,8 +6,8 @@
 
 #include <QFileDialog>
 #include <QPrinterInfo>
-#include <QScrollBar>
 #include <QProcess>
+#include <QScrollBar>
 #include <QTemporaryDir>
 
 namespace {
