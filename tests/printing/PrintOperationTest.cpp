@@ -160,7 +160,8 @@ private Q_SLOTS:
                 const QRectF ink = page.ink(item.rect.adjusted(0, -4, 0, 4));
                 switch (item.kind) {
                 case Kind::Slice:
-                    QCOMPARE(beside(105).name(), slices[item.index]);       // beyond all values
+                    for (const qreal more : {-20, 0, 20}) // beyond all values, from edge to edge
+                        QCOMPARE(beside(105, more).name(), slices[item.index]);
                     QVERIFY(qGray(beside(105, /*more=*/22.5).rgb()) > 240); // the outline
                     break;
                 case Kind::Value: // here an area's value is its index
@@ -174,6 +175,11 @@ private Q_SLOTS:
                     QVERIFY(qAbs(ink.center().y() - centre.y()) < 1.5);
                     QVERIFY(item.kind == Kind::Name ? ink.left() - item.rect.left() < 3
                                                     : item.rect.right() - ink.right() < 3);
+                    break;
+                case Kind::CheckboxOff:
+                case Kind::CheckboxOn: // of which only this one has a tick in the middle
+                    QCOMPARE(page.ink(QRectF(centre - QPointF(2, 2), QSizeF(4, 4))).isEmpty(),
+                             item.kind == Kind::CheckboxOff);
                     break;
                 case Kind::Rule:
                     QVERIFY(ink.width() > item.rect.width() - 2 && ink.height() >= 1);
