@@ -1,5 +1,6 @@
 #include "Session.h"
 
+#include "AnswerHead.h"
 #include "PeerAddress.h"
 #include "ProxyHeader.h"
 #include "RequestHead.h"
@@ -29,34 +30,6 @@ constexpr std::size_t freeBody = 64UL * 1024; // bodies up to this size need no 
 constexpr std::size_t bodyStep = 64UL * 1024; // and further ones are reserved by so much as they arrive
 constexpr std::size_t lingeringBytes = 1024UL * 1024;
 constexpr std::chrono::seconds lingeringTime{2};
-
-std::string_view contentType(requests::Format format)
-{
-    switch (format) {
-    case requests::Format::Xml:
-        return "text/xml; charset=utf-8";
-    case requests::Format::Json:
-        return "application/json; charset=utf-8";
-    case requests::Format::Plain:
-        break;
-    }
-    return "text/plain; charset=us-ascii";
-}
-
-/// For proxies and people; the client reads the body alone.
-beast::status statusOf(Outcome outcome)
-{
-    switch (outcome) {
-    case Outcome::Busy:
-        return beast::status::service_unavailable;
-    case Outcome::TooLarge:
-        return beast::status::payload_too_large;
-    case Outcome::Failed:
-        return beast::status::internal_server_error;
-    default:
-        return beast::status::ok;
-    }
-}
 
 } // namespace
 
