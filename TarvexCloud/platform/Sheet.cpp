@@ -75,7 +75,6 @@ private:
 
 Sheet::Sheet(QWidget *ownWindow) : QDialog(ownWindow, Qt::Sheet | frame)
 {
-    setWindowModality(Qt::WindowModal);
     LatestInput::instance(); // which has to see the click that will bring the sheet up
     // A sheet that comes up again at once may still count as active, and is then not told of it anew.
     m_attached.setSingleShot(true);

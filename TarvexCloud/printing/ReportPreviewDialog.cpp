@@ -20,7 +20,6 @@ ReportPreviewDialog::ReportPreviewDialog(const std::shared_ptr<PrintOperation> &
     : QDialog(parent), m_preview(new ReportPreview(operation)), m_page(new QLabel)
 {
     setWindowTitle(tr("Print Preview"));
-    setWindowModality(Qt::WindowModal);
     resize(roomForAPage.boundedTo(screen()->availableSize() * shareOfScreen));
 
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close);

@@ -5,6 +5,8 @@
 #include "ReportTexts.h"
 
 #include <QFileDialog>
+#include <QPageSetupDialog>
+#include <QPrinter>
 #include <QPrinterInfo>
 #include <QProcess>
 #include <QScrollBar>
@@ -175,6 +177,13 @@ private Q_SLOTS:
         dialog->resize(dialog->width() + 80, dialog->height());
         QCOMPARE(bar->maximum() + bar->pageStep(), length); // the zoom is the user's
 
+        Client::button(dialog, u"Page Setup…"_s)->click();
+        auto *setup = dialog->findChild<QPageSetupDialog *>();
+        setup->printer()->setPageSize(QPageSize(QPageSize::A5));
+        Q_EMIT setup->accepted();
+        setup->close();
+        QVERIFY(preview.countPages() > 3);
+
         client.document->print(); // the set's window is taken
         client.document->renameAreas();
         QVERIFY(!client.document->wndRenameAreas()->isVisible());
@@ -182,7 +191,7 @@ private Q_SLOTS:
 
         QTest::mouseClick(Client::button(dialog, u"Save as PDF…"_s), Qt::LeftButton);
         Q_EMIT client.dialog<QFileDialog>()->fileSelected(folder.filePath(u"seen.pdf"_s));
-        QCOMPARE(textOf(folder.filePath(u"seen.pdf"_s)).count(u'\f'), 3);
+        QCOMPARE(textOf(folder.filePath(u"seen.pdf"_s)).count(u'\f'), preview.countPages());
     }
 
     void aComputerWithoutPrinterIsTold()

@@ -1,3 +1,4 @@
+#include "InputHold.h"
 #include "Sheet.h"
 #include "SheetShade.h"
 
@@ -122,6 +123,17 @@ private Q_SLOTS:
         QCOMPARE(cancels.count(), 2);
         QVERIFY(sheet.isVisible());
         QCOMPARE(sheet.windowModality(), Qt::WindowModal);
+    }
+
+    void aWindowStaysOpenWhileInputIsHeld()
+    {
+        QMainWindow window;
+        window.show();
+        InputHold hold;
+        hold.begin();
+        QVERIFY(!window.close() && window.isVisible());
+        hold.end();
+        QVERIFY(window.close());
     }
 };
 
