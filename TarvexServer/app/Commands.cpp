@@ -45,7 +45,9 @@ struct ServeOptions
     std::vector<std::string> trustedProxies;
     http::Proxies proxies;
     requests::SignUpRules signUpRules;
-    std::uintmax_t keptFree = 64; // MiB
+    // MiB
+    std::uintmax_t keptFree = 64;
+    std::uintmax_t largest = 64UL * 1024;
 };
 
 /// What invite was told.
@@ -70,6 +72,9 @@ void addGrowthOptions(CLI::App &command, ServeOptions &options)
     command
         .add_option("--keep-free", options.keptFree, "How much of its disk the database leaves free, in MiB")
         ->check(CLI::Range(0, 1 << 30))
+        ->capture_default_str();
+    command.add_option("--largest-database", options.largest, "How large the database may become, in MiB")
+        ->check(CLI::Range(1, 1 << 30))
         ->capture_default_str();
 }
 
@@ -141,7 +146,9 @@ int serve(const ServeOptions &options)
         throw http::CannotListen("The address to listen on must be given as HOST:PORT.");
     http::Proxies proxies = proxiesOf(options);
     const Log log; // the last to end, for it may end the process
-    store::Database database(options.database, options.keptFree * 1024 * 1024);
+    constexpr std::uintmax_t mebibyte = 1024UL * 1024;
+    store::Database database(
+        options.database, {.keptFree = options.keptFree * mebibyte, .largest = options.largest * mebibyte});
     requests::Service service(database, openInstallation(database, options), /*clocks=*/{},
                               options.signUpRules);
     http::Server server(service, address->host, address->port, /*limits=*/{}, logRequest, std::move(proxies));

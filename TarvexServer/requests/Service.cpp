@@ -112,27 +112,43 @@ void Service::lookHastily(Turn &turn, store::Connection &connection)
 {
     const bool isKept = turn.m_kind.access == Access::Read && turn.m_kind.name != drawingKind;
     const std::string key = isKept ? m_hash({"answer", turn.m_request.body}) : "";
-    const std::string *answer = m_answers.find(key, connection.version());
+    const std::int64_t version = connection.version();
+    const std::string *answer = m_answers.find(key, version);
+    if (answer == nullptr) {
+        findAccount(turn, connection);
+        answer = m_answers.find(key, version, turn.m_credentials);
+    }
     if (answer != nullptr) {
         turn.m_answer = {.body = *answer, .format = turn.m_kind.format};
         return;
     }
-    look(turn, connection);
+    lookFor(turn, connection);
     if (isKept && turn.m_answer && turn.m_answer->outcome == Outcome::Done)
-        m_answers.keep(key, turn.m_answer->body);
+        m_answers.keep(key, version, turn.m_credentials, turn.m_answer->body);
 }
 
 /// All of a request that reading can do. May be begun anew.
 void Service::look(Turn &turn, store::Connection &connection)
 {
-    if (!turn.m_signUp) {
-        const std::string login = loginKey(m_hash, turn.login());
-        turn.m_credentials = store::findCredentials(connection, login).value_or(store::Credentials());
-        if (isVerified(turn)) {
-            if (turn.m_kind.access == Access::Read)
-                turn.m_answer = handled(turn, connection);
-            return;
-        }
+    findAccount(turn, connection);
+    lookFor(turn, connection);
+}
+
+void Service::findAccount(Turn &turn, store::Connection &connection)
+{
+    if (turn.m_signUp)
+        return;
+    const std::string login = loginKey(m_hash, turn.login());
+    turn.m_credentials = store::findCredentials(connection, login).value_or(store::Credentials());
+}
+
+/// What is to be looked up once the account is known.
+void Service::lookFor(Turn &turn, store::Connection &connection)
+{
+    if (!turn.m_signUp && isVerified(turn)) {
+        if (turn.m_kind.access == Access::Read)
+            turn.m_answer = handled(turn, connection);
+        return;
     }
     turn.m_isExhausted = m_failures.isExhausted(limitedKeys(turn), connection);
     if (turn.m_signUp && !turn.m_isExhausted)
@@ -303,12 +319,14 @@ void Service::write(Turn &turn, store::Connection &connection)
         return;
     }
     if (turn.m_kind.access == Access::Add)
-        m_database.requireRoom();
+        m_database.requireRoom(connection);
     turn.m_answer = turn.m_signUp ? signUp(connection, *turn.m_signUp, m_signUpRules, turn.m_newPasswordHash,
                                            m_hash, m_clocks.seconds())
                                   : handled(turn, connection);
     if (turn.m_answer->outcome != Outcome::Done)
         throw RequestRefused(); // so that nothing of it stays
+    if (!turn.m_signUp)
+        store::countChange(connection, turn.m_credentials.accountId);
 }
 
 void Service::written(Turn &turn, const std::exception_ptr &failure)

@@ -103,6 +103,8 @@ private:
     bool isFormSound(Turn &turn);
     void lookHastily(Turn &turn, store::Connection &connection);
     void look(Turn &turn, store::Connection &connection);
+    void findAccount(Turn &turn, store::Connection &connection);
+    void lookFor(Turn &turn, store::Connection &connection);
     void decide(Turn &turn);
     void readAll(Turn &turn);
     Failures::Keys limitedKeys(const Turn &turn) const;

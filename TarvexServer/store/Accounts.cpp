@@ -27,14 +27,21 @@ void insertAreas(Connection &connection, std::int64_t accountId, const std::vect
 std::optional<Credentials> findCredentials(Connection &connection, std::string_view login)
 {
     Rows found =
-        connection.rows("SELECT account.account_id, account.version, account.password_hash FROM login"
-                        " JOIN account ON account.account_id = login.account_id"
+        connection.rows("SELECT account.account_id, account.version, account.changes, account.password_hash"
+                        " FROM login JOIN account ON account.account_id = login.account_id"
                         " WHERE login.login_digest = $1",
                         login);
     if (!found.next())
         return {};
-    return Credentials{
-        .accountId = found.number(0), .version = found.number(1), .passwordHash = std::string(found.text(2))};
+    return Credentials{.accountId = found.number(0),
+                       .version = found.number(1),
+                       .changes = found.number(2),
+                       .passwordHash = std::string(found.text(3))};
+}
+
+void countChange(Connection &connection, std::int64_t accountId)
+{
+    connection.change("UPDATE account SET changes = changes + 1 WHERE account_id = $1", accountId);
 }
 
 std::int64_t countAccounts(Connection &connection)

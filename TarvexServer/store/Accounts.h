@@ -11,11 +11,13 @@
 namespace tarvex::store {
 
 /// What a sign-in is checked against. The version grows whenever a password or the account itself changes, so
-/// that whoever remembers a check knows when it is out of date.
+/// that whoever remembers a check knows when it is out of date; the changes are those of all that the account
+/// has, for whoever remembers an answer.
 struct Credentials
 {
     std::int64_t accountId = 0;
     std::int64_t version = 0;
+    std::int64_t changes = 0;
     std::string passwordHash;
 };
 
@@ -36,6 +38,9 @@ struct NewAccount
 };
 
 std::optional<Credentials> findCredentials(Connection &connection, std::string_view login);
+
+/// Counts a change, which goes for every transaction that made one but for signing up.
+void countChange(Connection &connection, std::int64_t accountId);
 
 std::int64_t countAccounts(Connection &connection);
 

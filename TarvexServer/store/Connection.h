@@ -91,6 +91,8 @@ public:
     /// A number that is another one whenever another session, be it of another process, has changed anything
     /// since it was asked last. Sessions do not compare.
     virtual std::int64_t version() = 0;
+    /// The bytes that the data take, without those that were freed and are used again before any others.
+    virtual std::int64_t size() = 0;
 
 protected:
     Connection() = default;

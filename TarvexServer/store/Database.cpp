@@ -130,16 +130,16 @@ struct Database::Sessions
     std::unique_ptr<SqliteConnection> hasty;
     Readers readers;
     std::filesystem::path folder;
-    std::uintmax_t keptFree;
+    Room room;
 };
 
-Database::Database(const std::string &url, std::uintmax_t keptFree)
+Database::Database(const std::string &url, Room room)
     : m_file(sqliteFile(url)), m_sessions(std::make_unique<Sessions>())
 {
     const std::filesystem::path &file = m_file;
     createFile(file);
     m_sessions->folder = std::filesystem::absolute(file).parent_path();
-    m_sessions->keptFree = keptFree;
+    m_sessions->room = room;
     try {
         const FolderLock alone(m_sessions->folder);
         auto writer = std::make_unique<SqliteConnection>(file);
@@ -197,10 +197,13 @@ void Database::write(Work work, Written written)
     m_sessions->writer->add(std::move(work), std::move(written));
 }
 
-void Database::requireRoom() const
+void Database::requireRoom(Connection &connection) const
 {
+    const auto &[keptFree, largest] = m_sessions->room;
+    if (static_cast<std::uintmax_t>(connection.size()) >= largest)
+        throw TransactionFailed("the database is as large as it may be");
     std::error_code error; // with which as much is free as can be said
-    if (std::filesystem::space(m_sessions->folder, error).available < m_sessions->keptFree)
+    if (std::filesystem::space(m_sessions->folder, error).available < keptFree)
         throw TransactionFailed("the disk has less free than is to be left so");
 }
 

@@ -7,10 +7,18 @@
 #include <exception>
 #include <filesystem>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <string>
 
 namespace tarvex::store {
+
+/// What a database may take of its disk, in bytes.
+struct Room
+{
+    std::uintmax_t keptFree = 0; ///< so much of the disk is left free
+    std::uintmax_t largest = std::numeric_limits<std::uintmax_t>::max();
+};
 
 /// One database, open for many threads.
 ///
@@ -24,9 +32,9 @@ public:
     using Work = std::function<void(Connection &)>;
     using Written = std::function<void(std::exception_ptr)>;
 
-    /// Opens the database at the URL, making file, missing parent folders and schema as needed; so many
-    /// bytes of its disk are to be left free. Throws CannotOpen.
-    explicit Database(const std::string &url, std::uintmax_t keptFree = 0);
+    /// Opens the database at the URL, making file, missing parent folders and schema as needed. Throws
+    /// CannotOpen.
+    explicit Database(const std::string &url, Room room = {});
     /// Writes first what still waits to be written.
     ~Database();
     Database(const Database &) = delete;
@@ -44,9 +52,8 @@ public:
     /// The same without waiting; `written` is told on another thread, with what was thrown if anything was.
     void write(Work work, Written written);
 
-    /// Throws TransactionFailed while the disk has no room beside what is to be left free. For work that
-    /// adds; what removes may go on.
-    void requireRoom() const;
+    /// Throws TransactionFailed while there is no room. For work that adds; what removes may go on.
+    void requireRoom(Connection &connection) const;
 
     /// The file it is in.
     const std::filesystem::path &file() const { return m_file; }

@@ -123,10 +123,20 @@ std::int64_t SqliteConnection::numberOf(const std::string &query)
     return statement.step() ? statement.number(/*column=*/0) : 0;
 }
 
+std::int64_t SqliteConnection::pragma(const char *sql)
+{
+    Rows found = rows(sql);
+    return found.next() ? found.number(0) : 0;
+}
+
 std::int64_t SqliteConnection::version()
 {
-    Rows found = rows("PRAGMA data_version");
-    return found.next() ? found.number(0) : 0;
+    return pragma("PRAGMA data_version");
+}
+
+std::int64_t SqliteConnection::size()
+{
+    return (pragma("PRAGMA page_count") - pragma("PRAGMA freelist_count")) * pragma("PRAGMA page_size");
 }
 
 void SqliteConnection::rollBack() noexcept

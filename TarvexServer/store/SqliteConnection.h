@@ -29,6 +29,7 @@ public:
     void rollBack() noexcept;
 
     std::int64_t version() override;
+    std::int64_t size() override;
 
     /// From now on a statement waits for another process that holds the file for as long as this says so; it
     /// is asked every few milliseconds, and before the first.
@@ -39,6 +40,7 @@ public:
     void beginHaste();
 
 private:
+    std::int64_t pragma(const char *sql);
     std::unique_ptr<Statement> prepare(std::string_view sql) override;
 
     sqlite3 *m_session = nullptr;

@@ -1,5 +1,5 @@
-#include "InputHold.h"
 #include "Sheet.h"
+#include "InputHold.h"
 #include "SheetShade.h"
 
 #include <QLineEdit>

@@ -184,10 +184,10 @@ TEST(Binary, LeavesNoPasswordBehind)
     EXPECT_FALSE(WCOREDUMP(server.child.native_exit_code()));
 }
 
-TEST(Binary, AddsNothingWhileTheDiskHasTooLittleFree)
+void addsNothing(const TemporaryFolder &folder, const std::string &options, const std::string &launcher,
+                 const std::string &reason)
 {
-    const TemporaryFolder folder;
-    ServerProcess server(folder, serveHere + " --keep-free 2", onDiskOf(folder, "3m"));
+    ServerProcess server(folder, serveHere + options, launcher);
     RawClient client(server.port());
     const std::string credentials =
         "&p2=" + security::signInDigest("a@example.org") + "&p3=" + security::signInDigest("b");
@@ -206,7 +206,15 @@ TEST(Binary, AddsNothingWhileTheDiskHasTooLittleFree)
     EXPECT_EQ(client.post("p1=set-area-value" + credentials + "&p4=1&p5=7").body(), "OK");
     EXPECT_EQ(client.post("p1=delete-sets" + credentials + "&p4=1").body(), "OK");
     ::kill(server.child.id(), SIGTERM);
-    EXPECT_NE(server.ended().second.find("the disk has less free than is to be left so"), std::string::npos);
+    EXPECT_NE(server.ended().second.find(reason), std::string::npos);
+}
+
+TEST(Binary, AddsNothingWhileThereIsTooLittleRoom)
+{
+    const TemporaryFolder folder;
+    addsNothing(folder, " --keep-free 2", onDiskOf(folder, "3m"),
+                "the disk has less free than is to be left so");
+    addsNothing(folder, " --largest-database 1", /*launcher=*/"", "the database is as large as it may be");
 }
 
 TEST(Binary, ListensToThisMachineAloneUnlessToldOtherwise)

@@ -212,6 +212,13 @@ TEST_F(Requests, WhatAnotherProcessChangesIsSeenAtOnce)
         EXPECT_EQ(postAsAnna("set-sets-name", "&p4=mine&p5=1"), "OK");
         EXPECT_EQ(column(postAsAnna("get-sets"), "name"), "[mine]");
     }
+
+    const auto changeByHand = [&](const char *sql) {
+        same.write([sql](store::Connection &connection) { connection.change(sql); });
+        return column(postAsAnna("get-sets"), "name");
+    };
+    EXPECT_EQ(changeByHand("UPDATE goal_set SET name = 'new'"), "[mine]"); // as far as its account knows
+    EXPECT_EQ(changeByHand("UPDATE account SET changes = changes + 1"), "[new]");
 }
 
 TEST_F(Requests, AnAccountHoldsNoMoreThanItMay)
