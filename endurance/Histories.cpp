@@ -282,7 +282,7 @@ private:
         std::string percents;
         for (const int id : order) {
             names += "[" + m_account->sets[id] + "]";
-            percents += "[" + std::to_string(m_account->percent(id, 3)) + "]";
+            percents += "[" + std::to_string(m_account->percent(id, /*area=*/3)) + "]";
         }
         const std::string answer = ask("get-sets");
         EXPECT_EQ(Http::column(answer, "name"), names);

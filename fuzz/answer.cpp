@@ -26,6 +26,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t size)
     const std::string document = answer.finish();
     const auto columns = Columns::read(QByteArrayView(document.data(), qsizetype(document.size())), elements);
     require(columns && columns->count(1) == 2, "the client reads every record");
-    require(columns->text(0, 1) == "2" && columns->text(1, 1) == *name, "and every name as it was");
+    require(columns->text(/*column=*/0, /*index=*/1) == "2" &&
+                columns->text(/*column=*/1, /*index=*/1) == *name,
+            "and every name as it was");
     return 0;
 }

@@ -53,13 +53,16 @@ private Q_SLOTS:
 
     void whatShowsAnErrorOrAWaitIsSeen()
     {
-        QTimer::singleShot(0, this, [] {
+        QTimer whenItIsUp;
+        connect(&whenItIsUp, &QTimer::timeout, this, [] {
             auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
             QCOMPARE(box->textFormat(), Qt::PlainText);
             QCOMPARE(box->buttons().first()->text(), u"Close"_s);
             box->accept();
         });
+        whenItIsUp.start(0);
         showErrorBox(u"<b>No</b>"_s);
+        whenItIsUp.stop();
         BusyIndicator indicator;
         indicator.resize(40, 40);
         indicator.startAnimation();

@@ -92,9 +92,9 @@ TEST(Binary, PrintsInvitationsThatSigningUpMayNeed)
 TEST(Binary, StartsSeveralTimesAtOnceOnANewDatabase)
 {
     const TemporaryFolder folder;
-    std::vector<std::unique_ptr<ServerProcess>> servers;
-    for (int i = 0; i < 6; ++i)
-        servers.push_back(std::make_unique<ServerProcess>(folder, serveHere));
+    std::vector<std::unique_ptr<ServerProcess>> servers(6);
+    for (auto &server : servers)
+        server = std::make_unique<ServerProcess>(folder, serveHere);
     for (const auto &server : servers) {
         const std::string line = server->line();
         ASSERT_TRUE(line.starts_with("READY ")) << server->ended().second;

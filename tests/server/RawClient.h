@@ -26,9 +26,9 @@ public:
     /// The next response; throws if the connection ends before it does.
     Response read()
     {
-        Response response;
-        boost::beast::http::read(m_socket, m_buffer, response);
-        return response;
+        boost::beast::http::response_parser<boost::beast::http::string_body> parser;
+        boost::beast::http::read(m_socket, m_buffer, parser);
+        return parser.release();
     }
 
     /// Waits until the server closes the connection; false if it says anything before.

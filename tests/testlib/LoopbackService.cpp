@@ -53,7 +53,7 @@ LoopbackService::~LoopbackService()
     m_thread.wait();
 }
 
-void LoopbackService::inItsThread(const std::function<void()> &action) const
+void LoopbackService::inItsThread([[maybe_unused]] const std::function<void()> &action) const
 {
 #ifndef __clang_analyzer__ // which does not see that the receiver deletes the call
     QMetaObject::invokeMethod(const_cast<QTcpServer *>(&m_server), action, Qt::BlockingQueuedConnection);
