@@ -43,10 +43,9 @@ const char *nameOf(requests::Outcome outcome)
     return "failed";
 }
 
-void log(spdlog::level::level_enum level, const boost::json::object &fields)
+std::string quoted(const std::string &text)
 {
-    const std::string text = boost::json::serialize(fields);
-    spdlog::log(level, "{}", text.substr(1, text.size() - 2)); // the pattern brings the braces
+    return boost::json::serialize(boost::json::string(text));
 }
 
 } // namespace
@@ -125,23 +124,22 @@ void Log::run(const std::stop_token &stop)
     m_isWritten.set_value();
 }
 
+// The pattern brings the braces. What is known to hold nothing odd goes without quoting: this is done for
+// every request.
+
 void logEvent(const std::string &event)
 {
-    log(spdlog::level::info, {{"event", event}});
+    spdlog::info(R"("event":{})", quoted(event));
 }
 
 void logRequest(const http::RequestReport &report)
 {
     const bool isFault = report.outcome == requests::Outcome::Failed;
-    boost::json::object fields = {{"event", "request"},
-                                  {"kind", boost::json::string_view(report.kind.data(), report.kind.size())},
-                                  {"outcome", nameOf(report.outcome)},
-                                  {"bytes_in", report.bytesIn},
-                                  {"bytes_out", report.bytesOut},
-                                  {"microseconds", report.time.count()}};
-    if (!report.cause.empty())
-        fields["cause"] = report.cause;
-    log(isFault ? spdlog::level::err : spdlog::level::info, fields);
+    spdlog::log(
+        isFault ? spdlog::level::err : spdlog::level::info,
+        R"("event":"request","kind":"{}","outcome":"{}","bytes_in":{},"bytes_out":{},"microseconds":{}{})",
+        report.kind, nameOf(report.outcome), report.bytesIn, report.bytesOut, report.time.count(),
+        report.cause.empty() ? "" : ",\"cause\":" + quoted(report.cause));
 }
 
 } // namespace tarvex::app

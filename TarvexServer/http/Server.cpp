@@ -85,9 +85,10 @@ void Server::run()
     while (!m_context.isDraining)
         withoutEnding([this] {
             makeRounds();
-            m_io.run_one_for(roundTime);
+            m_io.run_for(roundTime);
         });
     work.reset();
+    m_io.restart();
     // Until the last connection has ended, or no longer.
     const auto end = std::chrono::steady_clock::now() + m_context.limits.drainTime;
     while (!m_io.stopped() && std::chrono::steady_clock::now() < end)
@@ -116,7 +117,7 @@ void Server::accept()
 {
     const auto token = std::make_shared<char>(); // goes with the handler, even with one that never runs
     m_accepting = token;
-    m_acceptor.async_accept([this, token](error_code error, asio::ip::tcp::socket socket) {
+    m_acceptor.async_accept([this, token](error_code error, Socket socket) {
         if (error || m_context.isDraining)
             return; // out of descriptors, most likely: the next round tries again
         accept();
@@ -124,7 +125,7 @@ void Server::accept()
     });
 }
 
-void Server::welcome(asio::ip::tcp::socket socket)
+void Server::welcome(Socket socket)
 {
     error_code error;
     const auto remote = socket.remote_endpoint(error);
@@ -164,13 +165,15 @@ void Server::makeRoom(const std::string &peer)
         longest->giveWay();
 }
 
-/// Now and then: what the service needs, and new connections where accepting them failed.
+/// Now and then: what the service needs, an end to what takes too long, and new connections where accepting
+/// them failed.
 void Server::makeRounds()
 {
     const auto now = std::chrono::steady_clock::now();
-    if (now < m_nextRound)
-        return;
-    m_nextRound = now + roundTime;
+    for (const auto &known : m_sessions) {
+        if (const auto session = known.lock())
+            session->closeIfLate(now);
+    }
     if (m_accepting.expired())
         accept();
     m_context.service.keepHouse();
@@ -179,6 +182,7 @@ void Server::makeRounds()
 void Server::beginDrain()
 {
     m_context.isDraining = true;
+    m_io.stop(); // so that run() notices
     error_code ignored;
     m_acceptor.close(ignored);
     m_signals.clear(ignored); // a second one ends the process

@@ -47,7 +47,7 @@ public:
 
 private:
     void accept();
-    void welcome(boost::asio::ip::tcp::socket socket);
+    void welcome(Socket socket);
     void makeRoom(const std::string &peer);
     void makeRounds();
     template<class Work>
@@ -59,9 +59,8 @@ private:
     SessionContext m_context;
     boost::asio::io_context m_io{1};
     Workers m_workers;
-    boost::asio::ip::tcp::acceptor m_acceptor{m_io};
-    std::weak_ptr<char> m_accepting;                   ///< expired when no connection is waited for
-    std::chrono::steady_clock::time_point m_nextRound; // of what is to be done now and then
+    boost::asio::basic_socket_acceptor<boost::asio::ip::tcp, Socket::executor_type> m_acceptor{m_io};
+    std::weak_ptr<char> m_accepting; ///< expired when no connection is waited for
     boost::asio::signal_set m_signals{m_io};
     std::vector<std::weak_ptr<Session>> m_sessions;
 };

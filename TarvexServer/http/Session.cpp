@@ -3,7 +3,6 @@
 #include "AnswerHead.h"
 #include "PeerAddress.h"
 #include "ProxyHeader.h"
-#include "RequestHead.h"
 #include "RequestKind.h"
 #include "Wipe.h"
 
@@ -12,8 +11,7 @@
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/write.hpp>
 #include <boost/beast/core/string.hpp>
-#include <boost/beast/http/read.hpp>
-#include <boost/beast/http/write.hpp>
+#include <boost/beast/http/rfc7230.hpp>
 
 namespace tarvex::http {
 
@@ -33,11 +31,10 @@ constexpr std::chrono::seconds lingeringTime{2};
 
 } // namespace
 
-Session::Session(asio::ip::tcp::socket socket, ConnectionPlace place, std::string proxy,
-                 SessionContext &context)
+Session::Session(Socket socket, ConnectionPlace place, std::string proxy, SessionContext &context)
     : m_context(context), m_place(std::move(place)), m_proxy(std::move(proxy)),
       m_isIntroduced(m_proxy.empty() || context.proxies.source != Proxies::Source::ProxyProtocol),
-      m_stream(std::move(socket)), m_handlerTimer(m_stream.get_executor()),
+      m_socket(std::move(socket)), m_handlerTimer(m_socket.get_executor()),
       m_buffer(context.limits.head + readSize)
 {
 }
@@ -51,25 +48,49 @@ void Session::drain()
 {
     Error ignored;
     if (m_isIdle)
-        m_stream.socket().close(ignored);
+        m_socket.close(ignored);
 }
 
 std::optional<std::chrono::steady_clock::time_point> Session::idleSince() const
 {
-    return m_isIdle && m_stream.socket().is_open() ? std::optional(m_idleSince) : std::nullopt;
+    return m_isIdle && m_socket.is_open() ? std::optional(m_idleSince) : std::nullopt;
 }
 
 void Session::giveWay()
 {
     Error ignored;
-    m_stream.socket().close(ignored);
+    m_socket.close(ignored);
     m_place.giveBack();
+}
+
+void Session::allow(std::chrono::milliseconds time)
+{
+    m_deadline = std::chrono::steady_clock::now() + time;
+}
+
+void Session::closeIfLate(std::chrono::steady_clock::time_point now)
+{
+    Error ignored;
+    if (now >= m_deadline)
+        m_socket.close(ignored);
+}
+
+/// Goes on once there is more; not at all when the connection has ended.
+template<class Next>
+void Session::readSome(std::size_t size, Next next)
+{
+    m_socket.async_read_some(m_buffer.prepare(size),
+                             [self = shared_from_this(), next](Error error, std::size_t read) {
+                                 self->m_buffer.commit(read);
+                                 if (!error)
+                                     next(*self);
+                             });
 }
 
 void Session::start()
 {
     if (!m_isIntroduced) {
-        m_stream.expires_after(m_context.limits.headTime);
+        allow(m_context.limits.headTime);
         readIntroduction();
         return;
     }
@@ -81,16 +102,11 @@ void Session::start()
         return;
     }
     m_idleSince = std::chrono::steady_clock::now();
-    m_stream.expires_after(m_isFirst ? m_context.limits.headTime : m_context.limits.idleTime);
+    m_deadline = m_idleSince + (m_isFirst ? m_context.limits.headTime : m_context.limits.idleTime);
     m_buffer.shrink_to_fit();
     m_body.shrink_to_fit();
     m_parser.reset();
-    m_stream.async_read_some(m_buffer.prepare(idleReadSize),
-                             [self = shared_from_this()](Error error, std::size_t size) {
-                                 self->m_buffer.commit(size);
-                                 if (!error)
-                                     self->readHead();
-                             });
+    readSome(idleReadSize, [](Session &self) { self.readHead(); });
 }
 
 /// What a proxy says first: whose connection it is.
@@ -99,12 +115,7 @@ void Session::readIntroduction()
     const auto bytes = m_buffer.data();
     const ProxyHeader header = readProxyHeader({static_cast<const char *>(bytes.data()), bytes.size()});
     if (header.state == ProxyHeader::State::Incomplete) {
-        m_stream.async_read_some(m_buffer.prepare(readSize),
-                                 [self = shared_from_this()](Error error, std::size_t size) {
-                                     self->m_buffer.commit(size);
-                                     if (!error)
-                                         self->readIntroduction();
-                                 });
+        readSome(readSize, [](Session &self) { self.readIntroduction(); });
         return;
     }
     m_buffer.consume(header.size);
@@ -124,10 +135,18 @@ void Session::readHead()
     m_parser.emplace();
     m_parser->header_limit(static_cast<std::uint32_t>(m_context.limits.head));
     m_parser->body_limit(boost::none); // bodies are read here, under limits of their own
-    m_stream.expires_after(m_context.limits.headTime);
-    beast::async_read_header(
-        m_stream, m_buffer, *m_parser,
-        [self = shared_from_this()](Error error, std::size_t) { self->headArrived(error); });
+    allow(m_context.limits.headTime);
+    parseHead();
+}
+
+void Session::parseHead()
+{
+    Error error;
+    m_buffer.consume(m_parser->put(m_buffer.data(), error));
+    if (error == beast::error::need_more)
+        readSome(readSize, [](Session &self) { self.parseHead(); });
+    else
+        headArrived(error);
 }
 
 void Session::headArrived(Error error)
@@ -137,17 +156,16 @@ void Session::headArrived(Error error)
         return;
     }
     if (const auto fault = faultOf(*m_parser))
-        sendStatus(fault->status, fault->sentence);
+        sendStatus(fault->status, std::string(fault->sentence));
     else
         beginBody(static_cast<std::size_t>(*m_parser->content_length()));
 }
 
 void Session::refuseHead(Error error)
 {
-    if (error == beast::error::header_limit || error == beast::error::buffer_overflow)
+    if (error == beast::error::header_limit)
         sendStatus(beast::status::request_header_fields_too_large, "The head of the request is too large.");
-    else if (error.category() == beast::make_error_code(beast::error::bad_method).category() &&
-             error != beast::error::end_of_stream && error != beast::error::partial_message)
+    else
         sendStatus(beast::status::bad_request, "The request cannot be read.");
 }
 
@@ -162,7 +180,7 @@ void Session::beginBody(std::size_t length)
     m_bodySize = length;
     m_keptBody = m_refusal ? std::min(length, beginningOfBody) : length;
     m_bodyRest = length > limits.discardedBody ? m_keptBody : length;
-    m_stream.expires_after(limits.bodyTime);
+    allow(limits.bodyTime);
     const bool isToldToGoOn = beast::token_list(m_parser->get()[beast::field::expect]).exists("100-continue");
     m_isBodyLeft = length > limits.discardedBody || (isToldToGoOn && m_refusal);
     if (isToldToGoOn && m_refusal) {
@@ -171,7 +189,7 @@ void Session::beginBody(std::size_t length)
     }
     if (isToldToGoOn) {
         static constexpr std::string_view goOn = "HTTP/1.1 100 Continue\r\n\r\n";
-        asio::async_write(m_stream, asio::buffer(goOn),
+        asio::async_write(m_socket, asio::buffer(goOn),
                           [self = shared_from_this()](Error error, std::size_t) {
                               if (!error)
                                   self->readBody();
@@ -188,7 +206,7 @@ void Session::readBody()
         bodyArrived();
         return;
     }
-    m_stream.async_read_some(m_buffer.prepare(std::min(readSize, m_bodyRest)),
+    m_socket.async_read_some(m_buffer.prepare(std::min(readSize, m_bodyRest)),
                              [self = shared_from_this()](Error error, std::size_t size) {
                                  self->m_buffer.commit(size);
                                  if (!error)
@@ -237,7 +255,7 @@ void Session::reserveBody(std::size_t size)
 
 void Session::bodyArrived()
 {
-    m_stream.expires_never();
+    m_deadline = std::chrono::steady_clock::time_point::max();
     m_arrival = std::chrono::steady_clock::now();
     if (m_refusal)
         answer({m_context.service.refuse(m_body, *m_refusal)});
@@ -263,7 +281,7 @@ void Session::serve()
     requests::Request request{.body = std::move(m_body), .peer = requestPeer(), .arrival = m_arrival};
     m_body = request.body.substr(0, beginningOfBody);
     const unsigned turn = m_turn;
-    auto guard = asio::make_work_guard(m_stream.get_executor());
+    auto guard = asio::make_work_guard(m_socket.get_executor());
     m_context.workers.submit(std::move(request), [weak = weak_from_this(), turn, guard](BuiltAnswer built) {
         // The session must not end on the thread of a worker: until it is answered, its timer keeps it.
         asio::dispatch(guard.get_executor(), [weak, turn, built = std::move(built)]() mutable {
@@ -287,15 +305,11 @@ void Session::answer(BuiltAnswer built)
     ++m_turn; // whatever still comes for this request comes too late
     m_handlerTimer.cancel();
     releaseBody();
-    m_response = {statusOf(answer.outcome), 11};
-    m_response.set(beast::field::content_type, contentType(answer.format));
-    const bool isBusy = answer.outcome == Outcome::Busy;
-    m_response.keep_alive(m_parser->get().keep_alive() && !isBusy && !m_isBodyLeft);
+    m_isKept = m_parser->get().keep_alive() && answer.outcome != Outcome::Busy && !m_isBodyLeft;
     report(answer);
     forgetRequest();
-    m_response.body() = std::move(answer.body);
     m_answerShare = std::move(built.share);
-    send();
+    send(statusOf(answer.outcome), answer.format, std::move(answer.body));
 }
 
 /// Leaves no password of it in memory.
@@ -318,50 +332,45 @@ void Session::report(const requests::Answer &answer) const
                               std::chrono::steady_clock::now() - m_arrival)});
 }
 
-void Session::sendStatus(beast::status status, std::string_view text)
+void Session::sendStatus(beast::status status, const std::string &sentence)
 {
-    m_response = {status, 11};
-    m_response.set(beast::field::content_type, contentType(requests::Format::Plain));
-    if (status == beast::status::method_not_allowed)
-        m_response.set(beast::field::allow, "POST");
-    m_response.body() = std::string(text) + "\n";
-    m_response.keep_alive(false); // the body that may follow is not read
-    send();
+    m_isKept = false; // the body that may follow is not read
+    send(status, requests::Format::Plain, sentence + "\n");
 }
 
-void Session::send()
+void Session::send(beast::status status, requests::Format format, std::string body)
 {
-    m_response.set(beast::field::cache_control, "no-store");
-    if (m_context.isDraining)
-        m_response.keep_alive(false);
-    m_response.prepare_payload();
-    m_stream.expires_after(m_context.limits.writeTime);
-    beast::async_write(m_stream, m_response,
-                       [self = shared_from_this()](Error error, std::size_t) { self->sent(error); });
+    m_isKept = m_isKept && !m_context.isDraining;
+    std::string head = answerHead(status, format, body.size(), m_isKept);
+    m_answer = {std::move(head), std::move(body)};
+    allow(m_context.limits.writeTime);
+    asio::async_write(m_socket, std::array{asio::buffer(m_answer[0]), asio::buffer(m_answer[1])},
+                      [self = shared_from_this()](Error error, std::size_t) {
+                          if (!error)
+                              self->sent();
+                      });
 }
 
-void Session::sent(Error error)
+void Session::sent()
 {
-    if (error)
-        return;
-    const bool isKept = m_response.keep_alive();
-    m_response = {}; // which may be idle for long
+    m_answer = {}; // the connection may be idle for long
     m_answerShare.reset();
-    if (isKept) {
+    if (m_isKept) {
         start();
         return;
     }
     // Closing with unread bytes would reset the connection and could take the answer with it.
-    m_stream.socket().shutdown(asio::ip::tcp::socket::shutdown_send, error);
+    Error ignored;
+    m_socket.shutdown(Socket::shutdown_send, ignored);
     m_buffer.clear();
     m_bodyRest = lingeringBytes;
-    m_stream.expires_after(lingeringTime);
+    allow(lingeringTime);
     linger();
 }
 
 void Session::linger()
 {
-    m_stream.async_read_some(m_buffer.prepare(readSize),
+    m_socket.async_read_some(m_buffer.prepare(readSize),
                              [self = shared_from_this()](Error error, std::size_t size) {
                                  self->m_bodyRest -= std::min(size, self->m_bodyRest);
                                  if (!error && self->m_bodyRest > 0)

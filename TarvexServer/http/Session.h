@@ -4,15 +4,16 @@
 #include "ConnectionCounts.h"
 #include "Limits.h"
 #include "Proxies.h"
+#include "RequestHead.h"
 #include "Service.h"
 #include "Workers.h"
 
+#include <array>
+#include <boost/asio/buffer.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
-#include <boost/beast/core/tcp_stream.hpp>
-#include <boost/beast/http/empty_body.hpp>
-#include <boost/beast/http/parser.hpp>
-#include <boost/beast/http/string_body.hpp>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -31,6 +32,9 @@ struct RequestReport
     std::size_t bytesOut = 0;
     std::chrono::microseconds time{0};
 };
+
+/// With the executor's type known, which spares what asking for it costs.
+using Socket = boost::asio::basic_stream_socket<boost::asio::ip::tcp, boost::asio::io_context::executor_type>;
 
 using Reporter = std::function<void(const RequestReport &)>;
 
@@ -55,8 +59,7 @@ class Session : public std::enable_shared_from_this<Session>
 public:
     /// The address is whose word is taken on whom it speaks for; empty for a connection that speaks for
     /// itself.
-    Session(boost::asio::ip::tcp::socket socket, ConnectionPlace place, std::string proxy,
-            SessionContext &context);
+    Session(Socket socket, ConnectionPlace place, std::string proxy, SessionContext &context);
     ~Session();
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
@@ -65,6 +68,9 @@ public:
     void start();
     /// Closes the connection if no request is under way; otherwise it closes after the answer.
     void drain();
+
+    /// Closes the connection if what it waits for has taken longer than it may; to be called now and then.
+    void closeIfLate(std::chrono::steady_clock::time_point now);
 
     /// Since when it has been waiting for a request; nothing while one is under way.
     std::optional<std::chrono::steady_clock::time_point> idleSince() const;
@@ -75,8 +81,12 @@ public:
 private:
     using Error = boost::beast::error_code;
 
+    template<class Next>
+    void readSome(std::size_t size, Next next);
+    void allow(std::chrono::milliseconds time);
     void readIntroduction();
     void readHead();
+    void parseHead();
     void headArrived(Error error);
     void refuseHead(Error error);
     void beginBody(std::size_t length);
@@ -88,9 +98,9 @@ private:
     void serve();
     void answer(BuiltAnswer built);
     void report(const requests::Answer &answer) const;
-    void sendStatus(boost::beast::http::status status, std::string_view text);
-    void send();
-    void sent(Error error);
+    void sendStatus(boost::beast::http::status status, const std::string &sentence);
+    void send(boost::beast::http::status status, requests::Format format, std::string body);
+    void sent();
     void linger();
     void reserveBody(std::size_t size);
     void releaseBody();
@@ -100,11 +110,15 @@ private:
     ConnectionPlace m_place;
     std::string m_proxy;
     bool m_isIntroduced;
-    boost::beast::tcp_stream m_stream;
-    boost::asio::steady_timer m_handlerTimer;
+    Socket m_socket;
+    std::chrono::steady_clock::time_point m_deadline = std::chrono::steady_clock::time_point::max();
+    boost::asio::basic_waitable_timer<
+        std::chrono::steady_clock, boost::asio::wait_traits<std::chrono::steady_clock>, Socket::executor_type>
+        m_handlerTimer;
     boost::beast::flat_buffer m_buffer;
-    std::optional<boost::beast::http::request_parser<boost::beast::http::empty_body>> m_parser;
-    boost::beast::http::response<boost::beast::http::string_body> m_response;
+    std::optional<HeadParser> m_parser;
+    std::array<std::string, 2> m_answer; ///< its head and its body
+    bool m_isKept = true;                ///< the connection, behind the answer
     AnswerMemory::Share m_answerShare;
 
     std::string m_body;

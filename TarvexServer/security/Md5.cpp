@@ -26,7 +26,8 @@ std::string signInDigest(std::string_view text)
 
 bool isSignInDigest(std::string_view text)
 {
-    return text.size() == 2 * digestSize && text.find_first_not_of(hexDigits) == std::string_view::npos;
+    const auto isDigit = [](char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F'); };
+    return text.size() == 2 * digestSize && std::all_of(text.begin(), text.end(), isDigit);
 }
 
 } // namespace tarvex::security
