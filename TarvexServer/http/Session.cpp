@@ -251,6 +251,8 @@ void Session::reserveBody(std::size_t size)
         m_context.bodyBytes += bodyStep;
         m_reservedBody += bodyStep;
     }
+    if (size > freeBody)
+        m_body.reserve(m_keptBody); // of which no more is in memory than has come
 }
 
 void Session::bodyArrived()

@@ -33,9 +33,11 @@ public:
     {
         if (!takeText(key))
             return {};
-        const auto end = m_rest.find_first_of(";:");
-        if (end == std::string_view::npos || m_rest[end] != ';')
+        const auto isSeparator = [](char character) { return character == ';' || character == ':'; };
+        const auto found = std::find_if(m_rest.begin(), m_rest.end(), isSeparator);
+        if (found == m_rest.end() || *found != ';')
             return {};
+        const auto end = static_cast<std::size_t>(found - m_rest.begin());
         const std::string_view value = m_rest.substr(0, end);
         m_rest.remove_prefix(end + 1);
         return read(value);

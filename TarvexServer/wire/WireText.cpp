@@ -1,5 +1,6 @@
 #include "WireText.h"
 
+#include <algorithm>
 #include <array>
 
 namespace tarvex::wire {
@@ -41,6 +42,12 @@ std::size_t lengthByLeadByte(unsigned lead)
     if (lead >= 0xE0 && lead < 0xF0)
         return 3;
     return lead >= 0xF0 && lead < 0xF5 ? 4 : 0;
+}
+
+/// What most names are made of, and nothing is to be asked about.
+bool isPlain(char character)
+{
+    return character >= ' ' && static_cast<unsigned char>(character) < 0x80;
 }
 
 bool isXmlCharacter(char32_t character)
@@ -94,10 +101,14 @@ std::optional<std::string> storableName(std::string_view wireText)
     std::string name;
     name.reserve(wireText.size());
     while (!wireText.empty()) {
+        const auto run = static_cast<std::size_t>(
+            std::find_if_not(wireText.begin(), wireText.end(), isPlain) - wireText.begin());
+        name += wireText.substr(0, run);
+        wireText.remove_prefix(run);
         const std::size_t length = utf8SequenceLength(wireText);
         if (length > 0 && isXmlCharacter(codePoint(wireText.substr(0, length))))
             name += wireText.substr(0, length);
-        wireText.remove_prefix(length > 0 ? length : 1);
+        wireText.remove_prefix(std::min(std::max<std::size_t>(length, 1), wireText.size()));
     }
     if (escapedSize(name) > maximumNameSize)
         return {};
