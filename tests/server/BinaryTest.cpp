@@ -15,13 +15,43 @@ using namespace tarvex;
 
 namespace {
 
-/// What a server is started with so that its folder is a disk of that size.
+/// What a server is started with so that a script goes before it, in which mounts are its own.
+std::string behind(const TemporaryFolder &folder, const std::string &script)
+{
+    std::ofstream(folder.path() / "before.sh") << script << "\nexec \"$@\"";
+    return "/usr/bin/unshare --map-root-user --mount sh before.sh ";
+}
+
+/// The same so that its folder is a disk of that size.
 std::string onDiskOf(const TemporaryFolder &folder, const std::string &size)
 {
-    std::ofstream(folder.path() / "small.sh")
-        << "mount -t tmpfs -o size=" << size << " none \"$PWD\" && cd \"$PWD\" && exec \"$@\"";
-    return "/usr/bin/unshare --map-root-user --mount sh small.sh ";
+    return behind(folder, "mount -t tmpfs -o size=" + size + " none \"$PWD\" && cd \"$PWD\"");
 }
+
+/// Requests of a new account.
+class Customer
+{
+public:
+    explicit Customer(std::uint16_t port) : m_client(port)
+    {
+        m_client.post("p1=create-new-user&p2=a@example.org&p3=b&p4=C&type=json");
+    }
+    RawClient::Response post(const std::string &kind, const std::string &rest = "")
+    {
+        return m_client.post("p1=" + kind + "&p2=" + security::signInDigest("a@example.org") +
+                             "&p3=" + security::signInDigest("b") + rest);
+    }
+    RawClient::Response saveLargeGoals(int count)
+    {
+        std::string list = "&p4=";
+        for (int i = 0; i < count; ++i)
+            list += "name:" + std::string(60'000, 'x') + ";priority:5;checked:0;setsId:1;areaId:3;{_end_}";
+        return post("create-some-goals", list);
+    }
+
+private:
+    RawClient m_client;
+};
 
 } // namespace
 
@@ -131,24 +161,37 @@ TEST(Binary, EndsAtASecondSignalOrSoonWithoutOne)
 
 TEST(Binary, SaysThatTheDiskIsFullAndServesOn)
 {
+    for (const auto &[limit, told] : {std::pair("", "database or disk is full"),
+                                      std::pair("ulimit -f 2000", "disk I/O error")}) { // of file sizes
+        const TemporaryFolder folder;
+        const std::string disk = *limit == '\0' ? onDiskOf(folder, "1m") : behind(folder, limit);
+        ServerProcess server(folder, serveHere + " --keep-free 0", disk);
+        Customer customer(server.port());
+        EXPECT_EQ(customer.saveLargeGoals(24).result_int(), 500U);
+        EXPECT_EQ(customer.post("sign-in").body(), "OK");
+        EXPECT_EQ(customer.post("create-sets", "&p4=Small").body(), "OK");
+        ::kill(server.child.id(), SIGTERM);
+        const auto [exitCode, log] = server.ended();
+        EXPECT_EQ(exitCode, 0);
+        EXPECT_NE(log.find(told), std::string::npos) << log;
+    }
+}
+
+TEST(Binary, SavesNothingWhileTheFolderCannotBeWrittenTo)
+{
     const TemporaryFolder folder;
-    ServerProcess server(folder, serveHere + " --keep-free 0", onDiskOf(folder, "1m"));
-    RawClient client(server.port());
-    const auto post = [&client](const std::string &kind, const std::string &rest) {
-        return client.post("p1=" + kind + "&p2=" + security::signInDigest("a@example.org") +
-                           "&p3=" + security::signInDigest("b") + rest);
-    };
-    client.post("p1=create-new-user&p2=a@example.org&p3=b&p4=C&type=json");
-    std::string list = "&p4=";
-    for (int i = 0; i < 24; ++i)
-        list += "name:" + std::string(60'000, 'x') + ";priority:5;checked:0;setsId:1;areaId:3;{_end_}";
-    EXPECT_EQ(post("create-some-goals", list).result_int(), 500U);
-    EXPECT_EQ(post("sign-in", "").body(), "OK");
-    EXPECT_EQ(post("create-sets", "&p4=Small").body(), "OK");
+    // Without the right to write wherever it likes, which the test may have.
+    const std::string launcher = behind(folder, R"(exec setpriv --bounding-set=-dac_override "$@")");
+    ServerProcess server(folder, serveHere, launcher);
+    Customer customer(server.port());
+    for (const auto &[rights, answer] : {std::pair(0500, "Error"), std::pair(0700, "OK")}) {
+        std::filesystem::permissions(folder.path(), std::filesystem::perms(rights));
+        EXPECT_EQ(customer.post("create-sets", "&p4=Name").body(), answer);
+        EXPECT_EQ(customer.post("get-sets").result_int(), 200U);
+    }
     ::kill(server.child.id(), SIGTERM);
-    const auto [exitCode, log] = server.ended();
-    EXPECT_EQ(exitCode, 0);
-    EXPECT_NE(log.find("database or disk is full"), std::string::npos) << log;
+    EXPECT_NE(server.ended().second.find("the folder of the database cannot be written to"),
+              std::string::npos);
 }
 
 TEST(Binary, LeavesNoPasswordBehind)
@@ -188,23 +231,15 @@ void addsNothing(const TemporaryFolder &folder, const std::string &options, cons
                  const std::string &reason)
 {
     ServerProcess server(folder, serveHere + options, launcher);
-    RawClient client(server.port());
-    const std::string credentials =
-        "&p2=" + security::signInDigest("a@example.org") + "&p3=" + security::signInDigest("b");
-    client.post("p1=create-new-user&p2=a@example.org&p3=b&p4=C&type=json");
-    const auto save = [&] {
-        std::string list;
-        for (int i = 0; i < 20; ++i)
-            list += "name:" + std::string(60'000, 'x') + ";priority:5;checked:0;setsId:1;areaId:3;{_end_}";
-        return client.post("p1=create-some-goals" + credentials + "&p4=" + list).body();
-    };
-    EXPECT_EQ(save(), "OK");
-    EXPECT_EQ(save(), "Error");
-    EXPECT_EQ(client.post("p1=set-area-names" + credentials + "&p4=id:1;name:Body;{_end_}").body(), "Error");
-    EXPECT_NE(client.post("p1=create-new-user&p2=d@example.org&p3=b&p4=C&type=json").body(),
+    const std::uint16_t port = server.port();
+    Customer customer(port);
+    EXPECT_EQ(customer.saveLargeGoals(20).body(), "OK");
+    EXPECT_EQ(customer.saveLargeGoals(20).body(), "Error");
+    EXPECT_EQ(customer.post("set-area-names", "&p4=id:1;name:Body;{_end_}").body(), "Error");
+    EXPECT_NE(RawClient(port).post("p1=create-new-user&p2=d@example.org&p3=b&p4=C&type=json").body(),
               R"({"result":"OK"})");
-    EXPECT_EQ(client.post("p1=set-area-value" + credentials + "&p4=1&p5=7").body(), "OK");
-    EXPECT_EQ(client.post("p1=delete-sets" + credentials + "&p4=1").body(), "OK");
+    EXPECT_EQ(customer.post("set-area-value", "&p4=1&p5=7").body(), "OK");
+    EXPECT_EQ(customer.post("delete-sets", "&p4=1").body(), "OK");
     ::kill(server.child.id(), SIGTERM);
     EXPECT_NE(server.ended().second.find(reason), std::string::npos);
 }
