@@ -46,6 +46,8 @@ std::optional<HeadFault> faultOf(const HeadParser &parser)
     const Head &head = parser.get();
     if (!isHostSound(head))
         return HeadFault{beast::status::bad_request, "The request must name one host."};
+    if (head.count(beast::field::content_length) > 1) // be it the same
+        return HeadFault{beast::status::bad_request, "The request must state its length once."};
     if (isCodingUnknown(head))
         return HeadFault{beast::status::not_implemented,
                          "The body is in a form that is not understood here."};
