@@ -198,6 +198,7 @@ def saves(database):
             note("saves-16/ours", **load(ours, 16, 0.8, bodies))
             note("saves-16/peer", **load(peer, 16, 0.8, bodies))
             note("saves-1/ours", **load(ours, 1, 0.8, bodies))
+            note("saves-1/peer-served", **load(peer, 1, 0.8, bodies))
             note("saves-1/peer", per_second=commits_per_second(0.8))
 
 
