@@ -1,5 +1,6 @@
 #include "KeyedHash.h"
 #include "Md5.h"
+#include "PasswordHash.h"
 #include "VerifiedCredentials.h"
 
 #include <gtest/gtest.h>
@@ -22,6 +23,11 @@ TEST(KeyedHash, KeepsItsPartsApart)
     EXPECT_EQ(hash({"ab", "c"}), hash({"ab", "c"}));
     EXPECT_NE(hash({"ab", "c"}), hash({"a", "bc"}));
     EXPECT_NE(hash({"ab", "c"}), KeyedHash()({"ab", "c"}));
+}
+
+TEST(PasswordHash, CostsWhoeverStealsItAsMuchAsIsRecommended)
+{
+    EXPECT_TRUE(hashPassword("digest").starts_with("$argon2id$v=19$m=19456,t=2,p=1$"));
 }
 
 TEST(VerifiedCredentials, HoldForOneVersionOfOneAccount)
