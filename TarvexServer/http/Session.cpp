@@ -143,8 +143,9 @@ void Session::parseHead()
 {
     Error error;
     m_buffer.consume(m_parser->put(m_buffer.data(), error));
+    const std::size_t room = m_buffer.capacity() - m_buffer.size(); // a head may come byte by byte
     if (error == beast::error::need_more)
-        readSome(readSize, [](Session &self) { self.parseHead(); });
+        readSome(std::max(room, idleReadSize / 2), [](Session &self) { self.parseHead(); });
     else
         headArrived(error);
 }
