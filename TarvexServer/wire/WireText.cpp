@@ -105,10 +105,12 @@ std::optional<std::string> storableName(std::string_view wireText)
             std::find_if_not(wireText.begin(), wireText.end(), isPlain) - wireText.begin());
         name += wireText.substr(0, run);
         wireText.remove_prefix(run);
+        if (wireText.empty())
+            break;
         const std::size_t length = utf8SequenceLength(wireText);
         if (length > 0 && isXmlCharacter(codePoint(wireText.substr(0, length))))
             name += wireText.substr(0, length);
-        wireText.remove_prefix(std::min(std::max<std::size_t>(length, 1), wireText.size()));
+        wireText.remove_prefix(length > 0 ? length : 1);
     }
     if (escapedSize(name) > maximumNameSize)
         return {};

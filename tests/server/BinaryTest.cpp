@@ -53,6 +53,24 @@ private:
     RawClient m_client;
 };
 
+/// A server that has room for one large save answers everything that would add more with a refusal.
+void addsNothing(const TemporaryFolder &folder, const std::string &options, const std::string &launcher,
+                 const std::string &reason)
+{
+    ServerProcess server(folder, serveHere + options, launcher);
+    const std::uint16_t port = server.port();
+    Customer customer(port);
+    EXPECT_EQ(customer.saveLargeGoals(20).body(), "OK");
+    EXPECT_EQ(customer.saveLargeGoals(20).body(), "Error");
+    EXPECT_EQ(customer.post("set-area-names", "&p4=id:1;name:Body;{_end_}").body(), "Error");
+    EXPECT_NE(RawClient(port).post("p1=create-new-user&p2=d@example.org&p3=b&p4=C&type=json").body(),
+              R"({"result":"OK"})");
+    EXPECT_EQ(customer.post("set-area-value", "&p4=1&p5=7").body(), "OK");
+    EXPECT_EQ(customer.post("delete-sets", "&p4=1").body(), "OK");
+    ::kill(server.child.id(), SIGTERM);
+    EXPECT_NE(server.ended().second.find(reason), std::string::npos);
+}
+
 } // namespace
 
 TEST(Binary, ServesTheSampleAccountUntilItIsTold)
@@ -225,23 +243,6 @@ TEST(Binary, LeavesNoPasswordBehind)
     ::kill(server.child.id(), SIGQUIT);
     server.child.wait();
     EXPECT_FALSE(WCOREDUMP(server.child.native_exit_code()));
-}
-
-void addsNothing(const TemporaryFolder &folder, const std::string &options, const std::string &launcher,
-                 const std::string &reason)
-{
-    ServerProcess server(folder, serveHere + options, launcher);
-    const std::uint16_t port = server.port();
-    Customer customer(port);
-    EXPECT_EQ(customer.saveLargeGoals(20).body(), "OK");
-    EXPECT_EQ(customer.saveLargeGoals(20).body(), "Error");
-    EXPECT_EQ(customer.post("set-area-names", "&p4=id:1;name:Body;{_end_}").body(), "Error");
-    EXPECT_NE(RawClient(port).post("p1=create-new-user&p2=d@example.org&p3=b&p4=C&type=json").body(),
-              R"({"result":"OK"})");
-    EXPECT_EQ(customer.post("set-area-value", "&p4=1&p5=7").body(), "OK");
-    EXPECT_EQ(customer.post("delete-sets", "&p4=1").body(), "OK");
-    ::kill(server.child.id(), SIGTERM);
-    EXPECT_NE(server.ended().second.find(reason), std::string::npos);
 }
 
 TEST(Binary, AddsNothingWhileThereIsTooLittleRoom)
