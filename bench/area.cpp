@@ -36,6 +36,7 @@ struct Answering : TVXExchange
     }
     bool isBusy() const override { return false; }
     std::chrono::milliseconds deadline() const override { return {}; }
+    QString address() const override { return {}; }
     QByteArray answer;
 };
 

@@ -4,82 +4,17 @@
 //   bench-server-peer select DATABASE         one prepared select and its rows as XML
 //   bench-server-peer fixed LENGTH            so many bytes, always the same
 //   bench-server-peer group-commit DATABASE   ten new goals; a thread commits all that wait together
-//   bench-server-peer commits DATABASE        the same goals one commit after the other, without any HTTP,
-//   for the
-//                                             seconds told on standard input; prints how many a second
+//   bench-server-peer commits DATABASE        the same goals one commit after the other, for seconds that are
+//                                             told on standard input; prints how many a second
 
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/post.hpp>
-#include <boost/asio/thread_pool.hpp>
-#include <boost/beast/core/flat_buffer.hpp>
-#include <boost/beast/http.hpp>
+#include "BareServer.h"
+
 #include <chrono>
 #include <cstdlib>
-#include <functional>
 #include <iostream>
-#include <memory>
-#include <mutex>
 #include <sqlite3.h>
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace {
-
-namespace asio = boost::asio;
-namespace http = boost::beast::http;
-using asio::ip::tcp;
-using Error = boost::beast::error_code;
-using Done = std::function<void(std::string answer)>;
-using Serve = std::function<void(const std::string &body, Done done)>;
-
-class Connection : public std::enable_shared_from_this<Connection>
-{
-public:
-    Connection(tcp::socket socket, const Serve &serve) : m_socket(std::move(socket)), m_serve(serve) {}
-
-    void read()
-    {
-        m_request = {};
-        http::async_read(
-            m_socket, m_buffer, m_request, [self = shared_from_this()](Error error, std::size_t) {
-                if (!error)
-                    self->m_serve(self->m_request.body(),
-                                  [self](std::string answer) { self->write(std::move(answer)); });
-            });
-    }
-
-private:
-    void write(std::string answer)
-    {
-        m_response = {http::status::ok, 11};
-        m_response.set(http::field::content_type, "text/xml; charset=utf-8");
-        m_response.body() = std::move(answer);
-        m_response.prepare_payload();
-        http::async_write(m_socket, m_response, [self = shared_from_this()](Error error, std::size_t) {
-            if (!error)
-                self->read();
-        });
-    }
-
-    tcp::socket m_socket;
-    const Serve &m_serve;
-    boost::beast::flat_buffer m_buffer;
-    http::request<http::string_body> m_request;
-    http::response<http::string_body> m_response;
-};
-
-void accept(tcp::acceptor &acceptor, const Serve &serve)
-{
-    acceptor.async_accept([&](Error error, tcp::socket socket) {
-        if (!error) {
-            socket.set_option(tcp::no_delay(true));
-            std::make_shared<Connection>(std::move(socket), serve)->read();
-        }
-        accept(acceptor, serve);
-    });
-}
 
 /// One statement on a database of its own connection, both for as long as the process runs.
 class Query
@@ -132,12 +67,6 @@ private:
     sqlite3_stmt *m_statement = nullptr;
 };
 
-std::string_view field(std::string_view body, std::string_view mark)
-{
-    const std::string_view rest = body.substr(body.find(mark) + mark.size());
-    return rest.substr(0, rest.find('&'));
-}
-
 Serve select(const std::string &file)
 {
     const auto query = std::make_shared<Query>(
@@ -151,13 +80,9 @@ Serve select(const std::string &file)
         query->bind(2, std::stol(std::string(field(body, "&p4="))));
         query->bind(3, std::stol(std::string(field(body, "&p5="))));
         std::string answer = R"(<?xml version="1.0" encoding="UTF-8"?><answer>)";
-        while (query->step()) {
-            answer.append("<record><id>").append(std::to_string(query->number(0)));
-            answer.append("</id><name>").append(query->text(1));
-            answer.append("</name><priority>").append(std::to_string(query->number(2)));
-            answer.append("</priority><checked>").append(query->number(3) != 0 ? "y" : "n");
-            answer.append("</checked></record>");
-        }
+        while (query->step())
+            addGoal(answer, std::to_string(query->number(0)), query->text(1),
+                    std::to_string(query->number(2)), query->number(3) != 0);
         done(answer.append("</answer>"));
     };
 }
@@ -195,34 +120,12 @@ private:
 
 Serve groupCommit(const std::string &file, asio::io_context &io)
 {
-    struct Group
-    {
-        Inserter inserter;
-        std::mutex mutex;
-        std::vector<std::pair<std::string, Done>> waiting{};
-        asio::thread_pool writer{1};
-    };
-    const auto group = std::make_shared<Group>(Inserter(file));
-    const auto write = [group, &io] {
-        std::vector<std::pair<std::string, Done>> batch;
-        {
-            const std::lock_guard lock(group->mutex);
-            batch.swap(group->waiting);
-        }
-        if (batch.empty()) // an earlier one took them all
-            return;
-        group->inserter.begin();
-        for (const auto &[login, done] : batch)
-            group->inserter.insert(login);
-        group->inserter.commit();
-        for (auto &[login, done] : batch)
-            asio::post(io, [told = std::move(done)] { told("OK"); });
-    };
-    return [group, write](const std::string &body, Done done) {
-        const std::lock_guard lock(group->mutex);
-        group->waiting.emplace_back(field(body, "&p2="), std::move(done));
-        asio::post(group->writer, write);
-    };
+    return inGroups(io, [inserter = std::make_shared<Inserter>(file)](const Logins &logins) {
+        inserter->begin();
+        for (const std::string &login : logins)
+            inserter->insert(login);
+        inserter->commit();
+    });
 }
 
 /// For every line of input, which is a number of seconds.
@@ -264,8 +167,5 @@ int main(int count, char **arguments)
     const Serve serve = words[0] == "select"  ? select(words[1])
                         : words[0] == "fixed" ? Serve(fixed)
                                               : groupCommit(words[1], io);
-    tcp::acceptor acceptor(io, {asio::ip::address_v4::loopback(), 0});
-    accept(acceptor, serve);
-    std::cout << "READY http://127.0.0.1:" << acceptor.local_endpoint().port() << "/" << std::endl;
-    io.run();
+    listen(io, serve);
 }

@@ -73,12 +73,15 @@ def move_to_server_core():
     os.sched_setaffinity(0, {SERVER_CORE})
 
 
+def move_to_all_cores():
+    os.sched_setaffinity(0, CORES)
+
+
 class Server:
     """A process on the servers' core that says where it listens."""
 
-    def __init__(self, *command):
-        self.process = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
-                                        preexec_fn=move_to_server_core)
+    def __init__(self, *command, move=move_to_server_core):
+        self.process = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, preexec_fn=move)
         self.port = int(re.search(rb":(\d+)/", self.process.stdout.readline()).group(1))
 
     def __enter__(self):
@@ -97,8 +100,8 @@ class Server:
         return int(re.search(r"VmRSS:\s+(\d+)", status).group(1))
 
 
-def service(database):
-    return Server(SERVER, "serve", "--listen", "127.0.0.1:0", *of_database(database))
+def service(database, address=None, **options):
+    return Server(SERVER, "serve", "--listen", "127.0.0.1:0", *of_database(database, address), **options)
 
 
 def anew(bodies):
@@ -106,14 +109,17 @@ def anew(bodies):
     return [f"{body}&p9={number}" for number in range(1500 // len(bodies) + 1) for body in bodies]
 
 
-def of_database(path):
-    return "--database", f"sqlite:{path}", "--secret", path.with_name("secret")
+def of_database(path, address=None):
+    return "--database", address or f"sqlite:{path}", "--secret", path.with_name("secret")
 
 
-def start_load(server, connections, seconds, bodies, pause=0, nice=0):
+def start_load(server, connections, seconds, bodies, pause=0, gives_way=False):
     """Every connection sends the bodies in turn for so many seconds, or all of them once when these are 0."""
+    def give_way():
+        os.sched_setscheduler(0, os.SCHED_IDLE, os.sched_param(0))
+
     process = subprocess.Popen([LOAD, str(server.port), str(connections), str(seconds), str(pause)],
-                               stdin=subprocess.PIPE, stdout=subprocess.PIPE, preexec_fn=lambda: os.nice(nice))
+                               stdin=subprocess.PIPE, stdout=subprocess.PIPE, preexec_fn=give_way if gives_way else None)
     process.stdin.write("".join(f"{body}\n" for body in bodies).encode())
     process.stdin.close()
     return process
@@ -150,7 +156,7 @@ def make_database(path, accounts, goals):
     sets = -(-goals // (8 * GOALS_OF_PLACE))
     people = [(n, (n + 1) * step) for n in range(accounts)]
     database.executemany(
-        "INSERT INTO account SELECT ?, name, password_hash, version, ?, ?, created_at, ?, ?, 0, 0 FROM account"
+        "INSERT INTO account SELECT ?, name, password_hash, version, ?, ?, created_at, ?, ?, 0, 0, 0, 0 FROM account"
         " WHERE account_id = ?", [(key, sets + 1, goals + 1, goals, goals * len(NAME), sample) for _, key in people])
     for n, key in people:  # as the service keeps it, and as the bare servers look for it
         login = digest(f"account {n}")
@@ -226,8 +232,8 @@ def neighbour(database):
             ids = [delete(number, range(first, first + 20_000)) for first in range(1, 100_000, 20_000)]
             unknown = delete(number, range(10 ** 9, 10 ** 9 + 100_000))
             bodies = [body for mine in ids for body in (largest, unknown, mine, long_names)]
-            # The clients share a core: the one that is measured comes first there.
-            with start_load(ours, 6, 4, bodies, nice=19) as attack:
+            # The clients share a core: the one that is measured never waits there for the others.
+            with start_load(ours, 6, 4, bodies, gives_way=True) as attack:
                 time.sleep(0.5)
                 note("neighbour/beside-worst", **load(ours, 1, 2, [read(0)], pause=1000))
                 if json.loads(attack.stdout.read())["requests"] < 5:
@@ -295,6 +301,27 @@ def million_goals(many, one):
                 connections=32, seconds=0.6)
 
 
+def backup(many):
+    """Reads, alone and while all is copied beside them by a process on the service's core."""
+    with service(many) as ours:
+        bodies = anew([read(account=31 * n) for n in range(32)])
+        load(ours, 1, 0, bodies)
+        for number in range(5):
+            note("backup/none", **load(ours, 1, 2, bodies, pause=1000))
+            with subprocess.Popen([SERVER, "backup", many.with_name(f"copy-{number}.db"), *of_database(many)],
+                                  stdout=subprocess.DEVNULL, preexec_fn=move_to_server_core) as copying:
+                note("backup/beside", **load(ours, 1, 2, bodies, pause=1000))
+                if copying.poll() is not None:
+                    sys.exit("the copy was made too soon")
+            if copying.returncode:
+                sys.exit("there is no copy")
+
+
+def print_figures():
+    print(json.dumps({name: {key: statistics.median(values) for key, values in kinds.items()}
+                      for name, kinds in figures.items()}))
+
+
 def main():
     resource.setrlimit(resource.RLIMIT_NOFILE, (4096, resource.getrlimit(resource.RLIMIT_NOFILE)[1]))
     os.sched_setaffinity(0, {CLIENT_CORE})
@@ -307,8 +334,8 @@ def main():
             measure(pathlib.Path(shutil.copy(few, few.with_name(f"{measure.__name__}.db"))))
             print(f"measured: {measure.__name__}", file=sys.stderr)
         million_goals(many, one)
-    print(json.dumps({name: {key: statistics.median(values) for key, values in kinds.items()}
-                      for name, kinds in figures.items()}))
+        backup(many)
+    print_figures()
 
 
 if __name__ == "__main__":

@@ -3,6 +3,7 @@
 #include "Md5.h"
 #include "RawClient.h"
 #include "ServerProcess.h"
+#include "TestDatabase.h"
 
 #include <boost/regex.hpp>
 #include <csignal>
@@ -67,11 +68,13 @@ TEST(Durability, NothingThatWasConfirmedIsLostOrDoubledByAKill)
     const char *const asked = std::getenv("TARVEX_KILLS"); // for a longer run
     const int rounds = asked != nullptr ? std::atoi(asked) : 20;
     const TemporaryFolder folder;
+    const std::string command =
+        "serve --listen 127.0.0.1:0 --secret secret --database " + databaseUrl(folder);
     std::vector<Saver> savers = {Saver(1), Saver(2), Saver(3)};
     std::mt19937 random{std::random_device()()};
     std::size_t confirmed = 0;
     for (int round = 0; round < rounds && !testing::Test::HasFailure(); ++round) {
-        ServerProcess server(folder, serveHere);
+        ServerProcess server(folder, command);
         const std::uint16_t port = server.port();
         std::vector<std::thread> running;
         for (Saver &saver : savers) {

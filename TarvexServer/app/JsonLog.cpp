@@ -1,106 +1,49 @@
 #include "JsonLog.h"
 
-#include <algorithm>
 #include <boost/json.hpp>
-#include <cerrno>
 #include <chrono>
-#include <condition_variable>
 #include <cstdlib>
-#include <mutex>
-#include <spdlog/pattern_formatter.h>
-#include <spdlog/sinks/sink.h>
 #include <spdlog/spdlog.h>
 #include <string_view>
-#include <unistd.h>
-#include <utility>
 
 namespace tarvex::app {
 
 namespace {
 
-constexpr std::size_t largestWaiting = 1024UL * 1024; // bytes; what would be more is lost
+using requests::Outcome;
+
 constexpr std::chrono::milliseconds betweenWrites{100};
 constexpr std::chrono::seconds endTime{2};
 
-const char *nameOf(requests::Outcome outcome)
+spdlog::level::level_enum levelOf(Outcome outcome)
 {
     switch (outcome) {
-    case requests::Outcome::Done:
-        return "done";
-    case requests::Outcome::Invalid:
-        return "invalid";
-    case requests::Outcome::NotSignedIn:
-        return "not-signed-in";
-    case requests::Outcome::TooManyAttempts:
-        return "too-many-attempts";
-    case requests::Outcome::Busy:
-        return "busy";
-    case requests::Outcome::TooLarge:
-        return "too-large";
-    case requests::Outcome::Failed:
-        break;
+    case Outcome::Failed:
+        return spdlog::level::err;
+    case Outcome::TooManyAttempts:
+    case Outcome::Busy:
+    case Outcome::TooLarge:
+        return spdlog::level::warn;
+    default:
+        return spdlog::level::info;
     }
-    return "failed";
 }
 
-std::string quoted(const std::string &text)
+std::string inQuotes(std::string_view text)
 {
     return boost::json::serialize(boost::json::string(text));
 }
 
+/// A further member, if there is anything to say.
+std::string member(std::string_view name, std::string_view text)
+{
+    return text.empty() ? "" : ",\"" + std::string(name) + "\":" + inQuotes(text);
+}
+
 } // namespace
 
-/// Lines that wait to be written, all at once: a line by itself costs more than the request it tells of.
-class Log::Lines : public spdlog::sinks::sink
-{
-public:
-    void log(const spdlog::details::log_msg &message) override
-    {
-        spdlog::memory_buf_t line;
-        const std::lock_guard lock(m_mutex);
-        m_formatter->format(message, line);
-        if (m_waiting.empty())
-            m_isOne.notify_one();
-        if (m_waiting.size() + line.size() <= largestWaiting)
-            m_waiting.append(line.data(), line.size());
-    }
-    /// Waits until there is a line, or for the end.
-    void waitForOne(const std::stop_token &stop)
-    {
-        std::unique_lock lock(m_mutex);
-        m_isOne.wait(lock, stop, [this] { return !m_waiting.empty(); });
-    }
-    void flush() override
-    {
-        std::string lines;
-        {
-            const std::lock_guard lock(m_mutex);
-            lines.swap(m_waiting);
-        }
-        for (std::string_view rest = lines; !rest.empty();) {
-            const ssize_t written = ::write(STDERR_FILENO, rest.data(), rest.size());
-            if (written < 0 && errno != EINTR)
-                return; // nobody reads any more
-            rest.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
-        }
-    }
-    void set_pattern(const std::string &pattern) override
-    {
-        set_formatter(std::make_unique<spdlog::pattern_formatter>(pattern));
-    }
-    void set_formatter(std::unique_ptr<spdlog::formatter> formatter) override
-    {
-        m_formatter = std::move(formatter);
-    }
-
-private:
-    std::mutex m_mutex;
-    std::condition_variable_any m_isOne;
-    std::unique_ptr<spdlog::formatter> m_formatter;
-    std::string m_waiting;
-};
-
-Log::Log() : m_lines(std::make_shared<Lines>()), m_writer([this](const std::stop_token &stop) { run(stop); })
+Log::Log(const std::string &path)
+    : m_lines(std::make_shared<LogLines>(path)), m_writer([this](const std::stop_token &stop) { run(stop); })
 {
     auto logger = std::make_shared<spdlog::logger>("tarvex-server", m_lines);
     logger->set_pattern(R"({"time":"%Y-%m-%dT%H:%M:%S.%e%z","level":"%l",%v})");
@@ -117,11 +60,16 @@ Log::~Log()
 void Log::run(const std::stop_token &stop)
 {
     while (!stop.stop_requested()) {
-        m_lines->waitForOne(stop);
+        m_lines->waitForWork(stop);
         std::this_thread::sleep_for(betweenWrites); // while others come
         m_lines->flush();
     }
     m_isWritten.set_value();
+}
+
+void setLogLevel(spdlog::level::level_enum level)
+{
+    spdlog::default_logger()->set_level(level);
 }
 
 // The pattern brings the braces. What is known to hold nothing odd goes without quoting: this is done for
@@ -129,17 +77,27 @@ void Log::run(const std::stop_token &stop)
 
 void logEvent(const std::string &event)
 {
-    spdlog::info(R"("event":{})", quoted(event));
+    spdlog::info(R"("event":{})", inQuotes(event));
 }
 
-void logRequest(const http::RequestReport &report)
+void logFault(const std::string &event, const std::string &cause)
 {
-    const bool isFault = report.outcome == requests::Outcome::Failed;
+    spdlog::error(R"("event":{},"cause":{})", inQuotes(event), inQuotes(cause));
+}
+
+void Log::request(const http::RequestReport &report)
+{
+    const auto level = levelOf(report.outcome);
+    ++m_requests;
+    if (!spdlog::should_log(level))
+        return;
     spdlog::log(
-        isFault ? spdlog::level::err : spdlog::level::info,
-        R"("event":"request","kind":"{}","outcome":"{}","bytes_in":{},"bytes_out":{},"microseconds":{}{})",
-        report.kind, nameOf(report.outcome), report.bytesIn, report.bytesOut, report.time.count(),
-        report.cause.empty() ? "" : ",\"cause\":" + quoted(report.cause));
+        level,
+        R"("event":"request","id":"{}-{}","peer":"{}","kind":"{}","outcome":"{}","bytes_in":{},"bytes_out":{},"microseconds":{}{}{})",
+        m_idPrefix, m_requests, report.peer.empty() ? "local" : m_peerMark(report.peer), report.kind,
+        requests::outcomes[static_cast<std::size_t>(report.outcome)], report.bytesIn, report.bytesOut,
+        report.time.count(), member("reason", requests::reasons[static_cast<std::size_t>(report.reason)]),
+        member("cause", report.cause));
 }
 
 } // namespace tarvex::app

@@ -22,10 +22,15 @@ std::optional<ListenAddress> listenAddress(const std::string &text)
     return address;
 }
 
-std::string serviceUrl(const std::string &host, std::uint16_t port)
+std::string hostAndPort(const std::string &host, std::uint16_t port)
 {
     const bool isIpv6 = host.find(':') != std::string::npos;
-    return "http://" + (isIpv6 ? "[" + host + "]" : host) + ":" + std::to_string(port) + "/tarvex/";
+    return (isIpv6 ? "[" + host + "]" : host) + ":" + std::to_string(port);
+}
+
+std::string serviceUrl(const std::string &host, std::uint16_t port)
+{
+    return "http://" + hostAndPort(host, port) + "/tarvex/";
 }
 
 } // namespace tarvex::app

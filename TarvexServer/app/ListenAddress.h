@@ -16,6 +16,9 @@ struct ListenAddress
 /// Reads HOST:PORT or [IPV6]:PORT.
 std::optional<ListenAddress> listenAddress(const std::string &text);
 
+/// That host and port as an address to listen on is written.
+std::string hostAndPort(const std::string &host, std::uint16_t port);
+
 /// The service's URL on that host and port.
 std::string serviceUrl(const std::string &host, std::uint16_t port);
 

@@ -18,8 +18,6 @@ public:
 
     explicit AnswerMemory(std::size_t most) : m_most(most) {}
 
-    bool isFull() const { return m_bytes >= m_most; }
-
     /// Counts an answer of that size, unless it is full already: the last one may go beyond. Small ones need
     /// no counting.
     std::optional<Share> take(std::size_t size)

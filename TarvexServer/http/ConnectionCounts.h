@@ -2,6 +2,7 @@
 
 #include "Limits.h"
 
+#include <atomic>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -23,6 +24,9 @@ public:
     bool isFull() const { return m_served >= m_limits.connections; }
     bool isFullFor(const std::string &peer) const;
 
+    /// The connections that are being served; this one thing any thread may ask.
+    std::size_t served() const { return m_served; }
+
     /// Counts a connection in, unless the welcome is Closed. The peer's name is empty if it has no limit.
     Welcome enter(const std::string &peer);
     /// Counts a connection out, with the welcome it was given.
@@ -30,7 +34,7 @@ public:
 
 private:
     Limits m_limits;
-    std::size_t m_served = 0;
+    std::atomic<std::size_t> m_served = 0;
     std::size_t m_refused = 0;
     std::unordered_map<std::string, std::size_t> m_servedByPeer;
 };

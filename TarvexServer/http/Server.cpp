@@ -20,23 +20,6 @@ constexpr std::chrono::milliseconds roundTime{500};
 /// After so many seconds a signal ends the process, whatever is still under way.
 constexpr unsigned longestDrain = 4;
 
-std::string withPort(const std::string &host, std::uint16_t port)
-{
-    return host + ":" + std::to_string(port);
-}
-
-asio::ip::tcp::endpoint resolve(asio::io_context &io, const std::string &host, std::uint16_t port)
-{
-    error_code error;
-    asio::ip::tcp::resolver resolver(io);
-    const auto found =
-        resolver.resolve(host, std::to_string(port), asio::ip::tcp::resolver::numeric_service, error);
-    if (error || found.empty())
-        throw CannotListen("The address " + withPort(host, port) + " cannot be found: " + error.message() +
-                           ".");
-    return found.begin()->endpoint();
-}
-
 } // namespace
 
 Server::Server(requests::Service &service, const std::string &host, std::uint16_t port, const Limits &limits,
@@ -49,27 +32,17 @@ Server::Server(requests::Service &service, const std::string &host, std::uint16_
                                   .answers = AnswerMemory(limits.answersInMemory)},
       m_workers(service, limits, m_context.answers)
 {
-    const asio::ip::tcp::endpoint endpoint = resolve(m_io, host, port);
-    error_code error;
-    m_acceptor.open(endpoint.protocol(), error);
-    if (!error)
-        m_acceptor.set_option(asio::socket_base::reuse_address(true), error);
-    if (!error)
-        m_acceptor.bind(endpoint, error);
-    if (!error)
-        m_acceptor.listen(asio::socket_base::max_listen_connections, error);
-    if (error)
-        throw CannotListen("The address " + withPort(host, port) +
-                           " cannot be listened on: " + error.message() + ".");
+    listen(m_acceptor, endpointOf(m_io, host, port), host);
 }
 
-void Server::drainOnSignals()
+void Server::heedSignals()
 {
     m_signals.add(SIGTERM);
     m_signals.add(SIGINT);
     struct sigaction hangUp = {};
     if (::sigaction(SIGHUP, nullptr, &hangUp) == 0 && hangUp.sa_handler != SIG_IGN)
-        m_signals.add(SIGHUP);
+        m_hangUps.add(SIGHUP);
+    heedHangUp();
     m_signals.async_wait([this](error_code error, int) {
         if (error)
             return;
@@ -77,6 +50,22 @@ void Server::drainOnSignals()
         std::signal(SIGALRM, [](int) { std::_Exit(EXIT_SUCCESS); }); // what was confirmed is on disk
         ::alarm(longestDrain);
     });
+}
+
+void Server::heedHangUp()
+{
+    m_hangUps.async_wait([this](error_code error, int) {
+        if (error)
+            return;
+        heedHangUp();
+        if (m_events.hangUp)
+            m_events.hangUp();
+    });
+}
+
+void Server::trust(std::vector<asio::ip::network_v6> proxies)
+{
+    m_context.proxies.trusted = std::move(proxies);
 }
 
 void Server::run()
@@ -138,6 +127,7 @@ void Server::welcome(Socket socket)
     std::string peer = isProxy ? "" : name; // many come through a proxy
     makeRoom(peer);
     ConnectionPlace place(m_counts, std::move(peer));
+    count(place.welcome());
     if (place.welcome() == ConnectionCounts::Welcome::Closed)
         return;
     const auto session = std::make_shared<Session>(std::move(socket), std::move(place),
@@ -145,6 +135,16 @@ void Server::welcome(Socket socket)
     std::erase_if(m_sessions, [](const std::weak_ptr<Session> &known) { return known.expired(); });
     m_sessions.push_back(session);
     session->start();
+}
+
+void Server::count(ConnectionCounts::Welcome welcome)
+{
+    requests::Measures &measures = m_context.service.measures();
+    measures.connections.add();
+    if (welcome == ConnectionCounts::Welcome::Refused)
+        measures.busyConnections.add();
+    else if (welcome == ConnectionCounts::Welcome::Closed)
+        measures.closedConnections.add();
 }
 
 /// When there is none, the connection that has been idle the longest goes; the peer's own, if the peer has
@@ -177,6 +177,8 @@ void Server::makeRounds()
     if (m_accepting.expired())
         accept();
     m_context.service.keepHouse();
+    if (m_events.round)
+        m_events.round();
 }
 
 void Server::beginDrain()
@@ -185,7 +187,10 @@ void Server::beginDrain()
     m_io.stop(); // so that run() notices
     error_code ignored;
     m_acceptor.close(ignored);
-    m_signals.clear(ignored); // a second one ends the process
+    m_signals.clear(ignored);  // a second one ends the process
+    m_hangUps.cancel(ignored); // and keeps nobody
+    if (m_events.drain)
+        m_events.drain();
     for (const auto &known : m_sessions) {
         if (const auto session = known.lock())
             session->drain();

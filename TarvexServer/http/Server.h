@@ -2,6 +2,7 @@
 
 #include "ConnectionCounts.h"
 #include "Limits.h"
+#include "Listening.h"
 #include "Session.h"
 #include "Workers.h"
 
@@ -10,17 +11,18 @@
 #include <boost/asio/signal_set.hpp>
 #include <chrono>
 #include <cstdint>
-#include <stdexcept>
+#include <functional>
 #include <string>
 #include <vector>
 
 namespace tarvex::http {
 
-/// The address cannot be listened on; what() is one sentence for whoever starts the server.
-class CannotListen : public std::runtime_error
+/// What a server tells whoever runs it, on its own thread; what is empty is told to nobody.
+struct ServerEvents
 {
-public:
-    using std::runtime_error::runtime_error;
+    std::function<void()> round;  ///< it is alive: twice a second, until it drains
+    std::function<void()> drain;  ///< it has begun to
+    std::function<void()> hangUp; ///< SIGHUP came
 };
 
 /// Listens on one address and serves what comes, until it is told to drain.
@@ -33,9 +35,18 @@ public:
 
     std::uint16_t port() const { return m_acceptor.local_endpoint().port(); }
 
-    /// Makes SIGTERM, SIGINT and, unless it was ignored, SIGHUP drain the server. A second one ends the
-    /// process at once, and so does time: it has gone within five seconds.
-    void drainOnSignals();
+    /// To be called before run().
+    void tell(ServerEvents events) { m_events = std::move(events); }
+
+    /// Makes SIGTERM and SIGINT drain the server. A second one ends the process at once, and so does time: it
+    /// has gone within five seconds. SIGHUP, unless it was ignored, is an event.
+    void heedSignals();
+
+    /// From now on takes the word of these on whom they speak for. In the thread of the events.
+    void trust(std::vector<boost::asio::ip::network_v6> proxies);
+
+    /// How many connections are being served. From any thread.
+    std::size_t connections() const { return m_counts.served(); }
 
     /// Serves on the calling thread until drained. Without memory for a connection it goes on without that
     /// connection.
@@ -46,8 +57,10 @@ public:
     void drain();
 
 private:
+    void heedHangUp();
     void accept();
     void welcome(Socket socket);
+    void count(ConnectionCounts::Welcome welcome);
     void makeRoom(const std::string &peer);
     void makeRounds();
     template<class Work>
@@ -62,6 +75,8 @@ private:
     boost::asio::basic_socket_acceptor<boost::asio::ip::tcp, Socket::executor_type> m_acceptor{m_io};
     std::weak_ptr<char> m_accepting; ///< expired when no connection is waited for
     boost::asio::signal_set m_signals{m_io};
+    boost::asio::signal_set m_hangUps{m_io};
+    ServerEvents m_events;
     std::vector<std::weak_ptr<Session>> m_sessions;
 };
 

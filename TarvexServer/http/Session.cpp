@@ -178,6 +178,7 @@ void Session::beginBody(std::size_t length)
     else if (m_place.welcome() == ConnectionCounts::Welcome::Refused)
         m_refusal = Outcome::Busy;
     m_body.clear();
+    m_requestPeer = requestPeer();
     m_bodySize = length;
     m_keptBody = m_refusal ? std::min(length, beginningOfBody) : length;
     m_bodyRest = length > limits.discardedBody ? m_keptBody : length;
@@ -260,10 +261,13 @@ void Session::bodyArrived()
 {
     m_deadline = std::chrono::steady_clock::time_point::max();
     m_arrival = std::chrono::steady_clock::now();
+    const unsigned turn = m_turn;
     if (m_refusal)
-        answer({m_context.service.refuse(m_body, *m_refusal)});
+        m_context.workers.refuse(m_body, *m_refusal, answerLater());
     else
         serve();
+    if (turn == m_turn) // else it is answered already
+        limitWaiting();
 }
 
 /// Whom the request comes from: whoever the proxy says, if there is one.
@@ -279,24 +283,31 @@ std::string Session::requestPeer() const
     return address ? peerName(*address, /*isMachineLimited=*/true) : m_proxy;
 }
 
-void Session::serve()
+/// Takes the answer to the present request on any thread.
+std::function<void(BuiltAnswer)> Session::answerLater()
 {
-    requests::Request request{.body = std::move(m_body), .peer = requestPeer(), .arrival = m_arrival};
-    m_body = request.body.substr(0, beginningOfBody);
-    const unsigned turn = m_turn;
-    auto guard = asio::make_work_guard(m_socket.get_executor());
-    m_context.workers.submit(std::move(request), [weak = weak_from_this(), turn, guard](BuiltAnswer built) {
+    return [weak = weak_from_this(), turn = m_turn,
+            guard = asio::make_work_guard(m_socket.get_executor())](BuiltAnswer built) {
         // The session must not end on the thread of a worker: until it is answered, its timer keeps it.
         asio::dispatch(guard.get_executor(), [weak, turn, built = std::move(built)]() mutable {
             const auto self = weak.lock();
             if (self && turn == self->m_turn)
                 self->answer(std::move(built));
         });
-    });
-    if (turn != m_turn)
-        return; // answered already
+    };
+}
+
+void Session::serve()
+{
+    requests::Request request{.body = std::move(m_body), .peer = m_requestPeer, .arrival = m_arrival};
+    m_body = request.body.substr(0, beginningOfBody);
+    m_context.workers.submit(std::move(request), answerLater());
+}
+
+void Session::limitWaiting()
+{
     m_handlerTimer.expires_after(m_context.limits.handlerTime);
-    m_handlerTimer.async_wait([self = shared_from_this(), turn](Error error) {
+    m_handlerTimer.async_wait([self = shared_from_this(), turn = m_turn](Error error) {
         if (!error && turn == self->m_turn)
             self->answer({self->m_context.service.refuse(self->m_body, Outcome::Busy)});
     });
@@ -325,18 +336,23 @@ void Session::forgetRequest()
 
 void Session::report(const requests::Answer &answer) const
 {
+    const requests::RequestKind &kind = requests::requestKindOfBody(m_body);
+    const auto time = std::chrono::steady_clock::now() - m_arrival;
+    m_context.service.measures().count(kind, answer, time);
     if (m_context.report)
-        m_context.report({.kind = requests::requestKindOfBody(m_body).name,
+        m_context.report({.kind = kind.name,
                           .outcome = answer.outcome,
+                          .reason = answer.reason,
                           .cause = answer.cause,
+                          .peer = m_requestPeer,
                           .bytesIn = m_bodySize,
                           .bytesOut = answer.body.size(),
-                          .time = std::chrono::duration_cast<std::chrono::microseconds>(
-                              std::chrono::steady_clock::now() - m_arrival)});
+                          .time = std::chrono::duration_cast<std::chrono::microseconds>(time)});
 }
 
 void Session::sendStatus(beast::status status, const std::string &sentence)
 {
+    m_context.service.measures().unreadable.add();
     m_isKept = false; // the body that may follow is not read
     send(status, requests::Format::Plain, sentence + "\n");
 }

@@ -22,12 +22,14 @@
 
 namespace tarvex::http {
 
-/// What may be told of a request that was answered: nothing of its values, nothing of its sender.
+/// What may be told of a request that was answered: nothing of its values.
 struct RequestReport
 {
     std::string_view kind; ///< empty if it was none of the protocol
     requests::Outcome outcome = requests::Outcome::Done;
-    std::string cause;
+    requests::Reason reason = requests::Reason::None;
+    std::string_view cause = {};
+    std::string_view peer = {}; ///< not for a log, which can name it by a mark; empty for the machine itself
     std::size_t bytesIn = 0;
     std::size_t bytesOut = 0;
     std::chrono::microseconds time{0};
@@ -96,6 +98,8 @@ private:
     void bodyArrived();
     std::string requestPeer() const;
     void serve();
+    std::function<void(BuiltAnswer)> answerLater();
+    void limitWaiting();
     void answer(BuiltAnswer built);
     void report(const requests::Answer &answer) const;
     void sendStatus(boost::beast::http::status status, const std::string &sentence);
@@ -122,6 +126,7 @@ private:
     AnswerMemory::Share m_answerShare;
 
     std::string m_body;
+    std::string m_requestPeer;
     std::size_t m_bodyRest = 0; ///< bytes still to come
     bool m_isBodyLeft = false;  // and not going to be read
     std::size_t m_bodySize = 0;

@@ -1,6 +1,7 @@
 #include "Workers.h"
 
 #include <boost/asio/post.hpp>
+#include <limits>
 
 namespace tarvex::http {
 
@@ -33,48 +34,80 @@ void Workers::stop()
 
 void Workers::submit(requests::Request request, Done done)
 {
-    const std::string peer = request.peer;
-    const std::shared_ptr<requests::Turn> turn = m_service.begin(std::move(request));
-    if (turn->step() == requests::Turn::Step::Answer)
-        done(built(*turn));
-    else if (turn->step() == requests::Turn::Step::Hash)
-        verify(peer.empty() ? std::string(turn->login()) : peer, turn, done);
-    else
-        finish(turn, std::move(done));
+    goOn(m_service.begin(std::move(request)), done);
 }
 
-void Workers::verify(const std::string &whose, const std::shared_ptr<requests::Turn> &turn, const Done &done)
+void Workers::goOn(const std::shared_ptr<requests::Turn> &turn, const Done &done)
 {
-    const auto run = [this, turn, done] {
+    switch (turn->step()) {
+    case requests::Turn::Step::Answer:
+        tell(built(*turn), done);
+        break;
+    case requests::Turn::Step::Hash:
+        verify(turn, done);
+        break;
+    case requests::Turn::Step::Read:
+    case requests::Turn::Step::Write:
+        m_queues.enter(queueOf(*turn), [this, turn, done](AccountQueues::Place place) {
+            const auto running =
+                std::make_shared<Running>(Running{.place = std::move(place), .turn = turn, .done = done});
+            if (turn->step() == requests::Turn::Step::Write)
+                m_service.finishLater(
+                    turn, [this, running](const requests::Answer &answer) { tell({answer}, running->done); });
+            else
+                boost::asio::post(m_requestThreads, [this, running] { read(running); });
+        });
+        break;
+    }
+}
+
+void Workers::refuse(std::string_view body, requests::Outcome outcome, const Done &done)
+{
+    tell({m_service.refuse(body, outcome)}, done);
+}
+
+void Workers::tell(BuiltAnswer answer, const Done &done)
+{
+    if (answer.answer.isBeingNoted)
+        m_service.onceNoted([answer = std::move(answer), done] { done(answer); });
+    else
+        done(std::move(answer));
+}
+
+void Workers::verify(const std::shared_ptr<requests::Turn> &turn, const Done &done)
+{
+    const auto run = [this, turn, done, since = std::chrono::steady_clock::now()] {
+        m_service.measures().hashingWaits.add(std::chrono::steady_clock::now() - since);
         m_service.verify(*turn);
         try {
-            finish(turn, done);
+            goOn(turn, done);
         } catch (const std::exception &) { // no memory; whoever waits for the answer has a time limit
         }
     };
-    m_hashingThreads.submit(whose,
+    m_hashingThreads.submit(std::string(turn->peer().empty() ? turn->login() : turn->peer()),
                             {.run = run, .drop = [this, turn, done] { done({m_service.giveUp(*turn)}); }});
 }
 
-void Workers::finish(const std::shared_ptr<requests::Turn> &turn, Done done)
+void Workers::read(const std::shared_ptr<Running> &running)
 {
-    // Who has no account yet waits for nobody.
-    const std::int64_t accountId = turn->accountId() != 0 ? turn->accountId() : --m_lastStranger;
-    m_queues.enter(accountId, [this, turn, done = std::move(done)](AccountQueues::Place place) mutable {
-        const auto running = std::make_shared<Running>(
-            Running{.place = std::move(place), .turn = turn, .done = std::move(done)});
-        if (running->turn->step() == requests::Turn::Step::Write)
-            m_service.finishLater(running->turn,
-                                  [running](const requests::Answer &answer) { running->done({answer}); });
-        else
-            boost::asio::post(m_requestThreads, [this, running] {
-                try {
-                    running->done(m_answers.isFull() ? BuiltAnswer{m_service.giveUp(*running->turn)}
-                                                     : built(*running->turn));
-                } catch (const std::exception &) { // no memory, as above
-                }
-            });
-    });
+    try {
+        m_service.read(*running->turn);
+        if (running->turn->step() != requests::Turn::Step::Answer)
+            running->place.reset(); // which nobody is to keep while a password is hashed
+        goOn(running->turn, running->done);
+    } catch (const std::exception &) { // no memory, as above
+    }
+}
+
+/// The account or, as long as that is not known, whoever says to have it. New ones wait for nobody.
+std::int64_t Workers::queueOf(const requests::Turn &turn)
+{
+    if (turn.accountId() != 0)
+        return turn.accountId();
+    if (turn.login().empty())
+        return --m_lastStranger;
+    return std::numeric_limits<std::int64_t>::min() +
+           static_cast<std::uint32_t>(std::hash<std::string_view>()(turn.login()));
 }
 
 /// The answer, or that there is no memory for it.

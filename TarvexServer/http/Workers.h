@@ -28,14 +28,20 @@ public:
     /// to be sent, what would be large is busy instead.
     void submit(requests::Request request, Done done);
 
+    /// The same with a request that will not be served, of which the body's beginning is enough.
+    void refuse(std::string_view body, requests::Outcome outcome, const Done &done);
+
     /// Ends the threads; requests that wait are dropped without an answer.
     void stop();
 
 private:
     struct Running;
 
-    void verify(const std::string &whose, const std::shared_ptr<requests::Turn> &turn, const Done &done);
-    void finish(const std::shared_ptr<requests::Turn> &turn, Done done);
+    void verify(const std::shared_ptr<requests::Turn> &turn, const Done &done);
+    void goOn(const std::shared_ptr<requests::Turn> &turn, const Done &done);
+    void read(const std::shared_ptr<Running> &running);
+    std::int64_t queueOf(const requests::Turn &turn);
+    void tell(BuiltAnswer answer, const Done &done);
     BuiltAnswer built(requests::Turn &turn);
 
     requests::Service &m_service;

@@ -24,9 +24,6 @@ std::optional<Answer> accountFault(store::Connection &connection, const wire::Si
                                    const SignUpRules &rules, const security::KeyedHash &hash,
                                    std::int64_t now);
 
-/// What the account's password will be checked against. Takes its time.
-std::string newPasswordHash(const wire::SignUpForm &form);
-
 /// Makes the account with its areas and its one set and uses its invitation up, or refuses like the above.
 Answer signUp(store::Connection &connection, const wire::SignUpForm &form, const SignUpRules &rules,
               const std::string &passwordHash, const security::KeyedHash &hash, std::int64_t now);

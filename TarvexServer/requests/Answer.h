@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <string>
+#include <string_view>
 
 namespace tarvex::requests {
 
@@ -17,6 +19,22 @@ enum class Outcome {
     Failed,          ///< the store could not do it
 };
 
+/// What the operator calls the outcomes, in their order.
+constexpr std::array<std::string_view, 7> outcomes = {
+    "done", "invalid", "not-signed-in", "too-many-attempts", "busy", "too-large", "failed"};
+
+/// Why a request came to nothing, where its outcome does not tell the operator.
+enum class Reason {
+    None,
+    Quota,       ///< the account holds as much as it may
+    NoRoom,      ///< the database or its disk does
+    NoAccounts,  ///< there are as many accounts as there may be
+    RefusedSave, ///< a delete, whose goals the save before it was to replace
+};
+
+/// What the operator calls the reasons, in their order.
+constexpr std::array<std::string_view, 5> reasons = {"", "quota", "no-room", "no-accounts", "refused-save"};
+
 /// What goes back to the client, byte for byte, and what the operator may know of it.
 struct Answer
 {
@@ -24,6 +42,8 @@ struct Answer
     Format format = Format::Plain;
     Outcome outcome = Outcome::Done;
     std::string cause = {}; ///< of a failure: the store's own text, without any of the request's values
+    Reason reason = Reason::None;
+    bool isBeingNoted = false; ///< see Service::onceNoted()
 };
 
 } // namespace tarvex::requests

@@ -39,10 +39,10 @@ std::string nameField(const Call &call, int number)
     return present(wire::storableName(textField(call, number)));
 }
 
-void require(bool condition)
+void require(bool condition, Reason reason)
 {
     if (!condition)
-        throw RequestRefused();
+        throw RequestRefused(reason);
 }
 
 std::string done()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Answer.h"
 #include "Connection.h"
 #include "Form.h"
 #include "RefusedSaves.h"
@@ -14,6 +15,12 @@ namespace tarvex::requests {
 /// The request cannot be done and nothing of it may stay.
 class RequestRefused : public std::exception
 {
+public:
+    explicit RequestRefused(Reason reason = Reason::None) : m_reason(reason) {}
+    Reason reason() const { return m_reason; }
+
+private:
+    Reason m_reason;
 };
 
 /// One request of a signed-in account, inside its transaction.
@@ -35,7 +42,7 @@ std::int32_t numberField(const Call &call, int number);
 std::string nameField(const Call &call, int number);
 
 /// Throws RequestRefused unless the condition holds.
-void require(bool condition);
+void require(bool condition, Reason reason = Reason::None);
 
 /// The body that tells the client of a change that was made.
 std::string done();

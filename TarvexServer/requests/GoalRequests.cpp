@@ -1,6 +1,5 @@
 #include "Goals.h"
 
-#include "Areas.h"
 #include "Call.h"
 #include "Handlers.h"
 #include "Quotas.h"
@@ -43,8 +42,7 @@ void writeGoal(wire::XmlAnswer &answer, const store::Goal &goal, bool withArea)
 
 bool placeExists(const Call &call, wire::GoalPlace place)
 {
-    return store::hasSet(call.connection, call.accountId, place.setId) &&
-           store::hasArea(call.connection, call.accountId, place.areaId);
+    return store::hasPlace(call.connection, call.accountId, place.setId, place.areaId);
 }
 
 /// The records whose set and area are the account's own, as goals.
@@ -67,13 +65,11 @@ std::vector<store::Goal> soundGoals(const Call &call, const std::vector<wire::Go
     return goals;
 }
 
-std::set<wire::GoalPlace> placesOf(const Call &call, const std::vector<std::int64_t> &goalIds)
+std::set<wire::GoalPlace> placesOf(const Call &call, const std::vector<store::IdRun> &goalIds)
 {
     std::set<wire::GoalPlace> places;
-    for (const std::int64_t goalId : goalIds) {
-        if (const auto goal = store::findGoal(call.connection, call.accountId, goalId))
-            places.insert({.setId = goal->setId, .areaId = goal->areaId});
-    }
+    for (const auto &[setId, areaId] : store::placesOfGoals(call.connection, call.accountId, goalIds))
+        places.insert({.setId = setId, .areaId = areaId});
     return places;
 }
 
@@ -83,10 +79,12 @@ std::string getGoals(Call &call)
 {
     const std::int64_t setId = idField(call, /*number=*/4);
     const std::int64_t areaId = idField(call, /*number=*/5);
-    require(placeExists(call, {.setId = setId, .areaId = areaId}));
+    const auto goals = store::goalsOfArea(call.connection, call.accountId, setId, areaId);
+    // Goals are only where there is a place for them.
+    require(!goals.empty() || placeExists(call, {.setId = setId, .areaId = areaId}));
     wire::XmlAnswer answer;
     std::size_t room = saveRoom;
-    for (const store::Goal &goal : store::goalsOfArea(call.connection, call.accountId, setId, areaId)) {
+    for (const store::Goal &goal : goals) {
         const std::size_t size = longestRecordFrame + wire::escapedSize(goal.name);
         if (size > room)
             break; // the client could not save more; the others follow once these have gone
@@ -146,20 +144,20 @@ std::string deleteGoal(Call &call)
 {
     const std::int64_t goalId = idField(call, /*number=*/4);
     require(store::findGoal(call.connection, call.accountId, goalId).has_value());
-    store::deleteGoals(call.connection, call.accountId, {goalId}, call.now);
+    store::deleteGoals(call.connection, call.accountId, store::runsOf({goalId}), call.now);
     return done();
 }
 
 std::string deleteSomeGoals(Call &call)
 {
     const std::string_view field = textField(call, /*number=*/4);
-    std::vector<std::int64_t> ids = wire::readIdList(field);
     if (field.empty())
         return done();
-    std::sort(ids.begin(), ids.end());
-    ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
-    require(!ids.empty() && ids.size() <= maximumIds);
-    require(!call.refusedSaves.takeRefusal(call.connection, call.saver, placesOf(call, ids)));
+    std::vector<std::int64_t> list = wire::readIdList(field);
+    require(!list.empty() && list.size() <= maximumIds);
+    const std::vector<store::IdRun> ids = store::runsOf(std::move(list));
+    const bool isGuarded = call.refusedSaves.takeRefusal(call.connection, call.saver, placesOf(call, ids));
+    require(!isGuarded, Reason::RefusedSave);
     store::deleteGoals(call.connection, call.accountId, ids, call.now);
     return done();
 }

@@ -5,6 +5,15 @@
 
 namespace tarvex::requests {
 
+namespace {
+
+std::string proofOf(const security::KeyedHash &hash)
+{
+    return hash({"proof"});
+}
+
+} // namespace
+
 security::KeyedHash openInstallation(store::Database &database, const std::filesystem::path &secretFile)
 {
     bool isKeyed = false;
@@ -15,12 +24,19 @@ security::KeyedHash openInstallation(store::Database &database, const std::files
     const security::KeyedHash hash(security::installationKey(secretFile));
     bool isOurs = false;
     database.write([&](store::Connection &connection) {
-        isOurs = store::keyLogins(connection, hash({"proof"}),
+        isOurs = store::keyLogins(connection, proofOf(hash),
                                   [&](std::string_view digest) { return loginKey(hash, digest); });
     });
     if (!isOurs)
         throw store::CannotOpen("The secret " + secretFile.string() + " is that of another database.");
     return hash;
+}
+
+bool isSecretOf(store::Connection &connection, const std::filesystem::path &secretFile)
+{
+    return std::filesystem::exists(secretFile) &&
+           proofOf(security::KeyedHash(security::installationKey(secretFile))) ==
+               store::secretProof(connection);
 }
 
 std::string loginKey(const security::KeyedHash &hash, std::string_view digest)

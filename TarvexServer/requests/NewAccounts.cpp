@@ -2,6 +2,8 @@
 
 #include "Installation.h"
 #include "Md5.h"
+#include "PasswordHash.h"
+#include "Sets.h"
 #include "Wipe.h"
 
 #include <algorithm>
@@ -46,6 +48,14 @@ std::vector<std::string> loginKeys(const security::KeyedHash &hash, std::string_
     return keys;
 }
 
+std::string newPasswordHash(std::string_view password)
+{
+    std::string digest = security::signInDigest(password);
+    std::string passwordHash = security::hashPassword(digest);
+    security::wipe(digest);
+    return passwordHash;
+}
+
 store::NewAccount newAccount(std::vector<std::string> logins, const std::string &name,
                              const std::string &passwordHash, std::int64_t now)
 {
@@ -54,6 +64,14 @@ store::NewAccount newAccount(std::vector<std::string> logins, const std::string 
                              .passwordHash = passwordHash,
                              .areas = startingAreas,
                              .createdAt = now};
+}
+
+std::optional<std::int64_t> createWithSet(store::Connection &connection, const store::NewAccount &account)
+{
+    const auto accountId = store::createAccount(connection, account);
+    if (accountId)
+        store::createSet(connection, *accountId, "My wheel");
+    return accountId;
 }
 
 } // namespace tarvex::requests

@@ -48,6 +48,8 @@ void Purge::removeSome(store::Connection &connection)
 {
     using std::chrono::duration_cast;
     using std::chrono::seconds;
+    if (!connection.keepsHouse())
+        return;
     const auto ran = duration_cast<seconds>(m_clocks.steady() - m_lastStep);
     const std::int64_t before =
         store::movePurgeClock(connection, ran.count(), m_clocks.seconds()) - keptSeconds;

@@ -43,14 +43,14 @@ void RefusedSaves::signedIn(const std::string &saver)
     m_memory->strangers.erase(saver);
 }
 
-void RefusedSaves::refused(const std::string &saver, std::optional<wire::GoalPlace> place)
+bool RefusedSaves::refused(const std::string &saver, std::optional<wire::GoalPlace> place)
 {
     const Entry entry{.place = place, .until = m_clocks.steady() + lifetime};
     {
         const std::lock_guard lock(m_memory->mutex);
         if (m_memory->known.find(saver) == nullptr) {
             m_memory->add(saver, entry);
-            return;
+            return false;
         }
     }
     const std::int64_t until = m_clocks.seconds() + std::chrono::seconds(lifetime).count();
@@ -63,6 +63,7 @@ void RefusedSaves::refused(const std::string &saver, std::optional<wire::GoalPla
             if (failure)
                 memory->add(saver, entry);
         });
+    return true;
 }
 
 void RefusedSaves::accepted(store::Connection &connection, const std::string &saver,

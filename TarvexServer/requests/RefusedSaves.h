@@ -32,8 +32,9 @@ public:
     /// The saver's password was found right; what was refused before that counts as well.
     void signedIn(const std::string &saver);
 
-    /// A save for that place came to nothing. Without a place it may have been any.
-    void refused(const std::string &saver, std::optional<wire::GoalPlace> place);
+    /// A save for that place came to nothing. Without a place it may have been any. Returns whether that is
+    /// being written to the database.
+    bool refused(const std::string &saver, std::optional<wire::GoalPlace> place);
 
     /// A save for that place went in, in this transaction, so its deletes are welcome again.
     void accepted(store::Connection &connection, const std::string &saver,

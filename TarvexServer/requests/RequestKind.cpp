@@ -16,7 +16,7 @@ constexpr std::string_view createNewUser = "create-new-user";
 constexpr std::string_view signInKind = "sign-in";
 constexpr std::string_view setChecked = "set-checked-area-percent";
 
-constexpr std::array<RequestKind, 17> kinds = {{
+constexpr std::array<RequestKind, kindCount> kinds = {{
     {signInKind, Access::Read, Format::Plain, signIn},
     {createNewUser, Access::Add, Format::Json, nullptr},
     {"get-sets", Access::Read, Format::Xml, getSets},
@@ -71,6 +71,16 @@ std::string refusalBody(const RequestKind &kind, Outcome outcome)
 
 } // namespace
 
+std::size_t numberOf(const RequestKind &kind)
+{
+    return kind.name.empty() ? kindCount : static_cast<std::size_t>(&kind - kinds.data());
+}
+
+const RequestKind &kindAt(std::size_t number)
+{
+    return number < kindCount ? kinds[number] : unknownKind;
+}
+
 const RequestKind &requestKind(std::string_view name)
 {
     const auto found =
@@ -80,16 +90,25 @@ const RequestKind &requestKind(std::string_view name)
 
 const RequestKind &requestKindOfBody(std::string_view body)
 {
+    return requestKindOfBody(body, wire::Form(body));
+}
+
+const RequestKind &requestKindOfBody(std::string_view body, const wire::Form &form)
+{
     if (wire::isSignUpBody(body))
         return requestKind(createNewUser);
-    const RequestKind &kind = requestKind(wire::Form(body).field(/*number=*/1).value_or(""));
+    const RequestKind &kind = requestKind(form.field(/*number=*/1).value_or(""));
     return kind.name == createNewUser ? unknownKind : kind;
 }
 
-Answer refusalOf(const RequestKind &kind, Outcome outcome)
+Answer refusalOf(const RequestKind &kind, Outcome outcome, Reason reason)
 {
     const Format format = kind.name == createNewUser ? Format::Json : Format::Plain;
-    return {.body = refusalBody(kind, outcome), .format = format, .outcome = outcome};
+    return {.body = refusalBody(kind, outcome),
+            .format = format,
+            .outcome = outcome,
+            .cause = "",
+            .reason = reason};
 }
 
 } // namespace tarvex::requests

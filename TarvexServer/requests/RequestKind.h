@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Answer.h"
+#include "Form.h"
 
 #include <cstddef>
 #include <string>
@@ -33,13 +34,22 @@ struct RequestKind
     Handler handler = nullptr;
 };
 
+constexpr std::size_t kindCount = 17;
+
+/// The place of a kind among all of them; kindCount for a kind without name.
+std::size_t numberOf(const RequestKind &kind);
+/// The kind at that place.
+const RequestKind &kindAt(std::size_t number);
+
 /// The kind that the field p1 names; a kind without name for anything else.
 const RequestKind &requestKind(std::string_view name);
 
 /// The kind that a whole body, or its first bytes, asks for.
 const RequestKind &requestKindOfBody(std::string_view body);
+/// The same of one that was split already.
+const RequestKind &requestKindOfBody(std::string_view body, const wire::Form &form);
 
 /// The answer to a request of that kind which was not done.
-Answer refusalOf(const RequestKind &kind, Outcome outcome);
+Answer refusalOf(const RequestKind &kind, Outcome outcome, Reason reason = Reason::None);
 
 } // namespace tarvex::requests

@@ -4,6 +4,7 @@
 #include "Call.h"
 #include "Installation.h"
 #include "Md5.h"
+#include "NewAccounts.h"
 #include "PasswordHash.h"
 #include "Quotas.h"
 #include "Records.h"
@@ -38,6 +39,10 @@ Answer failure(const RequestKind &kind, const std::exception_ptr &thrown)
         Answer answer = refusalOf(kind, Outcome::Busy);
         answer.cause = error.what();
         return answer;
+    } catch (const store::NoRoom &error) {
+        Answer answer = refusalOf(kind, Outcome::Failed, Reason::NoRoom);
+        answer.cause = error.what();
+        return answer;
     } catch (const std::bad_alloc &) {
         return refusalOf(kind, Outcome::Busy);
     } catch (const std::exception &error) {
@@ -50,7 +55,7 @@ Answer failure(const RequestKind &kind, const std::exception_ptr &thrown)
 } // namespace
 
 Turn::Turn(Request request)
-    : m_request(std::move(request)), m_kind(requestKindOfBody(m_request.body)), m_form(m_request.body)
+    : m_request(std::move(request)), m_form(m_request.body), m_kind(requestKindOfBody(m_request.body, m_form))
 {
 }
 
@@ -62,7 +67,8 @@ Turn::~Turn()
 Service::Service(store::Database &database, const security::KeyedHash &hash, Clocks clocks,
                  SignUpRules signUpRules)
     : m_database(database), m_clocks(std::move(clocks)), m_signUpRules(signUpRules), m_hash(hash),
-      m_failures(database, m_clocks), m_refusedSaves(database, m_clocks), m_purge(database, m_clocks)
+      m_failures(database, m_clocks), m_refusedSaves(database, m_clocks), m_purge(database, m_clocks),
+      m_sightings(database, m_clocks)
 {
     security::matchesPassword(/*hash=*/"", /*digest=*/""); // the first one costs twice
 }
@@ -98,9 +104,10 @@ bool Service::isFormSound(Turn &turn)
         if (!hasCredentials(turn.m_form))
             turn.m_answer = refusalOf(turn.m_kind, Outcome::NotSignedIn);
     } else {
-        turn.m_signUp = readSignUp(turn.m_request.body, m_signUpRules);
-        turn.m_answer = turn.m_signUp ? signUpFault(*turn.m_signUp, m_signUpRules)
-                                      : refusalOf(turn.m_kind, Outcome::Invalid);
+        const SignUpRules rules = signUpRules();
+        turn.m_signUp = readSignUp(turn.m_request.body, rules);
+        turn.m_answer =
+            turn.m_signUp ? signUpFault(*turn.m_signUp, rules) : refusalOf(turn.m_kind, Outcome::Invalid);
         if (!turn.m_answer && m_failures.isExhausted(limitedKeys(turn)))
             turn.m_answer = refusalOf(turn.m_kind, Outcome::TooManyAttempts);
     }
@@ -119,9 +126,12 @@ void Service::lookHastily(Turn &turn, store::Connection &connection)
         answer = m_answers.find(key, version, turn.m_credentials);
     }
     if (answer != nullptr) {
+        m_measures.remembered.add();
         turn.m_answer = {.body = *answer, .format = turn.m_kind.format};
         return;
     }
+    if (isKept)
+        m_measures.notRemembered.add();
     lookFor(turn, connection);
     if (isKept && turn.m_answer && turn.m_answer->outcome == Outcome::Done)
         m_answers.keep(key, version, turn.m_credentials, turn.m_answer->body);
@@ -130,8 +140,32 @@ void Service::lookHastily(Turn &turn, store::Connection &connection)
 /// All of a request that reading can do. May be begun anew.
 void Service::look(Turn &turn, store::Connection &connection)
 {
+    if (lookAhead(turn, connection))
+        return;
     findAccount(turn, connection);
     lookFor(turn, connection);
+}
+
+/// Answers a read of somebody who is signed in as if the account were what it was, and asks whether it is at
+/// the same time.
+bool Service::lookAhead(Turn &turn, store::Connection &connection)
+{
+    if (turn.m_signUp || turn.m_kind.access != Access::Read)
+        return false;
+    const auto known = m_logins.find(loginKey(m_hash, turn.login()));
+    if (!known)
+        return false;
+    turn.m_credentials.accountId = known->accountId;
+    turn.m_credentials.version = known->version;
+    if (!isVerified(turn))
+        return false;
+    store::AwaitedCredentials awaited(connection, known->accountId);
+    Answer answer = handled(turn, connection);
+    turn.m_credentials = awaited.get().value_or(store::Credentials());
+    if (turn.m_credentials.version != known->version)
+        return false;
+    turn.m_answer = std::move(answer);
+    return true;
 }
 
 void Service::findAccount(Turn &turn, store::Connection &connection)
@@ -139,7 +173,7 @@ void Service::findAccount(Turn &turn, store::Connection &connection)
     if (turn.m_signUp)
         return;
     const std::string login = loginKey(m_hash, turn.login());
-    turn.m_credentials = store::findCredentials(connection, login).value_or(store::Credentials());
+    turn.m_credentials = m_logins.credentialsOf(connection, login).value_or(store::Credentials());
 }
 
 /// What is to be looked up once the account is known.
@@ -152,7 +186,7 @@ void Service::lookFor(Turn &turn, store::Connection &connection)
     }
     turn.m_isExhausted = m_failures.isExhausted(limitedKeys(turn), connection);
     if (turn.m_signUp && !turn.m_isExhausted)
-        turn.m_answer = accountFault(connection, *turn.m_signUp, m_signUpRules, m_hash, m_clocks.seconds());
+        turn.m_answer = accountFault(connection, *turn.m_signUp, signUpRules(), m_hash, m_clocks.seconds());
 }
 
 /// What comes next, after a look.
@@ -161,8 +195,10 @@ void Service::decide(Turn &turn)
     if (turn.m_signUp && turn.m_answer && turn.m_answer->outcome == Outcome::Invalid)
         m_failures.countFailure(limitedKeys(turn)); // it tells who has an account
     turn.m_step = Turn::Step::Answer;
-    if (turn.m_answer)
+    if (turn.m_answer) {
+        m_sightings.note(turn.m_credentials);
         return;
+    }
     if (!turn.m_signUp && isVerified(turn))
         turn.m_step = Turn::Step::Write;
     else if (turn.m_isExhausted || m_failures.isExhausted(limitedKeys(turn)))
@@ -199,7 +235,7 @@ void Service::verify(Turn &turn)
         if (isOverdue(turn))
             turn.m_answer = refusalOf(turn.m_kind, Outcome::Busy);
         else if (turn.m_signUp)
-            turn.m_newPasswordHash = newPasswordHash(*turn.m_signUp);
+            turn.m_newPasswordHash = newPasswordHash(turn.m_signUp->password);
         else
             verifyPassword(turn);
     } catch (...) {
@@ -243,20 +279,12 @@ Answer Service::end(Turn &turn)
 
 Answer Service::finish(Turn &turn)
 {
-    if (turn.m_step != Turn::Step::Answer && isOverdue(turn)) {
-        turn.m_answer = refusalOf(turn.m_kind, Outcome::Busy);
-        turn.m_step = Turn::Step::Answer;
-    }
-    if (turn.m_step == Turn::Step::Read)
-        readAll(turn);
-    if (turn.m_step == Turn::Step::Hash) // which reading found out only now
-        verify(turn);
-    if (turn.m_step == Turn::Step::Read)
-        readAll(turn);
+    while (!refuseIfOverdue(turn) && (turn.m_step == Turn::Step::Read || turn.m_step == Turn::Step::Hash))
+        turn.m_step == Turn::Step::Read ? read(turn) : verify(turn);
     if (turn.m_step == Turn::Step::Write) {
         std::exception_ptr failure;
         try {
-            m_database.write([&](store::Connection &connection) { write(turn, connection); });
+            m_database.write(writing(turn));
         } catch (...) {
             failure = std::current_exception();
         }
@@ -267,19 +295,29 @@ Answer Service::finish(Turn &turn)
 
 void Service::finishLater(const std::shared_ptr<Turn> &turn, std::function<void(const Answer &)> done)
 {
-    auto work = [this, turn](store::Connection &connection) { write(*turn, connection); };
-    m_database.write(std::move(work),
-                     [this, turn, done = std::move(done)](const std::exception_ptr &failure) {
-                         try {
-                             written(*turn, failure);
-                             done(end(*turn));
-                         } catch (const std::exception &) { // no memory; the sender has a time limit
-                         }
-                     });
+    m_database.write(writing(*turn), [this, turn, done = std::move(done)](const std::exception_ptr &failure) {
+        try {
+            written(*turn, failure);
+            done(end(*turn));
+        } catch (const std::exception &) { // no memory; the sender has a time limit
+        }
+    });
 }
 
-void Service::readAll(Turn &turn)
+/// Whether it has its answer, be it that it waited for too long.
+bool Service::refuseIfOverdue(Turn &turn)
 {
+    if (turn.m_step != Turn::Step::Answer && isOverdue(turn)) {
+        turn.m_answer = refusalOf(turn.m_kind, Outcome::Busy);
+        turn.m_step = Turn::Step::Answer;
+    }
+    return turn.m_step == Turn::Step::Answer;
+}
+
+void Service::read(Turn &turn)
+{
+    if (refuseIfOverdue(turn))
+        return;
     try {
         m_database.read([&](store::Connection &connection) { look(turn, connection); });
         decide(turn);
@@ -305,11 +343,20 @@ Answer Service::handled(Turn &turn, store::Connection &connection)
         if (turn.m_kind.name == savingKind)
             m_refusedSaves.accepted(connection, saver, placeOf(turn.m_form));
         return answer;
-    } catch (const RequestRefused &) {
-        return refusalOf(turn.m_kind, Outcome::Invalid);
+    } catch (const RequestRefused &refused) {
+        return refusalOf(turn.m_kind, Outcome::Invalid, refused.reason());
     } catch (const store::QuotaExceeded &) {
-        return refusalOf(turn.m_kind, Outcome::Invalid);
+        return refusalOf(turn.m_kind, Outcome::Invalid, Reason::Quota);
     }
+}
+
+/// The work of a turn that is to be written, which notes how long it waited for that.
+store::Database::Work Service::writing(Turn &turn)
+{
+    return [this, &turn, since = std::chrono::steady_clock::now()](store::Connection &connection) {
+        m_measures.writerWaits.add(std::chrono::steady_clock::now() - since);
+        write(turn, connection);
+    };
 }
 
 void Service::write(Turn &turn, store::Connection &connection)
@@ -318,15 +365,17 @@ void Service::write(Turn &turn, store::Connection &connection)
         turn.m_answer = refusalOf(turn.m_kind, Outcome::Busy);
         return;
     }
+    if (!turn.m_signUp)
+        store::countChange(connection, turn.m_credentials.accountId);
     if (turn.m_kind.access == Access::Add)
         m_database.requireRoom(connection);
-    turn.m_answer = turn.m_signUp ? signUp(connection, *turn.m_signUp, m_signUpRules, turn.m_newPasswordHash,
+    turn.m_answer = turn.m_signUp ? signUp(connection, *turn.m_signUp, signUpRules(), turn.m_newPasswordHash,
                                            m_hash, m_clocks.seconds())
                                   : handled(turn, connection);
     if (turn.m_answer->outcome != Outcome::Done)
         throw RequestRefused(); // so that nothing of it stays
     if (!turn.m_signUp)
-        store::countChange(connection, turn.m_credentials.accountId);
+        m_sightings.note(turn.m_credentials, connection);
 }
 
 void Service::written(Turn &turn, const std::exception_ptr &failure)
@@ -348,8 +397,26 @@ Answer Service::conclude(const RequestKind &kind, const wire::Form &form, Answer
     const bool isRefusedForGood = answer.outcome == Outcome::NotSignedIn; // and so is the delete behind it
     if (kind.name == savingKind && answer.outcome != Outcome::Done && !isRefusedForGood &&
         hasCredentials(form))
-        m_refusedSaves.refused(saverOf(form), placeOf(form));
+        answer.isBeingNoted = m_refusedSaves.refused(saverOf(form), placeOf(form));
     return answer;
+}
+
+void Service::onceNoted(std::function<void()> goOn)
+{
+    m_database.write([](store::Connection &) {}, // behind what is to be noted
+                     [goOn = std::move(goOn)](const std::exception_ptr &) { goOn(); });
+}
+
+void Service::setSignUpRules(const SignUpRules &rules)
+{
+    const std::lock_guard lock(m_signUpMutex);
+    m_signUpRules = rules;
+}
+
+SignUpRules Service::signUpRules()
+{
+    const std::lock_guard lock(m_signUpMutex);
+    return m_signUpRules;
 }
 
 bool Service::isOverdue(const Turn &turn) const

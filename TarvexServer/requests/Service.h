@@ -8,9 +8,12 @@
 #include "Failures.h"
 #include "Form.h"
 #include "KeyedHash.h"
+#include "KnownLogins.h"
+#include "Measures.h"
 #include "Purge.h"
 #include "RefusedSaves.h"
 #include "RequestKind.h"
+#include "Sightings.h"
 #include "SignUpForm.h"
 #include "SignUpRules.h"
 #include "VerifiedCredentials.h"
@@ -18,6 +21,7 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 
@@ -45,12 +49,13 @@ public:
     enum class Step {
         Answer, ///< nothing
         Hash,   ///< Service::verify()
-        Read,   ///< more of the database than is read in a moment
-        Write,
+        Read,   ///< Service::read(): more of the database than is read in a moment
+        Write,  ///< Service::finishLater()
     };
     Step step() const { return m_step; }
     /// Whose turn it is; 0 as long as that is not known.
     std::int64_t accountId() const { return m_credentials.accountId; }
+    const std::string &peer() const { return m_request.peer; }
     /// The digest that the sender signs in with; empty where there is none.
     std::string_view login() const { return m_signUp ? "" : m_form.field(/*number=*/2).value_or(""); }
 
@@ -58,8 +63,8 @@ private:
     friend class Service;
 
     Request m_request;
-    const RequestKind &m_kind;
     wire::Form m_form; // its views point into m_request
+    const RequestKind &m_kind;
     std::optional<wire::SignUpForm> m_signUp;
     store::Credentials m_credentials;
     bool m_isExhausted = false; // as the database knows it
@@ -70,9 +75,9 @@ private:
 
 /// Turns request bodies into answers; knows no sockets and no SQL. For many threads.
 ///
-/// A request takes up to three steps, so that the caller decides where each one runs: begin() takes a moment,
-/// and for most requests it is all; verify() burns 20 ms and 19 MiB on a password, where Turn::step() asks
-/// for it; finish() reads or writes what is left to be, and waits for the disk.
+/// A request takes a few steps, which Turn::step() asks for, so that the caller decides where each one runs:
+/// begin() takes a moment, and for most requests it is all; read() waits for the database; verify() burns 20
+/// ms and 19 MiB on a password; finish() does what is left of all this, writes, and waits for the disk.
 class Service
 {
 public:
@@ -84,16 +89,28 @@ public:
             SignUpRules signUpRules = {});
 
     std::unique_ptr<Turn> begin(Request request);
+    void read(Turn &turn);
     void verify(Turn &turn);
     Answer finish(Turn &turn);
     /// The same for a turn that is to write, without waiting: `done` is told on another thread.
     void finishLater(const std::shared_ptr<Turn> &turn, std::function<void(const Answer &)> done);
+
+    /// From now on others may make an account. From any thread.
+    void setSignUpRules(const SignUpRules &rules);
+
+    /// What was done so far, to which whoever serves over a network adds what it alone knows.
+    Measures &measures() { return m_measures; }
+    const Measures &measures() const { return m_measures; }
 
     /// A small step of what the database needs now and then; to be called every second or so. Does not wait.
     void keepHouse() { m_purge.step(); }
 
     /// Ends a turn that was begun and, for want of room, will be neither verified nor finished.
     Answer giveUp(Turn &turn);
+
+    /// Goes on once other processes know of the answers before: to one that isBeingNoted the client may send
+    /// what depends on it anywhere. On another thread.
+    void onceNoted(std::function<void()> goOn);
 
     /// The answer to a request that will not be served, of which the body's beginning is enough. It counts as
     /// a refused save where it was one.
@@ -103,10 +120,11 @@ private:
     bool isFormSound(Turn &turn);
     void lookHastily(Turn &turn, store::Connection &connection);
     void look(Turn &turn, store::Connection &connection);
+    bool lookAhead(Turn &turn, store::Connection &connection);
     void findAccount(Turn &turn, store::Connection &connection);
     void lookFor(Turn &turn, store::Connection &connection);
     void decide(Turn &turn);
-    void readAll(Turn &turn);
+    bool refuseIfOverdue(Turn &turn);
     Failures::Keys limitedKeys(const Turn &turn) const;
     bool isVerified(const Turn &turn);
     void verifyPassword(Turn &turn);
@@ -115,18 +133,24 @@ private:
     void written(Turn &turn, const std::exception_ptr &failure);
     Answer end(Turn &turn);
     Answer conclude(const RequestKind &kind, const wire::Form &form, Answer answer);
+    store::Database::Work writing(Turn &turn);
+    SignUpRules signUpRules();
     bool isOverdue(const Turn &turn) const;
     std::string saverOf(const wire::Form &form) const;
 
     store::Database &m_database;
     Clocks m_clocks;
+    std::mutex m_signUpMutex;
     SignUpRules m_signUpRules;
+    Measures m_measures;
     security::KeyedHash m_hash;
+    KnownLogins m_logins;
     security::VerifiedCredentials m_verified;
     Failures m_failures;
     AnswerCache m_answers;
     RefusedSaves m_refusedSaves;
     Purge m_purge;
+    Sightings m_sightings;
 };
 
 } // namespace tarvex::requests

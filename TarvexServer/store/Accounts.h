@@ -18,7 +18,8 @@ struct Credentials
     std::int64_t accountId = 0;
     std::int64_t version = 0;
     std::int64_t changes = 0;
-    std::string passwordHash;
+    std::int64_t seenOn = 0;  ///< the day of noteSeen()
+    std::string passwordHash; ///< empty, which no password matches, while the account is disabled
 };
 
 struct NewArea
@@ -38,9 +39,32 @@ struct NewAccount
 };
 
 std::optional<Credentials> findCredentials(Connection &connection, std::string_view login);
+std::optional<Credentials> credentialsOf(Connection &connection, std::int64_t accountId);
 
-/// Counts a change, which goes for every transaction that made one but for signing up.
+/// The same for whoever asks for something else before it looks at them.
+class AwaitedCredentials
+{
+public:
+    AwaitedCredentials(Connection &connection, std::int64_t accountId);
+    std::optional<Credentials> get();
+
+private:
+    Rows m_rows;
+};
+
+/// Counts a change, which goes for every transaction that makes one but for signing up. To be done first:
+/// from then on no other transaction changes the account.
 void countChange(Connection &connection, std::int64_t accountId);
+
+/// Notes the day, counted from 1970, on which a password of the account was found right.
+void noteSeen(Connection &connection, std::int64_t accountId, std::int64_t day);
+
+/// Both tell whether there is such an account. Whoever is signed in has to do so anew.
+bool setPasswordHash(Connection &connection, std::int64_t accountId, const std::string &passwordHash);
+bool setDisabled(Connection &connection, std::int64_t accountId, bool isDisabled);
+
+/// The name that was typed at sign-up; nothing if there is no such account.
+std::optional<std::string> accountName(Connection &connection, std::int64_t accountId);
 
 std::int64_t countAccounts(Connection &connection);
 

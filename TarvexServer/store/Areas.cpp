@@ -15,12 +15,6 @@ std::vector<Area> areas(Connection &connection, std::int64_t accountId)
     return found;
 }
 
-bool hasArea(Connection &connection, std::int64_t accountId, std::int64_t areaId)
-{
-    return connection.rows("SELECT 1 FROM area WHERE account_id = $1 AND area_id = $2", accountId, areaId)
-        .next();
-}
-
 bool renameArea(Connection &connection, std::int64_t accountId, std::int64_t areaId, const std::string &name)
 {
     return connection.change("UPDATE area SET name = $1 WHERE account_id = $2 AND area_id = $3", name,

@@ -20,8 +20,6 @@ struct Area
 /// The account's areas in the order of the wheel.
 std::vector<Area> areas(Connection &connection, std::int64_t accountId);
 
-bool hasArea(Connection &connection, std::int64_t accountId, std::int64_t areaId);
-
 /// Both tell whether the account has such an area.
 bool renameArea(Connection &connection, std::int64_t accountId, std::int64_t areaId, const std::string &name);
 bool setAreaValue(Connection &connection, std::int64_t accountId, std::int64_t areaId, std::int32_t value);

@@ -2,9 +2,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace tarvex::store {
 
@@ -22,6 +24,15 @@ public:
 
     /// Runs it up to its next row; false behind the last.
     virtual bool step() = 0;
+    /// Runs it to its end, which may be put off for as long as nobody asks for anything.
+    virtual void run()
+    {
+        while (step()) {
+        }
+    }
+    /// Lets it run now, while others do; step() then waits for its rows. Only across a network is there a
+    /// difference.
+    virtual void runAhead() {}
     virtual std::int64_t number(int column) const = 0;
     /// Valid until the next step.
     virtual std::string_view text(int column) const = 0;
@@ -78,6 +89,15 @@ public:
         return Rows(statement);
     }
 
+    /// The same for rows that are looked at only after those of the next statement, with which they come.
+    template<class... Values>
+    Rows rowsAhead(const char *sql, const Values &...values)
+    {
+        Rows rows = this->rows(sql, values...);
+        prepared(sql).runAhead();
+        return rows;
+    }
+
     /// Runs a statement to its end, and tells how many rows it changed.
     template<class... Values>
     std::int64_t change(const char *sql, const Values &...values)
@@ -88,9 +108,34 @@ public:
         return prepared(sql).changes();
     }
 
+    /// Runs a statement whose changes nobody counts. Across a network it may go together with later ones:
+    /// what fails then fails with one of these, or with the commit.
+    template<class... Values>
+    void run(const char *sql, const Values &...values)
+    {
+        Statement &statement = prepared(sql);
+        const Rows end(statement);
+        int parameter = 0;
+        (statement.bind(++parameter, values), ...);
+        statement.run();
+    }
+
+    /// The same with as many parameters as there are values; those of numbers may be texts.
+    void runWith(const char *sql, const std::vector<std::string> &values)
+    {
+        Statement &statement = prepared(sql);
+        const Rows end(statement);
+        int parameter = 0;
+        for (const std::string &value : values)
+            statement.bind(++parameter, value);
+        statement.run();
+    }
+
     /// A number that is another one whenever another session, be it of another process, has changed anything
     /// since it was asked last. Sessions do not compare.
     virtual std::int64_t version() = 0;
+    /// Whether it is this process, of all that have the database open, that tidies it up.
+    virtual bool keepsHouse() = 0;
     /// The bytes that the data take, without those that were freed and are used again before any others.
     virtual std::int64_t size() = 0;
 

@@ -1,96 +1,35 @@
 #include "Database.h"
 
-#include "FilePlace.h"
-#include "Schema.h"
+#include "PostgresEngine.h"
+#include "SqliteEngine.h"
 #include "Writer.h"
 
-#include <cerrno>
-#include <fcntl.h>
 #include <future>
-#include <sys/stat.h>
-#include <system_error>
-#include <unistd.h>
 
 namespace tarvex::store {
 
 namespace {
 
 constexpr std::size_t readerCount = 4;
+constexpr int readAttempts = 3;
 
-/// Marks a file as a database of ours, in the words of the engine: "TVXC".
-constexpr int applicationId = 0x54565843;
-
-/// Makes the file before the engine does, so that no one but its owner can ever read it.
-void createFile(const std::filesystem::path &file)
-{
-    std::error_code error;
-    if (file.has_parent_path())
-        std::filesystem::create_directories(file.parent_path(), error);
-    if (error)
-        throw CannotOpen("The folder of the database " + file.string() +
-                         " cannot be made: " + error.message() + ".");
-    const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    if (descriptor < 0)
-        throw CannotOpen("The database " + file.string() +
-                         " cannot be opened: " + std::generic_category().message(errno) + ".");
-    ::close(descriptor);
-}
-
-/// Refuses the database of another program. Ours is known by its mark or, from before there was one, by its
-/// tables; an empty one becomes ours.
-void claim(SqliteConnection &session, const std::filesystem::path &file)
-{
-    if (session.numberOf("PRAGMA application_id") == applicationId)
-        return;
-    const auto ours = session.numberOf("SELECT COUNT(*) FROM sqlite_master WHERE type = 'table' AND name IN"
-                                       " ('schema_version', 'account', 'login', 'area', 'goal_set', 'goal')");
-    if (ours < 6 && session.numberOf("SELECT COUNT(*) FROM sqlite_master") > 0)
-        throw CannotOpen("The file " + file.string() + " is the database of another program.");
-    session.execute("PRAGMA application_id = " + std::to_string(applicationId));
-}
-
-/// Takes the file from all but its owner, whoever made it; the engine gives files beside it the same mode.
-void makePrivate(const std::filesystem::path &file)
-{
-    constexpr auto ownerOnly = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
-    for (const char *suffix : {"", "-wal", "-shm"}) {
-        std::error_code ignored; // not there, or not ours to change
-        std::filesystem::permissions(file.string() + suffix, ownerOnly, ignored);
-    }
-}
-
-void runReading(SqliteConnection &session, const Database::Work &work)
+void runReading(EngineSession &session, const Database::Work &work)
 {
     try {
-        session.change("BEGIN");
+        session.beginReading();
         work(session);
-        session.change("COMMIT");
+        session.commit();
     } catch (...) {
         session.rollBack();
         throw;
     }
 }
 
-/// The file that a database URL of the form "sqlite:PATH" names.
-std::filesystem::path sqliteFile(const std::string &url)
-{
-    const std::string scheme = "sqlite:";
-    if (url.starts_with("postgresql://") || url.starts_with("postgres://"))
-        throw CannotOpen(
-            "This build does not serve PostgreSQL databases yet; give a database as sqlite:PATH.");
-    if (!url.starts_with(scheme) || url.size() == scheme.size())
-        throw CannotOpen("The database must be given as sqlite:PATH.");
-    const std::string path = url.substr(scheme.size());
-    if (path.find_first_of("\"?#") != std::string::npos)
-        throw CannotOpen("The path of the database holds a character that is not allowed there (\" ? #).");
-    return path;
-}
-
 /// Sessions that only read, lent to one thread each.
 class Readers
 {
 public:
-    void add(std::unique_ptr<SqliteConnection> session)
+    void add(std::unique_ptr<EngineSession> session)
     {
         {
             const std::lock_guard lock(m_mutex);
@@ -98,7 +37,7 @@ public:
         }
         m_isFree.notify_one();
     }
-    std::unique_ptr<SqliteConnection> take()
+    std::unique_ptr<EngineSession> take()
     {
         std::unique_lock lock(m_mutex);
         m_isFree.wait(lock, [this] { return !m_free.empty(); });
@@ -110,49 +49,41 @@ public:
 private:
     std::mutex m_mutex;
     std::condition_variable m_isFree;
-    std::vector<std::unique_ptr<SqliteConnection>> m_free;
+    std::vector<std::unique_ptr<EngineSession>> m_free;
 };
 
-std::unique_ptr<SqliteConnection> reader(const std::filesystem::path &file)
+std::unique_ptr<Engine> engineOf(const std::string &url, Room room)
 {
-    auto session = std::make_unique<SqliteConnection>(file);
-    session->execute("PRAGMA query_only = ON");
-    return session;
+    if (PostgresEngine::isUrl(url))
+        return std::make_unique<PostgresEngine>(url, room);
+    return std::make_unique<SqliteEngine>(url, room);
 }
 
 } // namespace
 
-/// One writer, since the engine allows one, and readers beside it.
+/// One writer, and readers beside it.
 struct Database::Sessions
 {
+    std::unique_ptr<Engine> engine;
     std::unique_ptr<Writer> writer;
     std::mutex hastyMutex;
-    std::unique_ptr<SqliteConnection> hasty;
+    std::unique_ptr<EngineSession> hasty;
     Readers readers;
-    std::filesystem::path folder;
-    Room room;
 };
 
-Database::Database(const std::string &url, Room room)
-    : m_file(sqliteFile(url)), m_sessions(std::make_unique<Sessions>())
+Database::Database(const std::string &url, Room room) : m_sessions(std::make_unique<Sessions>())
 {
-    const std::filesystem::path &file = m_file;
-    createFile(file);
-    m_sessions->folder = std::filesystem::absolute(file).parent_path();
-    m_sessions->room = room;
+    m_sessions->engine = engineOf(url, room);
+    Engine &engine = *m_sessions->engine;
     try {
-        const FolderLock alone(m_sessions->folder);
-        auto writer = std::make_unique<SqliteConnection>(file);
-        claim(*writer, file);
-        makePrivate(file);
-        writer->useLog();
-        migrate(*writer, sqliteMigrations);
+        std::unique_ptr<EngineSession> writer = engine.openWriter();
         for (std::size_t i = 0; i < readerCount; ++i)
-            m_sessions->readers.add(reader(file));
-        m_sessions->hasty = reader(file);
-        m_sessions->writer = std::make_unique<Writer>(std::move(writer), FilePlace(file));
+            m_sessions->readers.add(engine.openReader());
+        m_sessions->hasty = engine.openHastyReader();
+        m_sessions->writer = std::make_unique<Writer>(std::move(writer));
     } catch (const TransactionFailed &error) {
-        throw CannotOpen("The database " + file.string() + " cannot be used: " + error.what());
+        const std::string name = engine.file().empty() ? "" : " " + engine.file().string();
+        throw CannotOpen("The database" + name + " cannot be used: " + error.what() + ".");
     }
 }
 
@@ -160,21 +91,28 @@ Database::~Database() = default;
 
 void Database::read(const Work &work)
 {
-    std::unique_ptr<SqliteConnection> lent = m_sessions->readers.take();
-    const auto give = [this](SqliteConnection *session) {
-        m_sessions->readers.add(std::unique_ptr<SqliteConnection>(session));
+    std::unique_ptr<EngineSession> lent = m_sessions->readers.take();
+    const auto give = [this](EngineSession *session) {
+        m_sessions->readers.add(std::unique_ptr<EngineSession>(session));
     };
-    const std::unique_ptr<SqliteConnection, decltype(give)> session(lent.release(), give);
-    runReading(*session, work);
+    const std::unique_ptr<EngineSession, decltype(give)> session(lent.release(), give);
+    for (int attempt = 1;; ++attempt) {
+        try {
+            runReading(*session, work);
+            return;
+        } catch (const TransactionBroken &) {
+            if (attempt == readAttempts)
+                throw;
+        }
+    }
 }
 
 bool Database::readInAMoment(const Work &work)
 {
     const std::unique_lock lock(m_sessions->hastyMutex, std::try_to_lock);
-    if (!lock)
+    if (!lock || !m_sessions->hasty)
         return false;
     try {
-        m_sessions->hasty->beginHaste();
         runReading(*m_sessions->hasty, work);
         return true;
     } catch (const TransactionHindered &) {
@@ -199,12 +137,17 @@ void Database::write(Work work, Written written)
 
 void Database::requireRoom(Connection &connection) const
 {
-    const auto &[keptFree, largest] = m_sessions->room;
-    if (static_cast<std::uintmax_t>(connection.size()) >= largest)
-        throw TransactionFailed("the database is as large as it may be");
-    std::error_code error; // with which as much is free as can be said
-    if (std::filesystem::space(m_sessions->folder, error).available < keptFree)
-        throw TransactionFailed("the disk has less free than is to be left so");
+    m_sessions->engine->requireRoom(connection);
+}
+
+bool Database::emptyLog()
+{
+    return m_sessions->engine->emptyLog();
+}
+
+std::filesystem::path Database::file() const
+{
+    return m_sessions->engine->file();
 }
 
 } // namespace tarvex::store

@@ -1,24 +1,16 @@
 #pragma once
 
 #include "Connection.h"
+#include "Room.h"
 #include "StoreError.h"
 
-#include <cstdint>
 #include <exception>
 #include <filesystem>
 #include <functional>
-#include <limits>
 #include <memory>
 #include <string>
 
 namespace tarvex::store {
-
-/// What a database may take of its disk, in bytes.
-struct Room
-{
-    std::uintmax_t keptFree = 0; ///< so much of the disk is left free
-    std::uintmax_t largest = std::numeric_limits<std::uintmax_t>::max();
-};
 
 /// One database, open for many threads.
 ///
@@ -32,8 +24,8 @@ public:
     using Work = std::function<void(Connection &)>;
     using Written = std::function<void(std::exception_ptr)>;
 
-    /// Opens the database at the URL, making file, missing parent folders and schema as needed. Throws
-    /// CannotOpen.
+    /// Opens the database at the URL, making file, missing parent folders and schema as needed; a
+    /// file of an older schema is first copied to "<file>.before-schema-N". Throws CannotOpen.
     explicit Database(const std::string &url, Room room = {});
     /// Writes first what still waits to be written.
     ~Database();
@@ -52,15 +44,18 @@ public:
     /// The same without waiting; `written` is told on another thread, with what was thrown if anything was.
     void write(Work work, Written written);
 
-    /// Throws TransactionFailed while there is no room. For work that adds; what removes may go on.
+    /// Throws NoRoom while there is none. For work that adds; what removes may go on.
     void requireRoom(Connection &connection) const;
 
-    /// The file it is in.
-    const std::filesystem::path &file() const { return m_file; }
+    /// The file it is in; empty if it has none of its own.
+    std::filesystem::path file() const;
+
+    /// Leaves nothing in the log beside the file, where what was removed still stands for a while. Tells
+    /// whether that could be, which somebody who reads for long prevents.
+    bool emptyLog();
 
 private:
     struct Sessions;
-    std::filesystem::path m_file;
     std::unique_ptr<Sessions> m_sessions;
 };
 

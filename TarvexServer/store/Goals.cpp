@@ -2,7 +2,10 @@
 
 #include "Quotas.h"
 
+#include <algorithm>
+#include <array>
 #include <numeric>
+#include <set>
 
 namespace tarvex::store {
 
@@ -16,6 +19,27 @@ const std::string selectGoalsOfSet = selectGoals + " AND set_id = $2 ORDER BY ar
 const std::string selectUndoneGoal = selectGoals + " AND set_id = $2 AND checked = 0 LIMIT 1 OFFSET $3";
 const std::string selectGoal = selectGoals + " AND goal_id = $2";
 
+constexpr std::size_t mostInserted = 16; // at a time
+
+/// How so many goals are inserted: the account's id first, then the values of each.
+const std::string &insertOf(std::size_t count)
+{
+    static const auto all = [] {
+        std::array<std::string, mostInserted> made;
+        std::string sql =
+            "INSERT INTO goal (account_id, goal_id, set_id, area_id, name, priority, checked) VALUES ";
+        int parameter = 1;
+        for (std::string &insert : made) {
+            sql += parameter > 1 ? ", ($1" : "($1";
+            for (int i = 0; i < 6; ++i)
+                sql += ", $" + std::to_string(++parameter);
+            insert = sql += ")";
+        }
+        return made;
+    }();
+    return all.at(count - 1);
+}
+
 Goal goalOf(const Rows &row)
 {
     return {.id = row.number(0),
@@ -28,7 +52,9 @@ Goal goalOf(const Rows &row)
 
 std::vector<Goal> goalsOf(Rows rows)
 {
+    constexpr std::size_t usual = 32;
     std::vector<Goal> found;
+    found.reserve(usual);
     while (rows.next())
         found.push_back(goalOf(rows));
     return found;
@@ -95,21 +121,52 @@ void createGoals(Connection &connection, std::int64_t accountId, const std::vect
             return sum + static_cast<std::int64_t>(goal.name.size());
         });
     std::int64_t id = takeGoalIds(connection, accountId, static_cast<std::int64_t>(goals.size()), bytes);
-    for (const Goal &goal : goals)
-        connection.change("INSERT INTO goal (account_id, goal_id, set_id, area_id, name, priority, checked)"
-                          " VALUES ($1, $2, $3, $4, $5, $6, $7)",
-                          accountId, id++, goal.setId, goal.areaId, goal.name, goal.priority,
-                          goal.isChecked ? 1 : 0);
+    for (auto next = goals.begin(); next != goals.end();) {
+        const auto count = std::min<std::size_t>(mostInserted, static_cast<std::size_t>(goals.end() - next));
+        std::vector<std::string> values = {std::to_string(accountId)};
+        for (const auto end = next + static_cast<std::ptrdiff_t>(count); next != end; ++next)
+            values.insert(values.end(),
+                          {std::to_string(id++), std::to_string(next->setId), std::to_string(next->areaId),
+                           next->name, std::to_string(next->priority), next->isChecked ? "1" : "0"});
+        connection.runWith(insertOf(count).c_str(), values);
+    }
 }
 
-void deleteGoals(Connection &connection, std::int64_t accountId, const std::vector<std::int64_t> &goalIds,
+std::vector<IdRun> runsOf(std::vector<std::int64_t> ids)
+{
+    std::sort(ids.begin(), ids.end());
+    std::vector<IdRun> runs;
+    for (const std::int64_t id : ids) {
+        if (!runs.empty() && id <= runs.back().last + 1)
+            runs.back().last = id;
+        else
+            runs.push_back({.first = id, .last = id});
+    }
+    return runs;
+}
+
+std::vector<std::pair<std::int64_t, std::int64_t>>
+placesOfGoals(Connection &connection, std::int64_t accountId, const std::vector<IdRun> &goalIds)
+{
+    std::set<std::pair<std::int64_t, std::int64_t>> places;
+    for (const IdRun &run : goalIds) {
+        Rows rows = connection.rows("SELECT DISTINCT set_id, area_id FROM goal WHERE account_id = $1"
+                                    " AND goal_id BETWEEN $2 AND $3 AND deleted_at IS NULL",
+                                    accountId, run.first, run.last);
+        while (rows.next())
+            places.emplace(rows.number(0), rows.number(1));
+    }
+    return {places.begin(), places.end()};
+}
+
+void deleteGoals(Connection &connection, std::int64_t accountId, const std::vector<IdRun> &goalIds,
                  std::int64_t now)
 {
     std::int64_t deleted = 0;
-    for (const std::int64_t goalId : goalIds)
-        deleted += connection.change("UPDATE goal SET deleted_at = $1"
-                                     " WHERE account_id = $2 AND goal_id = $3 AND deleted_at IS NULL",
-                                     now, accountId, goalId);
+    for (const IdRun &run : goalIds)
+        deleted += connection.change("UPDATE goal SET deleted_at = $1 WHERE account_id = $2"
+                                     " AND goal_id BETWEEN $3 AND $4 AND deleted_at IS NULL",
+                                     now, accountId, run.first, run.last);
     countDeleted(connection, accountId, deleted);
 }
 

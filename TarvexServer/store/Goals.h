@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tarvex::store {
@@ -54,8 +55,23 @@ std::optional<Goal> undoneGoal(Connection &connection, std::int64_t accountId, s
 /// Throws QuotaExceeded.
 void createGoals(Connection &connection, std::int64_t accountId, const std::vector<Goal> &goals);
 
+/// Ids without gaps, the last one included. A list of ids is mostly one such run: goals that were saved
+/// together.
+struct IdRun
+{
+    std::int64_t first = 0;
+    std::int64_t last = 0;
+};
+
+/// The runs that the ids make up, in ascending order.
+std::vector<IdRun> runsOf(std::vector<std::int64_t> ids);
+
+/// The sets and areas that any of the goals hang on, each once.
+std::vector<std::pair<std::int64_t, std::int64_t>>
+placesOfGoals(Connection &connection, std::int64_t accountId, const std::vector<IdRun> &goalIds);
+
 /// Marks the goals deleted; ids the account has no goal for are passed over. `now` is in seconds since 1970.
-void deleteGoals(Connection &connection, std::int64_t accountId, const std::vector<std::int64_t> &goalIds,
+void deleteGoals(Connection &connection, std::int64_t accountId, const std::vector<IdRun> &goalIds,
                  std::int64_t now);
 
 /// Marks the goal done, which it may be already.

@@ -1,5 +1,7 @@
 #include "Invitations.h"
 
+#include "StoreError.h"
+
 namespace tarvex::store {
 
 void createInvitation(Connection &connection, std::string_view codeHash, std::int64_t expiresAt)
@@ -15,7 +17,8 @@ bool hasInvitation(Connection &connection, std::string_view codeHash, std::int64
 
 void useInvitation(Connection &connection, std::string_view codeHash)
 {
-    connection.change("DELETE FROM invitation WHERE code_hash = $1", codeHash);
+    if (connection.change("DELETE FROM invitation WHERE code_hash = $1", codeHash) == 0)
+        throw TransactionBroken("another process used the invitation");
 }
 
 void purgeInvitations(Connection &connection, std::int64_t before)

@@ -14,7 +14,7 @@ void createInvitation(Connection &connection, std::string_view codeHash, std::in
 /// Whether there is such an invitation that has not expired.
 bool hasInvitation(Connection &connection, std::string_view codeHash, std::int64_t now);
 
-/// Uses it up.
+/// Uses it up; it must be there.
 void useInvitation(Connection &connection, std::string_view codeHash);
 
 /// Removes those that expired before a time.

@@ -4,25 +4,21 @@
 
 namespace tarvex::store {
 
-namespace {
-
-std::string proofIn(Connection &connection)
+std::string secretProof(Connection &connection)
 {
     Rows found = connection.rows("SELECT proof FROM secret_proof");
     return found.next() ? std::string(found.text(0)) : "";
 }
 
-} // namespace
-
 bool areLoginsKeyed(Connection &connection)
 {
-    return !proofIn(connection).empty();
+    return !secretProof(connection).empty();
 }
 
 bool keyLogins(Connection &connection, const std::string &proof,
                const std::function<std::string(std::string_view)> &keyed)
 {
-    if (const std::string known = proofIn(connection); !known.empty())
+    if (const std::string known = secretProof(connection); !known.empty())
         return known == proof;
     std::vector<std::string> digests;
     {

@@ -24,6 +24,19 @@ std::int64_t requireForWire(std::int64_t lastId)
     return lastId;
 }
 
+struct SetCounts
+{
+    std::int64_t all = 0;
+    std::int64_t live = 0;
+};
+
+SetCounts countSets(Connection &connection, std::int64_t accountId)
+{
+    const Rows held = only(connection.rows(
+        "SELECT COUNT(*), COUNT(*) - COUNT(deleted_at) FROM goal_set WHERE account_id = $1", accountId));
+    return {.all = held.number(0), .live = held.number(1)};
+}
+
 /// What the account holds, exactly, with so much that is about to be added.
 void requireRoom(Connection &connection, std::int64_t accountId, std::int64_t count, std::int64_t bytes)
 {
@@ -41,15 +54,17 @@ void requireRoom(Connection &connection, std::int64_t accountId, std::int64_t co
 
 } // namespace
 
+void requireSetRoom(Connection &connection, std::int64_t accountId)
+{
+    if (countSets(connection, accountId).live >= Quotas::sets)
+        throw QuotaExceeded();
+}
+
 std::int64_t takeSetId(Connection &connection, std::int64_t accountId)
 {
-    {
-        const Rows held = only(connection.rows("SELECT COUNT(*), COUNT(deleted_at) FROM goal_set"
-                                               " WHERE account_id = $1",
-                                               accountId));
-        if (held.number(0) >= Quotas::setsWithDeleted || held.number(0) - held.number(1) >= Quotas::sets)
-            throw QuotaExceeded();
-    }
+    const SetCounts held = countSets(connection, accountId);
+    if (held.all >= Quotas::setsWithDeleted || held.live >= Quotas::sets)
+        throw QuotaExceeded();
     const Rows taken = only(connection.rows("UPDATE account SET next_set_id = next_set_id + 1"
                                             " WHERE account_id = $1 RETURNING next_set_id",
                                             accountId));
@@ -71,6 +86,20 @@ std::int64_t takeGoalIds(Connection &connection, std::int64_t accountId, std::in
     if (isTooMuch)
         requireRoom(connection, accountId, count, bytes);
     return requireForWire(last) - count + 1;
+}
+
+void countUndeleted(Connection &connection, std::int64_t accountId, std::int64_t count, std::int64_t bytes)
+{
+    const bool isTooMuch = [&] {
+        const Rows counted =
+            only(connection.rows("UPDATE account SET goals = goals + $1, goal_bytes = goal_bytes + $2,"
+                                 " deleted_goals = deleted_goals - $1"
+                                 " WHERE account_id = $3 RETURNING goals, goal_bytes",
+                                 count, bytes, accountId));
+        return counted.number(0) > Quotas::goals || counted.number(1) > Quotas::goalBytes;
+    }();
+    if (isTooMuch)
+        requireRoom(connection, accountId, count, bytes);
 }
 
 void countDeleted(Connection &connection, std::int64_t accountId, std::int64_t count)

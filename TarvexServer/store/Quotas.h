@@ -25,6 +25,9 @@ class QuotaExceeded : public std::exception
 {
 };
 
+/// Throws QuotaExceeded if the account has no room for one more set that is not deleted.
+void requireSetRoom(Connection &connection, std::int64_t accountId);
+
 /// Takes an id for a set. Throws TransactionFailed if the account is gone or the wire's 32 bits are used up.
 std::int64_t takeSetId(Connection &connection, std::int64_t accountId);
 
@@ -32,6 +35,10 @@ std::int64_t takeSetId(Connection &connection, std::int64_t accountId);
 /// above.
 std::int64_t takeGoalIds(Connection &connection, std::int64_t accountId, std::int64_t count,
                          std::int64_t bytes);
+
+/// Counts that so many deleted goals with names of so many bytes come back. To be called before they do.
+/// Throws QuotaExceeded.
+void countUndeleted(Connection &connection, std::int64_t accountId, std::int64_t count, std::int64_t bytes);
 
 /// Counts that so many goals of the account were deleted, and keeps its deleted ones in their bounds.
 void countDeleted(Connection &connection, std::int64_t accountId, std::int64_t count);

@@ -27,6 +27,15 @@ bool hasSet(Connection &connection, std::int64_t accountId, std::int64_t setId)
         .next();
 }
 
+bool hasPlace(Connection &connection, std::int64_t accountId, std::int64_t setId, std::int64_t areaId)
+{
+    return connection
+        .rows("SELECT 1 FROM goal_set JOIN area ON area.account_id = goal_set.account_id"
+              " WHERE goal_set.account_id = $1 AND set_id = $2 AND deleted_at IS NULL AND area_id = $3",
+              accountId, setId, areaId)
+        .next();
+}
+
 std::int64_t createSet(Connection &connection, std::int64_t accountId, const std::string &name)
 {
     const std::int64_t setId = takeSetId(connection, accountId);
@@ -48,6 +57,10 @@ bool deleteSet(Connection &connection, std::int64_t accountId, std::int64_t setI
                           " WHERE account_id = $2 AND set_id = $3 AND deleted_at IS NULL",
                           now, accountId, setId) == 0)
         return false;
+    // Goals come back with the set that went at their time: what went by itself in this second went before.
+    connection.run("UPDATE goal SET deleted_at = deleted_at - 1"
+                   " WHERE account_id = $1 AND set_id = $2 AND deleted_at = $3",
+                   accountId, setId, now);
     countDeleted(connection, accountId,
                  connection.change("UPDATE goal SET deleted_at = $1"
                                    " WHERE account_id = $2 AND set_id = $3 AND deleted_at IS NULL",

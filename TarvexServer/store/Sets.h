@@ -20,6 +20,8 @@ struct Set
 std::vector<Set> sets(Connection &connection, std::int64_t accountId);
 
 bool hasSet(Connection &connection, std::int64_t accountId, std::int64_t setId);
+/// Whether the account has both, so that goals can hang there.
+bool hasPlace(Connection &connection, std::int64_t accountId, std::int64_t setId, std::int64_t areaId);
 
 /// Returns the new set's id. Throws QuotaExceeded.
 std::int64_t createSet(Connection &connection, std::int64_t accountId, const std::string &name);

@@ -13,7 +13,8 @@ namespace {
 /// How long a session waits for another process that holds the file.
 constexpr int busyMilliseconds = 5000;
 
-constexpr std::chrono::milliseconds betweenLooks{5};
+/// A busy process leaves the file for moments only.
+constexpr std::chrono::milliseconds betweenLooks{1};
 
 constexpr std::int64_t largestIdleLog = 8LL * 1024 * 1024; // bytes
 
@@ -25,6 +26,40 @@ constexpr std::int64_t largestIdleLog = 8LL * 1024 * 1024; // bytes
     if (primaryCode == SQLITE_NOMEM)
         throw std::bad_alloc();
     throw TransactionFailed(sqlite3_errmsg(session));
+}
+
+/// Whether the last session to end leaves the log, rather than brings it into the file and removes it.
+void leaveLogAtEnd(sqlite3 *session, bool leaves)
+{
+    sqlite3_db_config(session, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, leaves ? 1 : 0, nullptr);
+}
+
+/// A session that its owner closes, and that leaves the log as it is.
+sqlite3 *opened(const std::filesystem::path &file)
+{
+    sqlite3 *session = nullptr;
+    // A path from the root, since the engine reads a leading "file:" or ":" in a way of its own.
+    if (sqlite3_open_v2(std::filesystem::absolute(file).c_str(), &session,
+                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE,
+                        nullptr) != SQLITE_OK) {
+        const std::string reason = sqlite3_errmsg(session);
+        sqlite3_close(session);
+        throw TransactionFailed(reason);
+    }
+    leaveLogAtEnd(session, true);
+    return session;
+}
+
+/// The function of the SQL standard that this engine lacks: the bytes of a text.
+void addOctetLength(sqlite3 *session)
+{
+    const auto octetLength = [](sqlite3_context *context, int, sqlite3_value **values) {
+        sqlite3_result_int(context, sqlite3_value_bytes(values[0]));
+    };
+    if (sqlite3_create_function_v2(session, "octet_length", /*nArg=*/1, SQLITE_UTF8 | SQLITE_DETERMINISTIC,
+                                   /*pApp=*/nullptr, octetLength, /*xStep=*/nullptr, /*xFinal=*/nullptr,
+                                   /*xDestroy=*/nullptr) != SQLITE_OK)
+        fail(session);
 }
 
 class SqliteStatement : public Statement
@@ -81,19 +116,14 @@ private:
 
 } // namespace
 
-SqliteConnection::SqliteConnection(const std::filesystem::path &file)
+SqliteConnection::SqliteConnection(const std::filesystem::path &file) : SqliteConnection(opened(file))
 {
-    // A path from the root, since the engine reads a leading "file:" or ":" in a way of its own.
-    const int result =
-        sqlite3_open_v2(std::filesystem::absolute(file).c_str(), &m_session,
-                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
-    if (result != SQLITE_OK) {
-        const std::string reason = sqlite3_errmsg(m_session);
-        sqlite3_close(m_session);
-        throw TransactionFailed(reason);
-    }
     sqlite3_busy_timeout(m_session, busyMilliseconds);
-    execute("PRAGMA synchronous = FULL; PRAGMA fullfsync = ON; PRAGMA foreign_keys = ON");
+    execute("PRAGMA synchronous = FULL; PRAGMA fullfsync = ON; PRAGMA foreign_keys = ON;"
+            " PRAGMA secure_delete = ON"); // what is removed is overwritten
+    addOctetLength(m_session);
+    leaveLogAtEnd(m_session,
+                  false); // the file can be read; beside one that cannot, the log may hold the rest
 }
 
 SqliteConnection::~SqliteConnection()
@@ -115,6 +145,37 @@ void SqliteConnection::useLog()
         throw TransactionFailed("its file system does not take a write-ahead log");
     // A reader from outside may make it grow; it does not stay so large.
     execute("PRAGMA journal_size_limit = " + std::to_string(largestIdleLog));
+}
+
+void SqliteConnection::endLog()
+{
+    SqliteStatement statement(m_session, "PRAGMA journal_mode = DELETE", /*flags=*/0);
+    if (!statement.step() || statement.text(/*column=*/0) != "delete")
+        throw TransactionHindered("its log is in use");
+}
+
+void SqliteConnection::keepToItself()
+{
+    constexpr int momentMilliseconds = 500; // others may be about to end
+    sqlite3_busy_timeout(m_session, momentMilliseconds);
+    execute("PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE; COMMIT");
+}
+
+void SqliteConnection::copyTo(SqliteConnection &target, std::chrono::milliseconds pause)
+{
+    constexpr int pagesAtOnce = 256; // a mebibyte, as pages usually are
+    sqlite3_backup *const copying = sqlite3_backup_init(target.m_session, "main", m_session, "main");
+    if (copying == nullptr)
+        fail(target.m_session);
+    while (sqlite3_backup_step(copying, pagesAtOnce) == SQLITE_OK)
+        std::this_thread::sleep_for(pause);
+    if (sqlite3_backup_finish(copying) != SQLITE_OK)
+        fail(target.m_session);
+}
+
+bool SqliteConnection::emptyLog()
+{
+    return numberOf("PRAGMA wal_checkpoint(TRUNCATE)") == 0;
 }
 
 std::int64_t SqliteConnection::numberOf(const std::string &query)
@@ -157,11 +218,23 @@ void SqliteConnection::waitWhile(std::function<bool()> goesOn)
     sqlite3_busy_handler(m_session, wait, this);
 }
 
-void SqliteConnection::beginHaste()
+void SqliteConnection::beginReading()
 {
-    constexpr int stepsBetween = 1000;
     constexpr int moment = 20; // thousand steps of the engine, a millisecond or so
     m_haste = moment;
+    change("BEGIN");
+}
+
+void SqliteConnection::commit()
+{
+    if (m_place)
+        m_place->check();
+    change("COMMIT");
+}
+
+void SqliteConnection::haste()
+{
+    constexpr int stepsBetween = 1000;
     sqlite3_busy_timeout(m_session, /*ms=*/0);
     const auto isOver = [](void *left) { return --*static_cast<int *>(left) < 0 ? 1 : 0; };
     sqlite3_progress_handler(m_session, stepsBetween, isOver, &m_haste);

@@ -14,10 +14,17 @@ namespace {
 /// So many share a commit at most, so that the first of them does not wait for ever more.
 constexpr std::size_t largestBatch = 64;
 
-/// How long a commit waits for another process that holds the file.
+/// How long a commit waits for another process that holds the database, or for one that is away.
 constexpr std::chrono::seconds longestWait{5};
 
 constexpr std::chrono::milliseconds pauseForMemory{20};
+
+template<class Jobs>
+void failAll(Jobs &batch, const std::exception_ptr &failure)
+{
+    for (auto &job : batch)
+        job.failure = failure;
+}
 
 /// A long write leaves the processor to whoever reads meanwhile, where there are more threads than cores.
 void stepBack()
@@ -30,8 +37,7 @@ void stepBack()
 
 } // namespace
 
-Writer::Writer(std::unique_ptr<SqliteConnection> session, FilePlace place)
-    : m_session(std::move(session)), m_place(std::move(place))
+Writer::Writer(std::unique_ptr<EngineSession> session) : m_session(std::move(session))
 {
     m_session->waitWhile(
         [this] { return !m_isEnding && std::chrono::steady_clock::now() < m_beginning + longestWait; });
@@ -90,30 +96,67 @@ std::vector<Writer::Job> Writer::nextBatch()
 void Writer::commit(std::vector<Job> &batch) noexcept
 {
     m_beginning = std::chrono::steady_clock::now();
-    try {
-        m_session->change("BEGIN IMMEDIATE");
-        for (Job &job : batch)
-            attempt(job);
-        m_place.check();
-        m_session->change("COMMIT");
-    } catch (...) {
-        for (Job &job : batch)
-            job.failure = std::current_exception();
-        m_session->rollBack();
+    m_isWary = false;
+    for (;;) {
+        try {
+            attempt(batch);
+            return;
+        } catch (const TransactionFailed &failure) {
+            m_session->rollBack();
+            if (isToBeTriedAgain(batch, failure))
+                continue;
+            failAll(batch, std::current_exception());
+        } catch (...) {
+            m_session->rollBack();
+            failAll(batch, std::current_exception());
+        }
+        return;
     }
 }
 
-/// A piece of work that fails takes back itself alone. When that fails too, so does the whole batch.
+bool Writer::isToBeTriedAgain(const std::vector<Job> &batch, const TransactionFailed &failure)
+{
+    if (dynamic_cast<const TransactionBroken *>(&failure) != nullptr)
+        return !m_isEnding && std::chrono::steady_clock::now() < m_beginning + longestWait;
+    return batch.size() > 1 && !std::exchange(m_isWary, true);
+}
+
+/// Work that failed by itself has its answer, also when the rest of the batch is to be done anew.
+void Writer::attempt(std::vector<Job> &batch)
+{
+    m_session->beginWriting();
+    for (Job &job : batch) {
+        if (!job.failure)
+            attempt(job);
+    }
+    m_session->commit();
+}
+
+/// A piece of work that is refused takes back itself alone, and so does one that fails, once that is known to
+/// be the one. When that fails too, so does the whole batch.
 void Writer::attempt(Job &job)
 {
-    m_session->change("SAVEPOINT job");
+    m_session->run("SAVEPOINT job");
     try {
         job.work(*m_session);
+        if (m_isWary)
+            m_session->settle();
+    } catch (const TransactionBroken &) {
+        throw;
+    } catch (const TransactionFailed &) {
+        if (!m_isWary)
+            throw;
+        takeBack(job);
     } catch (...) {
-        job.failure = std::current_exception();
-        m_session->change("ROLLBACK TO job");
+        takeBack(job);
     }
-    m_session->change("RELEASE job");
+    m_session->run("RELEASE job");
+}
+
+void Writer::takeBack(Job &job)
+{
+    job.failure = std::current_exception();
+    m_session->run("ROLLBACK TO job");
 }
 
 } // namespace tarvex::store

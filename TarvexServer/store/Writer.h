@@ -1,7 +1,7 @@
 #pragma once
 
-#include "FilePlace.h"
-#include "SqliteConnection.h"
+#include "EngineSession.h"
+#include "StoreError.h"
 
 #include <atomic>
 #include <chrono>
@@ -25,8 +25,8 @@ public:
     /// throw.
     using Written = std::function<void(std::exception_ptr)>;
 
-    Writer(std::unique_ptr<SqliteConnection> session, FilePlace place);
-    /// What still waits is written first, unless another process holds the file.
+    explicit Writer(std::unique_ptr<EngineSession> session);
+    /// What still waits is written first, unless another process holds the database or it is away.
     ~Writer();
     Writer(const Writer &) = delete;
     Writer &operator=(const Writer &) = delete;
@@ -44,11 +44,14 @@ private:
     void run();
     std::vector<Job> nextBatch();
     void commit(std::vector<Job> &batch) noexcept;
+    void attempt(std::vector<Job> &batch);
     void attempt(Job &job);
+    void takeBack(Job &job);
+    bool isToBeTriedAgain(const std::vector<Job> &batch, const TransactionFailed &failure);
 
-    std::unique_ptr<SqliteConnection> m_session;
-    FilePlace m_place;
+    std::unique_ptr<EngineSession> m_session;
     std::chrono::steady_clock::time_point m_beginning; // of the commit that is under way
+    bool m_isWary = false; // whether it waits for each piece of work, to know which one fails
     std::mutex m_mutex;
     std::condition_variable m_isWork;
     std::deque<Job> m_waiting;

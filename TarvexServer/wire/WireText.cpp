@@ -94,6 +94,40 @@ std::size_t escapedSize(std::string_view wireText)
     return size;
 }
 
+std::string escaped(std::string_view typedText)
+{
+    std::string wireText;
+    wireText.reserve(escapedSize(typedText));
+    for (const char character : typedText) {
+        const auto *const escape = std::find_if(escapes.begin(), escapes.end(), [=](const Escape &candidate) {
+            return candidate.character == character;
+        });
+        if (escape == escapes.end())
+            wireText += character;
+        else
+            wireText += escape->token;
+    }
+    return wireText;
+}
+
+std::string unescaped(std::string_view wireText)
+{
+    std::string typedText;
+    typedText.reserve(wireText.size());
+    while (!wireText.empty()) {
+        const auto *const escape =
+            wireText.front() != '{'
+                ? escapes.end()
+                : std::find_if(escapes.begin(), escapes.end(), [=](const Escape &candidate) {
+                      return wireText.starts_with(candidate.token);
+                  });
+        const bool isToken = escape != escapes.end();
+        typedText += isToken ? escape->character : wireText.front();
+        wireText.remove_prefix(isToken ? escape->token.size() : 1);
+    }
+    return typedText;
+}
+
 std::optional<std::string> storableName(std::string_view wireText)
 {
     if (wireText.size() > maximumNameSize)

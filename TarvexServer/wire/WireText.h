@@ -18,6 +18,11 @@ std::optional<std::string> storableName(std::string_view wireText);
 /// Bytes the text takes when a client sends it back: one that received a bare "?" sends "{_quest_}".
 std::size_t escapedSize(std::string_view wireText);
 
+/// The wire text of what somebody typed, and what somebody typed to send a wire text. A token that was typed
+/// comes back as its character, as it does for clients.
+std::string escaped(std::string_view typedText);
+std::string unescaped(std::string_view wireText);
+
 /// Length of the UTF-8 sequence at the start of the text, at most 4; 0 if there is none that is well formed.
 std::size_t utf8SequenceLength(std::string_view text);
 

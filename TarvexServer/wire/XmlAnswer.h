@@ -23,13 +23,14 @@ public:
     void beginRecord() { m_document += "<record>"; }
     /// The text must be storable: well-formed UTF-8 without characters that XML cannot carry.
     void element(std::string_view name, std::string_view text);
-    void element(std::string_view name, std::int64_t number) { element(name, std::to_string(number)); }
+    void element(std::string_view name, std::int64_t number);
     void endRecord() { m_document += "</record>"; }
 
     /// The finished document; the builder is spent afterwards.
     std::string finish();
 
 private:
+    void appendTag(std::string_view opening, std::string_view name);
     void appendText(std::string_view text);
     void appendSpecial(std::string_view character);
 

@@ -1,3 +1,4 @@
+#include "Customer.h"
 #include "ListenAddress.h"
 #include "Md5.h"
 #include "RawClient.h"
@@ -5,53 +6,17 @@
 #include "ServerProcess.h"
 #include "SqliteConnection.h"
 
+#include <atomic>
 #include <boost/regex.hpp>
 #include <csignal>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <thread>
+#include <vector>
 
 using namespace tarvex;
 
 namespace {
-
-/// What a server is started with so that a script goes before it, in which mounts are its own.
-std::string behind(const TemporaryFolder &folder, const std::string &script)
-{
-    std::ofstream(folder.path() / "before.sh") << script << "\nexec \"$@\"";
-    return "/usr/bin/unshare --map-root-user --mount sh before.sh ";
-}
-
-/// The same so that its folder is a disk of that size.
-std::string onDiskOf(const TemporaryFolder &folder, const std::string &size)
-{
-    return behind(folder, "mount -t tmpfs -o size=" + size + " none \"$PWD\" && cd \"$PWD\"");
-}
-
-/// Requests of a new account.
-class Customer
-{
-public:
-    explicit Customer(std::uint16_t port) : m_client(port)
-    {
-        m_client.post("p1=create-new-user&p2=a@example.org&p3=b&p4=C&type=json");
-    }
-    RawClient::Response post(const std::string &kind, const std::string &rest = "")
-    {
-        return m_client.post("p1=" + kind + "&p2=" + security::signInDigest("a@example.org") +
-                             "&p3=" + security::signInDigest("b") + rest);
-    }
-    RawClient::Response saveLargeGoals(int count)
-    {
-        std::string list = "&p4=";
-        for (int i = 0; i < count; ++i)
-            list += "name:" + std::string(60'000, 'x') + ";priority:5;checked:0;setsId:1;areaId:3;{_end_}";
-        return post("create-some-goals", list);
-    }
-
-private:
-    RawClient m_client;
-};
 
 /// A server that has room for one large save answers everything that would add more with a refusal.
 void addsNothing(const TemporaryFolder &folder, const std::string &options, const std::string &launcher,
@@ -150,7 +115,7 @@ TEST(Binary, StartsSeveralTimesAtOnceOnANewDatabase)
         RawClient client(ServerProcess::portOf(line));
         for (int i = 0; i < 20; ++i)
             client.post("p1=x");
-        ::kill(server->child.id(), SIGHUP);
+        ::kill(server->child.id(), SIGTERM);
     }
     for (const auto &server : servers) {
         server->child.wait();
@@ -251,6 +216,35 @@ TEST(Binary, AddsNothingWhileThereIsTooLittleRoom)
     addsNothing(folder, " --keep-free 2", onDiskOf(folder, "3m"),
                 "the disk has less free than is to be left so");
     addsNothing(folder, " --largest-database 1", /*launcher=*/"", "the database is as large as it may be");
+}
+
+TEST(Binary, RefusesForWantOfMemoryAndGoesOn)
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "sanitizers ask for more memory than is left here";
+#endif
+    const TemporaryFolder folder;
+    ServerProcess server(folder, serveHere, behind(folder, "ulimit -v 400000"));
+    const std::uint16_t port = server.port();
+    EXPECT_EQ(Customer(port).post("sign-in").body(), "OK");
+    std::atomic<int> failures = 0;
+    std::vector<std::jthread> customers(12);
+    for (std::jthread &customer : customers)
+        customer = std::jthread([&failures, port] {
+            for (int i = 0; i < 6; ++i)
+                try {
+                    Customer one(port);
+                    failures += one.saveLargeGoals(60).body() != "OK" ? 1 : 0;
+                    failures += one.post("get-goals", "&p4=1&p5=3").body() == "Error" ? 1 : 0;
+                } catch (const std::exception &) {
+                    ++failures;
+                }
+        });
+    customers.clear();
+    EXPECT_GT(failures, 0);
+    EXPECT_EQ(Customer(port).post("sign-in").body(), "OK");
+    ::kill(server.child.id(), SIGTERM);
+    EXPECT_EQ(server.ended().first, 0);
 }
 
 TEST(Binary, ListensToThisMachineAloneUnlessToldOtherwise)

@@ -6,7 +6,6 @@
 #include "ProxyHeader.h"
 #include "SampleRows.h"
 
-#include <fstream>
 #include <future>
 #include <map>
 #include <semaphore>
@@ -138,10 +137,7 @@ TEST(FairThreads, ServeInTurnAndDropTheLastOfWhoeverHasMost)
 TEST(ConnectionCounts, LimitConnectionsPerPeerAndAltogether)
 {
     using Welcome = ConnectionCounts::Welcome;
-    Limits limits;
-    limits.connections = 3;
-    limits.connectionsPerPeer = 1;
-    limits.refusedConnections = 1;
+    const Limits limits = {.connections = 3, .connectionsPerPeer = 1, .refusedConnections = 1};
     ConnectionCounts counts(limits);
     EXPECT_EQ(counts.enter("a"), Welcome::Served);
     EXPECT_EQ(counts.enter("a"), Welcome::Refused);
@@ -152,29 +148,6 @@ TEST(ConnectionCounts, LimitConnectionsPerPeerAndAltogether)
     EXPECT_EQ(counts.enter("b"), Welcome::Refused);
     counts.leave("a", Welcome::Served);
     EXPECT_EQ(counts.enter("a"), Welcome::Served);
-}
-
-TEST(Limits, AreThoseOfTheProtocolsDescription)
-{
-    std::ifstream file(samplesFolder() / "../../../docs/protocol.md");
-    std::string text;
-    for (std::string word; file >> word;)
-        text += word + " ";
-    const Limits limits;
-    const auto mebibytes = [](std::size_t bytes) { return std::to_string(bytes >> 20U) + " MiB"; };
-    const auto seconds = [](std::chrono::milliseconds time) {
-        return std::to_string(time.count() / 1000) + " s";
-    };
-    for (const std::string &words :
-         {"Head " + std::to_string(limits.head >> 10U) + " KiB in " + seconds(limits.headTime) + "; body " +
-              mebibytes(limits.body) + " in " + seconds(limits.bodyTime) + "; " + seconds(limits.idleTime) +
-              " between requests; " + seconds(limits.handlerTime) + " to answer; ",
-          std::to_string(limits.connectionsPerPeer) + " from one address",
-          "read up to " + mebibytes(limits.discardedBody),
-          "arrived in memory (" + mebibytes(limits.bodiesInMemory) + ")",
-          "wait to be sent (" + mebibytes(limits.answersInMemory),
-          "to be hashed (" + std::to_string(limits.waitingHashes) + ","})
-        EXPECT_NE(text.find(words), std::string::npos) << words;
 }
 
 TEST(AccountQueues, StartOneTaskOfAnAccountAtATime)

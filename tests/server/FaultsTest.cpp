@@ -112,7 +112,7 @@ TEST_F(Faults, RefusesSavesWhileAFileOfTheDatabaseIsGone)
 TEST_F(Faults, ReadsGoOnWhileAnotherProgramHoldsTheDatabase)
 {
     EXPECT_EQ(save().first, Outcome::Done);
-    auto database = std::make_unique<store::Database>(m_folder.databaseUrl());
+    auto database = std::make_unique<store::Database>(databaseUrl(m_folder));
     store::SqliteConnection other(file());
     other.execute("BEGIN IMMEDIATE");
     std::promise<std::exception_ptr> written;

@@ -22,23 +22,18 @@ TEST_F(Http, AnswersOneRequestAfterTheOtherOnAConnection)
 TEST_F(Http, NeverAppliesARequestThatWasCutShort)
 {
     start();
-    const std::string whole = RawClient::request(asAnna("create-sets", "&p4=Name"));
-    for (const std::size_t missing : {1U, 4U, 60U, 120U}) {
-        RawClient client(port());
-        client.send(whole.substr(0, whole.size() - missing));
-        client.endSending();
-        EXPECT_TRUE(client.isClosedSilently()) << missing;
-    }
-    EXPECT_EQ(column(RawClient(port()).post(asAnna("get-sets")).body(), "id"), "[1]");
     RawClient saver(port());
     saver.post(asAnna("create-some-goals", "&p4=" + goal("kept")));
     const std::string save = RawClient::request(asAnna("create-some-goals", "&p4=" + goal("new")));
-    for (const std::size_t missing : {1U, 8U, 57U}) {
+    for (const std::size_t missing : {1U, 8U, 57U, 120U}) { // the last ends among the credentials
         RawClient client(port());
         client.send(save.substr(0, save.size() - missing));
         client.endSending();
-        EXPECT_TRUE(client.isClosedSilently());
-        EXPECT_EQ(saver.post(asAnna("delete-some-goals", "&p4=1;")).body(), "Error") << missing;
+        EXPECT_TRUE(client.isClosedSilently()) << missing;
+        EXPECT_EQ(column(saver.post(asAnna("get-goals", "&p4=1&p5=3")).body(), "name"), "[kept]") << missing;
+        if (missing < 120) {
+            EXPECT_EQ(saver.post(asAnna("delete-some-goals", "&p4=1;")).body(), "Error") << missing;
+        }
     }
 }
 
@@ -174,7 +169,9 @@ TEST_F(Http, SaysThatItIsBusyWhenAnswersThatNobodyTakesFillTheMemory)
         }
         EXPECT_EQ(client.post(asAnna("get-sets")).result_int(), 200U); // what is small goes on
     }
-    EXPECT_GT(client.post(fewGoals).body().size(), 120'000U);
+    while (RawClient(port()).post(fewGoals).body().size() <
+           120'000U) // until it is seen that the slow one left
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
 }
 
 TEST_F(Http, SaysThatItIsBusyWhenARequestTakesTooLong)

@@ -124,7 +124,7 @@ TEST_F(Requests, TheCodeOfAnInvitationIsKeptNowhere)
 
 TEST_F(Requests, ARequestThatWaitedTooLongIsNotBegun)
 {
-    auto turn = m_service.begin({.body = asAnna("create-sets", "&p4=late"), .peer = "", .arrival = m_now});
+    const auto turn = begun(asAnna("create-sets", "&p4=late"));
     ASSERT_EQ(turn->step(), requests::Turn::Step::Hash);
     m_service.verify(*turn);
     m_now += requests::Service::patience + std::chrono::seconds(1);
@@ -138,9 +138,7 @@ TEST_F(Requests, OnlyFailuresCountHoweverManySignInAtOnce)
         std::vector<std::unique_ptr<requests::Turn>> turns;
         turns.reserve(40);
         for (int i = 0; i < 40; ++i)
-            turns.push_back(m_service.begin({.body = "p1=sign-in" + credentials(m_login, password),
-                                             .peer = "192.0.2.1",
-                                             .arrival = m_now}));
+            turns.push_back(begun("p1=sign-in" + credentials(m_login, password), "192.0.2.1"));
         int checked = 0;
         for (const auto &turn : turns) {
             m_service.verify(*turn);
@@ -196,13 +194,11 @@ TEST_F(Requests, WhatWasDeletedIsGoneAfterThirtyDaysOfRunning)
 
 TEST_F(Requests, WhatAnotherProcessChangesIsSeenAtOnce)
 {
-    store::Database same(m_folder.databaseUrl());
+    store::Database same(databaseUrl(m_folder));
     requests::Service other(same, m_hash, clocks());
     const auto change = [&](const std::string &name) {
         const auto turn = other.begin(
             {.body = asAnna("set-sets-name", "&p4=" + name + "&p5=1"), .peer = "", .arrival = m_now});
-        if (turn->step() == requests::Turn::Step::Hash)
-            other.verify(*turn);
         EXPECT_EQ(other.finish(*turn).body, "OK");
     };
     for (const std::string name : {"one", "two", "three"}) {
@@ -212,13 +208,6 @@ TEST_F(Requests, WhatAnotherProcessChangesIsSeenAtOnce)
         EXPECT_EQ(postAsAnna("set-sets-name", "&p4=mine&p5=1"), "OK");
         EXPECT_EQ(column(postAsAnna("get-sets"), "name"), "[mine]");
     }
-
-    const auto changeByHand = [&](const char *sql) {
-        same.write([sql](store::Connection &connection) { connection.change(sql); });
-        return column(postAsAnna("get-sets"), "name");
-    };
-    EXPECT_EQ(changeByHand("UPDATE goal_set SET name = 'new'"), "[mine]"); // as far as its account knows
-    EXPECT_EQ(changeByHand("UPDATE account SET changes = changes + 1"), "[new]");
 }
 
 TEST_F(Requests, AnAccountHoldsNoMoreThanItMay)
@@ -253,7 +242,7 @@ TEST_F(Requests, AnAccountHoldsNoMoreThanItMay)
 TEST(Installation, FindsAccountsFromBeforeItHadASecretAndTakesNoOther)
 {
     const TemporaryFolder folder;
-    store::Database database(folder.databaseUrl());
+    store::Database database(databaseUrl(folder));
     const std::string digest = security::signInDigest("anna@example.org");
     const auto isFound = [&](const std::string &login) {
         std::optional<store::Credentials> found;
@@ -278,8 +267,8 @@ TEST(Installation, FindsAccountsFromBeforeItHadASecretAndTakesNoOther)
 
 TEST_F(Requests, TheSampleAccountIsMadeOnceAndShowsAWheel)
 {
-    EXPECT_TRUE(requests::createSampleAccount(m_database, m_hash));
-    EXPECT_FALSE(requests::createSampleAccount(m_database, m_hash));
+    EXPECT_TRUE(requests::createSampleAccount(m_database, m_hash, /*besideOthers=*/true, m_seconds));
+    EXPECT_FALSE(requests::createSampleAccount(m_database, m_hash, /*besideOthers=*/true, m_seconds));
     converse("sample-account.txt");
 }
 

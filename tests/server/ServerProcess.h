@@ -4,6 +4,7 @@
 
 #define BOOST_PROCESS_USE_STD_FS
 #include <boost/process.hpp>
+#include <fstream>
 #include <string>
 #include <utility>
 
@@ -47,3 +48,26 @@ struct ServerProcess
 };
 
 inline const std::string serveHere = "serve --listen 127.0.0.1:0 --database sqlite:wheel.db";
+
+/// Runs the server to its end: its exit code, and all that it printed.
+inline std::pair<int, std::string> run(const TemporaryFolder &folder, const std::string &arguments,
+                                       const std::string &wrapper = "")
+{
+    ServerProcess process(folder, arguments, wrapper);
+    const std::string output = ServerProcess::read(process.output, '\0');
+    const auto [exitCode, errors] = process.ended();
+    return {exitCode, output + errors};
+}
+
+/// What a server is started with so that a script goes before it, in which mounts are its own.
+inline std::string behind(const TemporaryFolder &folder, const std::string &script)
+{
+    std::ofstream(folder.path() / "before.sh") << script << "\nexec \"$@\"";
+    return "/usr/bin/unshare --map-root-user --mount sh before.sh ";
+}
+
+/// The same so that its folder is a disk of that size.
+inline std::string onDiskOf(const TemporaryFolder &folder, const std::string &size)
+{
+    return behind(folder, "mount -t tmpfs -o size=" + size + " none \"$PWD\" && cd \"$PWD\"");
+}

@@ -4,7 +4,7 @@
 #include "Installation.h"
 #include "Md5.h"
 #include "Service.h"
-#include "TemporaryFolder.h"
+#include "TestDatabase.h"
 
 #include <gtest/gtest.h>
 #include <optional>
@@ -18,10 +18,15 @@ protected:
 
     tarvex::requests::Answer answerTo(const std::string &body, const std::string &peer = "")
     {
-        const auto turn = m_service.begin({.body = body, .peer = peer, .arrival = m_now});
-        if (turn->step() == tarvex::requests::Turn::Step::Hash)
-            m_service.verify(*turn);
-        return m_service.finish(*turn);
+        return m_service.finish(*begun(body, peer));
+    }
+    /// As far as reading goes.
+    std::unique_ptr<tarvex::requests::Turn> begun(const std::string &body, const std::string &peer = "")
+    {
+        auto turn = m_service.begin({.body = body, .peer = peer, .arrival = m_now});
+        if (turn->step() == tarvex::requests::Turn::Step::Read)
+            m_service.read(*turn);
+        return turn;
     }
     std::string post(const std::string &body) { return answerTo(body).body; }
 
@@ -84,7 +89,7 @@ protected:
     std::chrono::steady_clock::time_point m_now = std::chrono::steady_clock::now();
     std::int64_t m_seconds = 1'000'000;
     TemporaryFolder m_folder;
-    tarvex::store::Database m_database{m_folder.databaseUrl()};
+    tarvex::store::Database m_database{databaseUrl(m_folder)};
     const tarvex::security::KeyedHash m_hash =
         tarvex::requests::openInstallation(m_database, m_folder.path() / "secret");
     std::optional<tarvex::requests::Service> m_current{std::in_place, m_database, m_hash, clocks()};

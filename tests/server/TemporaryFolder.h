@@ -25,7 +25,6 @@ public:
     }
 
     const std::filesystem::path &path() const { return m_path; }
-    std::string databaseUrl() const { return "sqlite:" + (m_path / "wheel.db").string(); }
 
 private:
     std::filesystem::path m_path;

@@ -1,0 +1,92 @@
+#include "AccountOptions.h"
+#include "Commands.h"
+#include "Exporting.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <iostream>
+#include <map>
+#include <system_error>
+#include <unistd.h>
+
+namespace tarvex::app {
+
+namespace {
+
+enum class ExportFormat { Json, Table };
+
+struct ExportOptions
+{
+    std::string file;
+    ExportFormat format = ExportFormat::Json;
+    bool withDeleted = false;
+};
+
+bool writeAll(int descriptor, std::string_view rest)
+{
+    while (!rest.empty()) {
+        const ssize_t written = ::write(descriptor, rest.data(), rest.size());
+        if (written < 0 && errno != EINTR)
+            return false;
+        rest.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
+    }
+    return true;
+}
+
+/// Writes a file that only its owner can read and that was not there before; it is there in full or not at
+/// all.
+void writeNewFile(const std::string &file, const std::string &text)
+{
+    const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    const bool isWritten = descriptor >= 0 && writeAll(descriptor, text) && ::fsync(descriptor) == 0;
+    const int error = errno;
+    if (descriptor >= 0)
+        ::close(descriptor);
+    if (isWritten)
+        return;
+    if (descriptor >= 0)
+        ::unlink(file.c_str());
+    throw std::runtime_error("The file " + file +
+                             " cannot be written: " + std::generic_category().message(error) + ".");
+}
+
+int exportAccount(const InstallationOptions &installation, const AccountOptions &account,
+                  const ExportOptions &options)
+{
+    store::Database database = installation.existing();
+    const auto exported =
+        requests::exportAccount(database, account.find(database, installation), options.withDeleted);
+    const std::string text =
+        options.format == ExportFormat::Json ? wire::writeExport(exported) : wire::writeTable(exported);
+    if (!options.file.empty())
+        writeNewFile(options.file, text);
+    else if (!writeAll(STDOUT_FILENO, text))
+        throw std::runtime_error("The export cannot be written: " + std::generic_category().message(errno) +
+                                 ".");
+    return 0;
+}
+
+} // namespace
+
+Command addExport(CLI::App &program)
+{
+    CLI::App *const command = program.add_subcommand(
+        "export",
+        "Write all that is in an account, for its owner, for another installation or a spreadsheet");
+    const auto options = std::make_shared<ExportOptions>();
+    const std::map<std::string, ExportFormat> formats = {{"json", ExportFormat::Json},
+                                                         {"csv", ExportFormat::Table}};
+    command->add_option("--output", options->file, "A new file to write; without it, to standard output");
+    command->add_option("--format", options->format, "How, of which import reads json")
+        ->transform(CLI::CheckedTransformer(formats).description("json|csv"))
+        ->type_name("FORMAT")
+        ->default_str("json");
+    command->add_flag("--with-deleted", options->withDeleted,
+                      "Also what was deleted lately, which import passes over");
+    return {command, [options, account = addAccountOptions(*command),
+                      installation = addInstallationOptions(*command)] {
+                return exportAccount(*installation, *account, *options);
+            }};
+}
+
+} // namespace tarvex::app

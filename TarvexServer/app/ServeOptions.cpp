@@ -1,0 +1,112 @@
+#include "ServeOptions.h"
+
+#include "InstallationOptions.h"
+#include "Listening.h"
+
+#include <map>
+
+namespace tarvex::app {
+
+namespace {
+
+void addGrowthOptions(CLI::App &command, ServeOptions &options)
+{
+    using Mode = requests::SignUpRules::Mode;
+    const std::map<std::string, Mode> modes = {
+        {"open", Mode::Open}, {"closed", Mode::Closed}, {"invitation", Mode::Invitation}};
+    command.add_option("--sign-up", options.signUpRules.mode, "Who may make an account")
+        ->transform(CLI::CheckedTransformer(modes).description("open|closed|invitation"))
+        ->type_name("WHO")
+        ->default_str("open");
+    command.add_option("--most-accounts", options.signUpRules.mostAccounts, "How many accounts there may be")
+        ->check(CLI::NonNegativeNumber)
+        ->capture_default_str();
+    command
+        .add_option("--keep-free", options.keptFree, "How much of its disk the database leaves free, in MiB")
+        ->check(CLI::Range(0, 1 << 30))
+        ->capture_default_str();
+    command.add_option("--largest-database", options.largest, "How large the database may become, in MiB")
+        ->check(CLI::Range(1, 1 << 30))
+        ->capture_default_str();
+    command.add_flag("--migrate-without-copy", options.withoutCopy,
+                     "Keep no copy of a database of an older schema, for which there must be room otherwise");
+}
+
+void addNetworkOptions(CLI::App &command, ServeOptions &options)
+{
+    using Source = http::Proxies::Source;
+    const std::map<std::string, Source> sources = {{"x-forwarded-for", Source::ForwardedFor},
+                                                   {"proxy-protocol", Source::ProxyProtocol}};
+    command.add_option("--listen", options.listen, "Where to listen, as HOST:PORT; port 0 takes a free one")
+        ->capture_default_str();
+    command
+        .add_option("--trusted-proxy", options.trustedProxies,
+                    "An address or network whose word is taken on where requests come from; may be repeated")
+        ->delimiter(',')
+        ->type_name("ADDRESS[/BITS]");
+    command.add_option("--proxy-says", options.proxySource, "How such proxies tell")
+        ->transform(CLI::CheckedTransformer(sources).description("x-forwarded-for|proxy-protocol"))
+        ->type_name("HOW")
+        ->default_str("x-forwarded-for");
+    command
+        .add_option("--proxy-hops", options.proxyHops,
+                    "Proxies between here and the clients, each of which adds to X-Forwarded-For")
+        ->check(CLI::Range(1, 16))
+        ->capture_default_str();
+}
+
+void addWatchOptions(CLI::App &command, ServeOptions &options)
+{
+    namespace level = spdlog::level;
+    const std::map<std::string, level::level_enum> levels = {
+        {"info", level::info}, {"warning", level::warn}, {"error", level::err}};
+    command.add_option("--watch", options.watch,
+                       "Where to answer GET /live, /ready and /metrics, as HOST:PORT of this machine; nowhere"
+                       " unless it is given");
+    command.add_flag("--watch-from-anywhere", options.isWatchedFromAnywhere,
+                     "Lets --watch be an address that other machines reach; nobody is asked who they are");
+    command.add_option("--log-level", options.logLevel, "What the log tells of: everything, or the worse")
+        ->transform(CLI::CheckedTransformer(levels).description("info|warning|error"))
+        ->type_name("LEVEL")
+        ->default_str("info");
+    command
+        .add_option("--log-file", options.logFile,
+                    "Where the log goes instead of standard error; opened anew on SIGHUP")
+        ->type_name("PATH");
+}
+
+} // namespace
+
+http::Proxies ServeOptions::proxies() const
+{
+    http::Proxies proxies{.trusted = {}, .source = proxySource, .hops = proxyHops};
+    for (const std::string &text : trustedProxies) {
+        const auto network = http::readNetwork(text);
+        if (!network)
+            throw http::CannotListen("A trusted proxy must be given as an address or as ADDRESS/BITS.");
+        proxies.trusted.push_back(*network);
+    }
+    return proxies;
+}
+
+std::shared_ptr<const ServeOptions> addServeOptions(CLI::App &command)
+{
+    const auto options = std::make_shared<ServeOptions>();
+    addNetworkOptions(command, *options);
+    addGrowthOptions(command, *options);
+    addWatchOptions(command, *options);
+    return options;
+}
+
+ServeOptions readAgain(const CommandLine &line)
+{
+    CLI::App program;
+    addAllButServe(program); // of which the settings may hold some too
+    CLI::App *const command = program.add_subcommand("serve");
+    const auto options = addServeOptions(*command);
+    const auto installation = addInstallationOptions(*command);
+    program.parse(line.count, line.words);
+    return *options;
+}
+
+} // namespace tarvex::app

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Database.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tarvex::requests {
+
+/// What can come back into an account; names are what was typed. Times are in seconds since 1970.
+struct Undeletable
+{
+    struct Set
+    {
+        std::int64_t id = 0;
+        std::string name;
+        std::int64_t deletedAt = 0;
+        std::int64_t goals = 0; ///< that were deleted with it and come back with it
+    };
+    struct Goal
+    {
+        std::int64_t id = 0;
+        std::string name;
+        std::string set;
+        std::string area;
+        std::int64_t deletedAt = 0;
+        bool isSetDeleted = false; ///< then the set has to come back first
+    };
+
+    std::vector<Set> sets;
+    std::vector<Goal> goals; ///< that were deleted by themselves, the last first
+};
+
+Undeletable undeletable(store::Database &database, std::int64_t accountId);
+
+/// Brings all of these back or, if one cannot come, none. Returns how many goals came back. Throws
+/// AccountProblem.
+std::int64_t undelete(store::Database &database, std::int64_t accountId,
+                      const std::vector<std::int64_t> &setIds, const std::vector<std::int64_t> &goalIds);
+
+} // namespace tarvex::requests

@@ -1,0 +1,97 @@
+#include "Undelete.h"
+
+#include "Quotas.h"
+
+namespace tarvex::store {
+
+namespace {
+
+/// Goals that are about to come back, and the bytes of their names.
+struct Weight
+{
+    std::int64_t goals = 0;
+    std::int64_t bytes = 0;
+};
+
+Weight weightOf(Rows rows)
+{
+    return rows.next() ? Weight{.goals = rows.number(0), .bytes = rows.number(1)} : Weight();
+}
+
+std::optional<std::int64_t> whenDeleted(Connection &connection, std::int64_t accountId, std::int64_t setId)
+{
+    Rows found = connection.rows("SELECT deleted_at FROM goal_set"
+                                 " WHERE account_id = $1 AND set_id = $2 AND deleted_at IS NOT NULL",
+                                 accountId, setId);
+    return found.next() ? std::optional(found.number(0)) : std::nullopt;
+}
+
+} // namespace
+
+std::vector<DeletedSet> deletedSets(Connection &connection, std::int64_t accountId)
+{
+    std::vector<DeletedSet> found;
+    Rows rows = connection.rows("SELECT set_id, name, deleted_at FROM goal_set"
+                                " WHERE account_id = $1 AND deleted_at IS NOT NULL ORDER BY set_id",
+                                accountId);
+    while (rows.next())
+        found.push_back(
+            {.set = {.id = rows.number(0), .name = std::string(rows.text(1))}, .deletedAt = rows.number(2)});
+    return found;
+}
+
+std::vector<DeletedGoal> deletedGoals(Connection &connection, std::int64_t accountId)
+{
+    std::vector<DeletedGoal> found;
+    Rows rows =
+        connection.rows("SELECT goal_id, set_id, area_id, name, priority, checked, deleted_at FROM goal"
+                        " WHERE account_id = $1 AND deleted_at IS NOT NULL ORDER BY goal_id",
+                        accountId);
+    while (rows.next())
+        found.push_back({.goal = {.id = rows.number(0),
+                                  .setId = rows.number(1),
+                                  .areaId = rows.number(2),
+                                  .name = std::string(rows.text(3)),
+                                  .priority = static_cast<std::int32_t>(rows.number(4)),
+                                  .isChecked = rows.number(5) != 0},
+                         .deletedAt = rows.number(6)});
+    return found;
+}
+
+std::optional<std::int64_t> undeleteSet(Connection &connection, std::int64_t accountId, std::int64_t setId)
+{
+    const auto deletedAt = whenDeleted(connection, accountId, setId);
+    if (!deletedAt)
+        return {};
+    requireSetRoom(connection, accountId);
+    connection.change("UPDATE goal_set SET deleted_at = NULL WHERE account_id = $1 AND set_id = $2",
+                      accountId, setId);
+    const Weight weight =
+        weightOf(connection.rows("SELECT COUNT(*), COALESCE(SUM(OCTET_LENGTH(name)), 0) FROM goal"
+                                 " WHERE account_id = $1 AND set_id = $2 AND deleted_at = $3",
+                                 accountId, setId, *deletedAt));
+    countUndeleted(connection, accountId, weight.goals, weight.bytes);
+    connection.change("UPDATE goal SET deleted_at = NULL"
+                      " WHERE account_id = $1 AND set_id = $2 AND deleted_at = $3",
+                      accountId, setId, *deletedAt);
+    return weight.goals;
+}
+
+bool undeleteGoal(Connection &connection, std::int64_t accountId, std::int64_t goalId)
+{
+    const Weight weight =
+        weightOf(connection.rows("SELECT COUNT(*), COALESCE(SUM(OCTET_LENGTH(goal.name)), 0) FROM goal"
+                                 " JOIN goal_set ON goal_set.account_id = goal.account_id"
+                                 " AND goal_set.set_id = goal.set_id"
+                                 " WHERE goal.account_id = $1 AND goal.goal_id = $2"
+                                 " AND goal.deleted_at IS NOT NULL AND goal_set.deleted_at IS NULL",
+                                 accountId, goalId));
+    if (weight.goals == 0)
+        return false;
+    countUndeleted(connection, accountId, weight.goals, weight.bytes);
+    connection.change("UPDATE goal SET deleted_at = NULL WHERE account_id = $1 AND goal_id = $2", accountId,
+                      goalId);
+    return true;
+}
+
+} // namespace tarvex::store

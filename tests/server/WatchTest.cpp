@@ -1,0 +1,363 @@
+// What is seen from outside of a server that runs.
+
+#include "Md5.h"
+#include "RawClient.h"
+#include "ServerProcess.h"
+#include "SqliteConnection.h"
+
+#include <boost/asio/local/datagram_protocol.hpp>
+#include <boost/regex.hpp>
+#include <csignal>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <map>
+#include <optional>
+#include <set>
+#include <thread>
+
+using namespace tarvex;
+
+namespace {
+
+constexpr std::chrono::milliseconds logTime{400}; // after which a line has been written
+
+std::string textOf(const std::filesystem::path &file)
+{
+    std::ifstream stream(file);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+std::size_t countIn(const std::string &text, const std::string &part)
+{
+    std::size_t count = 0;
+    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++count;
+    return count;
+}
+
+/// A server with a place for those who watch it.
+class Watched
+{
+public:
+    explicit Watched(const std::string &options = "", const std::string &wrapper = "")
+        : process(m_folder, serveHere + " --watch 127.0.0.1:0" + options, wrapper), port(process.port()),
+          watchPort(ServerProcess::portOf(process.line()))
+    {
+    }
+
+    RawClient::Response get(const std::string &target) const
+    {
+        RawClient client(watchPort);
+        client.send("GET " + target + " HTTP/1.1\r\nHost: localhost\r\n\r\n");
+        return client.read();
+    }
+    /// Status and sentence.
+    std::pair<unsigned, std::string> told(const std::string &target) const
+    {
+        const auto response = get(target);
+        return {response.result_int(), response.body()};
+    }
+    /// Each sample, by its name with its labels.
+    std::map<std::string, double> metrics() const
+    {
+        std::map<std::string, double> samples;
+        std::istringstream lines(get("/metrics").body());
+        for (std::string line; std::getline(lines, line);) {
+            if (!line.starts_with('#'))
+                samples[line.substr(0, line.rfind(' '))] = std::stod(line.substr(line.rfind(' ')));
+        }
+        return samples;
+    }
+    std::pair<int, std::string> health(const std::string &options)
+    {
+        ServerProcess asking(m_folder, "health " + options);
+        const std::string sentence = asking.line();
+        const auto [exitCode, fault] = asking.ended();
+        return {exitCode, sentence + fault};
+    }
+    std::filesystem::path file(const std::string &name) const { return m_folder.path() / name; }
+    void signal(int number) { ::kill(process.child.id(), number); }
+
+private:
+    TemporaryFolder m_folder;
+
+public:
+    ServerProcess process;
+    std::uint16_t port;
+    std::uint16_t watchPort;
+};
+
+std::string signUp(const std::string &email)
+{
+    return "p1=create-new-user&p2=" + email + "&p3=b&p4=C&type=json";
+}
+
+std::string asCustomer(const std::string &kind, const std::string &rest, const std::string &password = "b")
+{
+    return "p1=" + kind + "&p2=" + security::signInDigest("a@example.org") +
+           "&p3=" + security::signInDigest(password) + rest;
+}
+
+/// The socket that a service manager listens to.
+class Manager
+{
+public:
+    explicit Manager(const std::string &name)
+    {
+        m_socket.open();
+        m_socket.bind(name);
+        ::setenv("NOTIFY_SOCKET", name.c_str(), /*replace=*/1);
+        ::setenv("WATCHDOG_USEC", "1000000", /*replace=*/1);
+        const timeval patience{.tv_sec = 5, .tv_usec = 0};
+        ::setsockopt(m_socket.native_handle(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience));
+    }
+    ~Manager()
+    {
+        ::unsetenv("NOTIFY_SOCKET");
+        ::unsetenv("WATCHDOG_USEC");
+    }
+    /// The first line of what is said next.
+    std::string said()
+    {
+        std::array<char, 256> words{};
+        const ssize_t size = ::recv(m_socket.native_handle(), words.data(), words.size(), 0);
+        const std::string text(words.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+        return text.substr(0, text.find('\n'));
+    }
+    /// The same, unless it is only that all is well.
+    std::string news()
+    {
+        for (std::string words = said();; words = said()) {
+            if (words != "WATCHDOG=1")
+                return words;
+        }
+    }
+
+private:
+    boost::asio::io_context m_io;
+    boost::asio::local::datagram_protocol::socket m_socket{m_io};
+};
+
+} // namespace
+
+TEST(Watch, IsReadyUntilItDrains)
+{
+    Watched server;
+    EXPECT_EQ(server.told("/live"), std::pair(200U, std::string("The service is alive.\n")));
+    EXPECT_EQ(server.told("/ready"), std::pair(200U, std::string("The service is ready.\n")));
+    EXPECT_EQ(server.get("/other").result_int(), 404U);
+    const std::string where = "127.0.0.1:" + std::to_string(server.port);
+    const std::string watch = "--watch 127.0.0.1:" + std::to_string(server.watchPort);
+    EXPECT_EQ(server.health(watch), std::pair(0, std::string("The service is ready.")));
+    EXPECT_EQ(server.health("--json --listen " + where),
+              std::pair(0, std::string(R"({"healthy":true,"sentence":"The service answers."})")));
+
+    std::optional<RawClient> slow(server.port);
+    slow->send(RawClient::request("p1=x").substr(0, 40));
+    std::this_thread::sleep_for(logTime); // a part has arrived
+    server.signal(SIGTERM);
+    const std::string sentence = "The service is about to end and takes no more connections.\n";
+    while (server.told("/ready").first == 200) {
+    }
+    EXPECT_EQ(server.told("/ready"), std::pair(503U, sentence));
+    EXPECT_EQ(server.told("/live").first, 200U);
+    EXPECT_EQ(server.health(watch), std::pair(1, "tarvex-server: " + sentence));
+    slow->send(RawClient::request("p1=x").substr(40));
+    EXPECT_EQ(slow->read().body(), "Error");
+    slow.reset();
+    EXPECT_EQ(server.process.ended().first, 0);
+    EXPECT_EQ(server.health("--listen " + where),
+              std::pair(1, "tarvex-server: Nothing answers at " + where + ": Connection refused.\n"));
+}
+
+TEST(Watch, IsNotReadyWhileTheDatabaseTakesNothing)
+{
+    const Watched server;
+    const auto log = server.file("wheel.db-wal");
+    const auto written = std::filesystem::file_size(log);
+    std::filesystem::rename(log, server.file("moved"));
+    EXPECT_EQ(server.told("/ready"),
+              std::pair(503U, std::string("The database cannot be written to: a file of the database was"
+                                          " deleted or replaced.\n")));
+    EXPECT_EQ(server.metrics().at("tarvex_ready"), 0);
+    EXPECT_FALSE(server.metrics().contains("tarvex_accounts"));
+    std::filesystem::rename(server.file("moved"), log);
+    EXPECT_EQ(server.told("/ready").first, 503U); // it knows what was so lately
+    std::this_thread::sleep_for(std::chrono::seconds(3));
+    EXPECT_EQ(server.told("/ready").first, 200U);
+    EXPECT_GT(std::filesystem::file_size(log), written); // a look is a real write
+
+    const Watched hindered;
+    store::SqliteConnection other(hindered.file("wheel.db"));
+    other.execute("BEGIN IMMEDIATE");
+    EXPECT_EQ(
+        hindered.told("/ready"),
+        std::pair(503U, std::string("The database takes longer than two seconds for a small write.\n")));
+    EXPECT_EQ(hindered.told("/live").first, 200U);
+
+    const Watched full(" --keep-free 1000000000");
+    EXPECT_EQ(full.told("/ready"), std::pair(503U, std::string("Nothing can be added: the disk has less free"
+                                                               " than is to be left so.\n")));
+}
+
+TEST(Watch, CountsWhatHappened)
+{
+    const Watched server(" --most-accounts 1");
+    RawClient client(server.port);
+    const std::string goal = "name:a;priority:5;checked:0;setsId:1;areaId:3;{_end_}";
+    std::string tooMany = "&p4=";
+    for (int i = 0; i < 20'001; ++i)
+        tooMany += goal;
+    for (const std::string &body :
+         {signUp("a@example.org"), signUp("b@example.org"), asCustomer("get-sets", ""),
+          asCustomer("get-sets", ""), asCustomer("get-sets", ""),
+          asCustomer("get-sets", "", /*password=*/"wrong"), asCustomer("create-some-goals", "&p4=" + goal),
+          asCustomer("create-some-goals", tooMany), asCustomer("delete-some-goals", "&p4=1;"),
+          std::string("p1=<script>")})
+        client.post(body);
+    client.send("GET / HTTP/1.1\r\nHost: localhost\r\n\r\n");
+    client.read();
+    const auto metrics = server.metrics();
+    const auto request = [&metrics](const std::string &kind, const std::string &outcome) {
+        return metrics.at("tarvex_requests_total{kind=\"" + kind + "\",outcome=\"" + outcome + "\"}");
+    };
+    EXPECT_EQ(request("create-new-user", "done"), 1);
+    EXPECT_EQ(request("create-new-user", "failed"), 1);
+    EXPECT_EQ(request("get-sets", "done"), 3);
+    EXPECT_EQ(request("get-sets", "not-signed-in"), 1);
+    EXPECT_EQ(request("none", "invalid"), 1);
+    for (const std::string reason : {"quota", "no-accounts", "refused-save"})
+        EXPECT_EQ(metrics.at("tarvex_refusals_total{reason=\"" + reason + "\"}"), 1) << reason;
+    EXPECT_EQ(metrics.at("tarvex_request_duration_seconds_count{kind=\"get-sets\"}"), 4);
+    EXPECT_EQ(metrics.at("tarvex_request_duration_seconds_bucket{kind=\"get-sets\",le=\"+Inf\"}"), 4);
+    EXPECT_GT(metrics.at("tarvex_request_duration_seconds_sum{kind=\"create-new-user\"}"), 0);
+    EXPECT_EQ(metrics.at("tarvex_remembered_answers_total{found=\"hit\"}"), 1);
+    EXPECT_EQ(metrics.at("tarvex_hashing_wait_seconds_count"), 3); // of the first in each way
+    EXPECT_EQ(metrics.at("tarvex_writer_wait_seconds_count"), 4);
+    EXPECT_EQ(metrics.at("tarvex_unreadable_requests_total"), 1);
+    EXPECT_EQ(metrics.at("tarvex_connections_total"), 1);
+    EXPECT_EQ(metrics.at("tarvex_accounts"), 1);
+    EXPECT_EQ(server.get("/metrics").body().find("script"), std::string::npos);
+}
+
+TEST(Watch, WatchersHoldUpNobody)
+{
+    const Watched server;
+    std::vector<std::unique_ptr<RawClient>> idle(8);
+    for (auto &client : idle)
+        client = std::make_unique<RawClient>(server.watchPort);
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_TRUE(RawClient(server.watchPort).isClosedSilently());
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2)); // at once
+    EXPECT_EQ(RawClient(server.port).post("p1=x").body(), "Error");
+    for (const auto &client : idle)
+        EXPECT_TRUE(client->isClosedSilently()); // soon
+    EXPECT_EQ(server.told("/live").first, 200U);
+}
+
+TEST(Watch, AHangUpReopensTheLogAndReadsTheSettingsAgain)
+{
+    const TemporaryFolder folder;
+    const std::string settings = (folder.path() / "settings").string();
+    const std::string always = "trusted-proxy = 127.0.0.1\nlog-file = log\n";
+    std::ofstream(settings) << "sign-up = closed\n" << always;
+    Watched server(" --config " + settings);
+    RawClient client(server.port);
+    const auto from = [&client](const std::string &address, const std::string &body) {
+        std::string request = RawClient::request(body);
+        request.insert(request.find("Host:"), "X-Forwarded-For: " + address + "\r\n");
+        client.send(request);
+        return client.read().body();
+    };
+    const auto hangUp = [&server, &settings](const std::string &text, const std::string &told) {
+        std::ofstream(settings) << text;
+        server.signal(SIGHUP);
+        std::this_thread::sleep_for(logTime);
+        const std::string log = textOf(server.file("log"));
+        EXPECT_NE(log.find(told), std::string::npos) << log;
+    };
+    EXPECT_NE(from("192.0.2.1", signUp("a@example.org")), R"({"result":"OK"})");
+    from("192.0.2.1", "p1=x");
+    from("192.0.2.7", "p1=x");
+    std::this_thread::sleep_for(logTime);
+    const std::string first = textOf(server.file("log"));
+    EXPECT_EQ(first.find("192.0.2."), std::string::npos);
+    const boost::regex line(R"re("id":"([0-9a-f]{8}-\d+)","peer":"([0-9a-f]{8})")re");
+    std::multiset<std::string> peers;
+    std::set<std::string> ids;
+    for (boost::sregex_iterator at(first.begin(), first.end(), line), end; at != end; ++at) {
+        ids.insert((*at)[1]);
+        peers.insert((*at)[2]);
+    }
+    EXPECT_EQ(ids.size(), 3U);
+    ASSERT_EQ(peers.size(), 3U);
+    EXPECT_NE(*peers.begin(), *peers.rbegin());
+    EXPECT_EQ(std::max(peers.count(*peers.begin()), peers.count(*peers.rbegin())), 2U);
+
+    std::filesystem::rename(server.file("log"), server.file("log.1"));
+    std::ofstream(settings) << "log-level = error\n" << always;
+    server.signal(SIGHUP);
+    std::this_thread::sleep_for(logTime);
+    EXPECT_EQ(from("192.0.2.1", signUp("a@example.org")), R"({"result":"OK"})");
+    hangUp("sign-up = nobody", "settings not read again");
+    EXPECT_EQ(countIn(textOf(server.file("log")), "\n"), 1U); // and nothing of what went well
+    EXPECT_TRUE(textOf(server.file("log.1")).starts_with(first));
+    server.signal(SIGTERM);
+    EXPECT_EQ(server.process.ended(), std::pair(0, std::string()));
+}
+
+TEST(Watch, TellsOfLostLinesOnceThereIsRoomAgain)
+{
+    const TemporaryFolder folder;
+    const auto log = folder.path() / "log";
+    std::filesystem::create_symlink("/dev/full", log);
+    Watched server(" --log-file " + log.string());
+    RawClient(server.port).post("p1=x");
+    std::this_thread::sleep_for(logTime);
+    EXPECT_EQ(server.metrics().at("tarvex_log_lines_lost_total"), 2);
+    std::filesystem::remove(log);
+    for (int i = 0; i < 2; ++i) { // to have it opened, and to have a line written there
+        server.signal(SIGHUP);
+        std::this_thread::sleep_for(logTime);
+    }
+    EXPECT_NE(textOf(log).find(R"("event":"log lines lost","lines":3})"), std::string::npos) << textOf(log);
+    EXPECT_EQ(server.metrics().at("tarvex_log_lines_lost_total"), 3);
+}
+
+TEST(Watch, TellsTheServiceManagerHowItIs)
+{
+    const TemporaryFolder folder;
+    for (const std::string wrapper : {"", "/usr/bin/nohup "}) {
+        Manager manager((folder.path() / ("socket" + std::to_string(wrapper.size()))).string());
+        Watched server("", wrapper);
+        EXPECT_EQ(manager.said(), "READY=1");
+        EXPECT_EQ(manager.said(), "WATCHDOG=1");
+        const auto begin = std::chrono::steady_clock::now();
+        EXPECT_EQ(manager.said(), "WATCHDOG=1");
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(900));
+        server.signal(SIGHUP);
+        if (wrapper.empty()) {
+            EXPECT_EQ(manager.news(), "RELOADING=1");
+            EXPECT_EQ(manager.news(), "READY=1");
+        }
+        server.signal(SIGTERM);
+        EXPECT_EQ(manager.news(), "STOPPING=1");
+        EXPECT_EQ(server.process.ended().first, 0);
+    }
+}
+
+TEST(Watch, WhatIsWatchedForIsExported)
+{
+    const Watched server;
+    const std::string metrics = server.get("/metrics").body();
+    const boost::regex name(R"((tarvex|process)_[a-z_]+[a-z])");
+    for (const std::string file : {"alerts.yml", "dashboard.json"}) {
+        const std::string text = textOf(std::filesystem::path(TARVEX_MONITORING) / file);
+        std::set<std::string> names;
+        for (boost::sregex_iterator at(text.begin(), text.end(), name), end; at != end; ++at)
+            names.insert(at->str());
+        EXPECT_GT(names.size(), 5U) << file;
+        for (const std::string &each : names)
+            EXPECT_TRUE(boost::regex_search(metrics, boost::regex("^" + each + "[ {]"))) << each;
+    }
+}
