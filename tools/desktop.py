@@ -30,7 +30,30 @@ def begin(*arguments, **keywords):
     return process
 
 
-class Service:
+class Requests:
+    """Requests to the service at that URL."""
+
+    def __init__(self, url):
+        self.url = url
+
+    def account(self, email, password):
+        self.post(f"p1=create-new-user&p2={email}&p3={password}&p4=Tour&type=json")
+
+    def ask(self, kind, login, password, more=""):
+        return self.post(f"p1={kind}&p2={md5(login)}&p3={md5(password)}{more}")
+
+    def texts(self, element, kind, login, password, more=""):
+        """The texts of all elements of that name in the answer, in order."""
+        parts = self.ask(kind, login, password, more).split(f"<{element}>")[1:]
+        return [html.unescape(part.split(f"</{element}>")[0]) for part in parts]
+
+    def post(self, body):
+        opener = urllib.request.build_opener(urllib.request.ProxyHandler({}))
+        with opener.open(self.url, body.encode(), timeout=10) as answer:
+            return answer.read().decode()
+
+
+class Service(Requests):
     """A tarvex-server with the sample account, on that address or, without one, on a port of its own."""
 
     def __init__(self, server, folder, address="127.0.0.1:0"):
@@ -83,22 +106,6 @@ class Service:
             threading.Thread(target=server.serve_forever, daemon=True).start()
             yield
             server.shutdown()
-
-    def account(self, email, password):
-        self.post(f"p1=create-new-user&p2={email}&p3={password}&p4=Tour&type=json")
-
-    def ask(self, kind, login, password, more=""):
-        return self.post(f"p1={kind}&p2={md5(login)}&p3={md5(password)}{more}")
-
-    def texts(self, element, kind, login, password, more=""):
-        """The texts of all elements of that name in the answer, in order."""
-        parts = self.ask(kind, login, password, more).split(f"<{element}>")[1:]
-        return [html.unescape(part.split(f"</{element}>")[0]) for part in parts]
-
-    def post(self, body):
-        opener = urllib.request.build_opener(urllib.request.ProxyHandler({}))
-        with opener.open(self.url, body.encode(), timeout=10) as answer:
-            return answer.read().decode()
 
     def stop(self):
         self.process.terminate()

@@ -11,6 +11,8 @@ ApplicationMenuBar::ApplicationMenuBar(DocumentController &controller)
     QAction *quit = file->addAction(tr("&Quit"), QKeySequence::Quit, &controller, &DocumentController::quit);
     quit->setMenuRole(QAction::QuitRole);
     QMenu *help = addMenu(tr("&Help"));
+    help->addAction(tr("Tarvex Cloud &Help"), QKeySequence::HelpContents, &controller,
+                    &DocumentController::showManual);
     QAction *about =
         help->addAction(tr("&About Tarvex Cloud"), this, [] { showAboutBox(/*window=*/nullptr); });
     about->setMenuRole(QAction::AboutRole);

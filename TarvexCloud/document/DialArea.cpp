@@ -17,14 +17,14 @@ DialGeometry::TextSizes textSizes(const QWidget &names, const QLabel &percent, c
 {
     const QFontMetrics percentMetrics(percent.font());
     DialGeometry::TextSizes sizes;
-    sizes.nameHeight = names.fontMetrics().height() + 1;
+    sizes.nameHeight = names.fontMetrics().height() + 2;
     // The longest of the names that a wheel begins with; longer ones of the user's own may be cut.
     sizes.nameWidthAtSide = names.fontMetrics().horizontalAdvance(u"Career and Business"_s) + 4;
     sizes.nameWidthBesideAverage = names.fontMetrics().horizontalAdvance(u"Romance"_s) + 4;
     sizes.percent = QSizeF(percentMetrics.horizontalAdvance(u"100%"_s) + 12, percentMetrics.height());
     sizes.average =
-        QSize(average.fontMetrics().horizontalAdvance(u"-1000%"_s), average.fontMetrics().height());
-    sizes.captionHeight = caption.fontMetrics().height();
+        QSize(average.fontMetrics().horizontalAdvance(u"-1000%"_s), average.fontMetrics().height() + 1);
+    sizes.captionHeight = caption.fontMetrics().height() + 1;
     sizes.captionWidth = caption.sizeHint().width();
     return sizes;
 }
@@ -42,6 +42,7 @@ void DialArea::setContents(const Contents &contents)
     const QString explanation =
         tr("The average of this set's eight percentages. An area without goals counts as 100%.");
     for (QLabel *label : {m_contents.average, m_contents.caption}) {
+        label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter | Qt::AlignAbsolute);
         label->setToolTip(explanation);
         label->setAccessibleDescription(explanation);
     }

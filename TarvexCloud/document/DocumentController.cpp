@@ -1,8 +1,10 @@
 #include "DocumentController.h"
 
+#include "LinkOpener.h"
 #include "TarvexDocument.h"
 #include "TVXAlert.h"
 #include "TVXExchange.h"
+#include "UserManual.h"
 
 #include <algorithm>
 #include <QApplication>
@@ -12,6 +14,7 @@
 #include <QScopedValueRollback>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QUrl>
 #include <stdexcept>
 
 using namespace Qt::StringLiterals;
@@ -87,6 +90,15 @@ void DocumentController::openDocument()
     dialog->setFileMode(QFileDialog::ExistingFile);
     connect(dialog, &QFileDialog::fileSelected, this, &DocumentController::openFile);
     dialog->open();
+}
+
+void DocumentController::showManual()
+{
+    if (isBusy())
+        return;
+    const QString page = UserManual::firstPage(QDir(QCoreApplication::applicationDirPath()));
+    if (!QFileInfo::exists(page) || !m_links.openLink(QUrl::fromLocalFile(page)))
+        m_alert.showError(UserManual::notShown(page));
 }
 
 std::shared_ptr<TarvexDocument> DocumentController::sharedOf(const TarvexDocument *document) const

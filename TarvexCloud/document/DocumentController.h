@@ -60,6 +60,8 @@ public Q_SLOTS:
     void newDocument();
     /// Asks for a file to open.
     void openDocument();
+    /// Opens the manual in whatever shows web pages; tells where it is if nothing does.
+    void showManual();
     /// Closes every document, then ends the application.
     void quit();
 

@@ -1,6 +1,7 @@
 #include "DocumentWindow.h"
 
 #include "AlertSheet.h"
+#include "Announcement.h"
 #include "AreaWindowController.h"
 #include "DocumentController.h"
 #include "ProjectNameSheet.h"
@@ -14,19 +15,8 @@
 
 #include "ui_TarvexDocument.h"
 
-#include <QAccessible>
 #include <QCloseEvent>
 #include <QScreen>
-
-namespace {
-
-void announce(QWidget *line)
-{
-    QAccessibleEvent event(line, QAccessible::Alert);
-    QAccessible::updateAccessibility(&event);
-}
-
-} // namespace
 
 DocumentWindow::DocumentWindow(DocumentController &controller)
     : m_controller(controller), m_ui(std::make_unique<Ui::TarvexDocument>())
@@ -176,6 +166,11 @@ void DocumentWindow::connectCommands(TarvexDocument &document)
     command(m_ui->actionDeleteSet, &TarvexDocument::deleteCurrentProject);
     command(m_ui->actionRandomGoal, &TarvexDocument::getRandomGoal);
     command(m_ui->actionRenameAreas, &TarvexDocument::renameAreas);
+    command(
+        m_ui->actionHelp, [this] { m_controller.showManual(); }, QKeySequence::HelpContents);
+    const auto sheets = findChildren<Sheet *>();
+    for (Sheet *sheet : sheets) // whose window takes the keys while it is up
+        sheet->addAction(m_ui->actionHelp);
     command(m_ui->actionWebSite, &TarvexDocument::gotoWebSite);
     command(m_ui->actionTwitter, &TarvexDocument::gotoTwitter);
     command(m_ui->actionFacebook, &TarvexDocument::gotoFacebook);
@@ -208,7 +203,7 @@ void DocumentWindow::showStatement(const QString &text)
         return;
     m_ui->labelGuidance->setText(text);
     m_ui->labelGuidance->repaint();
-    announce(m_ui->labelGuidance);
+    Announcement::make(this, text);
 }
 
 void DocumentWindow::closeEvent(QCloseEvent *event)
@@ -226,8 +221,10 @@ bool DocumentWindow::eventFilter(QObject *watched, QEvent *event)
 
 bool DocumentWindow::event(QEvent *event)
 {
-    if (event->type() == QEvent::LayoutRequest)
+    if (event->type() == QEvent::LayoutRequest) {
         wrapSelectorIfNeeded();
+        makeRoomForStatement();
+    }
     return QMainWindow::event(event);
 }
 
@@ -235,6 +232,14 @@ void DocumentWindow::resizeEvent(QResizeEvent *event)
 {
     QMainWindow::resizeEvent(event);
     wrapSelectorIfNeeded();
+    makeRoomForStatement();
+}
+
+// By itself the toolkit takes the room for a second line from the dial, whose labels would be cut.
+void DocumentWindow::makeRoomForStatement()
+{
+    QWidget *content = m_ui->centralWidget;
+    content->setMinimumHeight(content->layout()->totalMinimumHeightForWidth(content->width()));
 }
 
 // Where the window is too narrow or the text too large for the set selector to stand beside the commands, it

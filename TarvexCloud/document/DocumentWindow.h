@@ -55,6 +55,7 @@ private:
     void connectSheets(TarvexDocument &document);
     void connectCommands(TarvexDocument &document);
     void wrapSelectorIfNeeded();
+    void makeRoomForStatement();
     void colourPlaceholder();
 
     DocumentController &m_controller;

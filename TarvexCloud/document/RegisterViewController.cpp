@@ -66,7 +66,8 @@ void RegisterViewController::setStatus(const QString &text)
     m_labelStatus->setText(text);
 }
 
-void RegisterViewController::setHintShown(bool shown)
+void RegisterViewController::setHint(const QString &sentence)
 {
-    m_labelHint->setVisible(shown);
+    m_labelHint->setText(sentence);
+    m_labelHint->setVisible(!sentence.isEmpty());
 }

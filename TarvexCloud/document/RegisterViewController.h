@@ -42,8 +42,8 @@ public:
     QLineEdit *fieldNamedIn(const QString &message) const;
     /// What is being done just now, beside the buttons; empty for nothing.
     void setStatus(const QString &text);
-    /// Shows or hides a sentence on what to do about a refusal that came without a message.
-    void setHintShown(bool shown);
+    /// A sentence beneath the message line; an empty one leaves no room there.
+    void setHint(const QString &sentence);
 
 Q_SIGNALS:
     void confirmed();

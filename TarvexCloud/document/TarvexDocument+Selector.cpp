@@ -58,8 +58,11 @@ TVXSetsPtr TarvexDocument::selectedSet() const
 void TarvexDocument::updatePercentValues()
 {
     const TVXSetsPtr set = selectedSet();
-    if (!set)
+    if (!set) {
+        if (m_wheelView) // it tells of a set's goals in words
+            m_wheelView->setPercentTexts({});
         return;
+    }
     m_currentSet = set;
     quint32 sum = 0; // the sum of the eight wraps at 32 bits
     TarvexView::PercentTexts texts;

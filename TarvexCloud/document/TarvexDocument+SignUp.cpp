@@ -63,7 +63,7 @@ void TarvexDocument::cickRegister()
 {
     const auto action = [this] {
         m_registerController->buildContents();
-        m_registerController->setHintShown(/*shown=*/false);
+        m_registerController->setHint(QString());
         if (mayRegister())
             createAccount();
     };
@@ -101,6 +101,7 @@ void TarvexDocument::createAccount()
     const QString password = m_registerController->loginPassword()->text();
     MessageLine *const line = m_registerController->labelErrorMessage();
     SignUpAnswer answer;
+    QString hint; // where there is no message
     {
         line->hide();
         line->setText(u""_s);
@@ -111,12 +112,18 @@ void TarvexDocument::createAccount()
         const WaitNotice notice(doing, m_controller.exchange().deadline(), say);
         m_wndSignUp->repaint(); // seen before the request leaves, however soon it is answered
         TVXManager manager(m_controller.exchange(), m_controller.alert());
-        answer =
-            signUpAnswer(manager.createNewUser(m_registerController->loginName()->text(), email, password));
+        const QString text =
+            manager.createNewUser(m_registerController->loginName()->text(), email, password);
+        answer = signUpAnswer(text);
+        hint = hintOnStranger(text);
     }
     if (answer.result != u"OK"_s) {
         line->setError(answer.message);
-        m_registerController->setHintShown(answer.message.isEmpty());
+        if (hint.isEmpty())
+            hint = tr("The service at %1 did not say whether the account was created. Try again in a moment, "
+                      "or cancel and sign in with the e-mail address.")
+                       .arg(m_controller.exchange().address());
+        m_registerController->setHint(answer.message.isEmpty() ? hint : QString());
         if (QLineEdit *const field = m_registerController->fieldNamedIn(answer.message))
             busy.endInField(field);
         return;

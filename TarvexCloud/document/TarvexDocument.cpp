@@ -1,5 +1,6 @@
 #include "TarvexDocument.h"
 
+#include "Announcement.h"
 #include "BusyIndicator.h"
 #include "DialGeometry.h"
 #include "DocumentController.h"
@@ -117,6 +118,8 @@ void TarvexDocument::signInAgain()
 void TarvexDocument::beginSheet(Sheet *sheet)
 {
     tell(QString());
+    if (m_window)
+        Announcement::make(m_window.get(), QString()); // the sheet has its own to say
     QMainWindow *mainWindow = m_controller.mainWindow();
     sheet->beginOn(mainWindow ? mainWindow : m_window.get());
 }
@@ -139,7 +142,7 @@ void TarvexDocument::signIn()
         const bool isSignedIn = answer == u"OK"_s;
         if (isSignedIn)
             loadStartupDataForLogin(m_textUsername->text(), m_textPassword->text());
-        m_wndSignIn->setHint(answer == u"Error"_s ? hintOnError(whyNoAnswer) : QString());
+        m_wndSignIn->setHint(answer == u"Error"_s ? hintOnError(whyNoAnswer) : hintOnStranger(answer));
         if (isSignedIn) {
             m_credentialsOfWheel.reset();
             m_wndSignIn->endSheet();
@@ -154,6 +157,15 @@ void TarvexDocument::signIn()
         m_textSignInErrorMessage->setError(
             tr("The service's answer was incomplete, so not everything could be shown. Try again."));
     });
+}
+
+QString TarvexDocument::hintOnStranger(const QString &answer) const
+{
+    if (answer.isEmpty() || answer.front().isLetter() || answer.front() == u'{')
+        return {};
+    return tr("What answers at %1 does not seem to be the service. Ask whoever runs the service whether "
+              "another program has taken that place.")
+        .arg(m_controller.exchange().address());
 }
 
 void TarvexDocument::cancel()
@@ -194,6 +206,8 @@ void TarvexDocument::loadStartupDataForLogin(const QString &login, const QString
     m_wheelView->display();
     updatePercentValues();
     showState();
+    if (!m_wheelView->window()->focusWidget() && m_wheelView->focusPolicy() != Qt::NoFocus)
+        m_wheelView->setFocus(); // so that whoever hears the window hears what it is about
 }
 
 void TarvexDocument::appendWheelPieces()

@@ -178,6 +178,8 @@ public Q_SLOTS:
 private:
     bool mayRegister();
     void createAccount();
+    /// That an answer to signing in or up is a page or the like, as other programs send; else empty.
+    QString hintOnStranger(const QString &answer) const;
     bool mayOpenSheet() const;
     void beginSheet(Sheet *sheet);
     TarvexDocument *documentToBorrowFrom() const;

@@ -94,7 +94,7 @@ QString missing(const WindowState &state)
 QString WindowWords::statement(const WindowState &state)
 {
     if (!state.isLoaded)
-        return tr("Sign in to see your wheel.");
+        return tr("Sign in to see your wheel, or create an account. F1 opens the manual.");
     const QString absent = missing(state);
     if (state.lastDone.isEmpty())
         return absent.isEmpty() ? tr("Click an area to set its value and edit its goals.") : absent;

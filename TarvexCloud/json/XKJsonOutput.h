@@ -80,11 +80,11 @@ inline void XKJsonOutput::putString(QStringView text)
     const char16_t *const end = c + text.size();
     put(u'"');
     for (;;) {
-        const char16_t *const run = std::exchange(c, XKJsonScan::after(XKJsonScan::isPlain, c, end));
-        put(QStringView(run, c));
+        reserve(end - c + 1);
+        XKJsonScan::copy(XKJsonScan::isPlain, c, end, m_end);
         if (c == end)
             break;
         putEscape(*c++);
     }
-    put(u'"');
+    *m_end++ = u'"';
 }

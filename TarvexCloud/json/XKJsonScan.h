@@ -61,4 +61,21 @@ const char16_t *after(Kind isOfKind, const char16_t *c, const char16_t *end)
     return c;
 }
 
+/// Copies up to the first unit of another kind, or to the end; both places move on.
+template<typename Kind>
+void copy(Kind isOfKind, const char16_t *&from, const char16_t *end, char16_t *&to)
+{
+    while (end - from >= 8) {
+        const Eight units = eightAt(from);
+        std::memcpy(to, &units, sizeof(units));
+        const qptrdiff count = countOf(isOfKind(units));
+        from += count;
+        to += count;
+        if (count < 8)
+            return;
+    }
+    while (from != end && isOfKind(*from))
+        *to++ = *from++;
+}
+
 } // namespace XKJsonScan

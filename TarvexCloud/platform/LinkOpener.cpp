@@ -2,7 +2,7 @@
 
 #include <QDesktopServices>
 
-void BrowserLinkOpener::openLink(const QUrl &address)
+bool BrowserLinkOpener::openLink(const QUrl &address)
 {
-    QDesktopServices::openUrl(address);
+    return QDesktopServices::openUrl(address);
 }

@@ -1,9 +1,12 @@
 #include "MessageLine.h"
 
+#include "Announcement.h"
+
 #include <QLabel>
 #include <QStyle>
 
 constexpr int spaceAfterSign = 6;
+constexpr qsizetype spokenCharacters = 500; // who wants to hear more can go there
 
 MessageLine::MessageLine(QWidget *parent) : WrappedLabel(parent), m_sign(new QLabel(this))
 {
@@ -31,6 +34,7 @@ void MessageLine::showText(const QString &text, bool isError)
     setViewportMargins(isRightToLeft() ? 0 : room, 0, isRightToLeft() ? room : 0, 0);
     setAccessibleName(isError ? tr("Error") : tr("Message"));
     WrappedLabel::setText(text);
+    Announcement::make(this, text.left(spokenCharacters)); // the focus is elsewhere
 }
 
 int MessageLine::signWidth() const

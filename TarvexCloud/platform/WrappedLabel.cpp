@@ -2,7 +2,6 @@
 
 #include "MnemonicLabel.h"
 
-#include <QAccessible>
 #include <QScrollBar>
 #include <QTextBlock>
 
@@ -31,8 +30,6 @@ void WrappedLabel::setText(const QString &text)
     const bool cut = m_text.size() > shownCharacters;
     setPlainText(cut ? m_text.left(shownCharacters) + u'\u2026' : m_text);
     updateGeometry();
-    QAccessibleEvent event(this, QAccessible::Alert);
-    QAccessible::updateAccessibility(&event);
 }
 
 void WrappedLabel::setTitleWithMnemonic(const QString &title)

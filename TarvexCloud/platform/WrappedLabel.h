@@ -4,7 +4,7 @@
 
 /// A label for text of any length from outside: plain, wrapped also inside words too long for a line, and
 /// selectable. It takes a bounded number of lines and scrolls beyond; then, and only then, it is a stop of
-/// the Tab key. A new text is announced to assistive tools, since the focus is elsewhere.
+/// the Tab key.
 class WrappedLabel : public QPlainTextEdit
 {
     Q_OBJECT

@@ -4,6 +4,8 @@
 #include "TarvexView.h"
 #include "Words.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 // Enough to know an area by; its label has the whole.
@@ -40,5 +42,7 @@ QString sliceWords(const QString &name, qint32 value, const QString &percent)
     const QString done = inBrief(singleLineOf(percent));
     if (done.isEmpty())
         return rated;
+    if (done == "100"_L1)
+        return TarvexView::tr("%1 All of its goals in this set are done, or it has none.").arg(rated);
     return TarvexView::tr("%1 %2% of its goals in this set are done.").arg(rated, done);
 }

@@ -1,5 +1,6 @@
 #include "AreaWindowController.h"
 
+#include "Announcement.h"
 #include "AreaValueSlider.h"
 #include "BusyIndicator.h"
 #include "ElidedLabel.h"
@@ -205,6 +206,7 @@ void AreaWindowController::loadEndedEarly()
     m_labelAreaName->setTitleWithMnemonic(name.isNull() ? tr("No such area") : titleOf(name));
     m_goalModel->reloadData();
     showState();
+    Announcement::make(m_thisWindow, stateText());
 }
 
 QString AreaWindowController::areaName() const
@@ -231,6 +233,8 @@ void AreaWindowController::showArea(const TVXArea &area)
     m_goalModel->reloadData();
     showRating();
     showState();
+    if (m_load != Load::Good)
+        Announcement::make(m_thisWindow, stateText());
     if (m_goalModel->rowCount() > 0)
         m_tableViewTargets->showRow(/*row=*/0);
     m_tableViewTargets->setFocus();
@@ -300,6 +304,8 @@ void AreaWindowController::showRating()
     m_labelRating->setText(word.isEmpty() ? QString::number(value)
                                           : QString::number(value) + u" - "_s + word);
     m_sliderOfArea->setAccessibleDescription(word);
+    if (m_sliderOfArea->hasFocus())
+        Announcement::make(m_thisWindow, word);
 }
 
 QString AreaWindowController::stateText() const

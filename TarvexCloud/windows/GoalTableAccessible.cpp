@@ -9,11 +9,6 @@ namespace {
 
 constexpr int cellsInRow = GoalTableModel::columnTotal + 1; // with the row's heading
 
-int placeOf(int row, int column)
-{
-    return (row + 1) * cellsInRow + column + 1;
-}
-
 QAccessibleInterface *makeInterface(const QString &, QObject *object)
 {
     auto *view = qobject_cast<GoalTableView *>(object);
@@ -26,6 +21,11 @@ void GoalTableAccessible::install()
 {
     static const bool installed = (QAccessible::installFactory(makeInterface), true);
     Q_UNUSED(installed)
+}
+
+int GoalTableAccessible::placeOf(int row, int column)
+{
+    return (row + 1) * cellsInRow + column + 1;
 }
 
 GoalTableAccessible::GoalTableAccessible(GoalTableView *view) : QAccessibleWidget(view, QAccessible::Table) {}
@@ -276,7 +276,7 @@ QList<QAccessibleInterface *> GoalCellAccessible::columnHeaderCells() const
 {
     if (isHeading() || !parent())
         return {};
-    return {parent()->child(placeOf(/*row=*/-1, m_column))};
+    return {parent()->child(GoalTableAccessible::placeOf(/*row=*/-1, m_column))};
 }
 
 QStringList GoalCellAccessible::actionNames() const

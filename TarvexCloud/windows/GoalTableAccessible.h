@@ -18,6 +18,9 @@ public:
     /// Makes the toolkit use this class for every GoalTableView; calling it again changes nothing.
     static void install();
 
+    /// The child that a cell is, or with -1 a heading.
+    static int placeOf(int row, int column);
+
     explicit GoalTableAccessible(GoalTableView *view);
     ~GoalTableAccessible() override;
 

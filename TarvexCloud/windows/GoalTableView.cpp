@@ -1,5 +1,6 @@
 #include "GoalTableView.h"
 
+#include "Announcement.h"
 #include "GoalTableAccessible.h"
 #include "GoalTableDelegates.h"
 #include "GoalTableModel.h"
@@ -154,6 +155,11 @@ void GoalTableView::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditH
     const bool isTab =
         hint == QAbstractItemDelegate::EditNextItem || hint == QAbstractItemDelegate::EditPreviousItem;
     QTableView::closeEditor(editor, isTab ? QAbstractItemDelegate::NoHint : hint);
+    if (hasFocus() && currentIndex().isValid()) { // the toolkit tells of the table alone
+        QAccessibleEvent event(this, QAccessible::Focus);
+        event.setChild(GoalTableAccessible::placeOf(currentIndex().row(), currentIndex().column()));
+        QAccessible::updateAccessibility(&event);
+    }
     Q_EMIT editingChanged();
 }
 
@@ -205,7 +211,10 @@ void GoalTableView::keyPressEvent(QKeyEvent *event)
         Q_EMIT removalRequested();
     } else if (!isEditing && event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier &&
                current.isValid()) {
-        model()->setData(current.siblingAtColumn(GoalTableModel::CheckColumn), {}, Qt::CheckStateRole);
+        const QModelIndex check = current.siblingAtColumn(GoalTableModel::CheckColumn);
+        model()->setData(check, {}, Qt::CheckStateRole);
+        Announcement::make(this,
+                           check.data(Qt::AccessibleTextRole).toString()); // of another cell than the focus
     } else {
         QTableView::keyPressEvent(event);
     }

@@ -1,5 +1,6 @@
 #include "RandomGoalWindowController.h"
 
+#include "Announcement.h"
 #include "BusyIndicator.h"
 #include "Sheet.h"
 #include "SheetBusyScope.h"
@@ -196,6 +197,7 @@ void RandomGoalWindowController::runBusy(const QString &doing, std::chrono::mill
         requests();
     }
     showState();
+    sayState();
 }
 
 TVXWritten RandomGoalWindowController::markCurrentGoalDone()
@@ -261,6 +263,14 @@ void RandomGoalWindowController::showState()
     m_labelHint->setText(hint());
 }
 
+void RandomGoalWindowController::sayState() const
+{
+    QStringList texts = {m_labelHint->text()};
+    if (hasGoal())
+        texts = {m_labelGoal->text(), m_labelArea->text()};
+    Announcement::make(m_myWindow, texts.join(u'\n'));
+}
+
 QString RandomGoalWindowController::hint() const
 {
     if (m_isWaiting)
@@ -280,4 +290,5 @@ void RandomGoalWindowController::showIncompleteAnswer()
     m_isWaiting = false;
     showState();
     m_labelHint->setText(tr("The service's answer was incomplete. Choose Next Goal to try again."));
+    sayState();
 }

@@ -98,6 +98,7 @@ private:
     void showRandomGoal();
     /// Greys, hides and explains according to what there is to show.
     void showState();
+    void sayState() const;
     void showIncompleteAnswer();
     bool hasGoal() const;
 

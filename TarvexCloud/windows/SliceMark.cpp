@@ -31,7 +31,7 @@ void SliceMark::paintEvent(QPaintEvent *)
     painter.setTransform(WheelGeometry::fittedInto(rect()), /*combine=*/true);
     // Pale slices need an edge on a pale window.
     QColor edge = palette().color(QPalette::WindowText);
-    edge.setAlphaF(0.4F);
+    edge.setAlphaF(0.55F);
     QPen pen(edge, 1);
     pen.setCosmetic(true);
     painter.setPen(pen);

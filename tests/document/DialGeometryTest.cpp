@@ -27,7 +27,13 @@ private Q_SLOTS:
     {
         const auto [scale, width, height] = sampleRow<3>();
         const qreal textScale = scale.toDouble();
-        const DialGeometry::TextSizes text = scaled(textScale);
+        DialGeometry::TextSizes text;
+        text.nameHeight = qRound(text.nameHeight * textScale);
+        text.nameWidthAtSide = qRound(text.nameWidthAtSide * textScale);
+        text.nameWidthBesideAverage = qRound(text.nameWidthBesideAverage * textScale);
+        text.percent *= textScale;
+        text.average *= textScale;
+        text.captionHeight = qRound(text.captionHeight * textScale);
         const QSize area = DialGeometry::minimumArea(text) + QSize(width.toInt(), height.toInt());
         const DialGeometry dial(area, text);
         QCOMPARE(DialGeometry::percentRotations,
@@ -51,19 +57,6 @@ private Q_SLOTS:
             for (const QRect &name : dial.names)
                 QVERIFY(!percent.intersects(QRectF(name).adjusted(0, 3, 0, -3)));
         }
-    }
-
-private:
-    static DialGeometry::TextSizes scaled(qreal scale)
-    {
-        DialGeometry::TextSizes text;
-        text.nameHeight = qRound(text.nameHeight * scale);
-        text.nameWidthAtSide = qRound(text.nameWidthAtSide * scale);
-        text.nameWidthBesideAverage = qRound(text.nameWidthBesideAverage * scale);
-        text.percent *= scale;
-        text.average *= scale;
-        text.captionHeight = qRound(text.captionHeight * scale);
-        return text;
     }
 };
 

@@ -68,9 +68,14 @@ inline const QList<QByteArray> eightNames = {"Health", "Work", "Money", "Family"
 class RecordingLinks : public LinkOpener
 {
 public:
-    void openLink(const QUrl &address) override { opened.append(address.toString()); }
+    bool openLink(const QUrl &address) override
+    {
+        opened.append(address.toString());
+        return isBrowserThere;
+    }
 
     QStringList opened;
+    bool isBrowserThere = true;
 };
 
 /// The client as the application assembles it, against a scripted service; alerts are written down, not
@@ -157,18 +162,6 @@ public:
     static void trigger(const TarvexDocument *document, const QByteArray &command)
     {
         document->window()->findChild<QAction *>(QString::fromLatin1(command))->trigger();
-    }
-
-    /// Goes to the sign-up sheet, fills it in, name first, and clicks the button.
-    static void signUp(const TarvexDocument *document, const QStringList &texts)
-    {
-        QTest::mouseClick(button(document->wndSignIn(), u"Create Account…"_s), Qt::LeftButton);
-        const Sheet *sheet = document->wndSignUp();
-        const QStringList fields = {u"loginName"_s, u"loginEmail"_s, u"loginPassword"_s,
-                                    u"loginConfirmPassword"_s};
-        for (qsizetype i = 0; i < fields.size(); ++i)
-            sheet->findChild<QLineEdit *>(fields[i])->setText(texts[i]);
-        QTest::mouseClick(button(sheet, u"Create Account"_s), Qt::LeftButton);
     }
 
     static QPushButton *button(const QWidget *window, const QString &text)

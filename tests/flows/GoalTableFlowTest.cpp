@@ -31,16 +31,6 @@ private Q_SLOTS:
         QVERIFY(area.sheet->isVisible() && !area.isShown("Keep Text"));
     }
 
-    void aTextThatNobodyTypedCountsAsTyped()
-    {
-        const OpenArea area;
-        QLineEdit *editor = area.openEditor(0);
-        QAccessible::queryAccessibleInterface(editor)->setText(QAccessible::Value, u"dictated\nlines"_s);
-        QVERIFY(!editor->isModified() && !area.isOffered("Save"));
-        QTest::keyClick(editor, Qt::Key_Return);
-        QTRY_COMPARE(area.texts(), u"dictated lines,Read & write,Sing"_s);
-    }
-
     void theTableWorksInBothDirections()
     {
         for (const Qt::LayoutDirection direction : {Qt::LeftToRight, Qt::RightToLeft}) {
@@ -84,9 +74,6 @@ private Q_SLOTS:
                     area.table->viewport()->rect().contains(area.table->visualRect(area.cell(23, column))));
             area.clickCell(23, GoalTableModel::CheckColumn);
             QCOMPARE(area.state(), u"3 of 24 done"_s);
-            area.table->setCurrentIndex(area.cell(5, GoalTableModel::PriorityColumn));
-            QTest::keyClick(area.table, Qt::Key_Tab);
-            QCOMPARE(area.sheet->focusWidget()->objectName(), u"buttonAddGoal"_s);
             QWheelEvent scroll(QPointF(1, 1), QPointF(1, 1), {}, QPoint(0, 120), Qt::NoButton, {},
                                Qt::NoScrollPhase, /*inverted=*/false);
             QCoreApplication::sendEvent(area.controller->sliderOfArea(), &scroll);
@@ -126,11 +113,13 @@ private Q_SLOTS:
         QCOMPARE(name(0, GoalTableModel::PriorityColumn), u"Normal"_s);
         area.accessibleCell(2, GoalTableModel::GoalColumn)->setText(QAccessible::Value, u"Hum"_s);
         act(1, GoalTableModel::GoalColumn, QAccessibleActionInterface::pressAction());
-        QAccessible::queryAccessibleInterface(area.editor())->setText(QAccessible::Value, u"Read"_s);
+        QAccessible::queryAccessibleInterface(area.editor())
+            ->setText(QAccessible::Value, u"dictated\nlines"_s);
+        QVERIFY(!area.editor()->isModified() && !area.isOffered("Save"));
         QAccessible::queryAccessibleInterface(Client::button(area.sheet, u"Keep Text"_s))
             ->actionInterface()
             ->doAction(QAccessibleActionInterface::pressAction());
-        QTRY_COMPARE(area.texts(), u"Run,Read,Hum"_s);
+        QTRY_COMPARE(area.texts(), u"Run,dictated lines,Hum"_s);
     }
 };
 

@@ -40,7 +40,6 @@ struct OpenArea : Client
         const auto sentBefore = service.bodies().size();
         document->wheelView()->choosePiece(index);
         table = controller->tableViewTargets();
-        labelThen = controller->labelAreaName()->text();
         wasSaveOfferedThen = isOffered("Save");
         if (!QTest::qWaitFor([&] {
                 return controller->isAlreadyLoadedDatas() && !Client::controller.isBusy() &&
@@ -92,6 +91,5 @@ struct OpenArea : Client
     Sheet *sheet;
     AreaWindowController *controller;
     GoalTableView *table;
-    QString labelThen; // at first, as the next
-    bool wasSaveOfferedThen = false;
+    bool wasSaveOfferedThen = false; // at first
 };

@@ -120,7 +120,6 @@ private Q_SLOTS:
         const QString home = QDir::homePath();
         QCOMPARE(folder(home + u"/a.pdf"_s), u"~."_s);
         QCOMPARE(folder(home + u"/Documents/a.pdf"_s), u"Documents."_s);
-        QCOMPARE(folder(home + u"/Documents/2026/a.pdf"_s), u"~/Documents/2026."_s);
         QCOMPARE(folder(home + u"s/a.pdf"_s), home + u"s."_s);
         QVERIFY(folder(u"/long"_s.repeated(90) + u"/a.pdf"_s).size() < 100);
     }

@@ -125,26 +125,6 @@ private Q_SLOTS:
         QCOMPARE(left.toUtf8(), expected);
         QCOMPARE(open.hint().contains(u"incomplete"), open.sheet->isVisible());
     }
-
-    void aServiceGoneInMidSessionIsToldAndSigningInBringsAllBack()
-    {
-        OpenNames open;
-        const auto signInAgain = [&](const char *kind, const ServiceReply &reply) {
-            open.service.answer(kind, reply);
-            Client::trigger(open.document, "actionSignIn");
-            const bool isOffered = open.document->wndSignIn()->isVisible();
-            Client::signIn(open.document);
-            return isOffered ? Client::guidance(open.document) : QString();
-        };
-        open.service.answer("get-sets", noAnswer);
-        open.service.answer("get-areas", noAnswer);
-        open.click("Save");
-        QVERIFY(Client::guidance(open.document).contains(u"areas could not be loaded"_s));
-        QVERIFY(signInAgain("get-areas", httpReply(areasAnswer(eightNames))).contains(u"sets could not"_s));
-        QVERIFY(signInAgain("get-sets", httpReply("Error")).contains(u"sets could not"_s));
-        QVERIFY(signInAgain("get-sets", httpReply(setsAnswer({}))).contains(u"no sets yet"_s));
-        QCOMPARE(open.document->wheelView()->piecesOfWheel()->size(), std::size_t(4 * 8)); // more each time
-    }
 };
 
 QTEST_MAIN(RenameAreasFlowTest)

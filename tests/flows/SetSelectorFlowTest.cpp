@@ -70,24 +70,6 @@ private Q_SLOTS:
         document->project()->sets()->clear();
         QCOMPARE(QAccessible::queryAccessibleInterface(selector)->text(QAccessible::Value), u"two lines"_s);
     }
-
-    void selectorAndNamesAreWholeInLargeText()
-    {
-        Client client;
-        const TarvexDocument *document = client.openSignedIn();
-        QMainWindow *window = document->window();
-        const SourcedComboBox *selector = document->listOfProjects();
-        document->label2()->setText(u"Career and Business"_s);
-        QFont font = window->font();
-        font.setPointSizeF(font.pointSizeF() * 2);
-        window->setFont(font);
-        const auto isWhole = [&] {
-            window->resize(window->minimumSizeHint());
-            return selector->isVisible() && selector->mapTo(window, QPoint()).x() > 0 &&
-                   document->label2()->width() >= document->label2()->sizeHint().width();
-        };
-        QTRY_VERIFY(isWhole());
-    }
 };
 
 QTEST_MAIN(SetSelectorFlowTest)

@@ -1,6 +1,7 @@
 #include "AlertSheet.h"
 #include "ApplicationMenuBar.h"
 #include "Client.h"
+#include "UserManual.h"
 
 #include <QFileDialog>
 #include <QScopeGuard>
@@ -68,10 +69,10 @@ private Q_SLOTS:
         const QMainWindow *window = client.open()->window();
         QStringList keys;
         for (const char *command : {"New", "Open", "Save", "Print", "PrintPreview", "Reload", "NewSet",
-                                    "RenameSet", "RenameAreas", "RandomGoal"})
+                                    "RenameSet", "RenameAreas", "RandomGoal", "Help"})
             keys += window->findChild<QAction *>(u"action"_s + QLatin1String(command))->shortcut().toString();
         QCOMPARE(keys.join(u' '), u"Ctrl+N Ctrl+O Ctrl+S Ctrl+P Ctrl+Shift+P F5 Ctrl+Shift+N F2 Ctrl+Shift+R "
-                                  "Ctrl+G"_s);
+                                  "Ctrl+G F1"_s);
     }
 
     void documentsComeAndGo()
@@ -102,6 +103,31 @@ private Q_SLOTS:
                             [&](const QLabel *label) { return version.match(label->text()).hasMatch(); }));
         QTest::keyClick(about, Qt::Key_Escape);
         QTRY_VERIFY(!about);
+    }
+
+    void theManualIsShownOrItsPlaceTold()
+    {
+        Client client;
+        const TarvexDocument *document = client.open();
+        QTest::keyClick(document->wndSignIn(), Qt::Key_F1); // where those are who need it most
+        const QString page = QUrl(client.links.opened.value(0)).toLocalFile();
+        QVERIFY(QFile::exists(page));
+        client.links.isBrowserThere = false;
+        Client::signIn(document);
+        Client::trigger(document, "actionHelp");
+        QVERIFY(client.alert.errors.value(0).contains(page));
+
+        const QTemporaryDir root;
+        const QDir programs(root.filePath(u"bin"_s));
+        const QString installed = root.filePath(u"share/doc/tarvex-cloud/manual/index.html"_s);
+        QCOMPARE(UserManual::firstPage(programs), installed);
+        const QString absent = UserManual::notShown(installed);
+        QVERIFY(absent.contains(installed) && absent.contains(u"not installed"_s));
+        const QString built = root.filePath(u"manual/index.html"_s); // for a program two folders below
+        for (const QString &file : {built, root.filePath(u"x/share/doc/tarvex-cloud/manual/index.html"_s)}) {
+            QVERIFY(QDir().mkpath(QFileInfo(file).path()) && QFile(file).open(QIODevice::WriteOnly));
+            QCOMPARE(UserManual::firstPage(QDir(root.filePath(u"x/y"_s))), file);
+        }
     }
 
     void foldersAreMadeBelowTheHomeUnlessSomethingIsThere()

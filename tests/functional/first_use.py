@@ -91,11 +91,13 @@ class Assistive(AccessibleDesktop):
         self.find("Value", "slider", within=sheet).queryValue().currentValue = 8
         self.act("Save", "push button", within=sheet)
         self.ends(AREA)
+        self.find(f"{AREA} was saved.", "notification")
 
     def marks_a_random_goal_done(self):
         self.act("Random Goal", "push button")
         sheet = self.find("Random Goal", "dialog")
         self.act("Mark as Done", "push button", within=sheet)
+        self.find("No goal is left in this set: all are done, or it has none.", "notification", within=sheet)
         self.act("Close", "push button", within=sheet)
         self.ends("Random Goal")
 

@@ -1,5 +1,6 @@
 #include "TVXProject.h"
 
+#include <QScopeGuard>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -8,25 +9,16 @@ class TVXProjectTest : public QObject
 {
     Q_OBJECT
 
-private:
-    /// Has sets of these names, the first being current; drops the reference it would keep beyond its end.
-    struct ProjectWithSets : TVXProject
-    {
-        explicit ProjectWithSets(const QStringList &names)
-        {
-            for (const QString &name : names) {
-                sets()->push_back(std::make_shared<TVXSets>());
-                sets()->back()->setName(name);
-            }
-            setCurrentSets(sets()->front());
-        }
-        ~ProjectWithSets() { delete keptCurrentSets(); }
-    };
-
 private Q_SLOTS:
     void lookupsAreExactAndTakeTheFirstOrNothing()
     {
-        ProjectWithSets project({u"work"_s, u"Work"_s, u"Work"_s, QString(), u""_s});
+        TVXProject project;
+        const auto dropped = qScopeGuard([&] { delete project.keptCurrentSets(); });
+        for (const QString &name : {u"work"_s, u"Work"_s, u"Work"_s, QString(), u""_s}) {
+            project.sets()->push_back(std::make_shared<TVXSets>());
+            project.sets()->back()->setName(name);
+        }
+        project.setCurrentSets(project.sets()->front());
         const std::vector<TVXSetsPtr> sets = *project.sets();
         const auto current = [&](const QString &name) {
             project.setCurrentSetsByName(name);

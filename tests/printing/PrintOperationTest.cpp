@@ -121,6 +121,9 @@ private Q_SLOTS:
             at = found;
         }
 
+        for (const QString &font : told(u"pdffonts"_s, {path}).split(u'\n', Qt::SkipEmptyParts).mid(2))
+            QCOMPARE(font.simplified().section(u' ', -5, -5), u"yes"_s); // is in the file
+
         // Every goal has a picture; each of the two is in the file once, without loss and fine enough.
         const QStringList pictures =
             told(u"pdfimages"_s, {u"-list"_s, path}).split(u'\n', Qt::SkipEmptyParts).mid(2);

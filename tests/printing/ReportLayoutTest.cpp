@@ -49,23 +49,15 @@ class ReportLayoutTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void reportsAreLaidOutToTheLastRectangle_data()
-    {
-        QTest::addColumn<QString>("actual");
-        QTest::addColumn<QString>("expected");
-        const QList<ReportSample> samples = reportSamples();
-        QVERIFY(!samples.isEmpty());
-        for (const ReportSample &sample : samples)
-            QTest::newRow(qPrintable(sample.name)) << described(sample) << sample.expected;
-    }
     void reportsAreLaidOutToTheLastRectangle()
     {
-        QFETCH(QString, actual);
-        QFETCH(QString, expected);
-        const QStringList actualLines = actual.split(u'\n');
-        const QStringList expectedLines = expected.split(u'\n');
-        for (qsizetype i = 0; i < std::max(actualLines.size(), expectedLines.size()); ++i)
-            QCOMPARE(actualLines.value(i), expectedLines.value(i));
+        QVERIFY(!reportSamples().isEmpty());
+        for (const ReportSample &sample : reportSamples()) {
+            const QStringList actual = described(sample).split(u'\n');
+            const QStringList expected = sample.expected.split(u'\n');
+            for (qsizetype i = 0; i < std::max(actual.size(), expected.size()); ++i)
+                QCOMPARE(sample.name + actual.value(i), sample.name + expected.value(i));
+        }
     }
 
     void pagesAreCountedInSinglePrecision_data() { addSampleRows("pages.rows"); }

@@ -38,9 +38,13 @@ public:
     {
         return (QPointF(249.5, 215.5) + QLineF::fromPolar(radius, angle).p2()).toPoint();
     }
+    /// None where scaled, for this platform's screen then has the window's upper left part alone.
     QColor seenAt(qreal radius, qreal angle) const
     {
-        return screen()->grabWindow(winId()).toImage().pixelColor(at(radius, angle));
+        const QImage image = screen()->grabWindow(winId()).toImage();
+        const QPointF middle = (QPointF(at(radius, angle)) + QPointF(0.5, 0.5)) * devicePixelRatio();
+        const QPoint pixel(static_cast<int>(middle.x()), static_cast<int>(middle.y()));
+        return image.valid(pixel) ? image.pixelColor(pixel) : QColor();
     }
     void click(qreal radius, qreal angle) { QTest::mouseClick(this, Qt::LeftButton, {}, at(radius, angle)); }
 
@@ -165,6 +169,27 @@ private Q_SLOTS:
         }
         QCOMPARE(pictures, u".......... .....P.... .....PPP.. .....PPPP. .....PPPPP .....PPPPP "
                            "..PPP..... PPPPP....."_s.split(u' '));
+    }
+
+    void whatIsSeenIsWhatIsClicked()
+    {
+        const WheelOnScreen wheel;
+        int compared = 0;
+        for (int angle = 3; angle < 360; angle += 3) {
+            if (angle % 45 == 0)
+                continue; // on the line between two slices
+            const std::optional<int> clicked = wheel.pieceAt(wheel.at(/*radius=*/150, angle));
+            QVERIFY(clicked && wheel.pieceAt(wheel.at(/*radius=*/207, angle)) == clicked);
+            QVERIFY(!wheel.pieceAt(wheel.at(/*radius=*/213, angle)));
+            for (const int radius : {150, 207, 213}) {
+                const QColor seen = wheel.seenAt(radius, angle);
+                const QColor drawn = radius > 210 ? wheel.palette().window().color()
+                                                  : wheel.colors().at(static_cast<std::size_t>(*clicked));
+                QVERIFY(!seen.isValid() || seen.rgb() == drawn.rgb());
+                compared += seen.isValid() ? 1 : 0;
+            }
+        }
+        QVERIFY(compared > 10);
     }
 
     void ringMarksTheSliceReachedByKeyboardOnly()

@@ -31,12 +31,6 @@ private Q_SLOTS:
         QCOMPARE(flipped(centre({501, 401}), 401), QPointF(250, 201));
     }
 
-    void focusLineStaysInsideItsSlice()
-    {
-        for (int index = 0; index < sliceCount; ++index)
-            QVERIFY(sliceOutline({250, 200}, index).contains(insetOutline({250, 200}, index, /*inset=*/6)));
-    }
-
     void absurdValuesReachBeyondTheCornersAndNoFarther()
     {
         const qreal seen = reach({215, 100}, {430, 201});

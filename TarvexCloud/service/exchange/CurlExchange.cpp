@@ -172,11 +172,15 @@ CurlExchange::CurlExchange(const QByteArray &url, std::chrono::milliseconds dead
 
 CurlExchange::~CurlExchange() = default;
 
+QString CurlExchange::address() const
+{
+    return QUrl::fromEncoded(m_url).authority();
+}
+
 TVXAnswer CurlExchange::post(const QByteArray &body, TVXPurpose purpose)
 {
     const auto failed = [this](ExchangeError error, const QString &detail = {}) {
-        return TVXAnswer{std::nullopt, describe(error, QUrl::fromEncoded(m_url).authority(), detail),
-                         mayHaveArrived(error)};
+        return TVXAnswer{std::nullopt, describe(error, address(), detail), mayHaveArrived(error)};
     };
     if (m_busy)
         return failed(ExchangeError::Busy);

@@ -21,6 +21,7 @@ public:
     TVXAnswer post(const QByteArray &body, TVXPurpose purpose = TVXPurpose::Writing) override;
     bool isBusy() const override { return m_busy; }
     std::chrono::milliseconds deadline() const override { return m_deadline; }
+    QString address() const override;
 
 private:
     class Handles;

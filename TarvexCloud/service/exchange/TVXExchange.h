@@ -34,4 +34,7 @@ public:
 
     /// How long a call of post() takes at most.
     virtual std::chrono::milliseconds deadline() const = 0;
+
+    /// The service's host and port, for people.
+    virtual QString address() const = 0;
 };
