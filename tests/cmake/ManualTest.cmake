@@ -1,0 +1,26 @@
+# Whether the manual page can be made, and has every command and option that the program has:
+# cmake -DPROGRAM=... -DPAGE=... -P ManualTest.cmake
+find_program(SCDOC scdoc REQUIRED)
+execute_process(COMMAND ${SCDOC} INPUT_FILE ${PAGE} OUTPUT_QUIET ERROR_VARIABLE fault RESULT_VARIABLE code)
+if(NOT code EQUAL 0)
+  message(FATAL_ERROR "${PAGE}: ${fault}")
+endif()
+
+execute_process(COMMAND ${PROGRAM} --help-all OUTPUT_VARIABLE help COMMAND_ERROR_IS_FATAL ANY)
+file(READ ${PAGE} page)
+string(REGEX MATCHALL "\n[a-z][-a-z]*\n" commands "${help}")
+string(REGEX MATCHALL "--[a-z][-a-z]*" options "${help}")
+if(NOT commands MATCHES "serve")
+  message(SEND_ERROR "The help names no commands")
+endif()
+list(TRANSFORM commands STRIP)
+list(TRANSFORM commands REPLACE "(.+)" "\n*\\1*") # at the beginning of a line
+list(TRANSFORM options REPLACE "(.+)" "*\\1*")
+list(REMOVE_DUPLICATES options)
+foreach(entry ${commands} ${options})
+  string(FIND "${page}" "${entry}" place)
+  if(place EQUAL -1)
+    string(STRIP "${entry}" entry)
+    message(SEND_ERROR "${PAGE} says nothing of ${entry}")
+  endif()
+endforeach()
