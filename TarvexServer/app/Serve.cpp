@@ -44,14 +44,6 @@ void keepMemoryPrivate()
 #endif
 }
 
-ListenAddress addressFrom(const std::string &text, const std::string &what)
-{
-    const auto address = listenAddress(text);
-    if (!address)
-        throw http::CannotListen("The address to " + what + " must be given as HOST:PORT.");
-    return *address;
-}
-
 store::Room roomOf(const ServeOptions &options)
 {
     constexpr std::uintmax_t mebibyte = 1024UL * 1024;
@@ -82,8 +74,8 @@ class Serving
 {
 public:
     Serving(const ServeOptions &options, const InstallationOptions &installation, const CommandLine &line)
-        : m_line(line), m_address(addressFrom(options.listen, "listen on")), m_log(options.logFile),
-          m_database(installation.database, roomOf(options)),
+        : m_line(line), m_address(listenAddress(options.listen).value()), m_log(options.logFile),
+          m_isNew(installation.isMissing()), m_database(installation.orNew(roomOf(options))),
           m_service(m_database, installation.open(m_database), /*clocks=*/{}, options.signUpRules),
           m_server(
               m_service, m_address.host, m_address.port, /*limits=*/{},
@@ -100,6 +92,8 @@ public:
 
     void run()
     {
+        if (m_isNew)
+            logEvent("database made");
         logEvent("started");
         std::cout << "READY " << serviceUrl(m_address.host, m_server.port()) << std::endl;
         if (m_watchServer)
@@ -112,7 +106,7 @@ public:
 private:
     void watch(const ServeOptions &options)
     {
-        const ListenAddress address = addressFrom(options.watch, "watch at");
+        const ListenAddress address = listenAddress(options.watch).value();
         m_watchHost = address.host;
         m_watchServer.emplace(address.host, address.port, options.isWatchedFromAnywhere,
                               [this](std::string_view target) { return replyTo(target, m_watched); });
@@ -147,6 +141,7 @@ private:
     CommandLine m_line;
     ListenAddress m_address;
     Log m_log; // the last to end, for it may end the process
+    bool m_isNew;
     store::Database m_database;
     requests::Service m_service;
     http::Server m_server;

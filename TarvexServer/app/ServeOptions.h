@@ -30,7 +30,6 @@ struct ServeOptions
     spdlog::level::level_enum logLevel = spdlog::level::info;
     std::string logFile; ///< empty for standard error
 
-    /// Throws http::CannotListen.
     http::Proxies proxies() const;
 };
 
