@@ -4,6 +4,8 @@
 
 #include <chrono>
 #include <new>
+#include <string>
+#include <system_error>
 #include <thread>
 
 namespace tarvex::store {
@@ -25,7 +27,10 @@ constexpr std::int64_t largestIdleLog = 8LL * 1024 * 1024; // bytes
         throw TransactionHindered(sqlite3_errmsg(session));
     if (primaryCode == SQLITE_NOMEM)
         throw std::bad_alloc();
-    throw TransactionFailed(sqlite3_errmsg(session));
+    std::string fault = sqlite3_errmsg(session);
+    if (const int cause = sqlite3_system_errno(session); primaryCode == SQLITE_IOERR && cause != 0)
+        fault.append(": ").append(std::generic_category().message(cause)); // a full disk, say
+    throw TransactionFailed(fault);
 }
 
 /// Whether the last session to end leaves the log, rather than brings it into the file and removes it.
