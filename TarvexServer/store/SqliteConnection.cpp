@@ -51,7 +51,7 @@ sqlite3 *opened(const std::filesystem::path &file)
         sqlite3_close(session);
         throw TransactionFailed(reason);
     }
-    leaveLogAtEnd(session, true);
+    leaveLogAtEnd(session, /*leaves=*/true);
     return session;
 }
 
@@ -127,8 +127,8 @@ SqliteConnection::SqliteConnection(const std::filesystem::path &file) : SqliteCo
     execute("PRAGMA synchronous = FULL; PRAGMA fullfsync = ON; PRAGMA foreign_keys = ON;"
             " PRAGMA secure_delete = ON"); // what is removed is overwritten
     addOctetLength(m_session);
-    leaveLogAtEnd(m_session,
-                  false); // the file can be read; beside one that cannot, the log may hold the rest
+    // The file can be read; beside one that cannot, the log may hold the rest.
+    leaveLogAtEnd(m_session, /*leaves=*/false);
 }
 
 SqliteConnection::~SqliteConnection()
