@@ -277,8 +277,8 @@ TEST(ProgressOfOlderDatabases, BeginsWithWhatTheySet)
     session->execute("INSERT INTO account (account_id, name, password_hash, version, next_set_id,"
                      " next_goal_id, created_at) VALUES (7, 'Anna', 'hash', 1, 4, 8, 0);"
                      "UPDATE account_count SET accounts = 1");
-    for (const std::string area : {"1", "2", "3", "4", "5", "6", "7", "8"})
-        session->execute("INSERT INTO area VALUES (7, " + area + ", 'x', '#1', -" + area + ")");
+    for (std::int64_t area = 1; area <= 8; ++area)
+        session->change("INSERT INTO area VALUES (7, $1, 'x', '#1', $2)", area, -area);
     session->execute("INSERT INTO goal_set VALUES (7, 1, 'x', NULL), (7, 2, 'x', NULL), (7, 3, 'x', 9)");
     session->execute("INSERT INTO goal VALUES (7, 1, 1, 8, 'x', 5, 1, NULL), (7, 2, 1, 8, 'x', 5, 1, NULL),"
                      " (7, 3, 1, 8, 'x', 5, 0, NULL), (7, 4, 1, 8, 'x', 5, 0, 9)");
