@@ -4,6 +4,7 @@
 #include "Logins.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tarvex::store {
 
@@ -54,9 +55,10 @@ std::vector<Row> rowsOf(const Transfer &transfer, Rows found)
 {
     std::vector<Row> rows;
     while (found.next()) {
-        Row &row = rows.emplace_back();
+        Row row;
         for (std::size_t i = 0; i < transfer.table->columns.size(); ++i)
             row.emplace_back(found.text(static_cast<int>(i)));
+        rows.push_back(std::move(row));
     }
     std::sort(rows.begin(), rows.end()); // engines sort texts each in its own way
     return rows;
