@@ -118,4 +118,64 @@ BuiltAnswer Workers::built(requests::Turn &turn)
     return share ? BuiltAnswer{std::move(answer), std::move(*share)} : BuiltAnswer{m_service.giveUp(turn)};
 }
 
+void Workers::submit(pages::Site &site, const std::shared_ptr<pages::Visit> &visit, Shown shown)
+{
+    using Step = pages::Visit::Step;
+    switch (visit->step) {
+    case Step::Reply:
+        shown(built(site, *visit));
+        break;
+    case Step::Work:
+        m_queues.enter(queueOf(*visit), [this, &site, visit, shown](AccountQueues::Place place) {
+            boost::asio::post(m_requestThreads,
+                              [this, &site, visit, shown, place = std::move(place)]() mutable {
+                                  site.goOn(*visit);
+                                  place.reset(); // which nobody is to keep while a password is hashed
+                                  goOn(site, visit, shown);
+                              });
+        });
+        break;
+    case Step::Hash:
+        m_hashingThreads.submit(visit->request.peer.empty() ? visit->path : visit->request.peer,
+                                {.run =
+                                     [this, &site, visit, shown] {
+                                         site.goOn(*visit);
+                                         goOn(site, visit, shown);
+                                     },
+                                 .drop = [&site, shown] { shown({site.refusal(requests::Outcome::Busy)}); }});
+        break;
+    case Step::SignUp: {
+        requests::Request request{
+            .body = visit->signUpBody, .peer = visit->request.peer, .arrival = visit->request.arrival};
+        goOn(m_service.begin(std::move(request)), [this, &site, visit, shown](const BuiltAnswer &signedUp) {
+            site.signedUp(*visit, signedUp.answer);
+            goOn(site, visit, shown);
+        });
+        break;
+    }
+    }
+}
+
+/// On a thread that must go on whatever happens.
+void Workers::goOn(pages::Site &site, const std::shared_ptr<pages::Visit> &visit, const Shown &shown)
+{
+    try {
+        submit(site, visit, shown);
+    } catch (const std::exception &) { // no memory; whoever waits for the page has a time limit
+    }
+}
+
+/// The account of whoever is signed in; others wait for nobody.
+std::int64_t Workers::queueOf(const pages::Visit &visit)
+{
+    return visit.session ? visit.session->accountId : --m_lastStranger;
+}
+
+BuiltPage Workers::built(const pages::Site &site, pages::Visit &visit)
+{
+    auto share = m_answers.take(visit.reply.body.size());
+    return share ? BuiltPage{std::move(visit.reply), std::move(*share)}
+                 : BuiltPage{site.refusal(requests::Outcome::Busy)};
+}
+
 } // namespace tarvex::http

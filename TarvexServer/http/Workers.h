@@ -5,6 +5,7 @@
 #include "FairThreads.h"
 #include "Limits.h"
 #include "Service.h"
+#include "Site.h"
 
 #include <atomic>
 #include <boost/asio/thread_pool.hpp>
@@ -18,6 +19,7 @@ class Workers
 {
 public:
     using Done = std::function<void(BuiltAnswer)>;
+    using Shown = std::function<void(BuiltPage)>;
 
     Workers(requests::Service &service, const Limits &limits, AnswerMemory &answers);
     ~Workers();
@@ -31,6 +33,9 @@ public:
     /// The same with a request that will not be served, of which the body's beginning is enough.
     void refuse(std::string_view body, requests::Outcome outcome, const Done &done);
 
+    /// Calls `shown` with the page that the visit leads to, in the same way.
+    void submit(pages::Site &site, const std::shared_ptr<pages::Visit> &visit, Shown shown);
+
     /// Ends the threads; requests that wait are dropped without an answer.
     void stop();
 
@@ -41,6 +46,9 @@ private:
     void goOn(const std::shared_ptr<requests::Turn> &turn, const Done &done);
     void read(const std::shared_ptr<Running> &running);
     std::int64_t queueOf(const requests::Turn &turn);
+    std::int64_t queueOf(const pages::Visit &visit);
+    void goOn(pages::Site &site, const std::shared_ptr<pages::Visit> &visit, const Shown &shown);
+    BuiltPage built(const pages::Site &site, pages::Visit &visit);
     void tell(BuiltAnswer answer, const Done &done);
     BuiltAnswer built(requests::Turn &turn);
 

@@ -8,10 +8,13 @@
 
 namespace tarvex::requests {
 
-/// Removes for good what was deleted, or expired, more than 30 days of running ago, in small steps.
+/// Removes for good what was deleted, or expired, and accounts that were closed, more than 30 days of running
+/// ago, in small steps.
 class Purge
 {
 public:
+    static constexpr std::int64_t keptDays = 30;
+
     Purge(store::Database &database, const Clocks &clocks);
     /// Waits for the step that is under way.
     ~Purge();

@@ -245,7 +245,7 @@ TEST_F(Copies, AreNotRestoredToAFullDisk)
 TEST_F(Copies, GiveNoIdAgainThatAClientMayKnow)
 {
     run(folder, "sample" + here);
-    change("INSERT INTO account SELECT 5, name, password_hash, 1, 2147483600, 9, 0, 0, 0, 0, 0, 0, 0 FROM "
+    change("INSERT INTO account SELECT 5, name, password_hash, 1, 2147483600, 9, 0, 0, 0, 0, 0, 0, 0, NULL FROM "
            "account");
     change("UPDATE account_count SET accounts = 2");
     run(folder, "backup copy.db" + here);
