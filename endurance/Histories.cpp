@@ -1,7 +1,9 @@
 // The service against a model of what it should hold: seeded histories of all kinds of requests, from several
 // clients over accounts of their own and shared ones.
 
+#include "Administration.h"
 #include "HttpFixture.h"
+#include "Progress.h"
 
 #include <algorithm>
 #include <boost/regex.hpp>
@@ -89,6 +91,25 @@ public:
             readSets();
             for (int set = 1; set < account.nextSet; ++set)
                 readGoalsOf(set);
+        }
+    }
+
+    /// What is noted of the sets must be what they are at last.
+    void readProgress(store::Database &database, const security::KeyedHash &hash)
+    {
+        constexpr std::int64_t afterAll = 1'000'000;
+        for (ModelAccount &account : m_accounts) {
+            const std::int64_t id = requests::accountOfLogin(database, hash, account.login);
+            database.read([&](store::Connection &connection) {
+                for (const auto &[set, name] : account.sets) {
+                    const auto noted = store::percentsOn(connection, id, set, afterAll).value();
+                    for (int area = 1; area <= 8; ++area)
+                        EXPECT_EQ(noted.numbers.at(static_cast<std::size_t>(area) - 1),
+                                  account.percent(set, area));
+                }
+                const auto values = store::valuesOn(connection, id, afterAll).value().numbers;
+                EXPECT_TRUE(std::equal(values.begin(), values.end(), account.areaValues.begin()));
+            });
         }
     }
 
@@ -328,6 +349,7 @@ TEST_F(Http, HoldsWhatAModelHoldsAfterAnyHistory)
         for (int i = 0; i < 30; ++i)
             history.step();
         history.readAll();
+        history.readProgress(m_database, m_hash);
     }
     std::cout << count << " histories\n";
 }

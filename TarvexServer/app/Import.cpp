@@ -40,7 +40,7 @@ std::int64_t importInto(const InstallationOptions &installation, const AccountOp
     if (!options.isNew) {
         store::Database database = installation.existing();
         const std::int64_t accountId = account.find(database, installation);
-        requests::importAccount(database, accountId, imported);
+        requests::importAccount(database, accountId, imported, std::time(nullptr));
         return accountId;
     }
     if (account.login.empty())

@@ -5,6 +5,7 @@
 #include "Times.h"
 #include "Undeleting.h"
 
+#include <ctime>
 #include <iostream>
 
 namespace tarvex::app {
@@ -63,7 +64,8 @@ int undelete(const InstallationOptions &installation, const AccountOptions &acco
             printSentences(found);
         return 0;
     }
-    const std::int64_t goals = requests::undelete(database, accountId, options.sets, options.goals);
+    const std::int64_t goals =
+        requests::undelete(database, accountId, options.sets, options.goals, std::time(nullptr));
     const auto sets = static_cast<std::int64_t>(options.sets.size());
     if (isJson)
         printJson({{"sets", sets}, {"goals", goals}});

@@ -185,7 +185,7 @@ void Site::bringBack(Visit &visit)
         problem = "Please choose what is to come back.";
     } else {
         try {
-            requests::undelete(m_database, accountId, *sets, *goals);
+            requests::undelete(m_database, accountId, *sets, *goals, m_clocks.seconds());
             visit.end(redirect("/account/deleted?said=back"));
             return;
         } catch (const requests::AccountProblem &fault) {

@@ -177,7 +177,7 @@ void Site::tick(Visit &visit)
             const std::int64_t accountId = visit.session->accountId;
             goal = goalId ? store::findGoal(connection, accountId, *goalId) : std::nullopt;
             if (goal)
-                store::checkGoal(connection, accountId, goal->id);
+                store::checkGoal(connection, accountId, *goal, m_clocks.seconds());
         }))
         return;
     if (goal)

@@ -13,7 +13,7 @@ namespace tarvex::requests {
 namespace {
 
 constexpr std::int64_t accountsPerStep = 100;
-constexpr std::int64_t goalsPerStep = 500;
+constexpr std::int64_t rowsPerStep = 500;
 /// Whoever else waits for the database looks for it every few milliseconds.
 constexpr std::chrono::milliseconds betweenSteps{20};
 
@@ -113,10 +113,10 @@ bool removeAccount(store::Database &database, std::int64_t accountId)
     database.write([&](store::Connection &connection) {
         requireThere(store::freeLogins(connection, accountId), accountId);
     });
-    for (std::int64_t removed = goalsPerStep; removed == goalsPerStep;) {
+    for (std::int64_t removed = rowsPerStep; removed == rowsPerStep;) {
         std::this_thread::sleep_for(betweenSteps);
         database.write([&](store::Connection &connection) {
-            removed = store::removeGoals(connection, accountId, goalsPerStep);
+            removed = store::removeSome(connection, accountId, rowsPerStep);
         });
     }
     database.write([&](store::Connection &connection) { store::removeAccount(connection, accountId); });

@@ -33,7 +33,8 @@ std::string setAreaNames(Call &call)
 std::string setAreaValue(Call &call)
 {
     const std::int64_t areaId = idField(call, /*number=*/4);
-    require(store::setAreaValue(call.connection, call.accountId, areaId, numberField(call, /*number=*/5)));
+    const std::int32_t value = numberField(call, /*number=*/5);
+    require(store::setAreaValue(call.connection, call.accountId, areaId, value, call.now));
     return done();
 }
 

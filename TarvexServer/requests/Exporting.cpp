@@ -60,7 +60,7 @@ std::string storable(const std::string &typedText, const std::string &place)
 }
 
 void importAreas(store::Connection &connection, std::int64_t accountId,
-                 const std::vector<wire::AccountExport::Area> &areas)
+                 const std::vector<wire::AccountExport::Area> &areas, std::int64_t now)
 {
     const std::vector<store::Area> known = store::areas(connection, accountId);
     if (areas.size() > known.size())
@@ -68,15 +68,17 @@ void importAreas(store::Connection &connection, std::int64_t accountId,
     for (std::size_t i = 0; i < areas.size(); ++i) {
         const std::string name = storable(areas[i].name, "area " + std::to_string(i + 1));
         store::renameArea(connection, accountId, known[i].id, name);
-        store::setAreaValue(connection, accountId, known[i].id, areas[i].value);
+        store::setAreaValue(connection, accountId, known[i].id, areas[i].value, now);
     }
 }
 
-void importSets(store::Connection &connection, std::int64_t accountId, const std::vector<Set> &sets)
+void importSets(store::Connection &connection, std::int64_t accountId, const std::vector<Set> &sets,
+                std::int64_t now)
 {
     for (std::size_t i = 0; i < sets.size(); ++i) {
         const std::string place = "set " + std::to_string(i + 1);
-        const std::int64_t setId = store::createSet(connection, accountId, storable(sets[i].name, place));
+        const std::int64_t setId =
+            store::createSet(connection, accountId, storable(sets[i].name, place), now);
         std::vector<store::Goal> goals;
         goals.reserve(sets[i].goals.size());
         for (const Goal &goal : sets[i].goals) {
@@ -87,7 +89,7 @@ void importSets(store::Connection &connection, std::int64_t accountId, const std
                              .priority = goal.priority,
                              .isChecked = goal.isDone});
         }
-        store::createGoals(connection, accountId, goals);
+        store::createGoals(connection, accountId, goals, now);
     }
 }
 
@@ -127,12 +129,13 @@ wire::AccountExport exportAccount(store::Database &database, std::int64_t accoun
     return account;
 }
 
-void importAccount(store::Database &database, std::int64_t accountId, const wire::AccountExport &imported)
+void importAccount(store::Database &database, std::int64_t accountId, const wire::AccountExport &imported,
+                   std::int64_t now)
 {
     importWith(database, [&](store::Connection &connection) {
-        importAreas(connection, accountId, imported.areas);
-        importSets(connection, accountId, imported.sets);
         store::countChange(connection, accountId);
+        importAreas(connection, accountId, imported.areas, now);
+        importSets(connection, accountId, imported.sets, now);
     });
 }
 
@@ -144,8 +147,8 @@ std::int64_t createImported(store::Database &database, const security::KeyedHash
     importWith(database, [&](store::Connection &connection) {
         accountId = requireNew(imported.sets.empty() ? createWithSet(connection, account)
                                                      : store::createAccount(connection, account));
-        importAreas(connection, accountId, imported.areas);
-        importSets(connection, accountId, imported.sets);
+        importAreas(connection, accountId, imported.areas, now);
+        importSets(connection, accountId, imported.sets, now);
     });
     return accountId;
 }

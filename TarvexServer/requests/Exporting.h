@@ -12,9 +12,11 @@ namespace tarvex::requests {
 wire::AccountExport exportAccount(store::Database &database, std::int64_t accountId, bool withDeleted);
 
 /// Names the areas of an account and sets their values as the export has them, and adds its sets with their
-/// goals to those that are there: all of it or nothing. Throws AccountProblem, with the place in the export
+/// goals to those that are there: all of it or nothing. `now` is in seconds
+/// since 1970. Throws AccountProblem, with the place in the export
 /// where that is at fault.
-void importAccount(store::Database &database, std::int64_t accountId, const wire::AccountExport &imported);
+void importAccount(store::Database &database, std::int64_t accountId, const wire::AccountExport &imported,
+                   std::int64_t now);
 
 /// Makes an account that holds what the export does and, if that has none, one set. Returns its id. Throws
 /// like createAccount() and the above, and leaves nothing behind then.

@@ -73,6 +73,14 @@ std::set<wire::GoalPlace> placesOf(const Call &call, const std::vector<store::Id
     return places;
 }
 
+std::set<std::int64_t> setsOf(const std::set<wire::GoalPlace> &places)
+{
+    std::set<std::int64_t> setIds;
+    for (const wire::GoalPlace &place : places)
+        setIds.insert(place.setId);
+    return setIds;
+}
+
 } // namespace
 
 std::string getGoals(Call &call)
@@ -127,7 +135,7 @@ std::string createGoal(Call &call)
         .place = {.setId = idField(call, /*number=*/7), .areaId = idField(call, /*number=*/8)}};
     const std::vector<store::Goal> goals = soundGoals(call, {record});
     require(!goals.empty());
-    store::createGoals(call.connection, call.accountId, goals);
+    store::createGoals(call.connection, call.accountId, goals, call.now);
     return done();
 }
 
@@ -136,15 +144,16 @@ std::string createSomeGoals(Call &call)
     const std::string_view field = textField(call, /*number=*/4);
     const std::vector<store::Goal> goals = soundGoals(call, wire::readGoalRecords(field));
     require(!goals.empty() || field.empty());
-    store::createGoals(call.connection, call.accountId, goals);
+    store::createGoals(call.connection, call.accountId, goals, call.now);
     return done();
 }
 
 std::string deleteGoal(Call &call)
 {
     const std::int64_t goalId = idField(call, /*number=*/4);
-    require(store::findGoal(call.connection, call.accountId, goalId).has_value());
-    store::deleteGoals(call.connection, call.accountId, store::runsOf({goalId}), call.now);
+    const auto goal = store::findGoal(call.connection, call.accountId, goalId);
+    require(goal.has_value());
+    store::deleteGoals(call.connection, call.accountId, store::runsOf({goalId}), {goal->setId}, call.now);
     return done();
 }
 
@@ -156,9 +165,10 @@ std::string deleteSomeGoals(Call &call)
     std::vector<std::int64_t> list = wire::readIdList(field);
     require(!list.empty() && list.size() <= maximumIds);
     const std::vector<store::IdRun> ids = store::runsOf(std::move(list));
-    const bool isGuarded = call.refusedSaves.takeRefusal(call.connection, call.saver, placesOf(call, ids));
+    const std::set<wire::GoalPlace> places = placesOf(call, ids);
+    const bool isGuarded = call.refusedSaves.takeRefusal(call.connection, call.saver, places);
     require(!isGuarded, Reason::RefusedSave);
-    store::deleteGoals(call.connection, call.accountId, ids, call.now);
+    store::deleteGoals(call.connection, call.accountId, ids, setsOf(places), call.now);
     return done();
 }
 
@@ -166,7 +176,7 @@ std::string setCheckedAreaPercent(Call &call)
 {
     const auto goal = store::findGoal(call.connection, call.accountId, idField(call, /*number=*/5));
     require(goal.has_value());
-    store::checkGoal(call.connection, call.accountId, goal->id);
+    store::checkGoal(call.connection, call.accountId, *goal, call.now);
     for (const store::GoalCount &count : store::goalCounts(call.connection, call.accountId)) {
         if (count.setId == goal->setId && count.areaId == goal->areaId)
             return std::to_string(donePercent(count.checked, count.count));

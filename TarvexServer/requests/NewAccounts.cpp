@@ -70,7 +70,7 @@ std::optional<std::int64_t> createWithSet(store::Connection &connection, const s
 {
     const auto accountId = store::createAccount(connection, account);
     if (accountId)
-        store::createSet(connection, *accountId, "My wheel");
+        store::createSet(connection, *accountId, "My wheel", account.createdAt);
     return accountId;
 }
 

@@ -24,7 +24,7 @@ void removeClosed(store::Connection &connection, std::int64_t before)
     if (!accountId)
         return;
     store::freeLogins(connection, *accountId); // so that nobody has it kept any more
-    if (store::removeGoals(connection, *accountId, rowsPerStep) < rowsPerStep)
+    if (store::removeSome(connection, *accountId, rowsPerStep) < rowsPerStep)
         store::removeAccount(connection, *accountId);
 }
 

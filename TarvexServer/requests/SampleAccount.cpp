@@ -149,8 +149,8 @@ void fillAccount(store::Connection &connection, std::int64_t accountId, std::tim
     // The oldest set is listed first, the others from the newest back.
     for (const int quartersAgo : {0, 3, 2, 1}) {
         const year_month month = today.year() / today.month() - months(3 * quartersAgo);
-        const std::int64_t set = store::createSet(connection, accountId, monthAndYear(month));
-        store::createGoals(connection, accountId, goalsOf(set, quartersAgo));
+        const std::int64_t set = store::createSet(connection, accountId, monthAndYear(month), now);
+        store::createGoals(connection, accountId, goalsOf(set, quartersAgo), now);
     }
 }
 

@@ -32,7 +32,7 @@ std::string getSets(Call &call)
 
 std::string createSets(Call &call)
 {
-    store::createSet(call.connection, call.accountId, nameField(call, /*number=*/4));
+    store::createSet(call.connection, call.accountId, nameField(call, /*number=*/4), call.now);
     return done();
 }
 

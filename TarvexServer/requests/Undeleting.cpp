@@ -71,17 +71,18 @@ Undeletable collected(store::Connection &connection, std::int64_t accountId)
 }
 
 std::int64_t bringBack(store::Connection &connection, std::int64_t accountId,
-                       const std::vector<std::int64_t> &setIds, const std::vector<std::int64_t> &goalIds)
+                       const std::vector<std::int64_t> &setIds, const std::vector<std::int64_t> &goalIds,
+                       std::int64_t now)
 {
     std::int64_t goals = 0;
     for (const std::int64_t setId : setIds) {
-        const auto withSet = store::undeleteSet(connection, accountId, setId);
+        const auto withSet = store::undeleteSet(connection, accountId, setId, now);
         if (!withSet)
             failWithout("set", setId);
         goals += *withSet;
     }
     for (const std::int64_t goalId : goalIds) {
-        if (!store::undeleteGoal(connection, accountId, goalId))
+        if (!store::undeleteGoal(connection, accountId, goalId, now))
             failWithout("goal", goalId);
         ++goals;
     }
@@ -98,13 +99,14 @@ Undeletable undeletable(store::Database &database, std::int64_t accountId)
 }
 
 std::int64_t undelete(store::Database &database, std::int64_t accountId,
-                      const std::vector<std::int64_t> &setIds, const std::vector<std::int64_t> &goalIds)
+                      const std::vector<std::int64_t> &setIds, const std::vector<std::int64_t> &goalIds,
+                      std::int64_t now)
 {
     std::int64_t goals = 0;
     try {
         database.write([&](store::Connection &connection) {
-            goals = bringBack(connection, accountId, setIds, goalIds);
             store::countChange(connection, accountId);
+            goals = bringBack(connection, accountId, setIds, goalIds, now);
         });
     } catch (const store::QuotaExceeded &) {
         throw AccountProblem("The account would hold more than it may; nothing came back.");

@@ -34,9 +34,10 @@ struct Undeletable
 
 Undeletable undeletable(store::Database &database, std::int64_t accountId);
 
-/// Brings all of these back or, if one cannot come, none. Returns how many goals came back. Throws
-/// AccountProblem.
+/// Brings all of these back or, if one cannot come, none. Returns how many goals came back. `now` is in
+/// seconds since 1970. Throws AccountProblem.
 std::int64_t undelete(store::Database &database, std::int64_t accountId,
-                      const std::vector<std::int64_t> &setIds, const std::vector<std::int64_t> &goalIds);
+                      const std::vector<std::int64_t> &setIds, const std::vector<std::int64_t> &goalIds,
+                      std::int64_t now);
 
 } // namespace tarvex::requests

@@ -10,8 +10,9 @@ namespace tarvex::store {
 /// account.
 bool freeLogins(Connection &connection, std::int64_t accountId);
 
-/// Removes for good so many goals of an account at most, deleted ones too; returns how many they were.
-std::int64_t removeGoals(Connection &connection, std::int64_t accountId, std::int64_t most);
+/// Removes for good so many goals, deleted ones too, and days of progress of an account at most; returns how
+/// many they were.
+std::int64_t removeSome(Connection &connection, std::int64_t accountId, std::int64_t most);
 
 /// Removes for good an account with all that is left of it.
 void removeAccount(Connection &connection, std::int64_t accountId);

@@ -1,5 +1,6 @@
 #include "Accounts.h"
 
+#include "Progress.h"
 #include "StoreError.h"
 
 #include <random>
@@ -120,6 +121,7 @@ std::optional<std::int64_t> createAccount(Connection &connection, const NewAccou
             throw TransactionBroken("another process made an account of the same login");
     }
     insertAreas(connection, accountId, account.areas);
+    noteAreaProgress(connection, accountId, account.createdAt);
     connection.run("UPDATE account_count SET accounts = accounts + 1");
     return accountId;
 }

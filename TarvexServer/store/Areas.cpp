@@ -1,5 +1,7 @@
 #include "Areas.h"
 
+#include "Progress.h"
+
 namespace tarvex::store {
 
 std::vector<Area> areas(Connection &connection, std::int64_t accountId)
@@ -21,10 +23,14 @@ bool renameArea(Connection &connection, std::int64_t accountId, std::int64_t are
                              accountId, areaId) > 0;
 }
 
-bool setAreaValue(Connection &connection, std::int64_t accountId, std::int64_t areaId, std::int32_t value)
+bool setAreaValue(Connection &connection, std::int64_t accountId, std::int64_t areaId, std::int32_t value,
+                  std::int64_t now)
 {
-    return connection.change("UPDATE area SET value = $1 WHERE account_id = $2 AND area_id = $3", value,
-                             accountId, areaId) > 0;
+    if (connection.change("UPDATE area SET value = $1 WHERE account_id = $2 AND area_id = $3", value,
+                          accountId, areaId) == 0)
+        return false;
+    noteAreaProgress(connection, accountId, now);
+    return true;
 }
 
 } // namespace tarvex::store

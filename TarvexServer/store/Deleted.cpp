@@ -48,10 +48,17 @@ std::int64_t purgeDeleted(Connection &connection, std::int64_t accountId, std::i
         connection.change("DELETE FROM goal WHERE account_id = $1 AND goal_id IN (SELECT goal_id FROM goal"
                           " WHERE account_id = $1 AND deleted_at < $2 LIMIT $3)",
                           accountId, before, most);
+    removed += connection.change("DELETE FROM set_progress WHERE account_id = $1 AND (set_id, day) IN"
+                                 " (SELECT gone.set_id, gone.day FROM set_progress AS gone JOIN goal_set"
+                                 " ON goal_set.account_id = gone.account_id AND goal_set.set_id = gone.set_id"
+                                 " WHERE gone.account_id = $1 AND deleted_at < $2 LIMIT $3)",
+                                 accountId, before, most - removed);
     removed +=
         connection.change("DELETE FROM goal_set WHERE account_id = $1 AND deleted_at < $2 AND NOT EXISTS"
                           " (SELECT 1 FROM goal WHERE goal.account_id = $1"
-                          " AND goal.set_id = goal_set.set_id)",
+                          " AND goal.set_id = goal_set.set_id) AND NOT EXISTS"
+                          " (SELECT 1 FROM set_progress WHERE set_progress.account_id = $1"
+                          " AND set_progress.set_id = goal_set.set_id)",
                           accountId, before);
     return removed;
 }

@@ -16,8 +16,8 @@ std::int64_t movePurgeClock(Connection &connection, std::int64_t secondsRun, std
 /// none.
 std::optional<std::int64_t> nextWithDeleted(Connection &connection, std::int64_t after);
 
-/// Removes for good what the account deleted before a time, but at most so many goals. Returns the number of
-/// rows removed.
+/// Removes for good what the account deleted before a time, but at most so many goals and days of progress,
+/// without which sets stay. Returns the number of rows removed.
 std::int64_t purgeDeleted(Connection &connection, std::int64_t accountId, std::int64_t before,
                           std::int64_t most);
 

@@ -1,11 +1,11 @@
 #include "Goals.h"
 
+#include "Progress.h"
 #include "Quotas.h"
 
 #include <algorithm>
 #include <array>
 #include <numeric>
-#include <set>
 
 namespace tarvex::store {
 
@@ -65,6 +65,13 @@ std::optional<Goal> goalOrNone(Rows rows)
     return rows.next() ? std::optional(goalOf(rows)) : std::nullopt;
 }
 
+void noteProgress(Connection &connection, std::int64_t accountId, const std::set<std::int64_t> &setIds,
+                  std::int64_t now)
+{
+    for (const std::int64_t setId : setIds)
+        noteSetProgress(connection, accountId, setId, now);
+}
+
 } // namespace
 
 std::vector<Goal> goalsOfArea(Connection &connection, std::int64_t accountId, std::int64_t setId,
@@ -112,7 +119,8 @@ std::vector<GoalCount> goalCounts(Connection &connection, std::int64_t accountId
     return found;
 }
 
-void createGoals(Connection &connection, std::int64_t accountId, const std::vector<Goal> &goals)
+void createGoals(Connection &connection, std::int64_t accountId, const std::vector<Goal> &goals,
+                 std::int64_t now)
 {
     if (goals.empty())
         return;
@@ -120,6 +128,10 @@ void createGoals(Connection &connection, std::int64_t accountId, const std::vect
         std::accumulate(goals.begin(), goals.end(), std::int64_t(0), [](auto sum, const Goal &goal) {
             return sum + static_cast<std::int64_t>(goal.name.size());
         });
+    std::set<std::int64_t> setIds;
+    for (const Goal &goal : goals)
+        setIds.insert(goal.setId);
+    noteProgress(connection, accountId, setIds, now);
     std::int64_t id = takeGoalIds(connection, accountId, static_cast<std::int64_t>(goals.size()), bytes);
     for (auto next = goals.begin(); next != goals.end();) {
         const auto count = std::min<std::size_t>(mostInserted, static_cast<std::size_t>(goals.end() - next));
@@ -160,8 +172,9 @@ placesOfGoals(Connection &connection, std::int64_t accountId, const std::vector<
 }
 
 void deleteGoals(Connection &connection, std::int64_t accountId, const std::vector<IdRun> &goalIds,
-                 std::int64_t now)
+                 const std::set<std::int64_t> &setIds, std::int64_t now)
 {
+    noteProgress(connection, accountId, setIds, now);
     std::int64_t deleted = 0;
     for (const IdRun &run : goalIds)
         deleted += connection.change("UPDATE goal SET deleted_at = $1 WHERE account_id = $2"
@@ -170,10 +183,10 @@ void deleteGoals(Connection &connection, std::int64_t accountId, const std::vect
     countDeleted(connection, accountId, deleted);
 }
 
-void checkGoal(Connection &connection, std::int64_t accountId, std::int64_t goalId)
+void checkGoal(Connection &connection, std::int64_t accountId, const Goal &goal, std::int64_t now)
 {
-    connection.change("UPDATE goal SET checked = 1 WHERE account_id = $1 AND goal_id = $2", accountId,
-                      goalId);
+    noteSetProgress(connection, accountId, goal.setId, now);
+    connection.run("UPDATE goal SET checked = 1 WHERE account_id = $1 AND goal_id = $2", accountId, goal.id);
 }
 
 } // namespace tarvex::store

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -51,9 +52,12 @@ std::int64_t countUndone(Connection &connection, std::int64_t accountId, std::in
 std::optional<Goal> undoneGoal(Connection &connection, std::int64_t accountId, std::int64_t setId,
                                std::int64_t index);
 
+// What follows notes the progress of the sets it changes; `now` is in seconds since 1970.
+
 /// Inserts the goals in their order under new ids; those they carry are ignored. Set and area must be there.
 /// Throws QuotaExceeded.
-void createGoals(Connection &connection, std::int64_t accountId, const std::vector<Goal> &goals);
+void createGoals(Connection &connection, std::int64_t accountId, const std::vector<Goal> &goals,
+                 std::int64_t now);
 
 /// Ids without gaps, the last one included. A list of ids is mostly one such run: goals that were saved
 /// together.
@@ -70,11 +74,11 @@ std::vector<IdRun> runsOf(std::vector<std::int64_t> ids);
 std::vector<std::pair<std::int64_t, std::int64_t>>
 placesOfGoals(Connection &connection, std::int64_t accountId, const std::vector<IdRun> &goalIds);
 
-/// Marks the goals deleted; ids the account has no goal for are passed over. `now` is in seconds since 1970.
+/// Marks the goals deleted, which are in these sets; ids the account has no goal for are passed over.
 void deleteGoals(Connection &connection, std::int64_t accountId, const std::vector<IdRun> &goalIds,
-                 std::int64_t now);
+                 const std::set<std::int64_t> &setIds, std::int64_t now);
 
 /// Marks the goal done, which it may be already.
-void checkGoal(Connection &connection, std::int64_t accountId, std::int64_t goalId);
+void checkGoal(Connection &connection, std::int64_t accountId, const Goal &goal, std::int64_t now);
 
 } // namespace tarvex::store

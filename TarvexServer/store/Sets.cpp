@@ -1,5 +1,6 @@
 #include "Sets.h"
 
+#include "Progress.h"
 #include "Quotas.h"
 
 #include <algorithm>
@@ -36,11 +37,13 @@ bool hasPlace(Connection &connection, std::int64_t accountId, std::int64_t setId
         .next();
 }
 
-std::int64_t createSet(Connection &connection, std::int64_t accountId, const std::string &name)
+std::int64_t createSet(Connection &connection, std::int64_t accountId, const std::string &name,
+                       std::int64_t now)
 {
     const std::int64_t setId = takeSetId(connection, accountId);
     connection.change("INSERT INTO goal_set (account_id, set_id, name) VALUES ($1, $2, $3)", accountId, setId,
                       name);
+    noteSetProgress(connection, accountId, setId, now);
     return setId;
 }
 
@@ -53,6 +56,7 @@ bool renameSet(Connection &connection, std::int64_t accountId, std::int64_t setI
 
 bool deleteSet(Connection &connection, std::int64_t accountId, std::int64_t setId, std::int64_t now)
 {
+    endSetProgress(connection, accountId, setId, now);
     if (connection.change("UPDATE goal_set SET deleted_at = $1"
                           " WHERE account_id = $2 AND set_id = $3 AND deleted_at IS NULL",
                           now, accountId, setId) == 0)

@@ -23,8 +23,9 @@ bool hasSet(Connection &connection, std::int64_t accountId, std::int64_t setId);
 /// Whether the account has both, so that goals can hang there.
 bool hasPlace(Connection &connection, std::int64_t accountId, std::int64_t setId, std::int64_t areaId);
 
-/// Returns the new set's id. Throws QuotaExceeded.
-std::int64_t createSet(Connection &connection, std::int64_t accountId, const std::string &name);
+/// Returns the new set's id. Throws QuotaExceeded. Progress is noted for `now`, in seconds since 1970.
+std::int64_t createSet(Connection &connection, std::int64_t accountId, const std::string &name,
+                       std::int64_t now);
 
 /// Tells whether the account has such a set.
 bool renameSet(Connection &connection, std::int64_t accountId, std::int64_t setId, const std::string &name);

@@ -26,7 +26,7 @@ struct Transfer
             const std::string &column = table->columns[i];
             const std::string comma = i > 0 ? ", " : "";
             const std::string parameter = "$" + std::to_string(i + 1);
-            const bool mayLack = column.ends_with("_at");
+            const bool mayLack = column.ends_with("_at") || column == "percents";
             columns += comma + column;
             read += comma + (mayLack ? "COALESCE(" + column + ", " + nothing + ")" : column);
             written +=
@@ -104,6 +104,10 @@ const std::vector<Table> &tables()
                      "deleted_at"}},
         {.name = "web_session",
          .columns = {"account_id", "token_hash", "account_version", "began_at", "used_at"}},
+        {.name = "set_progress", .columns = {"account_id", "set_id", "day", "percents"}},
+        {.name = "area_progress",
+         .columns = {"account_id", "day", "value1", "value2", "value3", "value4", "value5", "value6",
+                     "value7", "value8"}},
         {.name = "purge_clock", .columns = {"seconds"}, .isOfAccounts = false},
         {.name = "invitation", .columns = {"code_hash", "expires_at"}, .isOfAccounts = false},
         {.name = "account_count", .columns = {"accounts"}, .isOfAccounts = false},

@@ -42,7 +42,7 @@ protected:
         for (const std::string &name : names)
             goals.push_back({.setId = set, .areaId = 3, .name = name});
         m_database.write(
-            [&](store::Connection &connection) { store::createGoals(connection, anna(), goals); });
+            [&](store::Connection &connection) { store::createGoals(connection, anna(), goals, m_seconds); });
     }
     std::string namesOf(std::int64_t set)
     {
@@ -61,7 +61,7 @@ protected:
     }
     std::string undeleteRefusal(const std::vector<std::int64_t> &sets, const std::vector<std::int64_t> &goals)
     {
-        return refusal([&] { requests::undelete(m_database, anna(), sets, goals); });
+        return refusal([&] { requests::undelete(m_database, anna(), sets, goals, m_seconds); });
     }
     std::int64_t numberOf(const std::string &query) { return anotherSession(m_folder)->numberOf(query); }
 
@@ -182,7 +182,8 @@ TEST_F(Accounts, LeaveNothingBehindWhenRemoved)
     EXPECT_EQ(postAsAnna("get-sets"), "Error");
     EXPECT_TRUE(requests::removeAccount(m_database, account));
 
-    for (const std::string table : {"account", "login", "area", "goal_set", "goal"})
+    for (const std::string table :
+         {"account", "login", "area", "goal_set", "goal", "set_progress", "area_progress"})
         EXPECT_EQ(
             numberOf("SELECT COUNT(*) FROM " + table + " WHERE account_id = " + std::to_string(account)), 0);
     EXPECT_EQ(numberOf("SELECT accounts FROM account_count"), 1);
@@ -243,10 +244,10 @@ TEST_F(Accounts, GetBackWhatTheyDeletedAndNothingElse)
     EXPECT_EQ(undeleteRefusal({2}, {1}), nothing("goal 1"));
     EXPECT_EQ(undeleteRefusal({1}, {}), nothing("set 1"));
     EXPECT_EQ(postAsAnna("get-sets"), before);
-    EXPECT_EQ(requests::undelete(m_database, anna(), {2}, {2}), 2);
+    EXPECT_EQ(requests::undelete(m_database, anna(), {2}, {2}, m_seconds), 2);
     EXPECT_EQ(column(postAsAnna("get-sets"), "name"), "[My wheel][Old]");
     EXPECT_EQ(namesOf(1) + namesOf(2), "[kept][gone][with the set]");
-    EXPECT_EQ(requests::undelete(m_database, anna(), {}, {4}), 1);
+    EXPECT_EQ(requests::undelete(m_database, anna(), {}, {4}, m_seconds), 1);
     EXPECT_EQ(namesOf(2), "[with the set][before it]");
 }
 
@@ -269,7 +270,7 @@ TEST_F(Accounts, GetBackNoMoreThanTheyMayHold)
     postAsAnna("delete-sets", "&p4=2");
     m_database.write([&](store::Connection &connection) {
         for (std::int64_t set = 1; set < store::Quotas::sets; ++set)
-            store::createSet(connection, anna(), "x");
+            store::createSet(connection, anna(), "x", m_seconds);
     });
     EXPECT_EQ(undeleteRefusal({2}, {}), tooMuch);
 }
@@ -301,7 +302,7 @@ TEST_F(Accounts, AreTheSameWheelAfterExportAndImport)
         EXPECT_EQ(wheelOf(login), wheelOf(m_login));
     }
     const auto exported = requests::exportAccount(m_database, anna(), /*withDeleted=*/false);
-    requests::importAccount(m_database, anna(), exported);
+    requests::importAccount(m_database, anna(), exported, m_seconds);
     EXPECT_EQ(column(postAsAnna("get-sets"), "id"), "[1][7][6][5][3][2]");
     EXPECT_EQ(namesOf(7), namesOf(3));
 }
@@ -310,16 +311,19 @@ TEST_F(Accounts, TakeNothingOfAnExportThatIsNotInOrder)
 {
     const std::string before = wheelOf(m_login);
     for (const SampleRow &row : sampleRows("refused-imports.txt"))
-        EXPECT_EQ(refusal([&] { requests::importAccount(m_database, anna(), wire::readExport(row[0])); }),
+        EXPECT_EQ(refusal([&] {
+                      requests::importAccount(m_database, anna(), wire::readExport(row[0]), m_seconds);
+                  }),
                   row[1])
             << row[0].substr(0, 200);
     std::vector<std::string> sets(501, R"({"name": "x", "goals": []})");
     const std::string many =
         R"({"format": "tarvex-account", "version": 1, "name": "A", "areas": [], "sets": [)" +
         boost::algorithm::join(sets, ",") + "]}";
-    EXPECT_NE(
-        refusal([&] { requests::importAccount(m_database, anna(), wire::readExport(many)); }).find("500"),
-        std::string::npos);
+    EXPECT_NE(refusal([&] {
+                  requests::importAccount(m_database, anna(), wire::readExport(many), m_seconds);
+              }).find("500"),
+              std::string::npos);
     EXPECT_EQ(refusal([&] { wire::readExport("[" + std::string(wire::largestExport, ' ') + "]"); }),
               "The export cannot be read: it is larger than 32 MiB.");
     EXPECT_EQ(refusal([&] { wire::readExport("[0" + std::string(8'000'000, ',') + "]"); }),

@@ -42,7 +42,8 @@ protected:
     auto createSetLater(const std::string &name)
     {
         return std::async([this, name] {
-            m_database.write([&](Connection &connection) { createSet(connection, m_account, name); });
+            m_database.write(
+                [&](Connection &connection) { createSet(connection, m_account, name, /*now=*/0); });
         });
     }
 

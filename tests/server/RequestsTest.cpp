@@ -227,7 +227,7 @@ TEST_F(Requests, AnAccountHoldsNoMoreThanItMay)
     m_database.write([&](store::Connection &connection) {
         const auto account = store::findCredentials(connection, requests::loginKeys(m_hash, m_login).back());
         for (int i = 0; i < 499; ++i)
-            store::createSet(connection, account.value().accountId, "x");
+            store::createSet(connection, account.value().accountId, "x", m_seconds);
     });
     EXPECT_EQ(postAsAnna("create-sets", "&p4=x"), "Error");
     const std::string large =

@@ -28,15 +28,15 @@ protected:
                                      .passwordHash = "hash",
                                      .areas = {{.name = "Health", .color = "#1", .value = 6}}};
             m_account = createAccount(connection, anna).value();
-            createSet(connection, m_account, "first");
-            createSet(connection, m_account, "second");
+            createSet(connection, m_account, "first", /*now=*/0);
+            createSet(connection, m_account, "second", /*now=*/0);
         });
     }
 
     void createNamedGoals(Connection &connection, std::int64_t set, const std::vector<std::string> &names)
     {
         for (const std::string &name : names)
-            createGoals(connection, m_account, {{.setId = set, .areaId = 1, .name = name}});
+            createGoals(connection, m_account, {{.setId = set, .areaId = 1, .name = name}}, /*now=*/0);
     }
 
     std::string file() const { return m_folder.path() / "wheel.db"; }
@@ -54,9 +54,9 @@ TEST_F(StoreTest, RemovesForGoodOnlyWhatWasDeletedLongEnoughAgo)
         createNamedGoals(connection, /*set=*/1, {"in old set"});
         createNamedGoals(connection, /*set=*/2, {"old", "recent", "live"});
         deleteSet(connection, m_account, /*setId=*/1, /*now=*/100);
-        deleteGoals(connection, m_account, runsOf({2}), /*now=*/100);
-        deleteGoals(connection, m_account, runsOf({3}), /*now=*/200);
-        EXPECT_EQ(purgeDeleted(connection, m_account, /*before=*/150, /*most=*/9), 3);
+        deleteGoals(connection, m_account, runsOf({2}), {2}, /*now=*/100);
+        deleteGoals(connection, m_account, runsOf({3}), {2}, /*now=*/200);
+        EXPECT_EQ(purgeDeleted(connection, m_account, /*before=*/150, /*most=*/9), 4);
         std::string left;
         Rows names =
             connection.rows("SELECT name FROM goal UNION ALL SELECT name FROM goal_set ORDER BY name");
@@ -71,7 +71,7 @@ TEST_F(StoreTest, LeavesNothingOfATransactionThatFailedAndNoValueInTheErrorsText
     std::string text;
     try {
         m_database.write([&](Connection &connection) {
-            createSet(connection, m_account, "lost");
+            createSet(connection, m_account, "lost", /*now=*/0);
             createNamedGoals(connection, /*set=*/9, {"secret"});
         });
     } catch (const TransactionFailed &error) {
@@ -81,7 +81,7 @@ TEST_F(StoreTest, LeavesNothingOfATransactionThatFailedAndNoValueInTheErrorsText
     EXPECT_EQ(text.find("secret"), std::string::npos) << text;
     m_database.write([&](Connection &connection) {
         EXPECT_FALSE(hasSet(connection, m_account, /*setId=*/3));
-        EXPECT_EQ(createSet(connection, m_account, "next"), 3);
+        EXPECT_EQ(createSet(connection, m_account, "next", /*now=*/0), 3);
     });
 }
 
@@ -89,8 +89,8 @@ TEST_F(StoreTest, GivesNoIdThatTheWireCannotCarry)
 {
     m_database.write([&](Connection &connection) {
         connection.change("UPDATE account SET next_set_id = 2147483647");
-        EXPECT_EQ(createSet(connection, m_account, "last"), 2'147'483'647);
-        EXPECT_THROW(createSet(connection, m_account, "beyond"), TransactionFailed);
+        EXPECT_EQ(createSet(connection, m_account, "last", /*now=*/0), 2'147'483'647);
+        EXPECT_THROW(createSet(connection, m_account, "beyond", /*now=*/0), TransactionFailed);
     });
 }
 
@@ -101,7 +101,7 @@ TEST_F(StoreTest, WritesThatWaitShareACommitAndNoFailure)
     const auto create = [&](const std::string &name, bool fails) {
         m_database.write(
             [this, name, fails](Connection &connection) {
-                createSet(connection, m_account, name);
+                createSet(connection, m_account, name, /*now=*/0);
                 if (fails)
                     throw std::runtime_error(name);
             },
@@ -119,7 +119,7 @@ TEST_F(StoreTest, WritesThatWaitShareACommitAndNoFailure)
     });
     gate.set_value();
     m_database.write(
-        [&](Connection &connection) { EXPECT_EQ(createSet(connection, m_account, "fifth"), 5); });
+        [&](Connection &connection) { EXPECT_EQ(createSet(connection, m_account, "fifth", /*now=*/0), 5); });
     EXPECT_EQ(order, (std::vector<std::string>{"third", "lost!", "fourth"}));
 }
 
@@ -136,7 +136,7 @@ TEST_F(StoreTest, GivesUpReadingWhatTakesMoreThanAMoment)
     m_database.write([&](Connection &connection) {
         createNamedGoals(connection, /*set=*/1, {"one", "two"});
         createGoals(connection, m_account,
-                    std::vector<Goal>(10'000, Goal{.setId = 2, .areaId = 1, .name = {}}));
+                    std::vector<Goal>(10'000, Goal{.setId = 2, .areaId = 1, .name = {}}), /*now=*/0);
     });
     for (int again = 0; again < 3; ++again) {
         EXPECT_FALSE(isRead(2));
@@ -149,9 +149,9 @@ TEST_F(StoreTest, KeepsSoManyDeletedGoalsOfAnAccountAtMost)
     m_database.write([&](Connection &connection) {
         const std::vector<Goal> goals(20'000, Goal{.setId = 1, .areaId = 1, .name = "x"});
         for (std::int64_t round = 0; round < 6; ++round) {
-            createGoals(connection, m_account, goals);
+            createGoals(connection, m_account, goals, /*now=*/0);
             const std::int64_t last = 20'000 * (round + 1);
-            deleteGoals(connection, m_account, {{.first = last - 19'999, .last = last}}, /*now=*/round);
+            deleteGoals(connection, m_account, {{.first = last - 19'999, .last = last}}, {1}, /*now=*/round);
         }
         Rows left = connection.rows("SELECT COUNT(*), MIN(deleted_at) FROM goal");
         ASSERT_TRUE(left.next());

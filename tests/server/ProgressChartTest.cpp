@@ -1,0 +1,164 @@
+#include "ProgressChart.h"
+
+#include <boost/algorithm/string/join.hpp>
+#include <boost/regex.hpp>
+#include <chrono>
+#include <gtest/gtest.h>
+
+using namespace tarvex;
+
+namespace {
+
+constexpr store::OfAreas full = {100, 100, 100, 100, 100, 100, 100, 100};
+
+pages::ProgressChart chartOf(std::int64_t firstDay, std::int64_t lastDay)
+{
+    pages::ProgressChart chart;
+    chart.id = "chart";
+    chart.title = "Progress";
+    chart.firstDay = firstDay;
+    chart.lastDay = lastDay;
+    for (pages::ProgressChart::Area &area : chart.areas)
+        area = {.name = "Health", .color = "#123456"};
+    return chart;
+}
+
+store::DayOfAreas dayWith(std::int64_t day, std::int32_t first)
+{
+    store::DayOfAreas made{.day = day, .numbers = full};
+    made.numbers[0] = first;
+    return made;
+}
+
+/// What the expression's group meets, one after the other.
+std::vector<std::string> matches(const std::string &text, const std::string &expression)
+{
+    const boost::regex regex(expression);
+    std::vector<std::string> found;
+    for (boost::sregex_iterator next(text.begin(), text.end(), regex), end; next != end; ++next)
+        found.push_back((*next)[1]);
+    return found;
+}
+
+std::string firstLine(const std::string &svg)
+{
+    return matches(svg, "id=\"chart-line-1\" d=\"([^\"]*)").at(0);
+}
+
+std::int64_t dayOf(int year, int month, int day)
+{
+    using namespace std::chrono;
+    return sys_days(std::chrono::year(year) / month / day).time_since_epoch().count();
+}
+
+} // namespace
+
+TEST(ProgressChart, HoldsEachPercentUntilTheNext)
+{
+    pages::ProgressChart chart = chartOf(/*firstDay=*/100, /*lastDay=*/109);
+    chart.days = {dayWith(90, 0), dayWith(103, 0), dayWith(105, 50)};
+    const std::string svg = svgOf(chart);
+    EXPECT_EQ(firstLine(svg), "M42 307H247V157H452");
+    EXPECT_NE(svg.find("d=\"M42 53H247V35H452\""), std::string::npos) << svg; // the average, 87 and 93
+    EXPECT_NE(
+        svg.find("From 11 Apr 1970 to 20 Apr 1970. Average: from 87 to 93 percent. Health: 100 percent."),
+        std::string::npos)
+        << svg;
+    EXPECT_NE(svg.find("Health: from 0 to 50 percent."), std::string::npos) << svg;
+
+    chart.days = {dayWith(109, 0)};
+    EXPECT_EQ(firstLine(svgOf(chart)), "M411 307H452"); // the last day is as long as any
+}
+
+TEST(ProgressChart, OfManyDaysIsShortAndKeepsWhatReachesFurthest)
+{
+    constexpr std::int64_t days = 3650;
+    pages::ProgressChart chart = chartOf(/*firstDay=*/0, days - 1);
+    for (std::int32_t day = 0; day < days; ++day) {
+        store::DayOfAreas made{.day = day, .numbers = {}};
+        for (std::int32_t &percent : made.numbers)
+            percent = day == 0          ? 7
+                      : day == 1234     ? 100
+                      : day == 2345     ? 0
+                      : day == days - 1 ? 9
+                                        : 30 + day % 40;
+        chart.days.push_back(made);
+    }
+    const std::string svg = svgOf(chart);
+    EXPECT_LT(svg.size(), 20'000);
+    const auto heights = matches(firstLine(svg), "V(-?[0-9]+)");
+    EXPECT_LE(heights.size(), 200);
+    EXPECT_GE(heights.size(), 120);
+    EXPECT_TRUE(firstLine(svg).starts_with("M42 286H"));
+    EXPECT_EQ(heights.back(), "280");
+    for (const char *height : {"7", "307"})
+        EXPECT_EQ(std::count(heights.begin(), heights.end(), height), 1) << height;
+}
+
+TEST(ProgressChart, TakesNoWordForMarkupAndCutsNoCharacter)
+{
+    pages::ProgressChart chart = chartOf(0, 9);
+    chart.title = "</title><script>\"&";
+    chart.days = {dayWith(0, 40)};
+    chart.areas[0].name = "<b>&amp;\"";
+    chart.areas[1].name = std::string(23, 'x') + "\u00e9\u00e9";
+    chart.areas[2].name =
+        "\u5bb6\u5ead\u5bb6\u5ead\u5bb6\u5ead\u5bb6\u5ead\u5bb6\u5ead\u5bb6\u5ead\u5bb6\u5ead";
+    const std::string svg = svgOf(chart);
+    EXPECT_EQ(svg.find("<script"), std::string::npos);
+    EXPECT_EQ(svg.find("<b>"), std::string::npos);
+    EXPECT_EQ(svg.find(" style="), std::string::npos);
+    EXPECT_NE(svg.find(">1 &lt;b&gt;&amp;amp;&quot;</text>"), std::string::npos) << svg;
+    EXPECT_NE(svg.find(">2 " + std::string(23, 'x') + "\u00e9\u2026</text>"), std::string::npos) << svg;
+    EXPECT_NE(svg.find(">3 " + chart.areas[2].name.substr(0, 36) + "\u2026</text>"), std::string::npos)
+        << svg;
+    EXPECT_NE(svg.find(chart.areas[2].name + ":"), std::string::npos); // told as a whole
+}
+
+TEST(ProgressChart, CountsItsDaysAsPeopleDo)
+{
+    struct Row
+    {
+        std::int64_t first;
+        std::int64_t last;
+        std::string ticks;
+    };
+    const std::vector<Row> rows = {
+        {dayOf(2026, 11, 23), dayOf(2026, 11, 23), "23 Nov"},
+        {dayOf(2026, 2, 26), dayOf(2026, 3, 2), "26 Feb,27 Feb,28 Feb,1 Mar,2 Mar"},
+        {dayOf(2026, 10, 24), dayOf(2026, 11, 23), "24 Oct,31 Oct,7 Nov,14 Nov,21 Nov"},
+        {dayOf(2025, 11, 24), dayOf(2026, 11, 23), "Jan 2026,Apr 2026,Jul 2026,Oct 2026"},
+        {dayOf(2024, 12, 2), dayOf(2026, 11, 23), "Jan 2025,Jul 2025,Jan 2026,Jul 2026"},
+        {dayOf(2016, 11, 23), dayOf(2026, 11, 23), "2018,2020,2022,2024,2026"},
+        {dayOf(1970, 1, 1), dayOf(2126, 1, 1), "1980,2010,2040,2070,2100"},
+    };
+    for (const Row &row : rows)
+        EXPECT_EQ(boost::algorithm::join(matches(svgOf(chartOf(row.first, row.last)),
+                                                 "y=\"338\" text-anchor=\"[a-z]+\">([^<]*)"),
+                                         ","),
+                  row.ticks);
+}
+
+TEST(ProgressChart, NumbersLinesThatEndTogetherOneBelowTheOther)
+{
+    for (const std::int32_t percent : {0, 50, 100}) {
+        pages::ProgressChart chart = chartOf(0, 9);
+        chart.days = {{.day = 0, .numbers = {}}};
+        chart.days[0].numbers.fill(percent);
+        std::vector<int> places;
+        for (const std::string &y : matches(svgOf(chart), "x=\"460\" y=\"([0-9]+)\""))
+            places.push_back(std::stoi(y));
+        ASSERT_EQ(places.size(), 9U);
+        for (std::size_t i = 1; i < places.size(); ++i)
+            EXPECT_GE(places[i], places[i - 1] + 15) << percent;
+        EXPECT_GE(places.front(), 14);
+        EXPECT_LE(places.back(), 320);
+    }
+}
+
+TEST(ProgressChart, OfNothingSaysSo)
+{
+    const std::string svg = svgOf(chartOf(0, 9));
+    EXPECT_NE(svg.find("Nothing is known of these days."), std::string::npos);
+    EXPECT_EQ(svg.find("line-1"), std::string::npos);
+}
