@@ -17,6 +17,7 @@ using requests::Outcome;
 namespace {
 
 constexpr std::size_t tokenDigits = 64;
+constexpr std::int64_t secondsPerDay = 24LL * 60 * 60;
 constexpr std::string_view formType = "application/x-www-form-urlencoded";
 
 /// What a page says that another one led to, by the word in its address.
@@ -57,6 +58,12 @@ bool isPost(const Request &request)
     return request.method == "POST";
 }
 
+bool isMethodServed(const Request &request, bool canBeRead, bool canBeWritten)
+{
+    return isPost(request) ? canBeWritten
+                           : canBeRead && (request.method == "GET" || request.method == "HEAD");
+}
+
 bool isToken(std::string_view text)
 {
     return text.size() == tokenDigits && text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
@@ -83,6 +90,8 @@ const Site::Route *Site::routeOf(std::string_view path)
         Route{"/sign-up", For::Everybody, &Site::showSignUp, &Site::signUp},
         Route{"/sign-out", For::SignedIn, nullptr, &Site::signOut},
         Route{"/wheel", For::Owners, &Site::showWheel, &Site::tick, /*isKept=*/true},
+        Route{"/progress", For::Owners, &Site::showProgress, nullptr, /*isKept=*/true},
+        Route{"/progress/compare", For::Owners, &Site::showComparison, nullptr},
         Route{"/account", For::Owners, &Site::showAccount, nullptr},
         Route{"/account/password", For::Owners, nullptr, &Site::changePassword},
         Route{"/account/sign-out", For::Owners, nullptr, &Site::signOutEverywhere},
@@ -124,7 +133,7 @@ const Site::Route *Site::accepted(Visit &visit) const
         visit.end(told(/*status=*/404, "Not found", "There is no such page."));
         return nullptr;
     }
-    if ((isPost(visit.request) ? route->post : route->get) == nullptr) {
+    if (!isMethodServed(visit.request, route->get != nullptr, route->post != nullptr)) {
         visit.end(told(/*status=*/405, "Not like this", "This page cannot be asked for in this way."));
         visit.reply.fields.append(route->get == nullptr ? "Allow: POST\r\n" : "Allow: GET, HEAD\r\n");
         return nullptr;
@@ -256,8 +265,14 @@ Badge Site::badgeOf(std::int64_t accountId, std::string_view token) const
 
 std::string Site::cacheKey(const Visit &visit) const
 {
-    return m_hash(
-        {"page", std::to_string(visit.badge->accountId), visit.badge->tokenHash, visit.request.target});
+    const std::string today = std::to_string(m_clocks.seconds() / secondsPerDay); // which some pages show
+    return m_hash({"page", std::to_string(visit.badge->accountId), visit.badge->tokenHash,
+                   visit.request.target, today});
+}
+
+void Site::keepPage(const Visit &visit)
+{
+    m_cache.keep(cacheKey(visit), *visit.session, visit.reply);
 }
 
 /// Whatever fails becomes a page with words.
@@ -357,7 +372,6 @@ Reply Site::told(unsigned status, const std::string &title, const std::string &s
 
 void Site::beginSession(Visit &visit, std::int64_t accountId, std::int64_t version, std::string_view where)
 {
-    constexpr std::int64_t secondsPerDay = 24LL * 60 * 60;
     const std::string token = security::randomToken();
     const Badge badge = badgeOf(accountId, token);
     const std::int64_t now = m_clocks.seconds();

@@ -62,6 +62,7 @@ private:
     std::optional<Badge> badgeOf(const Request &request) const;
     Badge badgeOf(std::int64_t accountId, std::string_view token) const;
     std::string cacheKey(const Visit &visit) const;
+    void keepPage(const Visit &visit);
     void attempt(Visit &visit, const std::function<void()> &work) const;
 
     /// Reads, or writes, for whoever is signed in, in one transaction; not if the session has ended
@@ -88,6 +89,8 @@ private:
     void signOut(Visit &visit);
     void showWheel(Visit &visit);
     void tick(Visit &visit);
+    void showProgress(Visit &visit);
+    void showComparison(Visit &visit);
     void showAccount(Visit &visit);
     void changePassword(Visit &visit);
     void signOutEverywhere(Visit &visit);

@@ -1,12 +1,9 @@
 #include "Accounts.h"
-#include "Areas.h"
 #include "Call.h"
-#include "Decimal.h"
 #include "Goals.h"
 #include "Replies.h"
-#include "Sets.h"
 #include "Site.h"
-#include "WheelPicture.h"
+#include "WheelParts.h"
 #include "WireText.h"
 
 #include <algorithm>
@@ -19,131 +16,95 @@ namespace {
 /// Goals of an area that are shown among the others; there is a page for all of one.
 constexpr std::size_t goalsPerArea = 100;
 
-/// What one set's wheel is made of. Names are what was typed.
 struct Wheel
 {
     std::vector<store::Set> sets;
     std::vector<store::Area> areas;
-    std::int64_t setId = 0; ///< 0 if there is no such set
-    std::vector<store::Goal> goals = {};
+    const store::Set *set = nullptr;
+    std::array<std::vector<store::Goal>, sliceCount> goals = {}; ///< by area
 };
 
-/// Without a set that was asked for it is the first, as in the client.
 Wheel wheelOf(store::Connection &connection, std::int64_t accountId, std::optional<std::int64_t> wanted)
 {
-    Wheel wheel{.sets = store::sets(connection, accountId), .areas = store::areas(connection, accountId)};
-    for (store::Area &area : wheel.areas)
-        area.name = wire::unescaped(area.name);
-    for (store::Set &set : wheel.sets) {
-        set.name = wire::unescaped(set.name);
-        if (wheel.setId == 0 && set.id == wanted.value_or(set.id))
-            wheel.setId = set.id;
+    Wheel wheel{.sets = typedSets(connection, accountId), .areas = typedAreas(connection, accountId)};
+    wheel.set = chosen(wheel.sets, wanted);
+    if (wheel.set == nullptr)
+        return wheel;
+    for (store::Goal &goal : store::goalsOfSet(connection, accountId, wheel.set->id)) {
+        const auto area = std::find_if(wheel.areas.begin(), wheel.areas.end(),
+                                       [&](const store::Area &known) { return known.id == goal.areaId; });
+        if (const auto index = static_cast<std::size_t>(area - wheel.areas.begin()); index < sliceCount)
+            wheel.goals.at(index).push_back(std::move(goal));
     }
-    if (wheel.setId != 0)
-        wheel.goals = store::goalsOfSet(connection, accountId, wheel.setId);
     return wheel;
 }
 
-std::string priorityWord(std::int32_t priority)
+std::int64_t countDone(const std::vector<store::Goal> &goals)
 {
-    switch (priority) {
-    case 0:
-        return "low";
-    case 9:
-        return "high";
-    default:
-        return "";
-    }
+    return std::count_if(goals.begin(), goals.end(), [](const store::Goal &goal) { return goal.isChecked; });
 }
 
 Values goalValues(const store::Goal &goal)
 {
+    constexpr std::int32_t low = 0;
+    constexpr std::int32_t high = 9;
     Values values;
     values.set("id", std::to_string(goal.id));
     values.set("name", wire::unescaped(goal.name));
     values.set("done", goal.isChecked);
-    if (const std::string word = priorityWord(goal.priority); !word.empty())
-        values.set("priority", word);
+    if (goal.priority == low || goal.priority == high)
+        values.set("priority", goal.priority == low ? "low" : "high");
     return values;
 }
 
-/// The goals of one area, of which there may be too many for one page.
-Values areaValues(const Wheel &wheel, std::size_t index, bool isAlone)
+/// An area with its goals, of which there may be too many for one page.
+Values areaValues(const Wheel &wheel, std::size_t index, std::int32_t percent, bool isAlone)
 {
     const store::Area &area = wheel.areas.at(index);
-    std::size_t count = 0;
-    std::int64_t done = 0;
+    const std::vector<store::Goal> &all = wheel.goals.at(index);
+    const std::size_t shown = isAlone ? all.size() : std::min(all.size(), goalsPerArea);
     Values goals(Values::type::list);
-    for (const store::Goal &goal : wheel.goals) {
-        if (goal.areaId != area.id)
-            continue;
-        done += goal.isChecked ? 1 : 0;
-        if (++count <= goalsPerArea || isAlone)
-            goals.push_back(goalValues(goal));
-    }
+    for (std::size_t i = 0; i < shown; ++i)
+        goals.push_back(goalValues(all[i]));
     Values values;
     values.set("number", std::to_string(index + 1));
     values.set("id", std::to_string(area.id));
     values.set("name", area.name);
     values.set("value", std::to_string(area.value));
-    values.set("percent", std::to_string(requests::donePercent(done, static_cast<std::int64_t>(count))));
-    values.set("count", std::to_string(count));
-    values.set("doneCount", std::to_string(done));
-    values.set("hasGoals", count > 0);
-    values.set("hasMore", count > goalsPerArea && !isAlone);
+    values.set("percent", std::to_string(percent));
+    values.set("count", std::to_string(all.size()));
+    values.set("doneCount", std::to_string(countDone(all)));
+    values.set("hasGoals", !all.empty());
+    values.set("hasMore", shown < all.size());
     values.set("goals", goals);
     return values;
 }
 
-std::string pictureOf(const Wheel &wheel, const std::vector<std::int64_t> &percents,
-                      const std::string &setName)
-{
-    std::array<Slice, sliceCount> slices;
-    for (std::size_t i = 0; i < sliceCount && i < wheel.areas.size(); ++i) {
-        const store::Area &area = wheel.areas[i];
-        slices.at(i) = {.value = area.value,
-                        .percent = percents.at(i),
-                        .words = area.name + ": value " + std::to_string(area.value) + ", " +
-                                 std::to_string(percents.at(i)) + " percent of its goals done",
-                        .link = "#area-" + std::to_string(area.id)};
-    }
-    return wheelPicture("Wheel of " + setName, slices);
-}
-
-std::optional<std::int64_t> idIn(const PageForm &form, std::string_view name)
-{
-    return wire::wireId(form.field(name).value_or(""));
-}
-
 Values wheelValues(const Wheel &wheel, std::optional<std::int64_t> onlyArea)
 {
-    Values values;
-    Values sets(Values::type::list);
-    std::string setName;
-    for (const store::Set &set : wheel.sets) {
-        Values entry;
-        entry.set("id", std::to_string(set.id));
-        entry.set("name", set.name);
-        entry.set("selected", set.id == wheel.setId);
-        sets.push_back(std::move(entry));
-        if (set.id == wheel.setId)
-            setName = set.name;
-    }
+    std::array<std::int32_t, sliceCount> numbers{};
+    std::array<std::int32_t, sliceCount> percents{};
     Values areas(Values::type::list);
-    std::vector<std::int64_t> percents;
-    for (std::size_t i = 0; i < wheel.areas.size(); ++i) {
+    for (std::size_t i = 0; i < sliceCount && i < wheel.areas.size(); ++i) {
+        const auto &goals = wheel.goals.at(i);
+        numbers.at(i) = wheel.areas[i].value;
+        percents.at(i) = static_cast<std::int32_t>(
+            requests::donePercent(countDone(goals), static_cast<std::int64_t>(goals.size())));
         const bool isAlone = onlyArea == wheel.areas[i].id;
-        Values area = areaValues(wheel, i, isAlone);
-        percents.push_back(std::stoll(area.get("percent")->string_value()));
+        Values area = areaValues(wheel, i, percents.at(i), isAlone);
         area.set("isShown", !onlyArea || isAlone);
         areas.push_back(std::move(area));
     }
-    values.set("picture", pictureOf(wheel, percents, setName));
-    values.set("average", std::to_string(std::accumulate(percents.begin(), percents.end(), std::int64_t(0)) /
-                                         static_cast<std::int64_t>(sliceCount)));
-    values.set("set", std::to_string(wheel.setId));
-    values.set("setName", setName);
-    values.set("sets", sets);
+    auto slices = slicesOf(wheel.areas, numbers, percents);
+    for (std::size_t i = 0; i < sliceCount && i < wheel.areas.size(); ++i)
+        slices.at(i).link = "#area-" + std::to_string(wheel.areas[i].id);
+    const auto sum = std::accumulate(percents.begin(), percents.end(), 0);
+    Values values;
+    values.set("picture", wheelPicture("Wheel of " + wheel.set->name, slices));
+    values.set("average", std::to_string(sum / static_cast<int>(sliceCount)));
+    values.set("set", std::to_string(wheel.set->id));
+    values.set("setName", wheel.set->name);
+    values.set("sets", choices(wheel.sets, wheel.set->id));
     values.set("areas", areas);
     values.set("isWhole", !onlyArea);
     return values;
@@ -154,18 +115,16 @@ Values wheelValues(const Wheel &wheel, std::optional<std::int64_t> onlyArea)
 void Site::showWheel(Visit &visit)
 {
     const bool isAnySet = visit.query.fields("set").empty();
-    const auto wanted = isAnySet ? std::nullopt : std::optional(idIn(visit.query, "set").value_or(-1));
     Wheel wheel;
     if (!readAs(visit, [&](store::Connection &connection) {
-            wheel = wheelOf(connection, visit.session->accountId, wanted);
+            wheel = wheelOf(connection, visit.session->accountId, setIn(visit.query, "set"));
         }))
         return;
-    if (wheel.setId == 0 && !isAnySet) {
-        show(visit, "gone", Values(), /*status=*/404);
-        return;
-    }
-    show(visit, wheel.setId != 0 ? "wheel" : "no-sets", wheelValues(wheel, idIn(visit.query, "area")));
-    m_cache.keep(cacheKey(visit), *visit.session, visit.reply);
+    if (wheel.set != nullptr)
+        show(visit, "wheel", wheelValues(wheel, idIn(visit.query, "area")));
+    else
+        show(visit, isAnySet ? "no-sets" : "gone", Values(), isAnySet ? 200 : 404);
+    keepPage(visit);
 }
 
 /// What set-checked-area-percent does.
