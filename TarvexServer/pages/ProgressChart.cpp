@@ -17,7 +17,7 @@ using std::chrono::year_month_day;
 
 // The picture, in its own units, of which y runs down. All places are whole numbers, which keeps it short.
 constexpr int width = 480;
-constexpr int left = 42;
+constexpr int left = 52;
 constexpr int right = 452; // behind it are the numbers of the lines
 constexpr int top = 14;
 constexpr int perPercent = 3;
@@ -314,7 +314,7 @@ std::string drawnAxes(const ProgressChart &chart)
     for (std::int32_t percent = 0; percent <= 100; percent += step) {
         const auto y = std::to_string(yOf(average, percent));
         grid += "M" + std::to_string(left) + " " + y + "H" + std::to_string(right);
-        texts += element("text", place(left - 8, yOf(average, percent) + 4) + R"( text-anchor="end")",
+        texts += element("text", place(left - 6, yOf(average, percent) + 4) + R"( text-anchor="end")",
                          std::to_string(percent) + "%");
     }
     for (const Tick &tick : ticksOf(chart)) {
@@ -354,7 +354,7 @@ std::string legend(const ProgressChart &chart)
     constexpr int sampleWidth = 18;
     std::string entries;
     for (std::size_t i = 0; i < lineCount; ++i) {
-        const int x = left - 24 + static_cast<int>(i) / legendRows * (width - left) / legendColumns;
+        const int x = left - 30 + static_cast<int>(i) / legendRows * (width - left) / legendColumns;
         const int y = legendTop + static_cast<int>(i) % legendRows * legendLine;
         const std::string sample = attribute("d", "M" + std::to_string(x) + " " + std::to_string(y - 4) +
                                                       "h" + std::to_string(sampleWidth));

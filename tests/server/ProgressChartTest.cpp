@@ -58,8 +58,8 @@ TEST(ProgressChart, HoldsEachPercentUntilTheNext)
     pages::ProgressChart chart = chartOf(/*firstDay=*/100, /*lastDay=*/109);
     chart.days = {dayWith(90, 0), dayWith(103, 0), dayWith(105, 50)};
     const std::string svg = svgOf(chart);
-    EXPECT_EQ(firstLine(svg), "M42 307H247V157H452");
-    EXPECT_NE(svg.find("d=\"M42 53H247V35H452\""), std::string::npos) << svg; // the average, 87 and 93
+    EXPECT_EQ(firstLine(svg), "M52 307H252V157H452");
+    EXPECT_NE(svg.find("d=\"M52 53H252V35H452\""), std::string::npos) << svg; // the average, 87 and 93
     EXPECT_NE(
         svg.find("From 11 Apr 1970 to 20 Apr 1970. Average: from 87 to 93 percent. Health: 100 percent."),
         std::string::npos)
@@ -67,7 +67,7 @@ TEST(ProgressChart, HoldsEachPercentUntilTheNext)
     EXPECT_NE(svg.find("Health: from 0 to 50 percent."), std::string::npos) << svg;
 
     chart.days = {dayWith(109, 0)};
-    EXPECT_EQ(firstLine(svgOf(chart)), "M411 307H452"); // the last day is as long as any
+    EXPECT_EQ(firstLine(svgOf(chart)), "M412 307H452"); // the last day is as long as any
 }
 
 TEST(ProgressChart, OfManyDaysIsShortAndKeepsWhatReachesFurthest)
@@ -89,7 +89,7 @@ TEST(ProgressChart, OfManyDaysIsShortAndKeepsWhatReachesFurthest)
     const auto heights = matches(firstLine(svg), "V(-?[0-9]+)");
     EXPECT_LE(heights.size(), 200);
     EXPECT_GE(heights.size(), 120);
-    EXPECT_TRUE(firstLine(svg).starts_with("M42 286H"));
+    EXPECT_TRUE(firstLine(svg).starts_with("M52 286H"));
     EXPECT_EQ(heights.back(), "280");
     for (const char *height : {"7", "307"})
         EXPECT_EQ(std::count(heights.begin(), heights.end(), height), 1) << height;

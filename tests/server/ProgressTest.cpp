@@ -171,6 +171,10 @@ TEST_F(Progress, ComesBackWithWhatWasDeleted)
     m_seconds += day;
     requests::undelete(m_database, anna(), {}, {1}, m_seconds);
     EXPECT_EQ(notedToday(), "2 ");
+    postAsAnna("delete-sets", "&p4=2"); // and back on the same day
+    requests::undelete(m_database, anna(), {2}, {}, m_seconds);
+    postAsAnna("set-checked-area-percent", "&p5=3");
+    EXPECT_EQ(notedToday(), "2 ");
 }
 
 TEST_F(Progress, OfImportedSetsBeginsWithTheImport)
