@@ -43,7 +43,7 @@ void readForm(std::string_view bytes)
         return;
     std::string again;
     for (const char *name : names)
-        for (const std::string &value : form->fields(name)) {
+        for (const std::string_view value : form->fields(name)) {
             require(isUtf8(value) && value.find('\0') == std::string::npos, "a value is text");
             again.append("&").append(escaped(name)).append("=").append(escaped(value));
         }

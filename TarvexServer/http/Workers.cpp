@@ -118,7 +118,7 @@ BuiltAnswer Workers::built(requests::Turn &turn)
     return share ? BuiltAnswer{std::move(answer), std::move(*share)} : BuiltAnswer{m_service.giveUp(turn)};
 }
 
-void Workers::submit(pages::Site &site, const std::shared_ptr<pages::Visit> &visit, Shown shown)
+void Workers::submit(pages::Site &site, const std::shared_ptr<pages::Visit> &visit, const Shown &shown)
 {
     using Step = pages::Visit::Step;
     switch (visit->step) {
@@ -127,39 +127,38 @@ void Workers::submit(pages::Site &site, const std::shared_ptr<pages::Visit> &vis
         break;
     case Step::Work:
         m_queues.enter(queueOf(*visit), [this, &site, visit, shown](AccountQueues::Place place) {
-            boost::asio::post(m_requestThreads,
-                              [this, &site, visit, shown, place = std::move(place)]() mutable {
-                                  site.goOn(*visit);
-                                  place.reset(); // which nobody is to keep while a password is hashed
-                                  goOn(site, visit, shown);
-                              });
+            boost::asio::post(m_requestThreads, [this, &site, visit, shown, place = std::move(place)] {
+                goOn(site, visit, shown, [&] { site.goOn(*visit); });
+            });
         });
         break;
-    case Step::Hash:
-        m_hashingThreads.submit(visit->request.peer.empty() ? visit->path : visit->request.peer,
-                                {.run =
-                                     [this, &site, visit, shown] {
-                                         site.goOn(*visit);
-                                         goOn(site, visit, shown);
-                                     },
-                                 .drop = [&site, shown] { shown({site.refusal(requests::Outcome::Busy)}); }});
+    case Step::Hash: {
+        const auto run = [this, &site, visit, shown] {
+            goOn(site, visit, shown, [&] { site.goOn(*visit); });
+        };
+        m_hashingThreads.submit(
+            visit->request.peer.empty() ? visit->path : visit->request.peer,
+            {.run = run, .drop = [&site, shown] { shown({site.refusal(requests::Outcome::Busy)}); }});
         break;
+    }
     case Step::SignUp: {
         requests::Request request{
             .body = visit->signUpBody, .peer = visit->request.peer, .arrival = visit->request.arrival};
         goOn(m_service.begin(std::move(request)), [this, &site, visit, shown](const BuiltAnswer &signedUp) {
-            site.signedUp(*visit, signedUp.answer);
-            goOn(site, visit, shown);
+            goOn(site, visit, shown, [&] { site.signedUp(*visit, signedUp.answer); });
         });
         break;
     }
     }
 }
 
-/// On a thread that must go on whatever happens.
-void Workers::goOn(pages::Site &site, const std::shared_ptr<pages::Visit> &visit, const Shown &shown)
+/// Takes a step, and begins the next, on a thread that must go on whatever happens.
+template<class Work>
+void Workers::goOn(pages::Site &site, const std::shared_ptr<pages::Visit> &visit, const Shown &shown,
+                   const Work &work)
 {
     try {
+        work();
         submit(site, visit, shown);
     } catch (const std::exception &) { // no memory; whoever waits for the page has a time limit
     }

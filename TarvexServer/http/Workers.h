@@ -34,7 +34,7 @@ public:
     void refuse(std::string_view body, requests::Outcome outcome, const Done &done);
 
     /// Calls `shown` with the page that the visit leads to, in the same way.
-    void submit(pages::Site &site, const std::shared_ptr<pages::Visit> &visit, Shown shown);
+    void submit(pages::Site &site, const std::shared_ptr<pages::Visit> &visit, const Shown &shown);
 
     /// Ends the threads; requests that wait are dropped without an answer.
     void stop();
@@ -47,7 +47,9 @@ private:
     void read(const std::shared_ptr<Running> &running);
     std::int64_t queueOf(const requests::Turn &turn);
     std::int64_t queueOf(const pages::Visit &visit);
-    void goOn(pages::Site &site, const std::shared_ptr<pages::Visit> &visit, const Shown &shown);
+    template<class Work>
+    void goOn(pages::Site &site, const std::shared_ptr<pages::Visit> &visit, const Shown &shown,
+              const Work &work);
     BuiltPage built(const pages::Site &site, pages::Visit &visit);
     void tell(BuiltAnswer answer, const Done &done);
     BuiltAnswer built(requests::Turn &turn);

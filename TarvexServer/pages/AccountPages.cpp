@@ -87,7 +87,7 @@ Values deletedValues(const requests::Undeletable &found)
 std::optional<std::vector<std::int64_t>> idsIn(const PageForm &form, std::string_view name)
 {
     std::vector<std::int64_t> ids;
-    for (const std::string &text : form.fields(name)) {
+    for (const std::string_view text : form.fields(name)) {
         const auto id = wire::wireId(text);
         if (!id)
             return {};

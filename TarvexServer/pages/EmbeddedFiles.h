@@ -6,7 +6,10 @@
 
 namespace tarvex::pages {
 
-/// The files of templates/ with their names.
-extern const std::vector<std::pair<std::string_view, std::string_view>> embeddedFiles;
+/// Files that are part of the program, with their names.
+using EmbeddedFiles = std::vector<std::pair<std::string_view, std::string_view>>;
+
+extern const EmbeddedFiles templateFiles; ///< those of templates/
+extern const EmbeddedFiles manualFiles;   ///< the user's manual
 
 } // namespace tarvex::pages

@@ -4,7 +4,6 @@
 #include "Replies.h"
 #include "Site.h"
 #include "WheelPicture.h"
-#include "Wipe.h"
 
 #include <boost/json.hpp>
 
@@ -14,7 +13,8 @@ using requests::Outcome;
 
 namespace {
 
-constexpr long aDay = 24L * 60 * 60;
+constexpr long anHour = 60L * 60;
+constexpr long aDay = 24 * anHour;
 constexpr long aYear = 365 * aDay;
 
 std::string samplePicture()
@@ -29,6 +29,13 @@ std::string samplePicture()
                                  ", " + std::to_string(percents.at(i)) + " percent of its goals done",
                         .link = {}};
     return wheelPicture("A wheel of life as an example", slices);
+}
+
+std::string_view contentTypeOf(std::string_view name)
+{
+    return name.ends_with(".html")  ? "text/html; charset=utf-8"
+           : name.ends_with(".css") ? "text/css; charset=utf-8"
+                                    : "image/png";
 }
 
 unsigned statusOf(Outcome outcome)
@@ -68,13 +75,14 @@ std::string messageOf(const std::string &answer)
 }
 
 /// What signing up takes, as the protocol has it; nothing where a field would be taken for two.
-std::string signUpBodyOf(const std::string &email, const std::string &password, const std::string &name)
+std::string signUpBodyOf(std::string_view email, std::string_view password, std::string_view name)
 {
-    if (email.find('&') != std::string::npos || name.find("&p4=") != std::string::npos)
+    if (email.find('&') != std::string_view::npos || name.find("&p4=") != std::string_view::npos)
         return "";
     std::string body = "p1=create-new-user&p2=";
-    return body.append(email).append("&p3=").append(password).append("&p4=").append(name).append(
-        "&type=json");
+    body.reserve(email.size() + password.size() + name.size() + 64); // so that it leaves no copies behind
+    body.append(email).append("&p3=").append(password).append("&p4=").append(name).append("&type=json");
+    return body;
 }
 
 } // namespace
@@ -96,6 +104,19 @@ void Site::showStyle(Visit &visit)
 void Site::showIcon(Visit &visit)
 {
     visit.end(commonReply("image/svg+xml", std::string(icon()), aDay));
+}
+
+void Site::showManual(Visit &visit)
+{
+    std::string_view name = visit.path;
+    name.remove_prefix(std::min(name.size(), manualPath.size()));
+    const auto file = fileOf(manualFiles, name);
+    if (name.empty())
+        visit.end(redirect("/manual/index.html"));
+    else if (file)
+        visit.end(commonReply(contentTypeOf(name), std::string(*file), anHour));
+    else
+        visit.end(told(/*status=*/404, "Not found", "The manual has no such page."));
 }
 
 void Site::showTwitter(Visit &visit)
@@ -121,21 +142,20 @@ void Site::showSignInAgain(Visit &visit, Outcome outcome) const
 {
     Values values;
     values.set("problem", sentenceOf(outcome));
-    values.set("login", visit.form.field("login").value_or(""));
+    values.set("login", std::string(visit.form.field("login").value_or("")));
     show(visit, "sign-in", std::move(values), statusOf(outcome));
 }
 
 void Site::signIn(Visit &visit)
 {
     const auto login = visit.form.field("login");
-    auto password = visit.form.field("password");
+    const auto password = visit.form.field("password");
     if (!login || !password) {
         visit.end(told(/*status=*/400, "Not understood", "The form is not whole. Nothing was done."));
         return;
     }
     requests::PasswordQuestion question{.login = security::signInDigest(*login),
                                         .password = security::signInDigest(*password)};
-    security::wipe(*password);
     checkPassword(visit, std::move(question), [this, &visit](const requests::PasswordAnswer &answer) {
         if (answer.outcome == Outcome::Done)
             beginSession(visit, answer.accountId, answer.version, "/wheel");
@@ -159,7 +179,7 @@ void Site::showSignUpAgain(Visit &visit, const std::string &problem, unsigned st
     if (!problem.empty())
         values.set("problem", problem);
     for (const char *field : {"name", "email", "code"})
-        values.set(field, visit.form.field(field).value_or(""));
+        values.set(field, std::string(visit.form.field(field).value_or("")));
     show(visit, "sign-up", std::move(values), status);
 }
 
@@ -168,7 +188,7 @@ void Site::signUp(Visit &visit)
     const auto email = visit.form.field("email");
     const auto password = visit.form.field("password");
     const auto again = visit.form.field("again");
-    auto name = visit.form.field("name");
+    const auto name = visit.form.field("name");
     if (!email || !password || !again || !name) {
         visit.end(told(/*status=*/400, "Not understood", "The form is not whole. Nothing was done."));
         return;
@@ -177,24 +197,25 @@ void Site::signUp(Visit &visit)
         showSignUpAgain(visit, "The two passwords differ.", /*status=*/422);
         return;
     }
-    if (const auto code = visit.form.field("code"); code && !code->empty())
-        name->append(" ").append(*code);
-    visit.signUpBody = signUpBodyOf(*email, *password, *name);
+    const std::string_view code = visit.form.field("code").value_or("");
+    visit.signUpBody =
+        signUpBodyOf(*email, *password, std::string(*name).append(code.empty() ? "" : " ").append(code));
     if (visit.signUpBody.empty()) {
         showSignUpAgain(visit, "The e-mail address or the name is not valid.", /*status=*/422);
         return;
     }
     visit.then(Visit::Step::SignUp, {});
-    visit.onceSignedUp = [this, &visit, email = *email](const requests::Answer &answer) {
+    visit.onceSignedUp = [this, &visit](const requests::Answer &answer) {
         visit.step = Visit::Step::Reply;
         if (answer.outcome != Outcome::Done) {
             const bool isInvalid = answer.outcome == Outcome::Invalid;
             showSignUpAgain(visit, messageOf(answer.body), isInvalid ? 422 : statusOf(answer.outcome));
             return;
         }
-        visit.then(Visit::Step::Work, [this, &visit, email] {
+        visit.then(Visit::Step::Work, [this, &visit] {
             std::optional<store::Credentials> made;
-            const std::string login = requests::loginKey(m_hash, security::signInDigest(email));
+            const std::string login =
+                requests::loginKey(m_hash, security::signInDigest(visit.form.field("email").value_or("")));
             m_database.read(
                 [&](store::Connection &connection) { made = store::findCredentials(connection, login); });
             if (made)

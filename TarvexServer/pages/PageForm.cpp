@@ -87,18 +87,18 @@ std::optional<PageForm> PageForm::read(std::string_view encoded)
     return form;
 }
 
-std::optional<std::string> PageForm::field(std::string_view name) const
+std::optional<std::string_view> PageForm::field(std::string_view name) const
 {
-    auto values = fields(name);
-    return values.size() == 1 ? std::optional(std::move(values.front())) : std::nullopt;
+    const auto values = fields(name);
+    return values.size() == 1 ? std::optional(values.front()) : std::nullopt;
 }
 
-std::vector<std::string> PageForm::fields(std::string_view name) const
+std::vector<std::string_view> PageForm::fields(std::string_view name) const
 {
-    std::vector<std::string> values;
+    std::vector<std::string_view> values;
     for (const auto &[known, value] : m_fields)
         if (known == name)
-            values.push_back(value);
+            values.emplace_back(value);
     return values;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -8,7 +9,8 @@
 
 namespace tarvex::pages {
 
-/// The fields of a form as browsers send it (application/x-www-form-urlencoded), or of a query.
+/// The fields of a form as browsers send it (application/x-www-form-urlencoded), or of a query. Values are
+/// valid as long as the form.
 class PageForm
 {
 public:
@@ -23,12 +25,12 @@ public:
     static std::optional<PageForm> read(std::string_view encoded);
 
     /// The value of a field that is there once; nothing otherwise.
-    std::optional<std::string> field(std::string_view name) const;
+    std::optional<std::string_view> field(std::string_view name) const;
     /// The values of a field that may be there several times.
-    std::vector<std::string> fields(std::string_view name) const;
+    std::vector<std::string_view> fields(std::string_view name) const;
 
 private:
-    std::vector<std::pair<std::string, std::string>> m_fields;
+    std::deque<std::pair<std::string, std::string>> m_fields; // which stay where they are
 };
 
 /// The value of a cookie that is there once (RFC 6265, 4.2); nothing otherwise.

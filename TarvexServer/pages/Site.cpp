@@ -84,6 +84,7 @@ const Site::Route *Site::routeOf(std::string_view path)
         Route{"/", For::Everybody, &Site::showFront, nullptr},
         Route{"/style.css", For::Everybody, &Site::showStyle, nullptr},
         Route{"/icon.svg", For::Everybody, &Site::showIcon, nullptr},
+        Route{"/manual", For::Everybody, &Site::showManual, nullptr},
         Route{"/twitter", For::Everybody, &Site::showTwitter, nullptr},
         Route{"/facebook", For::Everybody, &Site::showFacebook, nullptr},
         Route{"/sign-in", For::Everybody, &Site::showSignIn, &Site::signIn},
@@ -101,6 +102,8 @@ const Site::Route *Site::routeOf(std::string_view path)
         Route{"/account/close", For::Owners, &Site::showClose, &Site::close},
         Route{"/account/closed", For::OwnersOfClosed, &Site::showClosed, &Site::keep},
     };
+    if (path.starts_with(manualPath))
+        path = "/manual";
     const auto found =
         std::find_if(routes.begin(), routes.end(), [&](const Route &route) { return route.path == path; });
     return found == routes.end() ? nullptr : &*found;
@@ -179,9 +182,9 @@ void Site::lookHastily(Visit &visit, const Route &route, store::Connection &conn
 
 void Site::identify(Visit &visit, store::Connection &connection) const
 {
-    visit.isIdentified = true;
     visit.session =
         store::findWebSession(connection, visit.badge->accountId, visit.badge->tokenHash, m_clocks.seconds());
+    visit.isIdentified = true; // unless that took longer than there is time
 }
 
 void Site::goOn(Visit &visit)
@@ -228,7 +231,7 @@ bool Site::mayEnter(Visit &visit, const Route &route) const
 /// Compared under a hash, which takes as long whatever is wrong.
 bool Site::isFormOurs(const Visit &visit) const
 {
-    const std::string given = visit.form.field("token").value_or("");
+    const std::string_view given = visit.form.field("token").value_or("");
     return m_hash({"compared", given}) == m_hash({"compared", visit.badge->formToken});
 }
 
@@ -344,7 +347,7 @@ void Site::endSignedOut(Visit &visit) const
 
 void Site::show(Visit &visit, std::string_view name, Values values, unsigned status) const
 {
-    const std::string said = visit.query.field("said").value_or("");
+    const std::string_view said = visit.query.field("said").value_or("");
     const auto notice =
         std::find_if(notices.begin(), notices.end(), [&](const auto &known) { return known.first == said; });
     if (notice != notices.end() && !isPost(visit.request))

@@ -40,6 +40,8 @@ public:
     Reply refusal(requests::Outcome outcome) const;
 
 private:
+    static constexpr std::string_view manualPath = "/manual/";
+
     /// Who may see a page.
     enum class For { Everybody, SignedIn, Owners, OwnersOfClosed };
     struct Route
@@ -80,6 +82,7 @@ private:
     void showFront(Visit &visit);
     void showStyle(Visit &visit);
     void showIcon(Visit &visit);
+    void showManual(Visit &visit);
     void showTwitter(Visit &visit);
     void showFacebook(Visit &visit);
     void showSignIn(Visit &visit);

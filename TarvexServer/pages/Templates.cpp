@@ -1,7 +1,7 @@
 #include "Templates.h"
 
-#include "EmbeddedFiles.h"
-
+#include <functional>
+#include <map>
 #include <stdexcept>
 
 namespace tarvex::pages {
@@ -10,10 +10,23 @@ namespace {
 
 std::string_view file(std::string_view name)
 {
-    for (const auto &[known, text] : embeddedFiles)
-        if (known == name)
-            return text;
-    throw std::logic_error("there is no page " + std::string(name));
+    const auto found = fileOf(templateFiles, name);
+    if (!found)
+        throw std::logic_error("there is no page " + std::string(name));
+    return *found;
+}
+
+/// The template of a page, which each thread reads once and has to itself.
+kainjow::mustache::mustache &templateOf(std::string_view name)
+{
+    thread_local std::map<std::string, kainjow::mustache::mustache, std::less<>> known;
+    auto found = known.find(name);
+    if (found == known.end()) {
+        std::string text(file("head.html"));
+        text.append(file(std::string(name) + ".html")).append(file("foot.html"));
+        found = known.try_emplace(std::string(name), text).first;
+    }
+    return found->second;
 }
 
 /// FNV-1a: it only has to differ when the text does.
@@ -27,11 +40,17 @@ std::string markOf(std::string_view text)
 
 } // namespace
 
+std::optional<std::string_view> fileOf(const EmbeddedFiles &files, std::string_view name)
+{
+    for (const auto &[known, text] : files)
+        if (known == name)
+            return text;
+    return {};
+}
+
 std::string page(std::string_view name, const Values &values)
 {
-    std::string text(file("head.html"));
-    text.append(file(std::string(name) + ".html")).append(file("foot.html"));
-    kainjow::mustache::mustache made(text);
+    kainjow::mustache::mustache &made = templateOf(name);
     std::string page = made.render(values);
     if (!made.is_valid())
         throw std::logic_error("the page " + std::string(name) + " cannot be made: " + made.error_message());
@@ -51,7 +70,7 @@ const std::string &styleMark()
 
 std::string_view icon()
 {
-    return file("tarvex-cloud.svg");
+    return file("icon.svg");
 }
 
 } // namespace tarvex::pages

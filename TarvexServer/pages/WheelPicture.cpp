@@ -1,8 +1,8 @@
 #include "WheelPicture.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <numbers>
 
 namespace tarvex::pages {
@@ -35,9 +35,11 @@ Point polar(double radius, double angle)
 
 std::string number(double value)
 {
+    constexpr int decimals = 2;
     std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.2f", value);
-    return text.data();
+    const auto end =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, decimals).ptr;
+    return {text.data(), end};
 }
 
 std::string pair(const Point &point)

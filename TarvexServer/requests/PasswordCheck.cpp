@@ -2,8 +2,15 @@
 #include "Installation.h"
 #include "PasswordHash.h"
 #include "Service.h"
+#include "Wipe.h"
 
 namespace tarvex::requests {
+
+PasswordQuestion::~PasswordQuestion()
+{
+    security::wipe(login);
+    security::wipe(password);
+}
 
 /// Those of the protocol: whoever guesses here and there has no more guesses than in one place.
 Failures::Keys Service::limitedKeys(const PasswordQuestion &question) const

@@ -32,6 +32,7 @@ private:
     const Clocks &m_clocks;
     std::shared_ptr<std::atomic<bool>> m_isUnderWay = std::make_shared<std::atomic<bool>>(false);
     std::int64_t m_account = 0; // the last that was looked at
+    bool m_isRemoving = false;  // an account that was closed
     std::chrono::steady_clock::time_point m_lastStep;
 };
 

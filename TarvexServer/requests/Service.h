@@ -81,6 +81,9 @@ struct PasswordQuestion
     std::string password = {};  ///< its digest
     std::string peer = {};      ///< as that of a Request
     std::chrono::steady_clock::time_point arrival = {};
+
+    /// Leaves no digest in memory.
+    ~PasswordQuestion();
 };
 
 struct PasswordAnswer

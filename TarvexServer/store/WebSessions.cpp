@@ -17,8 +17,8 @@ std::optional<WebSession> findWebSession(Connection &connection, std::int64_t ac
     Rows found =
         connection.rows("SELECT version, changes, began_at, used_at, COALESCE(closed_at, -1)"
                         " FROM web_session JOIN account ON account.account_id = web_session.account_id"
-                        " WHERE web_session.account_id = $1 AND token_hash = $2 AND account_version = "
-                        "version AND disabled = 0",
+                        " WHERE web_session.account_id = $1 AND token_hash = $2"
+                        " AND account_version = version AND disabled = 0",
                         accountId, tokenHash);
     if (!found.next())
         return {};
@@ -76,8 +76,8 @@ std::int64_t countWebSessions(Connection &connection, std::int64_t accountId, st
 
 void purgeWebSessions(Connection &connection, std::int64_t now)
 {
-    connection.change("DELETE FROM web_session WHERE began_at <= $1 OR used_at <= $2", now - longestSeconds,
-                      now - idleSeconds);
+    // What has lasted for too long is not used any more.
+    connection.change("DELETE FROM web_session WHERE used_at <= $1", now - idleSeconds);
 }
 
 } // namespace tarvex::store

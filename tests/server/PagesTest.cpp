@@ -29,7 +29,7 @@ TEST(PageForms, ReadsWhatBrowsersSendAndNothingElse)
     EXPECT_EQ(form->field("c"), "");
     EXPECT_EQ(form->field("a="), "");
     EXPECT_EQ(form->field("d"), std::nullopt) << "there are two";
-    EXPECT_EQ(form->fields("d"), (std::vector<std::string>{"1", "2"}));
+    EXPECT_EQ(form->fields("d"), (std::vector<std::string_view>{"1", "2"}));
     EXPECT_EQ(form->field("e"), std::nullopt);
     for (const char *broken :
          {"a=%", "a=%4", "a=%g0", "a=%0g", "%=1", "a=%ff", "a=%c3", "a=%00", "a=%7f", "%01=", "a=\xC3"})
@@ -81,6 +81,9 @@ TEST_F(Pages, AreGuardedEachAndAskNobodyElse)
     std::size_t bytes = stranger.get("/").size();
     bytes += stranger.get("/style.css").size() + stranger.get("/icon.svg").size();
     EXPECT_LT(bytes, 30U * 1024);
+    EXPECT_NE(stranger.get("/manual").find("Tarvex Cloud: the manual"), std::string::npos);
+    EXPECT_EQ(stranger.ask("GET", "/manual/pictures/wheel.png")["Content-Type"], "image/png");
+    EXPECT_EQ(stranger.ask("GET", "/manual/../Site.cpp").result_int(), 404U);
     EXPECT_EQ(stranger.ask("DELETE", "/wheel").result_int(), 405U);
     EXPECT_EQ(stranger.ask("POST", "/").result_int(), 405U);
     EXPECT_EQ(stranger.last["Allow"], "GET, HEAD");

@@ -9,6 +9,8 @@ CREATE TABLE web_session (
     PRIMARY KEY (account_id, token_hash)
 );
 
+CREATE INDEX web_session_used ON web_session (used_at);
+
 -- When its owner closed the account, which goes for good after a while.
 ALTER TABLE account ADD COLUMN closed_at BIGINT;
 
