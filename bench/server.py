@@ -307,10 +307,10 @@ def backup(many):
         bodies = anew([read(account=31 * n) for n in range(32)])
         load(ours, 1, 0, bodies)
         for number in range(5):
-            note("backup/none", **load(ours, 1, 2, bodies, pause=1000))
+            note("backup/none", **load(ours, 1, 1, bodies, pause=1000))
             with subprocess.Popen([SERVER, "backup", many.with_name(f"copy-{number}.db"), *of_database(many)],
                                   stdout=subprocess.DEVNULL, preexec_fn=move_to_server_core) as copying:
-                note("backup/beside", **load(ours, 1, 2, bodies, pause=1000))
+                note("backup/beside", **load(ours, 1, 1, bodies, pause=1000))
                 if copying.poll() is not None:
                     sys.exit("the copy was made too soon")
             if copying.returncode:

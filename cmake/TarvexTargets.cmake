@@ -26,6 +26,13 @@ if(TARVEX_SANITIZE)
   endif()
 endif()
 
+# Tests in a sanitizer build, to be linked behind the rules: a third less to wait for. The product is checked whole; a
+# test's own null pointer ends the test all the same.
+add_library(tarvex-test-rules INTERFACE)
+if(TARVEX_SANITIZE)
+  target_compile_options(tarvex-test-rules INTERFACE -O0 -fno-sanitize=null,alignment)
+endif()
+
 # Client code: no silent ASCII or byte casts into QString, no string-based connections, no keyword macros.
 add_library(tarvex-qt-rules INTERFACE)
 target_link_libraries(tarvex-qt-rules INTERFACE tarvex-rules)
@@ -72,7 +79,7 @@ function(tarvex_qt_test name)
     set(arg_TIMEOUT 120)
   endif()
   add_executable(${name} ${arg_SOURCES})
-  target_link_libraries(${name} PRIVATE ${arg_LINKS} Qt6::Test tarvex-qt-rules)
+  target_link_libraries(${name} PRIVATE ${arg_LINKS} Qt6::Test tarvex-qt-rules tarvex-test-rules)
   set_target_properties(${name} PROPERTIES AUTOMOC ON)
   target_compile_definitions(${name} PRIVATE TARVEX_SAMPLES="${CMAKE_CURRENT_SOURCE_DIR}/samples")
   add_test(NAME ${name} COMMAND ${name})

@@ -9,7 +9,6 @@ import os
 import pathlib
 import pwd
 import signal
-import socket
 import subprocess
 import sys
 import tempfile
@@ -18,19 +17,12 @@ import time
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "tests/server"))
 from failover import Client, start_service  # noqa: E402
+from ports import free_ports  # noqa: E402
 from postgresql import AS_OWNER, PROGRAMS  # noqa: E402
 
 HERE = "127.0.0.1"
 OWNER = "postgres" if AS_OWNER else pwd.getpwuid(os.getuid()).pw_name
 LONGEST = 180  # seconds that any step may take
-
-
-def free_ports(count):
-    taken = [socket.create_server((HERE, 0)) for _ in range(count)]
-    ports = [one.getsockname()[1] for one in taken]
-    for one in taken:
-        one.close()
-    return ports
 
 
 class Node:

@@ -19,20 +19,13 @@ import time
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "tests/server"))
 from failover import Client  # noqa: E402
+from ports import free_ports  # noqa: E402
 from postgresql import Server  # noqa: E402
 
 PROGRAM = pathlib.Path(sys.argv[1]).resolve()
 ROUNDS = int(sys.argv[2]) if len(sys.argv) > 2 else 6
 HERE = "127.0.0.1"
 KILLED, FROZEN, DRAINED = "killed", "frozen", "drained"
-
-
-def free_ports(count):
-    taken = [socket.create_server((HERE, 0)) for _ in range(count)]
-    ports = [one.getsockname()[1] for one in taken]
-    for one in taken:
-        one.close()
-    return ports
 
 
 class Process:

@@ -13,7 +13,7 @@ namespace {
 
 int createAccount(const InstallationOptions &installation, const requests::AccountTexts &texts, bool isJson)
 {
-    store::Database database(installation.database);
+    store::Database database = installation.orNew();
     const std::int64_t accountId =
         requests::createAccount(database, installation.open(database), texts, std::time(nullptr));
     if (isJson)

@@ -1,3 +1,4 @@
+#include "Checks.h"
 #include "Commands.h"
 #include "ListenAddress.h"
 
@@ -89,11 +90,8 @@ Verdict ask(const HealthOptions &options)
 {
     const bool isWatched = !options.watch.empty();
     const std::string &where = isWatched ? options.watch : options.listen;
-    const auto address = listenAddress(where);
-    if (!address)
-        throw std::runtime_error("The address to ask must be given as HOST:PORT.");
     try {
-        const Reply reply = get(*address, isWatched ? "/ready" : "/tarvex/");
+        const Reply reply = get(listenAddress(where).value(), isWatched ? "/ready" : "/tarvex/");
         if (!isWatched && reply.result() == beast::status::method_not_allowed)
             return {.isHealthy = true, .sentence = "The service answers."};
         return {.isHealthy = isWatched && reply.result() == beast::status::ok,
@@ -124,11 +122,15 @@ Command addHealth(CLI::App &program)
     CLI::App *const command = program.add_subcommand(
         "health", "Ask a server that runs how it is; exits with 0 if it is well, else 1");
     const auto options = std::make_shared<HealthOptions>();
-    command->add_option("--watch", options->watch,
-                        "Where it answers those who watch, as HOST:PORT; asks whether it is ready");
+    command
+        ->add_option("--watch", options->watch, "Where it answers those who watch; asks whether it is ready")
+        ->check(readBy(listenAddress, "HOST:PORT"))
+        ->type_name("HOST:PORT");
     command
         ->add_option("--listen", options->listen,
                      "Where it answers clients, without --watch; asks whether it answers at all")
+        ->check(readBy(listenAddress, "HOST:PORT"))
+        ->type_name("HOST:PORT")
         ->capture_default_str();
     command->add_flag("--json", options->isJson, "Print a JSON document for scripts");
     return {command, [options] { return health(*options); }};

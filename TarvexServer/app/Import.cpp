@@ -48,7 +48,7 @@ std::int64_t importInto(const InstallationOptions &installation, const AccountOp
     const requests::AccountTexts texts{.login = account.login,
                                        .password = password.read(),
                                        .name = options.name.empty() ? imported.name : options.name};
-    store::Database database(installation.database);
+    store::Database database = installation.orNew();
     return requests::createImported(database, installation.open(database), texts, std::time(nullptr),
                                     imported);
 }

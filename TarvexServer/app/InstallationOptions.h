@@ -17,8 +17,13 @@ struct InstallationOptions
 
     /// Its files. Throws store::CannotOpen if the database is none of files.
     requests::InstallationFiles files() const;
+    /// Whether the database is a file that is not there.
+    bool isMissing() const;
     /// The database, which must be there already. Throws store::CannotOpen.
     store::Database existing() const;
+    /// The database, which is made if it is not there; but where its secret is, it was lost, which
+    /// store::CannotOpen says.
+    store::Database orNew(store::Room room = {}) const;
     /// Throws like requests::openInstallation().
     security::KeyedHash open(store::Database &opened) const;
 };

@@ -17,10 +17,10 @@ struct InviteOptions
     int days = 14;
 };
 
-int invite(const std::string &databaseUrl, const InviteOptions &options)
+int invite(const InstallationOptions &installation, const InviteOptions &options)
 {
     constexpr std::int64_t day = 24LL * 60 * 60;
-    store::Database database(databaseUrl);
+    store::Database database = installation.orNew();
     const std::int64_t expiresAt = std::time(nullptr) + options.days * day;
     for (const std::string &code : requests::createInvitations(database, options.count, expiresAt))
         std::cout << code << "\n";
@@ -41,7 +41,7 @@ Command addInvite(CLI::App &program)
         ->check(CLI::Range(1, 3'650))
         ->capture_default_str();
     return {command, [options, installation = addInstallationOptions(*command)] {
-                return invite(installation->database, *options);
+                return invite(*installation, *options);
             }};
 }
 

@@ -1,8 +1,11 @@
 #include "Accounts.h"
 #include "Commands.h"
 #include "Database.h"
+#include "InstallationOptions.h"
+#include "PostgresEngine.h"
 #include "StoreError.h"
 #include "Transfer.h"
+#include "UseLock.h"
 
 #include <boost/json.hpp>
 #include <iostream>
@@ -19,9 +22,18 @@ struct MigrateOptions
     bool isJson = false;
 };
 
+/// Refuses what a server that runs, or another command, would go on writing to.
+void requireUnused(const InstallationOptions &installation)
+{
+    if (!installation.isMissing() && !store::PostgresEngine::isUrl(installation.database))
+        store::UseLock(installation.files().database, store::UseLock::Kind::Alone);
+}
+
 int migrate(const MigrateOptions &options)
 {
-    store::Database source(options.from);
+    const InstallationOptions installation{.database = options.from, .secret = ""};
+    requireUnused(installation);
+    store::Database source = installation.existing();
     store::Database target(options.to);
     std::int64_t rows = 0;
     std::int64_t accounts = 0;

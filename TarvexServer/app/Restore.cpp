@@ -15,7 +15,7 @@ void printForPeople(const requests::Restored &restored)
     if (restored.tookSecret)
         std::cout << "The secret was missing, and is that of the copy now.\n";
     if (restored.replaced)
-        std::cout << "The database that was there is kept as " << restored.replaced->string() << ".\n";
+        std::cout << "What was there before is kept as " << restored.replaced->string() << ".\n";
 }
 
 boost::json::value documentOf(const requests::Restored &restored)

@@ -12,7 +12,7 @@ namespace {
 
 int sample(const InstallationOptions &installation, bool isForced)
 {
-    store::Database database(installation.database);
+    store::Database database = installation.orNew();
     if (!requests::createSampleAccount(database, installation.open(database), /*besideOthers=*/isForced,
                                        std::time(nullptr)))
         std::cout << "The sample account is there already.\n";

@@ -45,14 +45,6 @@ void keepMemoryPrivate()
 #endif
 }
 
-ListenAddress addressFrom(const std::string &text, const std::string &what)
-{
-    const auto address = listenAddress(text);
-    if (!address)
-        throw http::CannotListen("The address to " + what + " must be given as HOST:PORT.");
-    return *address;
-}
-
 store::Room roomOf(const ServeOptions &options)
 {
     constexpr std::uintmax_t mebibyte = 1024UL * 1024;
@@ -83,8 +75,9 @@ class Serving
 {
 public:
     Serving(const ServeOptions &options, const InstallationOptions &installation, const CommandLine &line)
-        : m_line(line), m_address(addressFrom(options.listen, "listen on")), m_log(options.logFile),
-          m_database(installation.database, roomOf(options)), m_hash(installation.open(m_database)),
+        : m_line(line), m_address(listenAddress(options.listen).value()), m_log(options.logFile),
+          m_isNew(installation.isMissing()), m_database(installation.orNew(roomOf(options))),
+          m_hash(installation.open(m_database)),
           m_service(m_database, m_hash, /*clocks=*/{}, options.signUpRules),
           m_site(m_database, m_service, m_hash, /*clocks=*/{}, options.links),
           m_server(
@@ -104,6 +97,8 @@ public:
 
     void run()
     {
+        if (m_isNew)
+            logEvent("database made");
         logEvent("started");
         std::cout << "READY " << serviceUrl(m_address.host, m_server.port()) << std::endl;
         if (m_watchServer)
@@ -116,7 +111,7 @@ public:
 private:
     void watch(const ServeOptions &options)
     {
-        const ListenAddress address = addressFrom(options.watch, "watch at");
+        const ListenAddress address = listenAddress(options.watch).value();
         m_watchHost = address.host;
         m_watchServer.emplace(address.host, address.port, options.isWatchedFromAnywhere,
                               [this](std::string_view target) { return replyTo(target, m_watched); });
@@ -151,6 +146,7 @@ private:
     CommandLine m_line;
     ListenAddress m_address;
     Log m_log; // the last to end, for it may end the process
+    bool m_isNew;
     store::Database m_database;
     security::KeyedHash m_hash;
     requests::Service m_service;

@@ -1,11 +1,14 @@
 #include "ServeOptions.h"
 
+#include "Checks.h"
 #include "InstallationOptions.h"
-#include "Listening.h"
+#include "ListenAddress.h"
+#include "Settings.h"
 
 #include <algorithm>
 #include <boost/asio/ip/address.hpp>
 #include <map>
+#include <stdexcept>
 
 namespace tarvex::app {
 
@@ -17,8 +20,8 @@ void addGrowthOptions(CLI::App &command, ServeOptions &options)
     const std::map<std::string, Mode> modes = {
         {"open", Mode::Open}, {"closed", Mode::Closed}, {"invitation", Mode::Invitation}};
     command.add_option("--sign-up", options.signUpRules.mode, "Who may make an account")
-        ->transform(CLI::CheckedTransformer(modes).description("open|closed|invitation"))
-        ->type_name("WHO")
+        ->transform(oneOf(modes))
+        ->type_name("open|closed|invitation")
         ->default_str("open");
     command.add_option("--most-accounts", options.signUpRules.mostAccounts, "How many accounts there may be")
         ->check(CLI::NonNegativeNumber)
@@ -39,16 +42,19 @@ void addNetworkOptions(CLI::App &command, ServeOptions &options)
     using Source = http::Proxies::Source;
     const std::map<std::string, Source> sources = {{"x-forwarded-for", Source::ForwardedFor},
                                                    {"proxy-protocol", Source::ProxyProtocol}};
-    command.add_option("--listen", options.listen, "Where to listen, as HOST:PORT; port 0 takes a free one")
+    command.add_option("--listen", options.listen, "Where to listen; port 0 takes a free one")
+        ->check(readBy(listenAddress, "HOST:PORT"))
+        ->type_name("HOST:PORT")
         ->capture_default_str();
     command
         .add_option("--trusted-proxy", options.trustedProxies,
                     "An address or network whose word is taken on where requests come from; may be repeated")
         ->delimiter(',')
+        ->check(readBy(http::readNetwork, "ADDRESS[/BITS]"))
         ->type_name("ADDRESS[/BITS]");
     command.add_option("--proxy-says", options.proxySource, "How such proxies tell")
-        ->transform(CLI::CheckedTransformer(sources).description("x-forwarded-for|proxy-protocol"))
-        ->type_name("HOW")
+        ->transform(oneOf(sources))
+        ->type_name("x-forwarded-for|proxy-protocol")
         ->default_str("x-forwarded-for");
     command
         .add_option("--proxy-hops", options.proxyHops,
@@ -95,14 +101,17 @@ void addWatchOptions(CLI::App &command, ServeOptions &options)
     namespace level = spdlog::level;
     const std::map<std::string, level::level_enum> levels = {
         {"info", level::info}, {"warning", level::warn}, {"error", level::err}};
-    command.add_option("--watch", options.watch,
-                       "Where to answer GET /live, /ready and /metrics, as HOST:PORT of this machine; nowhere"
-                       " unless it is given");
+    command
+        .add_option(
+            "--watch", options.watch,
+            "Where to answer GET /live, /ready and /metrics, on this machine; nowhere unless it is given")
+        ->check(readBy(listenAddress, "HOST:PORT"))
+        ->type_name("HOST:PORT");
     command.add_flag("--watch-from-anywhere", options.isWatchedFromAnywhere,
                      "Lets --watch be an address that other machines reach; nobody is asked who they are");
     command.add_option("--log-level", options.logLevel, "What the log tells of: everything, or the worse")
-        ->transform(CLI::CheckedTransformer(levels).description("info|warning|error"))
-        ->type_name("LEVEL")
+        ->transform(oneOf(levels))
+        ->type_name("info|warning|error")
         ->default_str("info");
     command
         .add_option("--log-file", options.logFile,
@@ -123,12 +132,8 @@ bool ServeOptions::hasPages(const std::string &host) const
 http::Proxies ServeOptions::proxies() const
 {
     http::Proxies proxies{.trusted = {}, .source = proxySource, .hops = proxyHops};
-    for (const std::string &text : trustedProxies) {
-        const auto network = http::readNetwork(text);
-        if (!network)
-            throw http::CannotListen("A trusted proxy must be given as an address or as ADDRESS/BITS.");
-        proxies.trusted.push_back(*network);
-    }
+    for (const std::string &text : trustedProxies)
+        proxies.trusted.push_back(http::readNetwork(text).value());
     return proxies;
 }
 
@@ -149,7 +154,11 @@ ServeOptions readAgain(const CommandLine &line)
     CLI::App *const command = program.add_subcommand("serve");
     const auto options = addServeOptions(*command);
     const auto installation = addInstallationOptions(*command);
-    program.parse(line.count, line.words);
+    try {
+        program.parse(line.count, line.words);
+    } catch (const CLI::ParseError &error) {
+        throw std::runtime_error(Settings::faultOf(program, error));
+    }
     return *options;
 }
 

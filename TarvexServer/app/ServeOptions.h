@@ -37,7 +37,6 @@ struct ServeOptions
     /// Whether the service has pages when it listens there.
     bool hasPages(const std::string &host) const;
 
-    /// Throws http::CannotListen.
     http::Proxies proxies() const;
 };
 

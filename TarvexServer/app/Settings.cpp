@@ -9,6 +9,7 @@ namespace tarvex::app {
 namespace {
 
 constexpr const char *noFile = "/dev/null";
+constexpr const char *commandLine = "command line";
 
 std::string variableOf(const std::string &option)
 {
@@ -56,7 +57,21 @@ void Settings::addTo(CLI::App &program)
         .set_config("--config", file.value_or(noFile), "A file of settings, for all that is not given here",
                     /*config_required=*/file.has_value())
         ->type_name("FILE");
+    program.failure_message([](const CLI::App *failed, const CLI::Error &error) {
+        return "tarvex-server: " + faultOf(*failed, error) + "\nRun with --help for more.\n";
+    });
     program.config_formatter(std::shared_ptr<Settings>(new Settings(program)));
+}
+
+std::string Settings::faultOf(const CLI::App &program, const CLI::Error &error)
+{
+    std::string fault = error.what();
+    const auto settings = std::dynamic_pointer_cast<const Settings>(program.get_config_formatter());
+    for (const auto &[name, setting] : settings->m_given) {
+        if (fault.starts_with("--" + name + ":") && setting.origin != commandLine)
+            return fault + " (" + setting.origin + ")";
+    }
+    return fault;
 }
 
 std::vector<CLI::ConfigItem> Settings::from_config(std::istream &file) const
@@ -69,7 +84,7 @@ std::vector<CLI::ConfigItem> Settings::from_config(std::istream &file) const
             if (name.empty())
                 continue;
             if (option->count() > 0) {
-                m_given[name] = {.values = option->results(), .origin = "command line"};
+                m_given[name] = {.values = option->results(), .origin = commandLine};
                 continue;
             }
             if (const auto value = environmentValue(name))
@@ -102,6 +117,8 @@ Settings::All Settings::readFile(std::istream &file) const
             refuse(name, "is unknown", place);
         if (value.empty())
             refuse(name, "has no value", place);
+        if (value.front() == '"' || value.front() == '\'')
+            refuse(name, "must have its value without quotes", place);
         settings[name].values.push_back(value);
         settings[name].origin = place;
     }

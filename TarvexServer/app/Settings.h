@@ -18,6 +18,9 @@ public:
     /// Gives the program the option --config. To be done before commands are added.
     static void addTo(CLI::App &program);
 
+    /// What is wrong with the command line or the settings, and where that stands.
+    static std::string faultOf(const CLI::App &program, const CLI::Error &error);
+
     /// What a command was told and what it takes by default, in the form of the file.
     std::string to_config(const CLI::App *command, bool withDefaults, bool withDescriptions,
                           std::string prefix) const override;

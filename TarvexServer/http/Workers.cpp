@@ -32,7 +32,7 @@ void Workers::stop()
     m_requestThreads.join();
 }
 
-void Workers::submit(requests::Request request, Done done)
+void Workers::submit(requests::Request request, const Done &done)
 {
     goOn(m_service.begin(std::move(request)), done);
 }

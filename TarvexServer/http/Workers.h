@@ -28,7 +28,7 @@ public:
 
     /// Calls done with the answer, at once or on another thread. From one thread only. While too much waits
     /// to be sent, what would be large is busy instead.
-    void submit(requests::Request request, Done done);
+    void submit(requests::Request request, const Done &done);
 
     /// The same with a request that will not be served, of which the body's beginning is enough.
     void refuse(std::string_view body, requests::Outcome outcome, const Done &done);

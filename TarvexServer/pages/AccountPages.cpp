@@ -57,7 +57,7 @@ Values deletedValues(const requests::Undeletable &found)
         entry.set("goals", std::to_string(set.goals));
         entry.set("day", wire::utcDay(set.deletedAt));
         entry.set("until", lastDayOf(set.deletedAt));
-        sets.push_back(std::move(entry));
+        sets.push_back(entry);
     }
     Values goals(Values::type::list);
     for (std::size_t i = 0; i < std::min(found.goals.size(), mostDeletedShown); ++i) {
@@ -70,7 +70,7 @@ Values deletedValues(const requests::Undeletable &found)
         entry.set("day", wire::utcDay(goal.deletedAt));
         entry.set("until", lastDayOf(goal.deletedAt));
         entry.set("isSetDeleted", goal.isSetDeleted);
-        goals.push_back(std::move(entry));
+        goals.push_back(entry);
     }
     Values values;
     values.set("sets", sets);
@@ -138,9 +138,9 @@ void Site::changePassword(Visit &visit)
         showAccountWith(visit, std::string(fault), /*status=*/422);
         return;
     }
-    requests::PasswordQuestion question{.accountId = visit.session->accountId,
-                                        .password = security::signInDigest(*current)};
-    checkPassword(visit, std::move(question), [this, &visit](const requests::PasswordAnswer &answer) {
+    const requests::PasswordQuestion question{.accountId = visit.session->accountId,
+                                              .password = security::signInDigest(*current)};
+    checkPassword(visit, question, [this, &visit](const requests::PasswordAnswer &answer) {
         if (answer.outcome != Outcome::Done) {
             showAccountWith(visit, passwordProblem(answer.outcome), statusOf(answer.outcome));
             return;
@@ -230,9 +230,9 @@ void Site::close(Visit &visit)
         visit.end(told(/*status=*/400, "Not understood", "The form is not whole. Nothing was done."));
         return;
     }
-    requests::PasswordQuestion question{.accountId = visit.session->accountId,
-                                        .password = security::signInDigest(*password)};
-    checkPassword(visit, std::move(question), [this, &visit](const requests::PasswordAnswer &answer) {
+    const requests::PasswordQuestion question{.accountId = visit.session->accountId,
+                                              .password = security::signInDigest(*password)};
+    checkPassword(visit, question, [this, &visit](const requests::PasswordAnswer &answer) {
         if (answer.outcome != Outcome::Done) {
             showCloseWith(visit, passwordProblem(answer.outcome), statusOf(answer.outcome));
             return;

@@ -154,9 +154,9 @@ void Site::signIn(Visit &visit)
         visit.end(told(/*status=*/400, "Not understood", "The form is not whole. Nothing was done."));
         return;
     }
-    requests::PasswordQuestion question{.login = security::signInDigest(*login),
-                                        .password = security::signInDigest(*password)};
-    checkPassword(visit, std::move(question), [this, &visit](const requests::PasswordAnswer &answer) {
+    const requests::PasswordQuestion question{.login = security::signInDigest(*login),
+                                              .password = security::signInDigest(*password)};
+    checkPassword(visit, question, [this, &visit](const requests::PasswordAnswer &answer) {
         if (answer.outcome == Outcome::Done)
             beginSession(visit, answer.accountId, answer.version, "/wheel");
         else

@@ -26,7 +26,7 @@ Values spanChoices(std::int64_t days)
         choice.set("days", std::to_string(span));
         choice.set("name", name);
         choice.set("selected", span == days);
-        list.push_back(std::move(choice));
+        list.push_back(choice);
     }
     return list;
 }
@@ -72,7 +72,7 @@ Values rowValues(const std::vector<store::DayOfAreas> &days)
         row.set("day", textOfDay(day.day));
         row.set("average", std::to_string(averageOf(day.numbers)));
         row.set("percents", numberValues(day.numbers));
-        rows.push_back(std::move(row));
+        rows.push_back(row);
     }
     return rows;
 }
@@ -84,7 +84,7 @@ Values areaNames(const std::vector<store::Area> &areas)
         Values area;
         area.set("index", std::to_string(i + 1));
         area.set("area", areas[i].name);
-        list.push_back(std::move(area));
+        list.push_back(area);
     }
     return list;
 }
@@ -130,7 +130,7 @@ Values differenceValues(const Side &left, const Side &right, const std::vector<s
         row.set("leftPercent", textOf(left.percents, i, "%"));
         row.set("rightValue", textOf(right.values, i, ""));
         row.set("rightPercent", textOf(right.percents, i, "%"));
-        list.push_back(std::move(row));
+        list.push_back(row);
     }
     return list;
 }

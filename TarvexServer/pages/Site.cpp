@@ -392,7 +392,7 @@ void Site::checkPassword(Visit &visit, requests::PasswordQuestion question,
 {
     question.peer = visit.request.peer;
     question.arrival = visit.request.arrival;
-    visit.then(Visit::Step::Hash, [this, &visit, question = std::move(question), then = std::move(then)] {
+    visit.then(Visit::Step::Hash, [this, &visit, question, then = std::move(then)] {
         const requests::PasswordAnswer answer = m_service.check(question);
         visit.then(Visit::Step::Work, [answer, then, &visit] {
             visit.step = Visit::Step::Reply;

@@ -93,7 +93,7 @@ Values wheelValues(const Wheel &wheel, std::optional<std::int64_t> onlyArea)
         const bool isAlone = onlyArea == wheel.areas[i].id;
         Values area = areaValues(wheel, i, percents.at(i), isAlone);
         area.set("isShown", !onlyArea || isAlone);
-        areas.push_back(std::move(area));
+        areas.push_back(area);
     }
     auto slices = slicesOf(wheel.areas, numbers, percents);
     for (std::size_t i = 0; i < sliceCount && i < wheel.areas.size(); ++i)

@@ -48,7 +48,7 @@ Values choices(const std::vector<store::Set> &sets, std::int64_t selected)
         choice.set("id", std::to_string(set.id));
         choice.set("name", set.name);
         choice.set("selected", set.id == selected);
-        list.push_back(std::move(choice));
+        list.push_back(choice);
     }
     return list;
 }

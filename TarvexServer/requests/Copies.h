@@ -34,7 +34,7 @@ Backup backUp(const InstallationFiles &installation, const std::filesystem::path
 struct Restored
 {
     std::int64_t accounts = 0;
-    std::optional<std::filesystem::path> replaced; ///< where the database is now that was there, if one was
+    std::optional<std::filesystem::path> replaced; ///< where what was there before is now, if anything was
     bool tookSecret = false;                       ///< from beside the copy, since there was none
 };
 

@@ -19,6 +19,7 @@ public:
     /// The same for a login, from addresses where it has not failed in that minute: whoever guesses at a
     /// login does not lock its owner out.
     static constexpr std::int64_t limitElsewhere = 100;
+    static_assert(limitElsewhere <= static_cast<std::int64_t>(security::FailureCounts::most));
 
     /// Whom a request counts against. What is empty has no limit.
     struct Keys

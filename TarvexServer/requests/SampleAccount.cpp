@@ -6,8 +6,11 @@
 #include "PasswordHash.h"
 #include "Sets.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
+#include <cstdint>
+#include <map>
 #include <stdexcept>
 #include <vector>
 
@@ -142,6 +145,30 @@ std::vector<store::Goal> goalsOf(std::int64_t setId, int quartersAgo)
     return goals;
 }
 
+/// Makes the set of a month as if its goals had been done here and there in the quarter from then on, so that
+/// its progress has something to show.
+void fillSet(store::Connection &connection, std::int64_t accountId, std::chrono::year_month month,
+             int quartersAgo, std::time_t now)
+{
+    using namespace std::chrono;
+    const std::int64_t begin = system_clock::to_time_t(sys_days(month / 1));
+    const std::int64_t end =
+        std::min<std::int64_t>(now, system_clock::to_time_t(sys_days((month + months(3)) / 1)));
+    const std::int64_t setId = store::createSet(connection, accountId, monthAndYear(month), begin);
+    std::vector<store::Goal> goals = goalsOf(setId, quartersAgo);
+    std::multimap<std::int64_t, std::size_t> done; // by the time
+    for (std::size_t i = 0; i < goals.size(); ++i) {
+        if (goals[i].isChecked)
+            done.emplace(begin + (end - begin) * static_cast<std::int64_t>(i * 37 % 101 + 1) / 102, i);
+        goals[i].isChecked = false;
+    }
+    store::createGoals(connection, accountId, goals, begin);
+    std::vector<store::Goal> made = store::goalsOfSet(connection, accountId, setId);
+    std::sort(made.begin(), made.end(), [](const auto &one, const auto &other) { return one.id < other.id; });
+    for (const auto &[time, i] : done)
+        store::checkGoal(connection, accountId, made[i], time);
+}
+
 void fillAccount(store::Connection &connection, std::int64_t accountId, std::time_t now)
 {
     using namespace std::chrono;
@@ -149,8 +176,7 @@ void fillAccount(store::Connection &connection, std::int64_t accountId, std::tim
     // The oldest set is listed first, the others from the newest back.
     for (const int quartersAgo : {0, 3, 2, 1}) {
         const year_month month = today.year() / today.month() - months(3 * quartersAgo);
-        const std::int64_t set = store::createSet(connection, accountId, monthAndYear(month), now);
-        store::createGoals(connection, accountId, goalsOf(set, quartersAgo), now);
+        fillSet(connection, accountId, month, quartersAgo, now);
     }
 }
 

@@ -8,6 +8,16 @@ namespace tarvex::store {
 
 namespace {
 
+/// Refuses a database that could not hold every text, or would not know what it holds.
+void requireUnicode(PostgresConnection &session)
+{
+    Rows found = session.rows("SHOW server_encoding");
+    found.next();
+    if (found.text(0) != "UTF8")
+        throw CannotOpen("The encoding of the database is " + std::string(found.text(0)) +
+                         "; make one whose encoding is UTF8.");
+}
+
 /// Refuses the schema of another program: one that holds tables, but not ours.
 void claim(PostgresConnection &session)
 {
@@ -23,6 +33,7 @@ void makeSchema(PostgresConnection &session)
 {
     session.execute("SET lock_timeout = 0; SET statement_timeout = 0;"
                     " SELECT pg_advisory_lock(1956270711)");
+    requireUnicode(session);
     claim(session);
     migrate(session, postgresqlMigrations);
 }

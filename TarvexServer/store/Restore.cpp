@@ -77,7 +77,7 @@ Reach raised(const Reach &copied, const Reaches &replaced, std::int64_t accountI
 std::unique_ptr<SqliteConnection> openReadied(const std::filesystem::path &file,
                                               const std::filesystem::path &copy)
 {
-    auto session = openAsItIs(file);
+    auto session = openAsItIs(file, copy);
     session->endLog();
     if (const auto found = damages(*session); !found.empty())
         throw MaintenanceFailed("The copy " + copy.string() + " is not whole. " + found.front());
@@ -105,6 +105,20 @@ std::filesystem::path freeName(const std::string &name)
     return found;
 }
 
+/// Keeps a log under another name, if there is one; it would be taken for that of the new file.
+bool keepLog(const std::filesystem::path &database, const std::filesystem::path &keptAs)
+{
+    bool isKept = false;
+    for (const char *suffix : {"-wal", "-journal"}) {
+        std::error_code error; // not there
+        std::filesystem::rename(database.string() + suffix, keptAs.string() + suffix, error);
+        isKept = isKept || !error;
+    }
+    std::error_code ignored; // not there
+    std::filesystem::remove(database.string() + "-shm", ignored);
+    return isKept;
+}
+
 /// Brings a database and its log into one file, and keeps everybody out of it as long as the session lasts.
 std::unique_ptr<SqliteConnection> closed(const std::filesystem::path &database,
                                          const std::filesystem::path &keptAs)
@@ -118,10 +132,7 @@ std::unique_ptr<SqliteConnection> closed(const std::filesystem::path &database,
         throw MaintenanceFailed("Another program uses the database " + database.string() +
                                 "; end that first.");
     } catch (const TransactionFailed &) { // damaged: it is kept as it is
-        std::error_code ignored;          // not there
-        for (const char *suffix : {"-wal", "-journal"})
-            std::filesystem::rename(database.string() + suffix, keptAs.string() + suffix, ignored);
-        std::filesystem::remove(database.string() + "-shm", ignored);
+        keepLog(database, keptAs);
         return nullptr;
     }
 }
@@ -168,13 +179,13 @@ void Restoration::raiseIds()
 std::optional<std::filesystem::path> Restoration::put(std::time_t now)
 {
     m_readied.reset(); // written, and on disk
-    if (!std::filesystem::exists(m_database)) {
-        removeDatabase(m_database); // a log of one that was deleted would be taken for that of the new one
-        putInPlace(m_beside, m_database);
-        return {};
-    }
     const std::filesystem::path keptAs =
         freeName(m_database.string() + ".before-restore-" + timeForNames(now));
+    if (!std::filesystem::exists(m_database)) {
+        const bool isLogKept = keepLog(m_database, keptAs);
+        putInPlace(m_beside, m_database);
+        return isLogKept ? std::optional(keptAs.string() + "-wal") : std::nullopt;
+    }
     const auto outside = closed(m_database, keptAs);
     giveToOwnerOf(m_database, m_beside);
     if (::link(m_database.c_str(), keptAs.c_str()) != 0)

@@ -4,6 +4,8 @@
 
 #include <chrono>
 #include <new>
+#include <string>
+#include <system_error>
 #include <thread>
 
 namespace tarvex::store {
@@ -25,7 +27,10 @@ constexpr std::int64_t largestIdleLog = 8LL * 1024 * 1024; // bytes
         throw TransactionHindered(sqlite3_errmsg(session));
     if (primaryCode == SQLITE_NOMEM)
         throw std::bad_alloc();
-    throw TransactionFailed(sqlite3_errmsg(session));
+    std::string fault = sqlite3_errmsg(session);
+    if (const int cause = sqlite3_system_errno(session); primaryCode == SQLITE_IOERR && cause != 0)
+        fault.append(": ").append(std::generic_category().message(cause)); // a full disk, say
+    throw TransactionFailed(fault);
 }
 
 /// Whether the last session to end leaves the log, rather than brings it into the file and removes it.
@@ -46,7 +51,7 @@ sqlite3 *opened(const std::filesystem::path &file)
         sqlite3_close(session);
         throw TransactionFailed(reason);
     }
-    leaveLogAtEnd(session, true);
+    leaveLogAtEnd(session, /*leaves=*/true);
     return session;
 }
 
@@ -122,8 +127,8 @@ SqliteConnection::SqliteConnection(const std::filesystem::path &file) : SqliteCo
     execute("PRAGMA synchronous = FULL; PRAGMA fullfsync = ON; PRAGMA foreign_keys = ON;"
             " PRAGMA secure_delete = ON"); // what is removed is overwritten
     addOctetLength(m_session);
-    leaveLogAtEnd(m_session,
-                  false); // the file can be read; beside one that cannot, the log may hold the rest
+    // The file can be read; beside one that cannot, the log may hold the rest.
+    leaveLogAtEnd(m_session, /*leaves=*/false);
 }
 
 SqliteConnection::~SqliteConnection()

@@ -16,6 +16,15 @@ namespace tarvex::store {
 
 namespace {
 
+/// The engine would throw away the log of a file that is lost, and with it the last of what was saved.
+void refuseLogAlone(const std::filesystem::path &file)
+{
+    const std::filesystem::path log = file.string() + "-wal";
+    if (!std::filesystem::exists(file) && std::filesystem::exists(log))
+        throw CannotOpen("The database " + file.string() + " is missing, but its log is there: " +
+                         log.string() + ". Put the file back or restore a copy, or move the log away.");
+}
+
 /// Makes the file before the engine does, so that no one but its owner can ever read it.
 void createFile(const std::filesystem::path &file)
 {
@@ -84,6 +93,7 @@ SqliteEngine::SqliteEngine(const std::string &url, Room room)
 
 std::unique_ptr<EngineSession> SqliteEngine::openWriter()
 {
+    refuseLogAlone(m_file);
     createFile(m_file);
     m_inUse.emplace(m_file, UseLock::Kind::Shared);
     const FolderLock alone(m_folder);

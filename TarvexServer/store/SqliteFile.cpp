@@ -26,17 +26,19 @@ bool isOurs(SqliteConnection &session)
     return ours == 6;
 }
 
-std::unique_ptr<SqliteConnection> openAsItIs(const std::filesystem::path &file)
+std::unique_ptr<SqliteConnection> openAsItIs(const std::filesystem::path &file,
+                                             const std::filesystem::path &copyOf)
 {
+    const std::string called = (copyOf.empty() ? file : copyOf).string();
     if (!std::filesystem::is_regular_file(file))
-        throw CannotOpen("There is no database " + file.string() + ".");
+        throw CannotOpen("There is no database " + called + ".");
     try {
         auto session = std::make_unique<SqliteConnection>(file);
         if (!isOurs(*session))
-            throw CannotOpen("The file " + file.string() + " is no database of tarvex-server.");
+            throw CannotOpen("The file " + called + " is no database of tarvex-server.");
         return session;
     } catch (const TransactionFailed &error) {
-        throw CannotOpen("The database " + file.string() + " cannot be used: " + error.what() + ".");
+        throw CannotOpen("The database " + called + " cannot be used: " + error.what() + ".");
     }
 }
 

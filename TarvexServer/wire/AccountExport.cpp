@@ -58,7 +58,8 @@ std::string listed(const Values &values, const std::string &indent)
     return list.empty() ? "[]" : list + "\n" + indent + "]";
 }
 
-/// Where a value stands in an export, for whoever has to mend it: "sets[2].goals[7].name", counted from 1.
+/// Where a value stands in an export, for whoever has to mend it: "sets[2].goals[7].name", counted from
+/// 0 as programs that read JSON do.
 class Place
 {
 public:
@@ -67,7 +68,7 @@ public:
     {
         return Place(m_words.empty() ? name : m_words + "." + name);
     }
-    Place item(std::size_t index) const { return Place(m_words + "[" + std::to_string(index + 1) + "]"); }
+    Place item(std::size_t index) const { return Place(m_words + "[" + std::to_string(index) + "]"); }
 
     [[noreturn]] void fail(const std::string &fault) const
     {

@@ -1,5 +1,6 @@
 #include "Backup.h"
 #include "Customer.h"
+#include "Database.h"
 #include "Integrity.h"
 #include "ServerProcess.h"
 #include "SqliteConnection.h"
@@ -173,7 +174,7 @@ TEST_F(Copies, AreRestoredOnlyWholeAndWithTheirSecret)
     run(folder, "backup copy.db" + here);
     copyOver(at("copy.db"), at("cut.db"));
     fs::resize_file(at("cut.db"), fs::file_size(at("cut.db")) - 8192);
-    refuses("restore cut.db", "The copy cut.db cannot be restored. The database wheel.db.restoring cannot be"
+    refuses("restore cut.db", "The copy cut.db cannot be restored. The database cut.db cannot be"
                               " used: database disk image is malformed.");
     copyOver(at("copy.db"), at("newer.db"));
     change("UPDATE schema_version SET version = 99", "newer.db");
@@ -211,7 +212,7 @@ TEST_F(Copies, TakeThePlaceOfADamagedDatabaseThatIsKeptAsItIs)
     EXPECT_EQ(owned.st_uid, before.st_uid);
 }
 
-TEST_F(Copies, TakeNothingFromTheLogOfADeletedDatabase)
+TEST_F(Copies, TakeThePlaceOfALostDatabaseOfWhichNothingThatIsLeftIsThrownAway)
 {
     run(folder, "sample" + here);
     run(folder, "backup copy.db" + here);
@@ -223,9 +224,17 @@ TEST_F(Copies, TakeNothingFromTheLogOfADeletedDatabase)
     }
     fs::remove(at("wheel.db"));
     fs::rename(at("stale"), at("wheel.db-wal"));
-    EXPECT_EQ(run(folder, "restore copy.db" + here), Said(0, "Accounts restored: 1.\n"));
+    refuses("sample",
+            "The database wheel.db is missing, but its secret is there: wheel.db.secret. Put the file back or"
+            " restore a copy, or move the secret away.");
+    EXPECT_THROW(store::Database("sqlite:" + at("wheel.db").string()), store::CannotOpen); // with any secret
+    const std::uintmax_t logged = fs::file_size(at("wheel.db-wal"));
+    const auto [exitCode, said] = run(folder, "restore copy.db" + here);
+    EXPECT_EQ(exitCode, 0);
     run(folder, "invite" + here); // which opens it with a log
     EXPECT_EQ(number("SELECT COUNT(*) FROM goal_set WHERE name = 'stale'"), 0);
+    const std::string kept = said.substr(said.find("kept as ") + 8);
+    EXPECT_EQ(fs::file_size(at(kept.substr(0, kept.rfind('.')))), logged);
 }
 
 TEST_F(Copies, AreNotRestoredToAFullDisk)

@@ -163,6 +163,17 @@ TEST_F(Postgres, ServesOneDatabaseFromSeveralProcesses)
               "[3][4]");
 }
 
+TEST_F(Postgres, RefusesADatabaseThatDoesNotKnowItsEncoding)
+{
+    store::PostgresConnection session(testServer);
+    session.execute("CREATE DATABASE bytes ENCODING 'SQL_ASCII' TEMPLATE template0");
+    const std::string server = testServer;
+    const std::string url =
+        server.substr(0, server.find("/postgres?")) + "/bytes" + server.substr(server.find('?'));
+    EXPECT_THROW(store::Database database(url), store::CannotOpen);
+    session.execute("DROP DATABASE bytes");
+}
+
 TEST_F(Postgres, MakesItsTablesBesideAnExtensionsViewsAndNotBesideOthersTables)
 {
     const auto openBeside = [](const char *made) {
@@ -189,6 +200,12 @@ TEST_F(Postgres, MovesToAFileAndBackWithAllThatItHolds)
     EXPECT_EQ(moved("sqlite:wheel.db", there), std::pair(0, std::string()));
     EXPECT_EQ(moved("sqlite:wheel.db", there),
               std::pair(1, std::string("tarvex-server: The database to go to is in use already.\n")));
+    EXPECT_EQ(moved("sqlite:none.db", there).second, "tarvex-server: There is no database none.db.\n");
+    {
+        const store::Database inUse("sqlite:" + (elsewhere.path() / "wheel.db").string());
+        EXPECT_EQ(moved("sqlite:wheel.db", "sqlite:third.db").second,
+                  "tarvex-server: The database wheel.db is in use by another process; stop that first.\n");
+    }
 
     store::Database copy(there);
     requests::Service service(copy, requests::openInstallation(copy, m_folder.path() / "secret"), clocks());

@@ -21,6 +21,8 @@ import sys
 import tempfile
 import time
 
+from ports import free_port
+
 FRONT = pathlib.Path(__file__).resolve().parents[2] / "packaging/front"
 NAME, HERE, ELSEWHERE = "tarvex.example.org", "127.0.0.1", "127.0.0.2"
 WRONG = "The login or the password is wrong."
@@ -36,11 +38,6 @@ def wait_for(what, holds):
         assert time.monotonic() < end, f"waited in vain for {what}"
         time.sleep(0.02)
     return found
-
-
-def free_port():
-    with socket.create_server((HERE, 0)) as taken:
-        return taken.getsockname()[1]
 
 
 def plain(port, source=HERE):
