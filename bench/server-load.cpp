@@ -4,8 +4,9 @@
 //
 //   bench-server-load PORT CONNECTIONS SECONDS PAUSE < BODIES
 //
-// Bodies come one a line and are sent in turn, so as many bodies as connections give each its own; after 0
-// seconds means after all of them, once. Each connection pauses for so many microseconds before a request.
+// Bodies come one a line, or pages as "GET TARGET COOKIE", and are sent in turn, so as many bodies as
+// connections give each its own; after 0 seconds means after all of them, once. Each connection pauses for so
+// many microseconds before a request.
 
 #include <algorithm>
 #include <arpa/inet.h>
@@ -154,6 +155,20 @@ void run(Load &load)
     }
 }
 
+std::string request(const std::string &body)
+{
+    return "POST /tarvex/ HTTP/1.1\r\nHost: localhost\r\nContent-Length: " + std::to_string(body.size()) +
+           "\r\n\r\n" + body;
+}
+
+/// Of "GET TARGET COOKIE".
+std::string pageRequest(const std::string &line)
+{
+    const std::size_t end = line.rfind(' ');
+    return line.substr(0, end) + " HTTP/1.1\r\nHost: localhost\r\nCookie: " + line.substr(end + 1) +
+           "\r\n\r\n";
+}
+
 } // namespace
 
 int main(int count, char **arguments)
@@ -167,8 +182,7 @@ int main(int count, char **arguments)
               .requests = {},
               .microseconds = {}};
     for (std::string body; std::getline(std::cin, body);)
-        load.requests.push_back("POST /tarvex/ HTTP/1.1\r\nHost: localhost\r\nContent-Length: " +
-                                std::to_string(body.size()) + "\r\n\r\n" + body);
+        load.requests.push_back(body.starts_with("GET ") ? pageRequest(body) : request(body));
     run(load);
     const std::chrono::duration<double> seconds = Clock::now() - load.begin;
     std::vector<double> &times = load.microseconds;

@@ -156,7 +156,7 @@ def make_database(path, accounts, goals):
     sets = -(-goals // (8 * GOALS_OF_PLACE))
     people = [(n, (n + 1) * step) for n in range(accounts)]
     database.executemany(
-        "INSERT INTO account SELECT ?, name, password_hash, version, ?, ?, created_at, ?, ?, 0, 0, 0, 0 FROM account"
+        "INSERT INTO account SELECT ?, name, password_hash, version, ?, ?, created_at, ?, ?, 0, 0, 0, 0, NULL FROM account"
         " WHERE account_id = ?", [(key, sets + 1, goals + 1, goals, goals * len(NAME), sample) for _, key in people])
     for n, key in people:  # as the service keeps it, and as the bare servers look for it
         login = digest(f"account {n}")

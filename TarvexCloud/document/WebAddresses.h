@@ -2,10 +2,10 @@
 
 #include <QLatin1String>
 
-/// Where the Help menu's links lead. Whoever runs a service of their own puts its pages here; until then
-/// these are addresses in a domain that is reserved for examples.
+/// Where the Help menu's links lead: to the pages of the service that the client is built for, whose operator may
+/// lead on from the latter two.
 namespace WebAddresses {
-inline constexpr QLatin1String webSite("https://www.example.org/tarvex-cloud/");
-inline constexpr QLatin1String twitter("https://www.example.org/tarvex-cloud/twitter");
-inline constexpr QLatin1String facebook("https://www.example.org/tarvex-cloud/facebook");
+inline constexpr QLatin1String webSite(TARVEX_WEB_SITE);
+inline constexpr QLatin1String twitter(TARVEX_WEB_SITE "twitter");
+inline constexpr QLatin1String facebook(TARVEX_WEB_SITE "facebook");
 } // namespace WebAddresses

@@ -8,6 +8,7 @@
 #include "ServeOptions.h"
 #include "Server.h"
 #include "ServiceManager.h"
+#include "Site.h"
 #include "WatchServer.h"
 
 #include <algorithm>
@@ -76,12 +77,16 @@ public:
     Serving(const ServeOptions &options, const InstallationOptions &installation, const CommandLine &line)
         : m_line(line), m_address(listenAddress(options.listen).value()), m_log(options.logFile),
           m_isNew(installation.isMissing()), m_database(installation.orNew(roomOf(options))),
-          m_service(m_database, installation.open(m_database), /*clocks=*/{}, options.signUpRules),
+          m_hash(installation.open(m_database)),
+          m_service(m_database, m_hash, /*clocks=*/{}, options.signUpRules),
+          m_site(m_database, m_service, m_hash, /*clocks=*/{}, options.links),
           m_server(
               m_service, m_address.host, m_address.port, /*limits=*/{},
               [this](const http::RequestReport &report) { m_log.request(report); }, options.proxies())
     {
         setLogLevel(options.logLevel);
+        if (options.hasPages(m_address.host))
+            m_server.show(m_site);
         if (!options.watch.empty())
             watch(options);
         m_server.tell({.round = [this] { makeRound(); },
@@ -143,7 +148,9 @@ private:
     Log m_log; // the last to end, for it may end the process
     bool m_isNew;
     store::Database m_database;
+    security::KeyedHash m_hash;
     requests::Service m_service;
+    pages::Site m_site;
     http::Server m_server;
     watch::Condition m_condition{m_database};
     watch::Watched m_watched{.database = m_database,

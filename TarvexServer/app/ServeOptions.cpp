@@ -5,6 +5,8 @@
 #include "ListenAddress.h"
 #include "Settings.h"
 
+#include <algorithm>
+#include <boost/asio/ip/address.hpp>
 #include <map>
 #include <stdexcept>
 
@@ -61,6 +63,39 @@ void addNetworkOptions(CLI::App &command, ServeOptions &options)
         ->capture_default_str();
 }
 
+/// What the web site links to is the operator's: nothing but an address of the web can be meant.
+CLI::Validator webAddress()
+{
+    return {[](const std::string &text) {
+                const bool isWeb = text.starts_with("https://") || text.starts_with("http://");
+                const bool isPlain =
+                    std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c < '\x7F'; });
+                return isWeb && isPlain ? "" : "It must begin with https:// or http:// and hold no blanks.";
+            },
+            "URL"};
+}
+
+void addPagesOptions(CLI::App &command, ServeOptions &options)
+{
+    using Pages = ServeOptions::Pages;
+    const std::map<std::string, Pages> all = {{"here", Pages::Here}, {"on", Pages::On}, {"off", Pages::Off}};
+    command
+        .add_option(
+            "--pages", options.pages,
+            "Whether browsers get pages: here means only while nobody but this machine can ask for them")
+        ->transform(CLI::CheckedTransformer(all).description("here|on|off"))
+        ->type_name("WHERE")
+        ->default_str("here");
+    command
+        .add_option("--twitter", options.links.twitter,
+                    "Where the client's link of that name leads from /twitter")
+        ->check(webAddress());
+    command
+        .add_option("--facebook", options.links.facebook,
+                    "Where the client's link of that name leads from /facebook")
+        ->check(webAddress());
+}
+
 void addWatchOptions(CLI::App &command, ServeOptions &options)
 {
     namespace level = spdlog::level;
@@ -86,6 +121,14 @@ void addWatchOptions(CLI::App &command, ServeOptions &options)
 
 } // namespace
 
+bool ServeOptions::hasPages(const std::string &host) const
+{
+    boost::system::error_code error;
+    const auto address = boost::asio::ip::make_address(host, error);
+    const bool isHere = host == "localhost" || (!error && address.is_loopback());
+    return pages == Pages::On || (pages == Pages::Here && isHere && trustedProxies.empty());
+}
+
 http::Proxies ServeOptions::proxies() const
 {
     http::Proxies proxies{.trusted = {}, .source = proxySource, .hops = proxyHops};
@@ -99,6 +142,7 @@ std::shared_ptr<const ServeOptions> addServeOptions(CLI::App &command)
     const auto options = std::make_shared<ServeOptions>();
     addNetworkOptions(command, *options);
     addGrowthOptions(command, *options);
+    addPagesOptions(command, *options);
     addWatchOptions(command, *options);
     return options;
 }

@@ -3,6 +3,7 @@
 #include "Commands.h"
 #include "Proxies.h"
 #include "SignUpRules.h"
+#include "Site.h"
 
 #include <CLI/App.hpp>
 #include <cstdint>
@@ -27,8 +28,14 @@ struct ServeOptions
     bool withoutCopy = false;
     std::string watch; ///< where those who watch are answered; empty for nowhere
     bool isWatchedFromAnywhere = false;
+    enum class Pages { Here, On, Off };
+    Pages pages = Pages::Here;
+    pages::SiteLinks links;
     spdlog::level::level_enum logLevel = spdlog::level::info;
     std::string logFile; ///< empty for standard error
+
+    /// Whether the service has pages when it listens there.
+    bool hasPages(const std::string &host) const;
 
     http::Proxies proxies() const;
 };

@@ -22,6 +22,19 @@ std::string_view contentType(requests::Format format)
     return "text/plain; charset=us-ascii";
 }
 
+/// The line that every answer begins with.
+std::string statusLine(beast::status status)
+{
+    const auto reason = beast::obsolete_reason(status);
+    std::string line = "HTTP/1.1 " + std::to_string(static_cast<unsigned>(status)) + " ";
+    return line.append(reason.data(), reason.size()).append("\r\n");
+}
+
+std::string_view end(bool isKept)
+{
+    return isKept ? "\r\n\r\n" : "\r\nConnection: close\r\n\r\n";
+}
+
 } // namespace
 
 beast::status statusOf(Outcome outcome)
@@ -40,14 +53,19 @@ beast::status statusOf(Outcome outcome)
 
 std::string answerHead(beast::status status, requests::Format format, std::size_t length, bool isKept)
 {
-    const auto reason = beast::obsolete_reason(status);
-    std::string head = "HTTP/1.1 " + std::to_string(static_cast<unsigned>(status)) + " ";
-    head.append(reason.data(), reason.size());
-    head.append("\r\nContent-Type: ").append(contentType(format));
+    std::string head = statusLine(status);
+    head.append("Content-Type: ").append(contentType(format));
     head.append("\r\nCache-Control: no-store\r\nContent-Length: ").append(std::to_string(length));
     if (status == beast::status::method_not_allowed)
         head.append("\r\nAllow: POST");
-    return head.append(isKept ? "\r\n\r\n" : "\r\nConnection: close\r\n\r\n");
+    return head.append(end(isKept));
+}
+
+std::string pageHead(const pages::Reply &reply, bool isKept)
+{
+    std::string head = statusLine(beast::int_to_status(reply.status));
+    head.append(reply.fields).append("Content-Length: ").append(std::to_string(reply.body.size()));
+    return head.append(end(isKept));
 }
 
 } // namespace tarvex::http

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Answer.h"
+#include "PageTypes.h"
 
 #include <boost/beast/http/message.hpp>
 #include <cstddef>
@@ -15,5 +16,8 @@ boost::beast::http::status statusOf(requests::Outcome outcome);
 /// it is not.
 std::string answerHead(boost::beast::http::status status, requests::Format format, std::size_t length,
                        bool isKept);
+
+/// The same before a page.
+std::string pageHead(const pages::Reply &reply, bool isKept);
 
 } // namespace tarvex::http

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Answer.h"
+#include "PageTypes.h"
 
 #include <atomic>
 #include <cstddef>
@@ -41,6 +42,13 @@ private:
 struct BuiltAnswer
 {
     requests::Answer answer;
+    AnswerMemory::Share share = {};
+};
+
+/// A page on its way.
+struct BuiltPage
+{
+    pages::Reply reply;
     AnswerMemory::Share share = {};
 };
 

@@ -12,6 +12,7 @@ struct Limits
 {
     std::size_t head = 8UL * 1024;
     std::size_t body = requests::largestBody;
+    std::size_t form = 512UL * 1024; ///< of a page
     /// A longer body than this is not even read to its end, and costs the connection.
     std::size_t discardedBody = 64UL * 1024 * 1024;
     /// The bodies of all connections together.

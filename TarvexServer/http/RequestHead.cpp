@@ -39,11 +39,9 @@ std::string_view pathOf(std::string_view target)
     return target.substr(std::min(target.find('/'), target.size()));
 }
 
-} // namespace
-
-std::optional<HeadFault> faultOf(const HeadParser &parser)
+/// What is wrong with a head whatever it asks for.
+std::optional<HeadFault> commonFaultOf(const Head &head)
 {
-    const Head &head = parser.get();
     if (!isHostSound(head))
         return HeadFault{beast::status::bad_request, "The request must name one host."};
     if (head.count(beast::field::content_length) > 1) // be it the same
@@ -51,13 +49,45 @@ std::optional<HeadFault> faultOf(const HeadParser &parser)
     if (isCodingUnknown(head))
         return HeadFault{beast::status::not_implemented,
                          "The body is in a form that is not understood here."};
+    return {};
+}
+
+constexpr HeadFault withoutLength{beast::status::length_required, "The request must state its length."};
+
+} // namespace
+
+std::optional<HeadFault> faultOf(const HeadParser &parser)
+{
+    const Head &head = parser.get();
+    if (const auto fault = commonFaultOf(head))
+        return fault;
     if (pathOf(head.target()) != servicePath)
         return HeadFault{beast::status::not_found, "There is nothing here."};
     if (head.method() != beast::verb::post)
         return HeadFault{beast::status::method_not_allowed, "The service answers POST requests only."};
     if (parser.chunked() || !head.has_content_length())
-        return HeadFault{beast::status::length_required, "The request must state its length."};
+        return withoutLength;
     return {};
+}
+
+bool isForPages(const HeadParser &parser)
+{
+    return !targetOf(parser).starts_with(servicePath);
+}
+
+std::optional<HeadFault> pageFaultOf(const HeadParser &parser)
+{
+    const Head &head = parser.get();
+    if (const auto fault = commonFaultOf(head))
+        return fault;
+    if (parser.chunked())
+        return withoutLength;
+    return {};
+}
+
+std::string_view targetOf(const HeadParser &parser)
+{
+    return pathOf(parser.get().target());
 }
 
 } // namespace tarvex::http

@@ -19,4 +19,11 @@ struct HeadFault
 /// Why a request whose head was read is none of the protocol; nothing if it is one, and states its length.
 std::optional<HeadFault> faultOf(const HeadParser &parser);
 
+/// Whether a request asks for something beside the protocol.
+bool isForPages(const HeadParser &parser);
+/// Why such a request cannot be served; nothing if it can, whatever it asks for.
+std::optional<HeadFault> pageFaultOf(const HeadParser &parser);
+/// What it asks for: path and query.
+std::string_view targetOf(const HeadParser &parser);
+
 } // namespace tarvex::http

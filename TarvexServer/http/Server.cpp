@@ -27,6 +27,7 @@ Server::Server(requests::Service &service, const std::string &host, std::uint16_
     : m_counts(limits), m_context{.limits = limits,
                                   .proxies = std::move(proxies),
                                   .service = service,
+                                  .site = nullptr,
                                   .workers = m_workers,
                                   .report = std::move(report),
                                   .answers = AnswerMemory(limits.answersInMemory)},

@@ -29,6 +29,23 @@ constexpr std::size_t bodyStep = 64UL * 1024; // and further ones are reserved b
 constexpr std::size_t lingeringBytes = 1024UL * 1024;
 constexpr std::chrono::seconds lingeringTime{2};
 
+/// What the operator calls the end of a page.
+Outcome outcomeOf(const pages::Reply &reply)
+{
+    switch (reply.status) {
+    case 413:
+        return Outcome::TooLarge;
+    case 429:
+        return Outcome::TooManyAttempts;
+    case 503:
+        return reply.cause.empty() ? Outcome::Busy : Outcome::Failed;
+    case 507:
+        return Outcome::Failed;
+    default:
+        return reply.status < 400 ? Outcome::Done : Outcome::Invalid;
+    }
+}
+
 } // namespace
 
 Session::Session(Socket socket, ConnectionPlace place, std::string proxy, SessionContext &context)
@@ -156,10 +173,11 @@ void Session::headArrived(Error error)
         refuseHead(error);
         return;
     }
-    if (const auto fault = faultOf(*m_parser))
+    m_isForPages = m_context.site != nullptr && isForPages(*m_parser);
+    if (const auto fault = m_isForPages ? pageFaultOf(*m_parser) : faultOf(*m_parser))
         sendStatus(fault->status, std::string(fault->sentence));
     else
-        beginBody(static_cast<std::size_t>(*m_parser->content_length()));
+        beginBody(static_cast<std::size_t>(m_parser->content_length().value_or(0)));
 }
 
 void Session::refuseHead(Error error)
@@ -173,7 +191,7 @@ void Session::refuseHead(Error error)
 void Session::beginBody(std::size_t length)
 {
     const Limits &limits = m_context.limits;
-    if (length > limits.body)
+    if (length > (m_isForPages ? limits.form : limits.body))
         m_refusal = Outcome::TooLarge;
     else if (m_place.welcome() == ConnectionCounts::Welcome::Refused)
         m_refusal = Outcome::Busy;
@@ -223,7 +241,8 @@ void Session::bodyCutShort()
 {
     takeBodyBytes();
     m_arrival = std::chrono::steady_clock::now();
-    report(m_context.service.refuse(m_body, m_refusal.value_or(Outcome::Invalid)));
+    if (!m_isForPages)
+        report(m_context.service.refuse(m_body, m_refusal.value_or(Outcome::Invalid)));
     forgetRequest();
     releaseBody();
 }
@@ -262,8 +281,12 @@ void Session::bodyArrived()
     m_deadline = std::chrono::steady_clock::time_point::max();
     m_arrival = std::chrono::steady_clock::now();
     const unsigned turn = m_turn;
-    if (m_refusal)
-        m_context.workers.refuse(m_body, *m_refusal, answerLater());
+    if (m_isForPages && m_refusal)
+        refusePage(*m_refusal);
+    else if (m_isForPages)
+        servePage();
+    else if (m_refusal)
+        m_context.workers.refuse(m_body, *m_refusal, later(&Session::answer));
     else
         serve();
     if (turn == m_turn) // else it is answered already
@@ -283,16 +306,17 @@ std::string Session::requestPeer() const
     return address ? peerName(*address, /*isMachineLimited=*/true) : m_proxy;
 }
 
-/// Takes the answer to the present request on any thread.
-std::function<void(BuiltAnswer)> Session::answerLater()
+/// Has a function take what the present request leads to, on any thread.
+template<class Built>
+std::function<void(Built)> Session::later(void (Session::*take)(Built))
 {
-    return [weak = weak_from_this(), turn = m_turn,
-            guard = asio::make_work_guard(m_socket.get_executor())](BuiltAnswer built) {
+    return [weak = weak_from_this(), turn = m_turn, take,
+            guard = asio::make_work_guard(m_socket.get_executor())](Built built) {
         // The session must not end on the thread of a worker: until it is answered, its timer keeps it.
-        asio::dispatch(guard.get_executor(), [weak, turn, built = std::move(built)]() mutable {
+        asio::dispatch(guard.get_executor(), [weak, turn, take, built = std::move(built)]() mutable {
             const auto self = weak.lock();
             if (self && turn == self->m_turn)
-                self->answer(std::move(built));
+                (self.get()->*take)(std::move(built));
         });
     };
 }
@@ -301,14 +325,65 @@ void Session::serve()
 {
     requests::Request request{.body = std::move(m_body), .peer = m_requestPeer, .arrival = m_arrival};
     m_body = request.body.substr(0, beginningOfBody);
-    m_context.workers.submit(std::move(request), answerLater());
+    m_context.workers.submit(std::move(request), later(&Session::answer));
+}
+
+/// What the browser says of itself.
+pages::Request Session::pageRequest()
+{
+    const auto &head = m_parser->get();
+    const auto field = [&](std::string_view name) { return std::string(head[name]); };
+    std::string cookies;
+    const auto sent = head.equal_range(beast::field::cookie);
+    for (auto cookie = sent.first; cookie != sent.second; ++cookie)
+        cookies.append(cookies.empty() ? "" : "; ").append(cookie->value());
+    return {.method = std::string(head.method_string()),
+            .target = std::string(targetOf(*m_parser)),
+            .host = field("Host"),
+            .cookie = std::move(cookies),
+            .contentType = field("Content-Type"),
+            .origin = field("Origin"),
+            .fetchSite = field("Sec-Fetch-Site"),
+            .body = std::move(m_body),
+            .peer = m_requestPeer,
+            .isEncrypted = !m_proxy.empty() && field("X-Forwarded-Proto") == "https",
+            .arrival = m_arrival};
+}
+
+void Session::servePage()
+{
+    pages::Site &site = *m_context.site;
+    m_context.workers.submit(site, site.begin(pageRequest()), later(&Session::answerPage));
+}
+
+void Session::refusePage(Outcome outcome)
+{
+    answerPage({m_context.site->refusal(outcome)});
+}
+
+void Session::answerPage(BuiltPage built)
+{
+    ++m_turn; // whatever still comes for this request comes too late
+    m_handlerTimer.cancel();
+    releaseBody();
+    m_isKept = m_parser->get().keep_alive() && !m_isBodyLeft && !m_context.isDraining;
+    const bool isHeadWanted = m_parser->get().method() == beast::verb::head;
+    reportPage(built.reply);
+    forgetRequest();
+    m_answerShare = std::move(built.share);
+    std::string head = pageHead(built.reply, m_isKept);
+    send(std::move(head), isHeadWanted ? "" : std::move(built.reply.body));
 }
 
 void Session::limitWaiting()
 {
     m_handlerTimer.expires_after(m_context.limits.handlerTime);
     m_handlerTimer.async_wait([self = shared_from_this(), turn = m_turn](Error error) {
-        if (!error && turn == self->m_turn)
+        if (error || turn != self->m_turn)
+            return;
+        if (self->m_isForPages)
+            self->refusePage(Outcome::Busy);
+        else
             self->answer({self->m_context.service.refuse(self->m_body, Outcome::Busy)});
     });
 }
@@ -350,6 +425,20 @@ void Session::report(const requests::Answer &answer) const
                           .time = std::chrono::duration_cast<std::chrono::microseconds>(time)});
 }
 
+void Session::reportPage(const pages::Reply &reply) const
+{
+    const auto time = std::chrono::steady_clock::now() - m_arrival;
+    m_context.service.measures().pages.add(time);
+    if (m_context.report)
+        m_context.report({.kind = "page",
+                          .outcome = outcomeOf(reply),
+                          .cause = reply.cause,
+                          .peer = m_requestPeer,
+                          .bytesIn = m_bodySize,
+                          .bytesOut = reply.body.size(),
+                          .time = std::chrono::duration_cast<std::chrono::microseconds>(time)});
+}
+
 void Session::sendStatus(beast::status status, const std::string &sentence)
 {
     m_context.service.measures().unreadable.add();
@@ -361,6 +450,11 @@ void Session::send(beast::status status, requests::Format format, std::string bo
 {
     m_isKept = m_isKept && !m_context.isDraining;
     std::string head = answerHead(status, format, body.size(), m_isKept);
+    send(std::move(head), std::move(body));
+}
+
+void Session::send(std::string head, std::string body)
+{
     m_answer = {std::move(head), std::move(body)};
     allow(m_context.limits.writeTime);
     asio::async_write(m_socket, std::array{asio::buffer(m_answer[0]), asio::buffer(m_answer[1])},

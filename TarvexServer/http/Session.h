@@ -47,6 +47,7 @@ struct SessionContext
     Limits limits;
     Proxies proxies;
     requests::Service &service;
+    pages::Site *site; ///< null where there are no pages
     Workers &workers;
     Reporter report;
     AnswerMemory answers;
@@ -98,12 +99,19 @@ private:
     void bodyArrived();
     std::string requestPeer() const;
     void serve();
-    std::function<void(BuiltAnswer)> answerLater();
+    void servePage();
+    void answerPage(BuiltPage built);
+    void refusePage(requests::Outcome outcome);
+    pages::Request pageRequest();
+    template<class Built>
+    std::function<void(Built)> later(void (Session::*take)(Built));
     void limitWaiting();
     void answer(BuiltAnswer built);
     void report(const requests::Answer &answer) const;
+    void reportPage(const pages::Reply &reply) const;
     void sendStatus(boost::beast::http::status status, const std::string &sentence);
     void send(boost::beast::http::status status, requests::Format format, std::string body);
+    void send(std::string head, std::string body);
     void sent();
     void linger();
     void reserveBody(std::size_t size);
@@ -132,6 +140,7 @@ private:
     std::size_t m_bodySize = 0;
     std::size_t m_keptBody = 0;     ///< of a request that will be refused only the beginning is kept
     std::size_t m_reservedBody = 0; ///< this session's share of SessionContext::bodyBytes
+    bool m_isForPages = false;      ///< the request
     std::optional<requests::Outcome> m_refusal;
     std::chrono::steady_clock::time_point m_arrival;
     unsigned m_turn = 0; ///< counts requests, so that a late answer does not meet the next one

@@ -32,7 +32,7 @@ void Workers::stop()
     m_requestThreads.join();
 }
 
-void Workers::submit(requests::Request request, Done done)
+void Workers::submit(requests::Request request, const Done &done)
 {
     goOn(m_service.begin(std::move(request)), done);
 }
@@ -116,6 +116,65 @@ BuiltAnswer Workers::built(requests::Turn &turn)
     requests::Answer answer = m_service.finish(turn);
     auto share = m_answers.take(answer.body.size());
     return share ? BuiltAnswer{std::move(answer), std::move(*share)} : BuiltAnswer{m_service.giveUp(turn)};
+}
+
+void Workers::submit(pages::Site &site, const std::shared_ptr<pages::Visit> &visit, const Shown &shown)
+{
+    using Step = pages::Visit::Step;
+    switch (visit->step) {
+    case Step::Reply:
+        shown(built(site, *visit));
+        break;
+    case Step::Work:
+        m_queues.enter(queueOf(*visit), [this, &site, visit, shown](AccountQueues::Place place) {
+            boost::asio::post(m_requestThreads, [this, &site, visit, shown, place = std::move(place)] {
+                goOn(site, visit, shown, [&] { site.goOn(*visit); });
+            });
+        });
+        break;
+    case Step::Hash: {
+        const auto run = [this, &site, visit, shown] {
+            goOn(site, visit, shown, [&] { site.goOn(*visit); });
+        };
+        m_hashingThreads.submit(
+            visit->request.peer.empty() ? visit->path : visit->request.peer,
+            {.run = run, .drop = [&site, shown] { shown({site.refusal(requests::Outcome::Busy)}); }});
+        break;
+    }
+    case Step::SignUp: {
+        requests::Request request{
+            .body = visit->signUpBody, .peer = visit->request.peer, .arrival = visit->request.arrival};
+        goOn(m_service.begin(std::move(request)), [this, &site, visit, shown](const BuiltAnswer &signedUp) {
+            goOn(site, visit, shown, [&] { site.signedUp(*visit, signedUp.answer); });
+        });
+        break;
+    }
+    }
+}
+
+/// Takes a step, and begins the next, on a thread that must go on whatever happens.
+template<class Work>
+void Workers::goOn(pages::Site &site, const std::shared_ptr<pages::Visit> &visit, const Shown &shown,
+                   const Work &work)
+{
+    try {
+        work();
+        submit(site, visit, shown);
+    } catch (const std::exception &) { // no memory; whoever waits for the page has a time limit
+    }
+}
+
+/// The account of whoever is signed in; others wait for nobody.
+std::int64_t Workers::queueOf(const pages::Visit &visit)
+{
+    return visit.session ? visit.session->accountId : --m_lastStranger;
+}
+
+BuiltPage Workers::built(const pages::Site &site, pages::Visit &visit)
+{
+    auto share = m_answers.take(visit.reply.body.size());
+    return share ? BuiltPage{std::move(visit.reply), std::move(*share)}
+                 : BuiltPage{site.refusal(requests::Outcome::Busy)};
 }
 
 } // namespace tarvex::http

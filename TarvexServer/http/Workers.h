@@ -5,6 +5,7 @@
 #include "FairThreads.h"
 #include "Limits.h"
 #include "Service.h"
+#include "Site.h"
 
 #include <atomic>
 #include <boost/asio/thread_pool.hpp>
@@ -18,6 +19,7 @@ class Workers
 {
 public:
     using Done = std::function<void(BuiltAnswer)>;
+    using Shown = std::function<void(BuiltPage)>;
 
     Workers(requests::Service &service, const Limits &limits, AnswerMemory &answers);
     ~Workers();
@@ -26,10 +28,13 @@ public:
 
     /// Calls done with the answer, at once or on another thread. From one thread only. While too much waits
     /// to be sent, what would be large is busy instead.
-    void submit(requests::Request request, Done done);
+    void submit(requests::Request request, const Done &done);
 
     /// The same with a request that will not be served, of which the body's beginning is enough.
     void refuse(std::string_view body, requests::Outcome outcome, const Done &done);
+
+    /// Calls `shown` with the page that the visit leads to, in the same way.
+    void submit(pages::Site &site, const std::shared_ptr<pages::Visit> &visit, const Shown &shown);
 
     /// Ends the threads; requests that wait are dropped without an answer.
     void stop();
@@ -41,6 +46,11 @@ private:
     void goOn(const std::shared_ptr<requests::Turn> &turn, const Done &done);
     void read(const std::shared_ptr<Running> &running);
     std::int64_t queueOf(const requests::Turn &turn);
+    std::int64_t queueOf(const pages::Visit &visit);
+    template<class Work>
+    void goOn(pages::Site &site, const std::shared_ptr<pages::Visit> &visit, const Shown &shown,
+              const Work &work);
+    BuiltPage built(const pages::Site &site, pages::Visit &visit);
     void tell(BuiltAnswer answer, const Done &done);
     BuiltAnswer built(requests::Turn &turn);
 

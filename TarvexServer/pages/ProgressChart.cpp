@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <functional>
 #include <numeric>
 #include <string_view>
 
@@ -211,12 +212,13 @@ std::string drawnNumbers(const Drawing &drawing)
     std::vector<std::pair<std::int64_t, std::size_t>> ends;
     for (std::size_t i = 0; i < lineCount; ++i)
         ends.emplace_back(yOf(i, drawing.lines[i].back().percent), i);
-    std::sort(ends.begin(), ends.end());
+    std::sort(ends.begin(), ends.end(), std::greater<>());
     std::int64_t lowest = bottom; // from below, each one above the one before
-    for (auto end = ends.rbegin(); end != ends.rend(); ++end) {
-        end->first = std::min(end->first, lowest);
-        lowest = end->first - betweenNumbers;
+    for (auto &[y, index] : ends) {
+        y = std::min(y, lowest);
+        lowest = y - betweenNumbers;
     }
+    std::reverse(ends.begin(), ends.end());
     std::int64_t highest = top; // and those that went too far down again
     std::string numbers;
     for (auto &[y, index] : ends) {

@@ -79,6 +79,7 @@ struct Measures
     Counter notRemembered;
     Durations writerWaits; ///< of what is to be written, for the thread that writes
     Durations hashingWaits;
+    Durations pages; ///< from the last byte of a request for one until it leaves
 };
 
 } // namespace tarvex::requests

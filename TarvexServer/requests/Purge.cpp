@@ -1,18 +1,33 @@
 #include "Purge.h"
 
+#include "AccountRemoval.h"
+#include "ClosedAccounts.h"
 #include "Deleted.h"
 #include "FailureCounts.h"
 #include "Incidents.h"
 #include "Invitations.h"
+#include "WebSessions.h"
 
 namespace tarvex::requests {
 
 namespace {
 
-constexpr std::int64_t keptSeconds = 30LL * 24 * 60 * 60;
+constexpr std::int64_t keptSeconds = Purge::keptDays * 24 * 60 * 60;
 constexpr std::chrono::minutes betweenRounds{1}; // a disk that has nothing to do may sleep meanwhile
 constexpr int accountsPerStep = 20;
 constexpr std::int64_t rowsPerStep = 200; // so that nobody's write waits for long
+
+/// Removes an account that was closed before a time, a step of it. Tells whether there may be more.
+bool removeClosed(store::Connection &connection, std::int64_t before)
+{
+    const auto accountId = store::nextClosed(connection, before);
+    if (!accountId)
+        return false;
+    store::freeLogins(connection, *accountId); // so that nobody has it kept any more
+    if (store::removeSome(connection, *accountId, rowsPerStep) < rowsPerStep)
+        store::removeAccount(connection, *accountId);
+    return true;
+}
 
 } // namespace
 
@@ -30,7 +45,7 @@ void Purge::step()
 {
     if (m_isUnderWay->exchange(true))
         return;
-    const bool isThrough = m_account == 0;
+    const bool isThrough = m_account == 0 && !m_isRemoving;
     if (isThrough && m_clocks.steady() < m_lastStep + betweenRounds) {
         *m_isUnderWay = false;
         return;
@@ -57,6 +72,8 @@ void Purge::removeSome(store::Connection &connection)
     const std::int64_t now = m_clocks.seconds();
     store::forgetIncidents(connection, now - security::FailureCounts::window.count(), now);
     store::purgeInvitations(connection, before);
+    store::purgeWebSessions(connection, now);
+    m_isRemoving = removeClosed(connection, before);
     std::int64_t removed = 0;
     for (int i = 0; i < accountsPerStep && removed < rowsPerStep; ++i) {
         m_account = store::nextWithDeleted(connection, m_account).value_or(0);

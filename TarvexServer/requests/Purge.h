@@ -8,10 +8,13 @@
 
 namespace tarvex::requests {
 
-/// Removes for good what was deleted, or expired, more than 30 days of running ago, in small steps.
+/// Removes for good what was deleted, or expired, and accounts that were closed, more than 30 days of running
+/// ago, in small steps.
 class Purge
 {
 public:
+    static constexpr std::int64_t keptDays = 30;
+
     Purge(store::Database &database, const Clocks &clocks);
     /// Waits for the step that is under way.
     ~Purge();
@@ -29,6 +32,7 @@ private:
     const Clocks &m_clocks;
     std::shared_ptr<std::atomic<bool>> m_isUnderWay = std::make_shared<std::atomic<bool>>(false);
     std::int64_t m_account = 0; // the last that was looked at
+    bool m_isRemoving = false;  // an account that was closed
     std::chrono::steady_clock::time_point m_lastStep;
 };
 

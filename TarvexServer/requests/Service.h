@@ -73,6 +73,26 @@ private:
     Step m_step = Step::Answer;
 };
 
+/// Whether a password is right, asked by whoever does not ask by the protocol.
+struct PasswordQuestion
+{
+    std::string login = {};     ///< its digest; empty where the account is known
+    std::int64_t accountId = 0; ///< of whom is signed in already
+    std::string password = {};  ///< its digest
+    std::string peer = {};      ///< as that of a Request
+    std::chrono::steady_clock::time_point arrival = {};
+
+    /// Leaves no digest in memory.
+    ~PasswordQuestion();
+};
+
+struct PasswordAnswer
+{
+    Outcome outcome = Outcome::NotSignedIn;
+    std::int64_t accountId = 0;
+    std::int64_t version = 0; ///< of the account when the password was right
+};
+
 /// Turns request bodies into answers; knows no sockets and no SQL. For many threads.
 ///
 /// A request takes a few steps, which Turn::step() asks for, so that the caller decides where each one runs:
@@ -95,8 +115,13 @@ public:
     /// The same for a turn that is to write, without waiting: `done` is told on another thread.
     void finishLater(const std::shared_ptr<Turn> &turn, std::function<void(const Answer &)> done);
 
+    /// Answers within the limits of signing in and in their time, also for an account that is closed. Burns
+    /// as much as verify() does. Throws what Database::read() does.
+    PasswordAnswer check(const PasswordQuestion &question);
+
     /// From now on others may make an account. From any thread.
     void setSignUpRules(const SignUpRules &rules);
+    SignUpRules signUpRules();
 
     /// What was done so far, to which whoever serves over a network adds what it alone knows.
     Measures &measures() { return m_measures; }
@@ -134,7 +159,7 @@ private:
     Answer end(Turn &turn);
     Answer conclude(const RequestKind &kind, const wire::Form &form, Answer answer);
     store::Database::Work writing(Turn &turn);
-    SignUpRules signUpRules();
+    Failures::Keys limitedKeys(const PasswordQuestion &question) const;
     bool isOverdue(const Turn &turn) const;
     std::string saverOf(const wire::Form &form) const;
 

@@ -26,6 +26,7 @@ void removeAccount(Connection &connection, std::int64_t accountId)
     connection.change("DELETE FROM goal_set WHERE account_id = $1", accountId);
     connection.change("DELETE FROM area WHERE account_id = $1", accountId);
     connection.change("DELETE FROM login WHERE account_id = $1", accountId);
+    connection.change("DELETE FROM web_session WHERE account_id = $1", accountId);
     const std::int64_t removed = connection.change("DELETE FROM account WHERE account_id = $1", accountId);
     connection.change("UPDATE account_count SET accounts = accounts - $1", removed);
 }

@@ -9,9 +9,10 @@ namespace tarvex::store {
 
 namespace {
 
-constexpr const char *selectCredentials = "SELECT account_id, version, changes, seen_on,"
-                                          " CASE WHEN disabled = 0 THEN password_hash ELSE '' END"
-                                          " FROM account WHERE account_id = $1";
+constexpr const char *selectCredentials =
+    "SELECT account_id, version, changes, seen_on,"
+    " CASE WHEN disabled = 0 AND closed_at IS NULL THEN password_hash ELSE '' END"
+    " FROM account WHERE account_id = $1";
 
 std::optional<Credentials> credentialsIn(Rows found)
 {

@@ -19,7 +19,7 @@ struct Credentials
     std::int64_t version = 0;
     std::int64_t changes = 0;
     std::int64_t seenOn = 0;  ///< the day of noteSeen()
-    std::string passwordHash; ///< empty, which no password matches, while the account is disabled
+    std::string passwordHash; ///< empty, which no password matches, while the account is disabled or closed
 };
 
 struct NewArea

@@ -75,6 +75,8 @@ void addWork(Prometheus &text, const Measures &measures)
     text.samples("", measures.writerWaits);
     text.histogram("tarvex_hashing_wait_seconds", "A password waits so long for being hashed.");
     text.samples("", measures.hashingWaits);
+    text.histogram("tarvex_page_seconds", "A page takes so long, until its answer leaves.");
+    text.samples("", measures.pages);
     text.counter("tarvex_remembered_answers_total", "Answers to reads that were known still, and others.");
     text.sample(label("found", "hit"), measures.remembered.count());
     text.sample(label("found", "missed"), measures.notRemembered.count());

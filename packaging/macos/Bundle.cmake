@@ -10,5 +10,5 @@ set_target_properties(tarvex-cloud PROPERTIES MACOSX_BUNDLE ON
   MACOSX_BUNDLE_BUNDLE_NAME "Tarvex Cloud"
   MACOSX_BUNDLE_BUNDLE_VERSION ${PROJECT_VERSION}
   MACOSX_BUNDLE_SHORT_VERSION_STRING ${PROJECT_VERSION}
-  MACOSX_BUNDLE_GUI_IDENTIFIER org.example.tarvex-cloud # see WebAddresses.h
+  MACOSX_BUNDLE_GUI_IDENTIFIER org.example.tarvex-cloud # a domain that is reserved for examples
   MACOSX_BUNDLE_ICON_FILE tarvex-cloud.icns)

@@ -8,6 +8,7 @@ SELECT create_distributed_table('account', 'account_id');
 SELECT create_distributed_table('area', 'account_id', colocate_with => 'account');
 SELECT create_distributed_table('goal_set', 'account_id', colocate_with => 'account');
 SELECT create_distributed_table('goal', 'account_id', colocate_with => 'account');
+SELECT create_distributed_table('web_session', 'account_id', colocate_with => 'account');
 SELECT create_distributed_table('set_progress', 'account_id', colocate_with => 'account');
 SELECT create_distributed_table('area_progress', 'account_id', colocate_with => 'account');
 SELECT create_distributed_table('login', 'login_digest', colocate_with => 'none');

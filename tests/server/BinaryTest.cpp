@@ -184,6 +184,15 @@ TEST(Binary, LeavesNoPasswordBehind)
     ServerProcess server(folder, serveHere, "/bin/sh cores.sh ");
     RawClient client(server.port());
     client.post("p1=create-new-user&p2=somebody@example.org&p3=Unlikely-4711-words&p4=Newcomer&type=json");
+    for (const std::string form : {"/sign-in?login=somebody%40example.org&password=Unlikely-4711-words",
+                                   "/sign-up?name=B&email=somebody.else%40example.org&password=Unlikely-4711-"
+                                   "words&again=Unlikely-4711-words"}) {
+        const std::string body = form.substr(form.find('?') + 1);
+        client.send("POST " + form.substr(0, form.find('?')) +
+                    " HTTP/1.1\r\nHost: x\r\nContent-Length: " + std::to_string(body.size()) +
+                    "\r\nContent-Type: application/x-www-form-urlencoded\r\n\r\n" + body);
+        EXPECT_EQ(client.read()["Location"], "/wheel");
+    }
     client.post("p1=x");
     const std::string process = "/proc/" + std::to_string(server.child.id());
     std::ifstream maps(process + "/maps");
@@ -254,6 +263,30 @@ TEST(Binary, ListensToThisMachineAloneUnlessToldOtherwise)
     EXPECT_NE(ServerProcess::read(help.output, '\0').find("=127.0.0.1:8717\n"), std::string::npos);
     EXPECT_EQ(help.ended().first, 0);
     EXPECT_EQ(app::serviceUrl("::1", 80), "http://[::1]:80/tarvex/");
+}
+
+TEST(Binary, ShowsPagesToThisMachineAloneUnlessToldOtherwise)
+{
+    const auto front = [](const std::string &options) {
+        const TemporaryFolder folder;
+        ServerProcess server(folder, "serve --database sqlite:wheel.db" + options);
+        RawClient client(server.port());
+        client.send("GET / HTTP/1.1\r\nHost: localhost\r\n\r\n");
+        const auto status = client.read().result_int();
+        ::kill(server.child.id(), SIGTERM);
+        server.child.wait();
+        return status;
+    };
+    const std::string here = " --listen 127.0.0.1:0";
+    const std::string everywhere = " --listen 0.0.0.0:0";
+    const std::string behindProxy = here + " --trusted-proxy 127.0.0.1";
+    EXPECT_EQ(front(here), 200U);
+    EXPECT_EQ(front(" --listen localhost:0"), 200U);
+    EXPECT_EQ(front(here + " --pages off"), 404U);
+    EXPECT_EQ(front(everywhere), 404U);
+    EXPECT_EQ(front(behindProxy), 404U) << "others ask through it";
+    EXPECT_EQ(front(everywhere + " --pages on"), 200U);
+    EXPECT_EQ(front(behindProxy + " --pages on"), 200U);
 }
 
 TEST(Binary, SaysInOneLineWhyItCannotStart)

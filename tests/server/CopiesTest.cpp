@@ -241,7 +241,7 @@ TEST_F(Copies, AreNotRestoredToAFullDisk)
 {
     run(folder, "sample" + here);
     run(folder, "backup copy.db" + here);
-    const std::string script = "mkdir small; mount -t tmpfs -o size=120k none small; cp wheel.db* small\n"
+    const std::string script = "mkdir small; mount -t tmpfs -o size=160k none small; cp wheel.db* small\n"
                                "\"$@\"; code=$?; ls -A small; cmp wheel.db small/wheel.db; exit $code";
     const auto [exitCode, said] =
         run(folder, "restore copy.db --database sqlite:small/wheel.db", behind(folder, script));
@@ -254,8 +254,9 @@ TEST_F(Copies, AreNotRestoredToAFullDisk)
 TEST_F(Copies, GiveNoIdAgainThatAClientMayKnow)
 {
     run(folder, "sample" + here);
-    change("INSERT INTO account SELECT 5, name, password_hash, 1, 2147483600, 9, 0, 0, 0, 0, 0, 0, 0 FROM "
-           "account");
+    change(
+        "INSERT INTO account SELECT 5, name, password_hash, 1, 2147483600, 9, 0, 0, 0, 0, 0, 0, 0, NULL FROM "
+        "account");
     change("UPDATE account_count SET accounts = 2");
     run(folder, "backup copy.db" + here);
     change("DELETE FROM account WHERE account_id = 5; UPDATE account_count SET accounts = 1;"

@@ -18,6 +18,8 @@ protected:
     {
         m_server = std::make_unique<tarvex::http::Server>(m_service, "127.0.0.1", /*port=*/0, limits,
                                                           tarvex::http::Reporter(), proxies);
+        if (m_site != nullptr)
+            m_server->show(*m_site);
         m_thread = std::thread([this] { m_server->run(); });
     }
     void stop()
@@ -29,6 +31,7 @@ protected:
     }
     std::uint16_t port() const { return m_server->port(); }
 
+    tarvex::pages::Site *m_site = nullptr; // if there are to be pages
     std::unique_ptr<tarvex::http::Server> m_server;
     std::thread m_thread;
 };

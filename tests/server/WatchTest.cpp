@@ -215,8 +215,10 @@ TEST(Watch, CountsWhatHappened)
           asCustomer("create-some-goals", tooMany), asCustomer("delete-some-goals", "&p4=1;"),
           std::string("p1=<script>")})
         client.post(body);
-    client.send("GET / HTTP/1.1\r\nHost: localhost\r\n\r\n");
-    client.read();
+    for (const std::string path : {"/", "/tarvex/"}) { // the latter ends the connection
+        client.send("GET " + path + " HTTP/1.1\r\nHost: localhost\r\n\r\n");
+        client.read();
+    }
     const auto metrics = server.metrics();
     const auto request = [&metrics](const std::string &kind, const std::string &outcome) {
         return metrics.at("tarvex_requests_total{kind=\"" + kind + "\",outcome=\"" + outcome + "\"}");
@@ -235,6 +237,7 @@ TEST(Watch, CountsWhatHappened)
     EXPECT_EQ(metrics.at("tarvex_hashing_wait_seconds_count"), 3); // of the first in each way
     EXPECT_EQ(metrics.at("tarvex_writer_wait_seconds_count"), 4);
     EXPECT_EQ(metrics.at("tarvex_unreadable_requests_total"), 1);
+    EXPECT_EQ(metrics.at("tarvex_page_seconds_count"), 1);
     EXPECT_EQ(metrics.at("tarvex_connections_total"), 1);
     EXPECT_EQ(metrics.at("tarvex_accounts"), 1);
     EXPECT_EQ(server.get("/metrics").body().find("script"), std::string::npos);

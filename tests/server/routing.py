@@ -24,6 +24,8 @@ EVERYWHERE = {
     "SELECT account_id FROM goal_set WHERE account_id > ": "the same",
     "DELETE FROM failure WHERE failed_at <= ": "that process, once a minute",
     "DELETE FROM refused_save WHERE kept_until <= ": "that process, once a minute",
+    "DELETE FROM web_session WHERE used_at <= ": "the same",
+    "SELECT account_id FROM account WHERE closed_at < ": "the same",
     "SELECT login_digest FROM login": "once in the life of a database, when its secret is made",
     "-- A deleted set takes its goals with it.": "a migration, which goes before the spreading",
     "INSERT INTO account_count (accounts) SELECT COUNT(*)": "another one",
