@@ -181,18 +181,18 @@ TEST_F(Pages, ShowProgressDayByDayAndTwoWheelsSideBySide)
     browser.get("/progress?days=31");
     EXPECT_TRUE(has(browser, "<th scope=\"row\">1970-01-13</th><td>100%</td>")) << "not what was just shown";
 
-    browser.get("/progress/compare?left=1&left-day=1970-01-12&right=2&right-day=2999-01-01");
+    browser.get("/progress/compare?first=1&first-day=1970-01-12&second=2&second-day=2999-01-01");
     EXPECT_TRUE(has(browser, "Wheel of My wheel on 1970-01-12"));
     EXPECT_TRUE(has(browser, "Wheel of Summer on 1970-01-13"));
     EXPECT_TRUE(has(browser, "<bdi>Finance</bdi></th><td>2</td><td>8</td><td>0%</td><td>100%</td>"));
-    browser.get("/progress/compare?left-day=1970-01-01");
+    browser.get("/progress/compare?first-day=1970-01-01");
     EXPECT_TRUE(has(browser, "There is nothing from this day yet."));
     for (const char *odd :
-         {"left-day=1970-02-30", "left-day=x", "left-day=1969-12-31",
-          "left-day=1970-01-12&left-day=", "days=-1", "left-day=%F0%9F%98%80%F0%9F%98%80%F0%9F%98%80"})
+         {"first-day=1970-02-30", "first-day=x", "first-day=1969-12-31",
+          "first-day=1970-01-12&first-day=", "days=-1", "first-day=%F0%9F%98%80%F0%9F%98%80%F0%9F%98%80"})
         EXPECT_EQ(browser.ask("GET", std::string("/progress/compare?") + odd).result_int(), 200U) << odd;
     EXPECT_EQ(browser.ask("GET", "/progress?set=9").result_int(), 404U);
-    EXPECT_EQ(browser.ask("GET", "/progress/compare?right=x").result_int(), 404U);
+    EXPECT_EQ(browser.ask("GET", "/progress/compare?second=x").result_int(), 404U);
 }
 
 TEST_F(Pages, ShowNamesAsTheyWereWrittenWhateverIsInThem)
