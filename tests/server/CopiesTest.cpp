@@ -42,6 +42,11 @@ protected:
             found.insert(entry.path().filename());
         return found;
     }
+    void makeSampleAndCopy() const
+    {
+        run(folder, "sample" + here);
+        run(folder, "backup copy.db" + here);
+    }
     void refuses(const std::string &command, const std::string &reason) const
     {
         const std::set<std::string> before = names();
@@ -149,8 +154,7 @@ TEST_F(Copies, NeverReplaceWhatIsNoCopy)
 
 TEST_F(Copies, AreNotRestoredWhileAnybodyUsesTheDatabase)
 {
-    run(folder, "sample" + here);
-    run(folder, "backup copy.db" + here);
+    makeSampleAndCopy();
     {
         ServerProcess server(folder, serveHere);
         server.port();
@@ -170,8 +174,7 @@ TEST_F(Copies, AreNotRestoredWhileAnybodyUsesTheDatabase)
 
 TEST_F(Copies, AreRestoredOnlyWholeAndWithTheirSecret)
 {
-    run(folder, "sample" + here);
-    run(folder, "backup copy.db" + here);
+    makeSampleAndCopy();
     copyOver(at("copy.db"), at("cut.db"));
     fs::resize_file(at("cut.db"), fs::file_size(at("cut.db")) - 8192);
     refuses("restore cut.db", "The copy cut.db cannot be restored. The database cut.db cannot be"
@@ -191,8 +194,7 @@ TEST_F(Copies, AreRestoredOnlyWholeAndWithTheirSecret)
 
 TEST_F(Copies, TakeThePlaceOfADamagedDatabaseThatIsKeptAsItIs)
 {
-    run(folder, "sample" + here);
-    run(folder, "backup copy.db" + here);
+    makeSampleAndCopy();
     const std::string garbage(20'000, 'x');
     std::ofstream(at("wheel.db")) << garbage;
     std::ofstream(at("wheel.db-wal")) << garbage;
@@ -214,8 +216,7 @@ TEST_F(Copies, TakeThePlaceOfADamagedDatabaseThatIsKeptAsItIs)
 
 TEST_F(Copies, TakeThePlaceOfALostDatabaseOfWhichNothingThatIsLeftIsThrownAway)
 {
-    run(folder, "sample" + here);
-    run(folder, "backup copy.db" + here);
+    makeSampleAndCopy();
     {
         store::SqliteConnection session(at("wheel.db"));
         session.useLog();
@@ -239,8 +240,7 @@ TEST_F(Copies, TakeThePlaceOfALostDatabaseOfWhichNothingThatIsLeftIsThrownAway)
 
 TEST_F(Copies, AreNotRestoredToAFullDisk)
 {
-    run(folder, "sample" + here);
-    run(folder, "backup copy.db" + here);
+    makeSampleAndCopy();
     const std::string script = "mkdir small; mount -t tmpfs -o size=160k none small; cp wheel.db* small\n"
                                "\"$@\"; code=$?; ls -A small; cmp wheel.db small/wheel.db; exit $code";
     const auto [exitCode, said] =

@@ -71,3 +71,9 @@ inline std::string onDiskOf(const TemporaryFolder &folder, const std::string &si
 {
     return behind(folder, "mount -t tmpfs -o size=" + size + " none \"$PWD\" && cd \"$PWD\"");
 }
+
+inline std::string contentOf(const std::filesystem::path &file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
