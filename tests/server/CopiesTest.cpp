@@ -19,10 +19,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const std::string here = " --database sqlite:wheel.db";
-
-using Said = std::pair<int, std::string>;
-
 class Copies : public testing::Test
 {
 protected:
@@ -91,8 +87,7 @@ TEST_F(Copies, AreOfOneMomentAndHoldNobodyUp)
     EXPECT_EQ(exitCode, 0) << said;
     EXPECT_GT(saved, 2);
     EXPECT_LT(longest, std::chrono::seconds(5));
-    ::kill(server.child.id(), SIGTERM);
-    server.ended();
+    server.ended(SIGTERM);
     EXPECT_EQ(number("SELECT COUNT(*) % 2 FROM goal", "copy.db"), 0);
     EXPECT_LT(number("SELECT COUNT(*) FROM goal", "copy.db"), number("SELECT COUNT(*) FROM goal"));
     for (const char *file : {"copy.db", "copy.db.secret"})
@@ -160,8 +155,7 @@ TEST_F(Copies, AreNotRestoredWhileAnybodyUsesTheDatabase)
         server.port();
         refuses("restore copy.db", "The database wheel.db is in use by another process; stop that first.");
         refuses("compact", "The database wheel.db is in use by another process; stop that first.");
-        ::kill(server.child.id(), SIGKILL);
-        server.ended();
+        server.ended(SIGKILL);
     }
     {
         store::SqliteConnection other(at("wheel.db"));
@@ -313,9 +307,7 @@ TEST_F(Copies, LeaveTheOldDatabaseOrTheNewWheneverARestoreIsKilled)
                    (isLate ? countKept() == before
                            : std::chrono::steady_clock::now() < begin + whole * i / kills))
                 std::this_thread::yield();
-            if (i < kills)
-                ::kill(restore.child.id(), SIGKILL);
-            restore.ended();
+            restore.ended(i < kills ? SIGKILL : 0);
         });
         store::SqliteConnection left(at("wheel.db"));
         EXPECT_EQ(store::damages(left), std::vector<std::string>());

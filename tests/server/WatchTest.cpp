@@ -1,7 +1,6 @@
 // What is seen from outside of a server that runs.
 
-#include "Md5.h"
-#include "RawClient.h"
+#include "Customer.h"
 #include "SampleRows.h"
 #include "ServerProcess.h"
 #include "SqliteConnection.h"
@@ -40,12 +39,7 @@ public:
     {
     }
 
-    RawClient::Response get(const std::string &target) const
-    {
-        RawClient client(watchPort);
-        client.send("GET " + target + " HTTP/1.1\r\nHost: localhost\r\n\r\n");
-        return client.read();
-    }
+    RawClient::Response get(const std::string &target) const { return RawClient(watchPort).get(target); }
     /// Status and sentence.
     std::pair<unsigned, std::string> told(const std::string &target) const
     {
@@ -82,12 +76,6 @@ public:
 std::string signUp(const std::string &email)
 {
     return "p1=create-new-user&p2=" + email + "&p3=b&p4=C&type=json";
-}
-
-std::string asCustomer(const std::string &kind, const std::string &rest, const std::string &password = "b")
-{
-    return "p1=" + kind + "&p2=" + security::signInDigest("a@example.org") +
-           "&p3=" + security::signInDigest(password) + rest;
 }
 
 /// The socket that a service manager listens to.
@@ -202,16 +190,15 @@ TEST(Watch, CountsWhatHappened)
     for (int i = 0; i < 20'001; ++i)
         tooMany += goal;
     for (const std::string &body :
-         {signUp("a@example.org"), signUp("b@example.org"), asCustomer("get-sets", ""),
-          asCustomer("get-sets", ""), asCustomer("get-sets", ""),
-          asCustomer("get-sets", "", /*password=*/"wrong"), asCustomer("create-some-goals", "&p4=" + goal),
-          asCustomer("create-some-goals", tooMany), asCustomer("delete-some-goals", "&p4=1;"),
+         {signUp("a@example.org"), signUp("b@example.org"), Customer::request("get-sets"),
+          Customer::request("get-sets"), Customer::request("get-sets"),
+          Customer::request("get-sets", "", /*password=*/"wrong"),
+          Customer::request("create-some-goals", "&p4=" + goal),
+          Customer::request("create-some-goals", tooMany), Customer::request("delete-some-goals", "&p4=1;"),
           std::string("p1=<script>")})
         client.post(body);
-    for (const std::string path : {"/", "/tarvex/"}) { // the latter ends the connection
-        client.send("GET " + path + " HTTP/1.1\r\nHost: localhost\r\n\r\n");
-        client.read();
-    }
+    for (const char *path : {"/", "/tarvex/"}) // the latter ends the connection
+        client.get(path);
     const auto metrics = server.metrics();
     for (const SampleRow &row : sampleRows("counted.txt"))
         EXPECT_EQ(metrics.at(row[0]), std::stod(row[1])) << row[0];
