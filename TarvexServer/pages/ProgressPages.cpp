@@ -126,10 +126,10 @@ Values differenceValues(const Side &left, const Side &right, const std::vector<s
         Values row;
         row.set("number", std::to_string(i + 1));
         row.set("name", areas[i].name);
-        row.set("leftValue", textOf(left.values, i, ""));
-        row.set("leftPercent", textOf(left.percents, i, "%"));
-        row.set("rightValue", textOf(right.values, i, ""));
-        row.set("rightPercent", textOf(right.percents, i, "%"));
+        row.set("firstValue", textOf(left.values, i, ""));
+        row.set("firstPercent", textOf(left.percents, i, "%"));
+        row.set("secondValue", textOf(right.values, i, ""));
+        row.set("secondPercent", textOf(right.percents, i, "%"));
         list.push_back(row);
     }
     return list;
@@ -181,8 +181,8 @@ void Site::showComparison(Visit &visit)
     std::vector<store::Set> sets;
     std::vector<store::Area> areas;
     std::array<Side, 2> sides;
-    constexpr std::array<const char *, 2> setFields = {"left", "right"};
-    constexpr std::array<const char *, 2> dayFields = {"left-day", "right-day"};
+    constexpr std::array<const char *, 2> setFields = {"first", "second"};
+    constexpr std::array<const char *, 2> dayFields = {"first-day", "second-day"};
     if (!readAs(visit, [&](store::Connection &connection) {
             const std::int64_t accountId = visit.session->accountId;
             sets = typedSets(connection, accountId);
@@ -204,8 +204,8 @@ void Site::showComparison(Visit &visit)
         return;
     }
     Values both(Values::type::list);
-    both.push_back(sideValues(sides[0], sets, areas, "left"));
-    both.push_back(sideValues(sides[1], sets, areas, "right"));
+    both.push_back(sideValues(sides[0], sets, areas, "first"));
+    both.push_back(sideValues(sides[1], sets, areas, "second"));
     Values values;
     values.set("sides", both);
     values.set("today", textOfDay(today));
