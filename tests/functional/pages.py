@@ -83,13 +83,13 @@ class Browser:
     def text(self):
         return self.driver.find_element(By.TAG_NAME, "body").text
 
-    def expect(self, words):
-        """Waits for the page that says so."""
+    def expect(self, words, then=None):
+        """Waits for the page that says so, and goes on from there."""
         deadline = time.monotonic() + 15
         while True:
             try:
                 if words in self.text():
-                    return
+                    return then and self.choose(then)
             except (NoSuchElementException, StaleElementReferenceException):  # it gives way to the next one
                 pass
             assert time.monotonic() < deadline, f"{words!r} is not in {self.driver.current_url}:\n{self.text()}"
@@ -107,10 +107,11 @@ class Browser:
                 return
         raise AssertionError(f"no {name!r} can be reached in {self.driver.current_url}")
 
-    def fill(self, **fields):
+    def send(self, **fields):
         for name, text in fields.items():
             self.tab_to(name)
             self.press(text)
+        self.press(Keys.ENTER)
 
     def choose(self, name):
         self.tab_to(name)
@@ -118,8 +119,7 @@ class Browser:
 
     def sign_in(self, password=PASSWORD, login=LOGIN):
         self.go("/sign-in")
-        self.fill(login=login, password=password)
-        self.press(Keys.ENTER)
+        self.send(login=login, password=password)
 
     def fits(self):
         content = self.driver.execute_cdp_cmd("Page.getLayoutMetrics", {})["cssContentSize"]["width"]
@@ -151,15 +151,11 @@ def markup_faults(page):
 def use(site, size):
     with Browser(site.url, size) as browser:
         browser.go("/")
-        browser.expect("How well does it go?")
-        browser.choose("Sign up")
-        browser.fill(name="Ben <b>", email=f"ben.{size}@example.org", password="secret", again="secret")
-        browser.press(Keys.ENTER)
+        browser.expect("How well does it go?", then="Sign up")
+        browser.send(name="Ben <b>", email=f"ben.{size}@example.org", password="secret", again="secret")
         browser.expect("My wheel")
-        browser.expect("100% done on average")
-        browser.choose("My account")
-        browser.expect("Signed in as Ben <b>")
-        browser.choose("Sign out")
+        browser.expect("100% done on average", then="My account")
+        browser.expect("Signed in as Ben <b>", then="Sign out")
         browser.expect("You are signed out.")
         browser.driver.back()
         browser.driver.refresh()
@@ -170,8 +166,7 @@ def use(site, size):
         browser.sign_in()
         browser.expect("My wheel")
         goal = browser.driver.find_element(By.CSS_SELECTOR, ".goals button").text.split("\n")[0].removesuffix(" low")
-        browser.tab_to("goal")
-        browser.press(Keys.ENTER)
+        browser.choose("goal")
         browser.expect("The goal is done.")
         done = [item.text for item in browser.driver.find_elements(By.CSS_SELECTOR, "li.done")]
         assert any(goal in text for text in done), f"{goal!r} is not among {done}"
@@ -183,8 +178,7 @@ def use(site, size):
         browser.expect("Come back")
         site.ask("delete-sets", p4=made)
         browser.driver.refresh()
-        browser.expect("It was deleted meanwhile")
-        browser.choose("what was deleted")
+        browser.expect("It was deleted meanwhile", then="what was deleted")
         browser.tab_to("set")
         browser.press(Keys.SPACE)
         browser.choose("Take back what is chosen")
@@ -192,8 +186,7 @@ def use(site, size):
         assert f"For a {size}" in site.ask("get-sets") and "Come back" in site.ask("get-goals", p4=made, p5=1)
 
         browser.choose("Progress")
-        browser.expect("Day by day")
-        browser.choose("Compare")
+        browser.expect("Day by day", then="Compare")
         browser.expect("Two wheels")
         for path in PAGES:
             browser.go(path)
@@ -211,13 +204,11 @@ def close_and_keep(site):
         browser.sign_in()
         browser.choose("My account")
         browser.choose("Close the account")
-        browser.fill(password=PASSWORD)
-        browser.press(Keys.ENTER)
+        browser.send(password=PASSWORD)
         browser.expect("Your account is closed.")
         assert site.ask("sign-in") != "OK"
         browser.sign_in()
-        browser.expect("This account is closed")
-        browser.choose("Keep the account")
+        browser.expect("This account is closed", then="Keep the account")
         browser.expect("Your account is kept")
         assert site.ask("sign-in") == "OK"
 

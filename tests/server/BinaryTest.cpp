@@ -32,8 +32,7 @@ void addsNothing(const TemporaryFolder &folder, const std::string &options, cons
               R"({"result":"OK"})");
     EXPECT_EQ(customer.post("set-area-value", "&p4=1&p5=7").body(), "OK");
     EXPECT_EQ(customer.post("delete-sets", "&p4=1").body(), "OK");
-    ::kill(server.child.id(), SIGTERM);
-    EXPECT_NE(server.ended().second.find(reason), std::string::npos);
+    EXPECT_NE(server.ended(SIGTERM).second.find(reason), std::string::npos);
 }
 
 } // namespace
@@ -71,8 +70,7 @@ TEST(Binary, ServesTheSampleAccountUntilItIsTold)
     EXPECT_EQ(second.ended(), std::pair(1, "tarvex-server: The address " + address +
                                                " cannot be listened on: Address already in use.\n"));
 
-    ::kill(server.child.id(), SIGTERM);
-    const auto [exitCode, log] = server.ended();
+    const auto [exitCode, log] = server.ended(SIGTERM);
     EXPECT_EQ(exitCode, 0);
     EXPECT_TRUE(std::filesystem::exists(folder.path() / "file:on the way/wheel.db"));
     EXPECT_FALSE(std::filesystem::exists(folder.path() / "file:on the way/wheel.db-wal"));
@@ -98,8 +96,7 @@ TEST(Binary, PrintsInvitationsThatSigningUpMayNeed)
     for (const std::string &name : {"A " + codes[0], "B " + codes[1]})
         EXPECT_EQ(signUp(name).body(), R"({"result":"OK"})");
     EXPECT_NE(signUp("C").body(), R"({"result":"OK"})");
-    ::kill(server.child.id(), SIGTERM);
-    EXPECT_EQ(server.ended().first, 0);
+    EXPECT_EQ(server.ended(SIGTERM).first, 0);
 }
 
 TEST(Binary, StartsSeveralTimesAtOnceOnANewDatabase)
@@ -153,8 +150,7 @@ TEST(Binary, SaysThatTheDiskIsFullAndServesOn)
         EXPECT_EQ(customer.saveLargeGoals(24).result_int(), 500U);
         EXPECT_EQ(customer.post("sign-in").body(), "OK");
         EXPECT_EQ(customer.post("create-sets", "&p4=Small").body(), "OK");
-        ::kill(server.child.id(), SIGTERM);
-        const auto [exitCode, log] = server.ended();
+        const auto [exitCode, log] = server.ended(SIGTERM);
         EXPECT_EQ(exitCode, 0);
         EXPECT_NE(log.find(told), std::string::npos) << log;
     }
@@ -172,8 +168,7 @@ TEST(Binary, SavesNothingWhileTheFolderCannotBeWrittenTo)
         EXPECT_EQ(customer.post("create-sets", "&p4=Name").body(), answer);
         EXPECT_EQ(customer.post("get-sets").result_int(), 200U);
     }
-    ::kill(server.child.id(), SIGTERM);
-    EXPECT_NE(server.ended().second.find("the folder of the database cannot be written to"),
+    EXPECT_NE(server.ended(SIGTERM).second.find("the folder of the database cannot be written to"),
               std::string::npos);
 }
 
@@ -252,8 +247,7 @@ TEST(Binary, RefusesForWantOfMemoryAndGoesOn)
     customers.clear();
     EXPECT_GT(failures, 0);
     EXPECT_EQ(Customer(port).post("sign-in").body(), "OK");
-    ::kill(server.child.id(), SIGTERM);
-    EXPECT_EQ(server.ended().first, 0);
+    EXPECT_EQ(server.ended(SIGTERM).first, 0);
 }
 
 TEST(Binary, ListensToThisMachineAloneUnlessToldOtherwise)
@@ -270,23 +264,13 @@ TEST(Binary, ShowsPagesToThisMachineAloneUnlessToldOtherwise)
     const auto front = [](const std::string &options) {
         const TemporaryFolder folder;
         ServerProcess server(folder, "serve --database sqlite:wheel.db" + options);
-        RawClient client(server.port());
-        client.send("GET / HTTP/1.1\r\nHost: localhost\r\n\r\n");
-        const auto status = client.read().result_int();
+        const auto status = RawClient(server.port()).get("/").result_int();
         ::kill(server.child.id(), SIGTERM);
         server.child.wait();
         return status;
     };
-    const std::string here = " --listen 127.0.0.1:0";
-    const std::string everywhere = " --listen 0.0.0.0:0";
-    const std::string behindProxy = here + " --trusted-proxy 127.0.0.1";
-    EXPECT_EQ(front(here), 200U);
-    EXPECT_EQ(front(" --listen localhost:0"), 200U);
-    EXPECT_EQ(front(here + " --pages off"), 404U);
-    EXPECT_EQ(front(everywhere), 404U);
-    EXPECT_EQ(front(behindProxy), 404U) << "others ask through it";
-    EXPECT_EQ(front(everywhere + " --pages on"), 200U);
-    EXPECT_EQ(front(behindProxy + " --pages on"), 200U);
+    for (const SampleRow &row : sampleRows("shown-pages.txt"))
+        EXPECT_EQ(std::to_string(front(" --listen " + row[0])), row[1]) << row[0];
 }
 
 TEST(Binary, SaysInOneLineWhyItCannotStart)

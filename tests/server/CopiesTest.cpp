@@ -19,10 +19,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const std::string here = " --database sqlite:wheel.db";
-
-using Said = std::pair<int, std::string>;
-
 class Copies : public testing::Test
 {
 protected:
@@ -41,6 +37,11 @@ protected:
         for (const auto &entry : fs::directory_iterator(at(subfolder)))
             found.insert(entry.path().filename());
         return found;
+    }
+    void makeSampleAndCopy() const
+    {
+        run(folder, "sample" + here);
+        run(folder, "backup copy.db" + here);
     }
     void refuses(const std::string &command, const std::string &reason) const
     {
@@ -86,8 +87,7 @@ TEST_F(Copies, AreOfOneMomentAndHoldNobodyUp)
     EXPECT_EQ(exitCode, 0) << said;
     EXPECT_GT(saved, 2);
     EXPECT_LT(longest, std::chrono::seconds(5));
-    ::kill(server.child.id(), SIGTERM);
-    server.ended();
+    server.ended(SIGTERM);
     EXPECT_EQ(number("SELECT COUNT(*) % 2 FROM goal", "copy.db"), 0);
     EXPECT_LT(number("SELECT COUNT(*) FROM goal", "copy.db"), number("SELECT COUNT(*) FROM goal"));
     for (const char *file : {"copy.db", "copy.db.secret"})
@@ -149,15 +149,13 @@ TEST_F(Copies, NeverReplaceWhatIsNoCopy)
 
 TEST_F(Copies, AreNotRestoredWhileAnybodyUsesTheDatabase)
 {
-    run(folder, "sample" + here);
-    run(folder, "backup copy.db" + here);
+    makeSampleAndCopy();
     {
         ServerProcess server(folder, serveHere);
         server.port();
         refuses("restore copy.db", "The database wheel.db is in use by another process; stop that first.");
         refuses("compact", "The database wheel.db is in use by another process; stop that first.");
-        ::kill(server.child.id(), SIGKILL);
-        server.ended();
+        server.ended(SIGKILL);
     }
     {
         store::SqliteConnection other(at("wheel.db"));
@@ -170,8 +168,7 @@ TEST_F(Copies, AreNotRestoredWhileAnybodyUsesTheDatabase)
 
 TEST_F(Copies, AreRestoredOnlyWholeAndWithTheirSecret)
 {
-    run(folder, "sample" + here);
-    run(folder, "backup copy.db" + here);
+    makeSampleAndCopy();
     copyOver(at("copy.db"), at("cut.db"));
     fs::resize_file(at("cut.db"), fs::file_size(at("cut.db")) - 8192);
     refuses("restore cut.db", "The copy cut.db cannot be restored. The database cut.db cannot be"
@@ -191,8 +188,7 @@ TEST_F(Copies, AreRestoredOnlyWholeAndWithTheirSecret)
 
 TEST_F(Copies, TakeThePlaceOfADamagedDatabaseThatIsKeptAsItIs)
 {
-    run(folder, "sample" + here);
-    run(folder, "backup copy.db" + here);
+    makeSampleAndCopy();
     const std::string garbage(20'000, 'x');
     std::ofstream(at("wheel.db")) << garbage;
     std::ofstream(at("wheel.db-wal")) << garbage;
@@ -214,8 +210,7 @@ TEST_F(Copies, TakeThePlaceOfADamagedDatabaseThatIsKeptAsItIs)
 
 TEST_F(Copies, TakeThePlaceOfALostDatabaseOfWhichNothingThatIsLeftIsThrownAway)
 {
-    run(folder, "sample" + here);
-    run(folder, "backup copy.db" + here);
+    makeSampleAndCopy();
     {
         store::SqliteConnection session(at("wheel.db"));
         session.useLog();
@@ -239,8 +234,7 @@ TEST_F(Copies, TakeThePlaceOfALostDatabaseOfWhichNothingThatIsLeftIsThrownAway)
 
 TEST_F(Copies, AreNotRestoredToAFullDisk)
 {
-    run(folder, "sample" + here);
-    run(folder, "backup copy.db" + here);
+    makeSampleAndCopy();
     const std::string script = "mkdir small; mount -t tmpfs -o size=160k none small; cp wheel.db* small\n"
                                "\"$@\"; code=$?; ls -A small; cmp wheel.db small/wheel.db; exit $code";
     const auto [exitCode, said] =
@@ -313,9 +307,7 @@ TEST_F(Copies, LeaveTheOldDatabaseOrTheNewWheneverARestoreIsKilled)
                    (isLate ? countKept() == before
                            : std::chrono::steady_clock::now() < begin + whole * i / kills))
                 std::this_thread::yield();
-            if (i < kills)
-                ::kill(restore.child.id(), SIGKILL);
-            restore.ended();
+            restore.ended(i < kills ? SIGKILL : 0);
         });
         store::SqliteConnection left(at("wheel.db"));
         EXPECT_EQ(store::damages(left), std::vector<std::string>());

@@ -15,8 +15,13 @@ public:
     }
     RawClient::Response post(const std::string &kind, const std::string &rest = "")
     {
-        return m_client.post("p1=" + kind + "&p2=" + tarvex::security::signInDigest("a@example.org") +
-                             "&p3=" + tarvex::security::signInDigest("b") + rest);
+        return m_client.post(request(kind, rest));
+    }
+    static std::string request(const std::string &kind, const std::string &rest = "",
+                               const std::string &password = "b")
+    {
+        return "p1=" + kind + "&p2=" + tarvex::security::signInDigest("a@example.org") +
+               "&p3=" + tarvex::security::signInDigest(password) + rest;
     }
     RawClient::Response saveLargeGoals(int count)
     {

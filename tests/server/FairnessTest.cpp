@@ -128,10 +128,7 @@ TEST(FairThreads, ServeInTurnAndDropTheLastOfWhoeverHasMost)
     hold.release(5);
     for (int i = 0; i < 5; ++i)
         ended.acquire();
-    EXPECT_EQ(done.substr(10), "1z"
-                               "a"
-                               "b"
-                               "2");
+    EXPECT_EQ(done.substr(10), "1zab2");
 }
 
 TEST(ConnectionCounts, LimitConnectionsPerPeerAndAltogether)

@@ -12,10 +12,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const std::string here = " --database sqlite:wheel.db";
-
-using Said = std::pair<int, std::string>;
-
 /// A database as a server left it that knew so many migrations, with one account.
 void makeOld(const TemporaryFolder &folder, std::size_t migrations)
 {
@@ -52,8 +48,7 @@ TEST(Maintenance, FindsWhatIsWrongAndRepairsCountsAlone)
         store::SqliteConnection(folder.path() / "wheel.db").execute(mend);
         EXPECT_EQ(run(folder, "check" + here), Said(0, fine)) << mend;
     }
-    ::kill(server.child.id(), SIGTERM);
-    server.ended();
+    server.ended(SIGTERM);
     std::fstream(folder.path() / "wheel.db", std::ios::in | std::ios::out).seekp(4096 * 3)
         << std::string(4096, 'x');
     const auto [exitCode, said] = run(folder, "check" + here);
@@ -66,8 +61,7 @@ TEST(Maintenance, GivesFreedRoomBackToTheDisk)
     const TemporaryFolder folder;
     ServerProcess server(folder, serveHere);
     Customer(server.port()).saveLargeGoals(20);
-    ::kill(server.child.id(), SIGTERM);
-    server.ended();
+    server.ended(SIGTERM);
     const std::string disk = behind(folder, "mkdir small; mount -t tmpfs -o size=3m none small;"
                                             "cp wheel.db small; exec \"$@\"");
     const auto [exitCode, said] = run(folder, "compact --database sqlite:small/wheel.db", disk);

@@ -45,7 +45,11 @@ public:
     /// What a form sends, with the token of the last page that had one.
     std::string post(const std::string &target, const Fields &fields)
     {
-        ask("POST", target, encoded(fields) + "&token=" + token);
+        return postEncoded(target, encoded(fields));
+    }
+    std::string postEncoded(const std::string &target, const std::string &form)
+    {
+        ask("POST", target, form + "&token=" + token);
         return follow();
     }
     std::string signIn(const std::string &login, const std::string &password)
@@ -64,7 +68,6 @@ public:
         return body;
     }
 
-private:
     static std::string escaped(const std::string &text)
     {
         std::string bytes;
@@ -75,6 +78,8 @@ private:
         }
         return bytes;
     }
+
+private:
     void take(const std::string &cookie)
     {
         const auto equals = cookie.find('=');

@@ -1,8 +1,9 @@
 #include "ProgressChart.h"
 
+#include "Days.h"
+#include "SampleRows.h"
+
 #include <boost/algorithm/string/join.hpp>
-#include <boost/regex.hpp>
-#include <chrono>
 #include <gtest/gtest.h>
 
 using namespace tarvex;
@@ -43,12 +44,6 @@ std::vector<std::string> matches(const std::string &text, const std::string &exp
 std::string firstLine(const std::string &svg)
 {
     return matches(svg, "id=\"chart-line-1\" d=\"([^\"]*)").at(0);
-}
-
-std::int64_t dayOf(int year, int month, int day)
-{
-    using namespace std::chrono;
-    return sys_days(std::chrono::year(year) / month / day).time_since_epoch().count();
 }
 
 } // namespace
@@ -117,26 +112,12 @@ TEST(ProgressChart, TakesNoWordForMarkupAndCutsNoCharacter)
 
 TEST(ProgressChart, CountsItsDaysAsPeopleDo)
 {
-    struct Row
-    {
-        std::int64_t first;
-        std::int64_t last;
-        std::string ticks;
-    };
-    const std::vector<Row> rows = {
-        {dayOf(2026, 11, 23), dayOf(2026, 11, 23), "23 Nov"},
-        {dayOf(2026, 2, 26), dayOf(2026, 3, 2), "26 Feb,27 Feb,28 Feb,1 Mar,2 Mar"},
-        {dayOf(2026, 10, 24), dayOf(2026, 11, 23), "24 Oct,31 Oct,7 Nov,14 Nov,21 Nov"},
-        {dayOf(2025, 11, 24), dayOf(2026, 11, 23), "Jan 2026,Apr 2026,Jul 2026,Oct 2026"},
-        {dayOf(2024, 12, 2), dayOf(2026, 11, 23), "Jan 2025,Jul 2025,Jan 2026,Jul 2026"},
-        {dayOf(2016, 11, 23), dayOf(2026, 11, 23), "2018,2020,2022,2024,2026"},
-        {dayOf(1970, 1, 1), dayOf(2126, 1, 1), "1980,2010,2040,2070,2100"},
-    };
-    for (const Row &row : rows)
-        EXPECT_EQ(boost::algorithm::join(matches(svgOf(chartOf(row.first, row.last)),
-                                                 "y=\"338\" text-anchor=\"[a-z]+\">([^<]*)"),
-                                         ","),
-                  row.ticks);
+    for (const SampleRow &row : sampleRows("chart-ticks.txt")) {
+        const std::string svg =
+            svgOf(chartOf(pages::dayOfText(row[0]).value(), pages::dayOfText(row[1]).value()));
+        const auto ticks = matches(svg, "y=\"338\" text-anchor=\"[a-z]+\">([^<]*)");
+        EXPECT_EQ(boost::algorithm::join(ticks, ","), row[2]) << row[0] << row[1];
+    }
 }
 
 TEST(ProgressChart, NumbersLinesThatEndTogetherOneBelowTheOther)

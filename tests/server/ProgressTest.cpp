@@ -4,6 +4,7 @@
 #include "Deleted.h"
 #include "Exporting.h"
 #include "Goals.h"
+#include "SampleRows.h"
 #include "Schema.h"
 #include "ServiceFixture.h"
 #include "Sets.h"
@@ -88,19 +89,13 @@ protected:
         for (const auto &[set, percents] : seen) {
             EXPECT_EQ(words(days.at(set).back().numbers), words(percents)) << set;
             if (days.at(set).back().day == today())
-                noted += std::to_string(set) + " ";
+                noted += " " + std::to_string(set);
         }
-        std::string values = valuesOn(today());
-        const std::string brackets = column(postAsAnna("get-areas"), "value");
-        EXPECT_EQ(values.substr(values.find(' ') + 1), bare(brackets) + "\n");
-        return noted + (values.starts_with(std::to_string(today())) ? "areas" : "");
-    }
-    static std::string bare(const std::string &brackets)
-    {
-        std::string text;
-        for (const char character : brackets)
-            text += character == '[' ? "" : character == ']' ? " " : std::string(1, character);
-        return text.substr(0, text.size() - 1);
+        const std::string values = valuesOn(today());
+        std::string seenValues = column(postAsAnna("get-areas"), "value");
+        boost::replace_all(seenValues, "][", " ");
+        EXPECT_EQ("[" + values.substr(values.find(' ') + 1), boost::replace_all_copy(seenValues, "]", "\n"));
+        return boost::trim_copy(noted + (values.starts_with(std::to_string(today())) ? " areas" : ""));
     }
     std::string nextDay(const std::string &kind, const std::string &rest)
     {
@@ -129,29 +124,8 @@ protected:
 TEST_F(Progress, IsNotedOfEachSetThatARequestChanges)
 {
     EXPECT_EQ(notedToday(), "1 areas");
-    struct Step
-    {
-        std::string kind;
-        std::string fields;
-        std::string noted;
-    };
-    const std::vector<Step> steps = {
-        {"create-sets", "&p4=Second", "2 "},
-        {"create-some-goals", "&p4=" + goals(/*set=*/1, /*count=*/3, /*done=*/1), "1 "}, // the goals 1 to 3
-        {"create-goal", "&p4=x&p5=5&p6=1&p7=2&p8=8", "2 "},
-        {"set-checked-area-percent", "&p5=2", "1 "},
-        {"delete-goal", "&p4=4", "2 "},
-        {"create-some-goals", "&p4=" + goals(/*set=*/2, /*count=*/7, /*done=*/2) + goals(1, 1, 0), "1 2 "},
-        {"delete-some-goals", "&p4=1;5;6;", "1 2 "},
-        {"set-area-value", "&p4=8&p5=-3", "areas"},
-        {"set-area-value", "&p4=9&p5=7", ""},
-        {"set-area-names", "&p4=id:1;name:x;{_end_}", ""},
-        {"set-sets-name", "&p4=x&p5=1", ""},
-        {"delete-goal", "&p4=4", ""},
-        {"delete-sets", "&p4=2", ""},
-    };
-    for (const Step &step : steps)
-        EXPECT_EQ(nextDay(step.kind, step.fields), step.noted) << step.kind << step.fields;
+    for (const SampleRow &row : sampleRows("noted-progress.txt"))
+        EXPECT_EQ(nextDay(row[0], row[1]), row[2]) << row[0] << row[1];
 }
 
 TEST_F(Progress, ComesBackWithWhatWasDeleted)
@@ -166,15 +140,15 @@ TEST_F(Progress, ComesBackWithWhatWasDeleted)
 
     m_seconds += day;
     requests::undelete(m_database, anna(), {2}, {}, m_seconds);
-    EXPECT_EQ(notedToday(), "2 ");
+    EXPECT_EQ(notedToday(), "2");
     EXPECT_TRUE(span(2, 0, today()).starts_with(before));
     m_seconds += day;
     requests::undelete(m_database, anna(), {}, {1}, m_seconds);
-    EXPECT_EQ(notedToday(), "2 ");
+    EXPECT_EQ(notedToday(), "2");
     postAsAnna("delete-sets", "&p4=2"); // and back on the same day
     requests::undelete(m_database, anna(), {2}, {}, m_seconds);
     postAsAnna("set-checked-area-percent", "&p5=3");
-    EXPECT_EQ(notedToday(), "2 ");
+    EXPECT_EQ(notedToday(), "2");
 }
 
 TEST_F(Progress, OfImportedSetsBeginsWithTheImport)

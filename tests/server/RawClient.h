@@ -46,6 +46,12 @@ public:
         return read();
     }
 
+    Response get(const std::string &target)
+    {
+        send("GET " + target + " HTTP/1.1\r\nHost: localhost\r\n\r\n");
+        return read();
+    }
+
     static std::string request(const std::string &body)
     {
         return "POST /tarvex/ HTTP/1.1\r\nHost: localhost\r\nContent-Length: " + std::to_string(body.size()) +

@@ -54,16 +54,6 @@ protected:
         return "";
     }
 
-    /// What an answer brings: the texts of these elements or, if none is named, all of it.
-    static std::string shown(const std::string &answer, const std::string &elements)
-    {
-        std::string texts;
-        std::istringstream names(elements);
-        for (std::string name; names >> name;)
-            texts += column(answer, name);
-        return elements.empty() ? answer : texts;
-    }
-
     const std::vector<std::string> m_codes =
         requests::createInvitations(m_database, /*count=*/3, /*expiresAt=*/m_seconds + 100);
     const std::map<std::string, std::string> m_people = {
@@ -89,17 +79,9 @@ class Conversation : public Requests, public testing::WithParamInterface<std::st
 {
 };
 
-std::vector<std::string> conversations()
-{
-    std::vector<std::string> names;
-    for (const auto &entry : std::filesystem::directory_iterator(samplesFolder() / "conversations"))
-        names.push_back(entry.path().stem());
-    return names;
-}
-
 } // namespace
 
-INSTANTIATE_TEST_SUITE_P(Requests, Conversation, testing::ValuesIn(conversations()),
+INSTANTIATE_TEST_SUITE_P(Requests, Conversation, testing::ValuesIn(samplesIn("conversations")),
                          [](const auto &sample) { return sample.param; });
 
 TEST_P(Conversation, GoesAsWritten)
@@ -114,12 +96,8 @@ TEST_F(Requests, TheCodeOfAnInvitationIsKeptNowhere)
     m_seconds += 40LL * 24 * 60 * 60;
     m_now += std::chrono::hours(40 * 24);
     m_service.keepHouse(); // the other two have expired
-    m_database.write([&](store::Connection &connection) {
-        store::Rows rows = connection.rows("SELECT COUNT(*) FROM account WHERE name = 'Ben B.' UNION ALL"
-                                           " SELECT COUNT(*) FROM invitation");
-        EXPECT_TRUE(rows.next() && rows.number(0) == 1);
-        EXPECT_TRUE(rows.next() && rows.number(0) == 0);
-    });
+    EXPECT_EQ(numberOf("SELECT COUNT(*) FROM account WHERE name = 'Ben B.'"), 1);
+    EXPECT_EQ(numberOf("SELECT COUNT(*) FROM invitation"), 0);
 }
 
 TEST_F(Requests, ARequestThatWaitedTooLongIsNotBegun)
@@ -181,12 +159,7 @@ TEST_F(Requests, WhatWasDeletedIsGoneAfterThirtyDaysOfRunning)
         m_now += std::chrono::hours(24 * days);
         m_seconds += 24LL * 60 * 60 * days;
         m_service.keepHouse();
-        std::int64_t count = -1;
-        m_database.write([&](store::Connection &connection) {
-            store::Rows rows = connection.rows("SELECT COUNT(*) FROM goal");
-            count = rows.next() ? rows.number(0) : -1;
-        });
-        return count;
+        return numberOf("SELECT COUNT(*) FROM goal");
     };
     EXPECT_EQ(goalsAfter(29), 1);
     EXPECT_EQ(goalsAfter(2), 0);

@@ -4,6 +4,7 @@
 
 #define BOOST_PROCESS_USE_STD_FS
 #include <boost/process.hpp>
+#include <csignal>
 #include <fstream>
 #include <string>
 #include <utility>
@@ -35,8 +36,9 @@ struct ServerProcess
     }
 
     /// Waits for the process to end, with which exit code and after which words on standard error.
-    std::pair<int, std::string> ended()
+    std::pair<int, std::string> ended(int signalBefore = 0)
     {
+        ::kill(child.id(), signalBefore); // 0 is none
         std::string text = read(errors, '\0');
         child.wait();
         return {child.exit_code(), text};
@@ -47,11 +49,14 @@ struct ServerProcess
     boost::process::child child;
 };
 
-inline const std::string serveHere = "serve --listen 127.0.0.1:0 --database sqlite:wheel.db";
+inline const std::string here = " --database sqlite:wheel.db";
+inline const std::string serveHere = "serve --listen 127.0.0.1:0" + here;
 
-/// Runs the server to its end: its exit code, and all that it printed.
-inline std::pair<int, std::string> run(const TemporaryFolder &folder, const std::string &arguments,
-                                       const std::string &wrapper = "")
+/// An exit code, and all that was printed.
+using Said = std::pair<int, std::string>;
+
+/// Runs the server to its end.
+inline Said run(const TemporaryFolder &folder, const std::string &arguments, const std::string &wrapper = "")
 {
     ServerProcess process(folder, arguments, wrapper);
     const std::string output = ServerProcess::read(process.output, '\0');
@@ -70,4 +75,10 @@ inline std::string behind(const TemporaryFolder &folder, const std::string &scri
 inline std::string onDiskOf(const TemporaryFolder &folder, const std::string &size)
 {
     return behind(folder, "mount -t tmpfs -o size=" + size + " none \"$PWD\" && cd \"$PWD\"");
+}
+
+inline std::string contentOf(const std::filesystem::path &file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
 }

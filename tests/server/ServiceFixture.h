@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 #include <optional>
+#include <sstream>
 #include <string>
 
 /// A service over a database of its own, with one account and clocks that the test turns.
@@ -40,7 +41,7 @@ protected:
     /// Goes on with a service that has these rules, over the same database.
     void serveWith(const tarvex::requests::SignUpRules &rules)
     {
-        m_database.write([](tarvex::store::Connection &) {}); // what still waits is written now
+        awaitWrites();
         m_current.emplace(m_database, m_hash, clocks(), rules);
     }
     tarvex::requests::Clocks clocks()
@@ -84,6 +85,26 @@ public:
     }
 
 protected:
+    /// What an answer brings: the texts of these elements or, if none is named, all of it.
+    static std::string shown(const std::string &answer, const std::string &elements)
+    {
+        std::string texts;
+        std::istringstream names(elements);
+        for (std::string name; names >> name;)
+            texts += column(answer, name);
+        return elements.empty() ? answer : texts;
+    }
+    void awaitWrites()
+    {
+        m_database.write([](tarvex::store::Connection &) {});
+    }
+    /// Of what has been written.
+    std::int64_t numberOf(const std::string &query)
+    {
+        awaitWrites();
+        return anotherSession(m_folder)->numberOf(query);
+    }
+
     std::string m_login = "Anna@Example.org";
     std::string m_password = "a&b=c+d%26";
     std::chrono::steady_clock::time_point m_now = std::chrono::steady_clock::now();

@@ -61,3 +61,12 @@ inline std::vector<SampleRow> sampleRows(const std::string &file)
         throw std::runtime_error("the samples of " + file + " are missing");
     return rows;
 }
+
+/// The names of the files in a folder of samples, without ".txt".
+inline std::vector<std::string> samplesIn(const std::string &folder)
+{
+    std::vector<std::string> names;
+    for (const auto &entry : std::filesystem::directory_iterator(samplesFolder() / folder))
+        names.push_back(entry.path().stem());
+    return names;
+}
