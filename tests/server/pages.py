@@ -18,7 +18,7 @@ import urllib.parse
 import urllib.request
 
 from selenium import webdriver
-from selenium.common.exceptions import NoSuchElementException, StaleElementReferenceException
+from selenium.common.exceptions import WebDriverException
 from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
@@ -90,7 +90,7 @@ class Browser:
             try:
                 if words in self.text():
                     return then and self.choose(then)
-            except (NoSuchElementException, StaleElementReferenceException):  # it gives way to the next one
+            except WebDriverException:  # it gives way to the next one, which chromedriver has several words for
                 pass
             assert time.monotonic() < deadline, f"{words!r} is not in {self.driver.current_url}:\n{self.text()}"
             time.sleep(0.05)
