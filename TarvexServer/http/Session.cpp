@@ -7,8 +7,6 @@
 #include "Wipe.h"
 
 #include <algorithm>
-#include <boost/asio/dispatch.hpp>
-#include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/write.hpp>
 #include <boost/beast/core/string.hpp>
 #include <boost/beast/http/rfc7230.hpp>
@@ -28,23 +26,6 @@ constexpr std::size_t freeBody = 64UL * 1024; // bodies up to this size need no 
 constexpr std::size_t bodyStep = 64UL * 1024; // and further ones are reserved by so much as they arrive
 constexpr std::size_t lingeringBytes = 1024UL * 1024;
 constexpr std::chrono::seconds lingeringTime{2};
-
-/// What the operator calls the end of a page.
-Outcome outcomeOf(const pages::Reply &reply)
-{
-    switch (reply.status) {
-    case 413:
-        return Outcome::TooLarge;
-    case 429:
-        return Outcome::TooManyAttempts;
-    case 503:
-        return reply.cause.empty() ? Outcome::Busy : Outcome::Failed;
-    case 507:
-        return Outcome::Failed;
-    default:
-        return reply.status < 400 ? Outcome::Done : Outcome::Invalid;
-    }
-}
 
 } // namespace
 
@@ -306,73 +287,11 @@ std::string Session::requestPeer() const
     return address ? peerName(*address, /*isMachineLimited=*/true) : m_proxy;
 }
 
-/// Has a function take what the present request leads to, on any thread.
-template<class Built>
-std::function<void(Built)> Session::later(void (Session::*take)(Built))
-{
-    return [weak = weak_from_this(), turn = m_turn, take,
-            guard = asio::make_work_guard(m_socket.get_executor())](Built built) {
-        // The session must not end on the thread of a worker: until it is answered, its timer keeps it.
-        asio::dispatch(guard.get_executor(), [weak, turn, take, built = std::move(built)]() mutable {
-            const auto self = weak.lock();
-            if (self && turn == self->m_turn)
-                (self.get()->*take)(std::move(built));
-        });
-    };
-}
-
 void Session::serve()
 {
     requests::Request request{.body = std::move(m_body), .peer = m_requestPeer, .arrival = m_arrival};
     m_body = request.body.substr(0, beginningOfBody);
     m_context.workers.submit(std::move(request), later(&Session::answer));
-}
-
-/// What the browser says of itself.
-pages::Request Session::pageRequest()
-{
-    const auto &head = m_parser->get();
-    const auto field = [&](std::string_view name) { return std::string(head[name]); };
-    std::string cookies;
-    const auto sent = head.equal_range(beast::field::cookie);
-    for (auto cookie = sent.first; cookie != sent.second; ++cookie)
-        cookies.append(cookies.empty() ? "" : "; ").append(cookie->value());
-    return {.method = std::string(head.method_string()),
-            .target = std::string(targetOf(*m_parser)),
-            .host = field("Host"),
-            .cookie = std::move(cookies),
-            .contentType = field("Content-Type"),
-            .origin = field("Origin"),
-            .fetchSite = field("Sec-Fetch-Site"),
-            .body = std::move(m_body),
-            .peer = m_requestPeer,
-            .isEncrypted = !m_proxy.empty() && field("X-Forwarded-Proto") == "https",
-            .arrival = m_arrival};
-}
-
-void Session::servePage()
-{
-    pages::Site &site = *m_context.site;
-    m_context.workers.submit(site, site.begin(pageRequest()), later(&Session::answerPage));
-}
-
-void Session::refusePage(Outcome outcome)
-{
-    answerPage({m_context.site->refusal(outcome)});
-}
-
-void Session::answerPage(BuiltPage built)
-{
-    ++m_turn; // whatever still comes for this request comes too late
-    m_handlerTimer.cancel();
-    releaseBody();
-    m_isKept = m_parser->get().keep_alive() && !m_isBodyLeft && !m_context.isDraining;
-    const bool isHeadWanted = m_parser->get().method() == beast::verb::head;
-    reportPage(built.reply);
-    forgetRequest();
-    m_answerShare = std::move(built.share);
-    std::string head = pageHead(built.reply, m_isKept);
-    send(std::move(head), isHeadWanted ? "" : std::move(built.reply.body));
 }
 
 void Session::limitWaiting()
@@ -388,12 +307,17 @@ void Session::limitWaiting()
     });
 }
 
-void Session::answer(BuiltAnswer built)
+void Session::endTurn()
 {
-    requests::Answer &answer = built.answer;
     ++m_turn; // whatever still comes for this request comes too late
     m_handlerTimer.cancel();
     releaseBody();
+}
+
+void Session::answer(BuiltAnswer built)
+{
+    requests::Answer &answer = built.answer;
+    endTurn();
     m_isKept = m_parser->get().keep_alive() && answer.outcome != Outcome::Busy && !m_isBodyLeft;
     report(answer);
     forgetRequest();
@@ -422,20 +346,6 @@ void Session::report(const requests::Answer &answer) const
                           .peer = m_requestPeer,
                           .bytesIn = m_bodySize,
                           .bytesOut = answer.body.size(),
-                          .time = std::chrono::duration_cast<std::chrono::microseconds>(time)});
-}
-
-void Session::reportPage(const pages::Reply &reply) const
-{
-    const auto time = std::chrono::steady_clock::now() - m_arrival;
-    m_context.service.measures().pages.add(time);
-    if (m_context.report)
-        m_context.report({.kind = "page",
-                          .outcome = outcomeOf(reply),
-                          .cause = reply.cause,
-                          .peer = m_requestPeer,
-                          .bytesIn = m_bodySize,
-                          .bytesOut = reply.body.size(),
                           .time = std::chrono::duration_cast<std::chrono::microseconds>(time)});
 }
 

@@ -10,6 +10,8 @@
 
 #include <array>
 #include <boost/asio/buffer.hpp>
+#include <boost/asio/dispatch.hpp>
+#include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
@@ -106,6 +108,7 @@ private:
     template<class Built>
     std::function<void(Built)> later(void (Session::*take)(Built));
     void limitWaiting();
+    void endTurn();
     void answer(BuiltAnswer built);
     void report(const requests::Answer &answer) const;
     void reportPage(const pages::Reply &reply) const;
@@ -148,5 +151,20 @@ private:
     std::chrono::steady_clock::time_point m_idleSince;
     bool m_isFirst = true;
 };
+
+/// Has a function take what the present request leads to, on any thread.
+template<class Built>
+std::function<void(Built)> Session::later(void (Session::*take)(Built))
+{
+    return [weak = weak_from_this(), turn = m_turn, take,
+            guard = boost::asio::make_work_guard(m_socket.get_executor())](Built built) {
+        // The session must not end on the thread of a worker: until it is answered, its timer keeps it.
+        boost::asio::dispatch(guard.get_executor(), [weak, turn, take, built = std::move(built)]() mutable {
+            const auto self = weak.lock();
+            if (self && turn == self->m_turn)
+                (self.get()->*take)(std::move(built));
+        });
+    };
+}
 
 } // namespace tarvex::http
