@@ -25,22 +25,7 @@ namespace {
 constexpr std::size_t mostDeletedShown = 500;
 constexpr std::int64_t secondsPerDay = 24LL * 60 * 60;
 
-const char *passwordProblem(Outcome outcome)
-{
-    switch (outcome) {
-    case Outcome::TooManyAttempts:
-        return "Too many failed attempts. Please wait a minute and try again.";
-    case Outcome::Busy:
-        return "The service is busy. Please try again in a moment.";
-    default:
-        return "The password is wrong. Nothing was done.";
-    }
-}
-
-unsigned statusOf(Outcome outcome)
-{
-    return outcome == Outcome::TooManyAttempts ? 429 : outcome == Outcome::Busy ? 503 : 403;
-}
+constexpr const char *wrongPassword = "The password is wrong. Nothing was done.";
 
 std::string lastDayOf(std::int64_t time)
 {
@@ -142,7 +127,7 @@ void Site::changePassword(Visit &visit)
                                               .password = security::signInDigest(*current)};
     checkPassword(visit, question, [this, &visit](const requests::PasswordAnswer &answer) {
         if (answer.outcome != Outcome::Done) {
-            showAccountWith(visit, passwordProblem(answer.outcome), statusOf(answer.outcome));
+            showAccountWith(visit, problemOf(answer.outcome, wrongPassword), statusOf(answer.outcome));
             return;
         }
         visit.then(Visit::Step::Hash, [this, &visit] {
@@ -234,7 +219,7 @@ void Site::close(Visit &visit)
                                               .password = security::signInDigest(*password)};
     checkPassword(visit, question, [this, &visit](const requests::PasswordAnswer &answer) {
         if (answer.outcome != Outcome::Done) {
-            showCloseWith(visit, passwordProblem(answer.outcome), statusOf(answer.outcome));
+            showCloseWith(visit, problemOf(answer.outcome, wrongPassword), statusOf(answer.outcome));
             return;
         }
         if (!writeAs(visit, [&](store::Connection &connection) {

@@ -38,31 +38,6 @@ std::string_view contentTypeOf(std::string_view name)
                                     : "image/png";
 }
 
-unsigned statusOf(Outcome outcome)
-{
-    switch (outcome) {
-    case Outcome::TooManyAttempts:
-        return 429;
-    case Outcome::Busy:
-    case Outcome::Failed:
-        return 503;
-    default:
-        return 403;
-    }
-}
-
-const char *sentenceOf(Outcome outcome)
-{
-    switch (outcome) {
-    case Outcome::TooManyAttempts:
-        return "Too many failed attempts. Please wait a minute and try again.";
-    case Outcome::Busy:
-        return "The service is busy. Please try again in a moment.";
-    default:
-        return "The login or the password is wrong.";
-    }
-}
-
 /// What the protocol answered to a sign-up, in words.
 std::string messageOf(const std::string &answer)
 {
@@ -141,7 +116,7 @@ void Site::showSignIn(Visit &visit)
 void Site::showSignInAgain(Visit &visit, Outcome outcome) const
 {
     Values values;
-    values.set("problem", sentenceOf(outcome));
+    values.set("problem", problemOf(outcome, "The login or the password is wrong."));
     values.set("login", std::string(visit.form.field("login").value_or("")));
     show(visit, "sign-in", std::move(values), statusOf(outcome));
 }

@@ -1,20 +1,15 @@
 #include "ProgressChart.h"
 
+#include "ChartDays.h"
+#include "Templates.h"
+
 #include <algorithm>
-#include <chrono>
 #include <functional>
 #include <numeric>
-#include <string_view>
 
 namespace tarvex::pages {
 
 namespace {
-
-using std::chrono::days;
-using std::chrono::months;
-using std::chrono::sys_days;
-using std::chrono::year_month;
-using std::chrono::year_month_day;
 
 // The picture, in its own units, of which y runs down. All places are whole numbers, which keeps it short.
 constexpr int width = 480;
@@ -49,30 +44,6 @@ struct Drawing
     const ProgressChart &chart;
     std::vector<Line> lines;
 };
-
-std::string markup(std::string_view text)
-{
-    std::string escaped;
-    for (const char character : text) {
-        switch (character) {
-        case '&':
-            escaped += "&amp;";
-            break;
-        case '<':
-            escaped += "&lt;";
-            break;
-        case '>':
-            escaped += "&gt;";
-            break;
-        case '"':
-            escaped += "&quot;";
-            break;
-        default:
-            escaped += character;
-        }
-    }
-    return escaped;
-}
 
 /// An element; the attributes are ours and need no escaping.
 std::string element(const std::string &name, const std::string &attributes, const std::string &content = "")
@@ -231,83 +202,6 @@ std::string drawnNumbers(const Drawing &drawing)
 
 // The axes
 
-std::string monthOf(year_month_day date)
-{
-    constexpr std::array<const char *, 12> names = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                                    "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-    return names.at(static_cast<unsigned>(date.month()) - 1);
-}
-
-std::string yearOf(year_month_day date)
-{
-    return std::to_string(static_cast<int>(date.year()));
-}
-
-std::string dayOf(year_month_day date)
-{
-    return std::to_string(static_cast<unsigned>(date.day())) + " " + monthOf(date);
-}
-
-year_month_day dateOf(std::int64_t day)
-{
-    return sys_days(days(day));
-}
-
-struct Tick
-{
-    std::int64_t day = 0;
-    std::string text;
-};
-
-std::vector<Tick> dayTicks(const ProgressChart &chart, std::int64_t step)
-{
-    std::vector<Tick> ticks;
-    for (std::int64_t day = chart.firstDay; day <= chart.lastDay; day += step)
-        ticks.push_back({.day = day, .text = dayOf(dateOf(day))});
-    return ticks;
-}
-
-/// At the beginnings of every so many months.
-std::vector<Tick> monthTicks(const ProgressChart &chart, int step)
-{
-    constexpr int monthsPerYear = 12;
-    const year_month_day first = dateOf(chart.firstDay);
-    const int begun = static_cast<int>(static_cast<unsigned>(first.month())) - 1;
-    year_month next = first.year() / std::chrono::January;
-    if (step < monthsPerYear)
-        next += months(begun - begun % step);
-    else
-        next -= months(monthsPerYear * (static_cast<int>(first.year()) % (step / monthsPerYear)));
-    std::vector<Tick> ticks;
-    for (;; next += months(step)) {
-        const year_month_day date = next / 1;
-        const std::int64_t day = sys_days(date).time_since_epoch().count();
-        if (day > chart.lastDay)
-            return ticks;
-        if (day >= chart.firstDay)
-            ticks.push_back(
-                {.day = day,
-                 .text = (step < monthsPerYear ? monthOf(date) + " " : std::string()) + yearOf(date)});
-    }
-}
-
-/// As many as there is room for, at days that people count by.
-std::vector<Tick> ticksOf(const ProgressChart &chart)
-{
-    constexpr std::int64_t most = 6;
-    const std::int64_t span = chart.lastDay - chart.firstDay;
-    for (const std::int64_t step : {1, 2, 7, 14})
-        if (span / step < most)
-            return dayTicks(chart, step);
-    constexpr std::int64_t daysPerMonth = 30;
-    for (const int step : {1, 3, 6, 12, 24, 60})
-        if (span / (step * daysPerMonth) < most)
-            return monthTicks(chart, step);
-    constexpr int decade = 120;
-    const auto decades = static_cast<int>(span / (decade * daysPerMonth * most)) + 1;
-    return monthTicks(chart, decades * decade);
-}
-
 std::string drawnAxes(const ProgressChart &chart)
 {
     std::string grid;
@@ -319,7 +213,7 @@ std::string drawnAxes(const ProgressChart &chart)
         texts += element("text", place(left - 6, yOf(average, percent) + 4) + R"( text-anchor="end")",
                          std::to_string(percent) + "%");
     }
-    for (const Tick &tick : ticksOf(chart)) {
+    for (const Tick &tick : ticksOf(chart.firstDay, chart.lastDay)) {
         const std::int64_t x = xOf(chart, tick.day);
         grid += "M" + std::to_string(x) + " " + std::to_string(bottom) + "v8";
         const char *const anchor = x > right - 20 ? "end" : "middle";
@@ -372,11 +266,6 @@ std::string legend(const ProgressChart &chart)
                            numberOf(i) + " " + markup(shortened(nameOf(chart, i))));
     }
     return entries;
-}
-
-std::string fullDate(std::int64_t day)
-{
-    return dayOf(dateOf(day)) + " " + yearOf(dateOf(day));
 }
 
 std::string description(const Drawing &drawing)

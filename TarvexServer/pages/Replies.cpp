@@ -2,6 +2,8 @@
 
 namespace tarvex::pages {
 
+using requests::Outcome;
+
 namespace {
 
 /// Nothing from elsewhere, no script, no frame, and no word to others of where a link was followed.
@@ -45,6 +47,31 @@ Reply redirect(std::string_view address)
     Reply made = htmlReply(/*status=*/303, "");
     made.fields.append("Location: ").append(address).append("\r\n");
     return made;
+}
+
+const char *problemOf(Outcome outcome, const char *ifWrong)
+{
+    switch (outcome) {
+    case Outcome::TooManyAttempts:
+        return "Too many failed attempts. Please wait a minute and try again.";
+    case Outcome::Busy:
+        return "The service is busy. Please try again in a moment.";
+    default:
+        return ifWrong;
+    }
+}
+
+unsigned statusOf(Outcome outcome)
+{
+    switch (outcome) {
+    case Outcome::TooManyAttempts:
+        return 429;
+    case Outcome::Busy:
+    case Outcome::Failed:
+        return 503;
+    default:
+        return 403;
+    }
 }
 
 std::string_view cookieName(bool isEncrypted)

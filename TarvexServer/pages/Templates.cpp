@@ -57,6 +57,11 @@ std::string page(std::string_view name, const Values &values)
     return page;
 }
 
+std::string markup(const std::string &text)
+{
+    return kainjow::mustache::html_escape(text);
+}
+
 std::string_view styleSheet()
 {
     return file("style.css");

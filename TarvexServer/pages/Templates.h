@@ -15,6 +15,9 @@ using Values = kainjow::mustache::data;
 /// all pages have. Values are escaped but where the template asks for markup.
 std::string page(std::string_view name, const Values &values);
 
+/// The text as it stands in HTML and SVG, escaped as values are.
+std::string markup(const std::string &text);
+
 /// The style sheet, and a mark that is another one whenever it is.
 std::string_view styleSheet();
 const std::string &styleMark();

@@ -1,5 +1,7 @@
 #include "WheelPicture.h"
 
+#include "Templates.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -97,30 +99,6 @@ std::string wheelPicture(const std::string &name, const std::array<Slice, sliceC
     for (std::size_t i = 0; i < sliceCount; ++i)
         picture += label(slices.at(i), i);
     return picture + "</svg>";
-}
-
-std::string markup(std::string_view text)
-{
-    std::string escaped;
-    for (const char character : text) {
-        switch (character) {
-        case '&':
-            escaped += "&amp;";
-            break;
-        case '<':
-            escaped += "&lt;";
-            break;
-        case '>':
-            escaped += "&gt;";
-            break;
-        case '"':
-            escaped += "&quot;";
-            break;
-        default:
-            escaped += character;
-        }
-    }
-    return escaped;
 }
 
 } // namespace tarvex::pages

@@ -25,7 +25,4 @@ struct Slice
 /// are any text. The picture is known by the name, also a text.
 std::string wheelPicture(const std::string &name, const std::array<Slice, sliceCount> &slices);
 
-/// The text as it stands in HTML and SVG.
-std::string markup(std::string_view text);
-
 } // namespace tarvex::pages
