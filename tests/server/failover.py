@@ -55,6 +55,19 @@ class Client(threading.Thread):
         return re.findall("<name>([^<]*)</name>", self.ask("get-goals", "&p4=1&p5=1"))
 
 
+def conclude(clients):
+    """Ends them and looks for what they had confirmed, which must be there once."""
+    for client in clients:
+        client.is_over = True
+    for client in clients:
+        client.join()
+        names = client.names()
+        lost, doubled = set(client.confirmed) - set(names), len(names) - len(set(names))
+        pause = max(later - earlier for earlier, later in zip(client.times, client.times[1:]))
+        print(f"{len(client.confirmed)} confirmed, {len(lost)} lost, {doubled} doubled; {pause:.1f} s without a write")
+        assert client.confirmed and not lost and not doubled
+
+
 def start_service(program, folder, address):
     process = subprocess.Popen([program, "serve", "--listen", "127.0.0.1:0", "--secret", f"{folder}/secret",
                                 "--database", address], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
@@ -75,15 +88,8 @@ def main():
         primary.control("stop", "-m", "immediate")
         standby.control("promote")
         time.sleep(SECONDS_BEHIND)
-        for client in clients:
-            client.is_over = True
-        for client in clients:
-            client.join()
-            names = client.names()
-            lost, doubled = set(client.confirmed) - set(names), len(names) - len(set(names))
-            pause = max(later - earlier for earlier, later in zip(client.times, client.times[1:]))
-            print(f"{len(client.confirmed)} confirmed, {len(lost)} lost, {doubled} doubled; {pause:.1f} s without a write")
-            assert client.confirmed and client.times[-1] > killed + 1 and not lost and not doubled
+        conclude(clients)
+        assert all(client.times[-1] > killed + 1 for client in clients)
         for process, _ in services:
             process.send_signal(signal.SIGTERM)
             assert process.wait(timeout=10) == 0
