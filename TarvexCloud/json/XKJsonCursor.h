@@ -44,8 +44,12 @@ public:
     }
     void passSpaces()
     {
+        if (*m_place == u' ' && m_place[1] > u' ') { // behind a colon, say
+            ++m_place;
+            return;
+        }
         while (*m_place <= u' ' && XKJsonScan::isSpace(*m_place))
-            m_place = XKJsonScan::after(XKJsonScan::isBlank, m_place + 1, m_end); // most are blanks
+            passBlanks();
     }
     /// Whether there were any.
     bool passDigits()
@@ -68,6 +72,24 @@ public:
     XKJsonNumber takeNumber();
 
 private:
+    /// Whether the line that begins here has as many blanks as the last one had.
+    bool isIndentedAsBefore() const
+    {
+        return m_end - m_place > m_indent && m_place[m_indent] > u' ' &&
+               XKJsonScan::after(XKJsonScan::isBlank, m_place, m_place + m_indent) == m_place + m_indent;
+    }
+    void passBlanks()
+    {
+        const bool isLine = *m_place++ == u'\n';
+        if (isLine && isIndentedAsBefore()) {
+            m_place += m_indent; // known before the blanks are counted, so that nothing waits for that
+            return;
+        }
+        const char16_t *const first =
+            std::exchange(m_place, XKJsonScan::after(XKJsonScan::isBlank, m_place, m_end));
+        if (isLine)
+            m_indent = m_place - first;
+    }
     bool passPair()
     {
         const bool stands = XKJsonScan::isHighSurrogate(m_place[0]) && XKJsonScan::isLowSurrogate(m_place[1]);
@@ -79,6 +101,7 @@ private:
 
     const char16_t *m_place;
     const char16_t *m_end;
+    qptrdiff m_indent = 0; ///< blanks that the last line began with
 };
 
 inline XKJsonNumber XKJsonCursor::takeNumber()

@@ -1,14 +1,14 @@
 #include "XKJsonOutput.h"
 
-#include <array>
-#include <charconv>
-
-void XKJsonOutput::putReal(double real)
+void XKJsonOutput::putEscaped(QStringView text)
 {
-    std::array<char, 32> digits; // it takes 24 at most
-    const char *const end = std::to_chars(digits.data(), digits.data() + digits.size(), real).ptr;
-    reserve(digits.size());
-    m_end = std::copy_n(digits.data(), end - digits.data(), m_end);
+    const char16_t *const end = text.utf16() + text.size();
+    for (const char16_t *c = text.utf16(); c != end;) {
+        const char16_t *const run = std::exchange(c, XKJsonScan::after(XKJsonScan::isPlain, c, end));
+        put(QStringView(run, c));
+        if (c != end)
+            putEscape(*c++);
+    }
 }
 
 void XKJsonOutput::putEscape(char16_t unit)

@@ -3,7 +3,8 @@
 #include "XKJsonScan.h"
 
 #include <algorithm>
-#include <limits>
+#include <array>
+#include <charconv>
 #include <QString>
 #include <utility>
 
@@ -37,14 +38,20 @@ public:
         *m_end++ = u'\n';
         m_end = std::fill_n(m_end, spaces, u' ');
     }
-    /// A number in decimal.
-    void putInteger(qint64 integer);
-    /// The shortest text that reads back to the same number.
-    void putReal(double real);
+    /// The shortest text that reads back to the same number, an integer or a real one.
+    template<typename Number>
+    void putNumber(Number number)
+    {
+        std::array<char, 24> digits; // as many as any takes
+        const char *const end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+        reserve(digits.size());
+        m_end = std::copy_n(digits.data(), end - digits.data(), m_end);
+    }
     /// Text between quotes, with escapes where it needs them.
     void putString(QStringView text);
 
 private:
+    void putEscaped(QStringView text);
     void putEscape(char16_t unit);
     void reserve(qsizetype units)
     {
@@ -61,30 +68,14 @@ private:
     char16_t *m_limit = nullptr;
 };
 
-inline void XKJsonOutput::putInteger(qint64 integer)
-{
-    reserve(std::numeric_limits<qint64>::digits10 + 2);
-    if (integer < 0)
-        *m_end++ = u'-';
-    char16_t *const first = m_end;
-    auto rest = static_cast<quint64>(integer);
-    for (rest = integer < 0 ? 0 - rest : rest; rest >= 10; rest /= 10)
-        *m_end++ = static_cast<char16_t>(u'0' + rest % 10);
-    *m_end++ = static_cast<char16_t>(u'0' + rest);
-    std::reverse(first, m_end);
-}
-
+// Most texts need no escape; those are copied without waiting for what is found in them.
 inline void XKJsonOutput::putString(QStringView text)
 {
-    const char16_t *c = text.utf16();
-    const char16_t *const end = c + text.size();
-    put(u'"');
-    for (;;) {
-        reserve(end - c + 1);
-        XKJsonScan::copy(XKJsonScan::isPlain, c, end, m_end);
-        if (c == end)
-            break;
-        putEscape(*c++);
-    }
+    reserve(text.size() + 2);
     *m_end++ = u'"';
+    if (XKJsonScan::copyIf(XKJsonScan::isPlain, text.utf16(), text.size(), m_end))
+        m_end += text.size();
+    else
+        putEscaped(text);
+    put(u'"');
 }

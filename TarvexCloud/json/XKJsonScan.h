@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 #include <QtGlobal>
@@ -61,21 +62,24 @@ const char16_t *after(Kind isOfKind, const char16_t *c, const char16_t *end)
     return c;
 }
 
-/// Copies up to the first unit of another kind, or to the end; both places move on.
+/// Copies some units, and tells whether all of them are of a kind.
 template<typename Kind>
-void copy(Kind isOfKind, const char16_t *&from, const char16_t *end, char16_t *&to)
+bool copyIf(Kind isOfKind, const char16_t *from, qsizetype count, char16_t *to)
 {
-    while (end - from >= 8) {
-        const Eight units = eightAt(from);
-        std::memcpy(to, &units, sizeof(units));
-        const qptrdiff count = countOf(isOfKind(units));
-        from += count;
-        to += count;
-        if (count < 8)
-            return;
+    if (count < 8) {
+        for (qsizetype i = 0; i < count; ++i)
+            if (!isOfKind(to[i] = from[i]))
+                return false;
+        return true;
     }
-    while (from != end && isOfKind(*from))
-        *to++ = *from++;
+    for (qsizetype i = 0;; i = std::min(i + 8, count - 8)) { // the last ones overlap those before
+        const Eight units = eightAt(from + i);
+        std::memcpy(to + i, &units, sizeof(units));
+        if (countOf(isOfKind(units)) < 8)
+            return false;
+        if (i == count - 8)
+            return true;
+    }
 }
 
 } // namespace XKJsonScan

@@ -85,6 +85,11 @@ Q_ALWAYS_INLINE bool XKJsonWriter::appendContainer(const XKJsonNode &container, 
     if (!enterContainer())
         return false;
     const bool isDictionary = container.kind() == XKJsonKind::Dictionary;
+    if (container.length() == 0) {
+        leaveContainer();
+        into.put(isDictionary ? QStringView(u"{}") : QStringView(u"[]"));
+        return true;
+    }
     into.put(isDictionary ? u'{' : u'[');
     m_frames.push_back({container, 0, m_sortKeys && isDictionary ? sortedKeysOf(container) : nullptr});
     return true;
@@ -103,7 +108,7 @@ Q_ALWAYS_INLINE bool XKJsonWriter::appendValue(const XKJsonNode &value, XKJsonOu
         into.put(value.integer ? QStringView(u"true") : QStringView(u"false"));
         return true;
     case XKJsonKind::Integer:
-        into.putInteger(value.integer);
+        into.putNumber(value.integer);
         return true;
     case XKJsonKind::Decimal:
         if (isInfinite(value.view()))
@@ -114,7 +119,7 @@ Q_ALWAYS_INLINE bool XKJsonWriter::appendValue(const XKJsonNode &value, XKJsonOu
         if (!std::isfinite(value.real))
             return refuse(std::isnan(value.real) ? u"NaN is not a valid number in JSON"_s
                                                  : u"Infinity is not a valid number in JSON"_s);
-        into.putReal(value.real);
+        into.putNumber(value.real);
         return true;
     case XKJsonKind::Null:
         into.put(u"null");
@@ -163,7 +168,7 @@ inline void XKJsonWriter::close(XKJsonOutput &into)
 {
     const XKJsonNode container = m_frames.back().container;
     leaveContainer();
-    if (m_humanReadable && container.length() > 0)
+    if (m_humanReadable)
         into.putLine(spacesOfIndent());
     into.put(container.kind() == XKJsonKind::Dictionary ? u'}' : u']');
     m_frames.pop_back();
