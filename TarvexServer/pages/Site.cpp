@@ -82,11 +82,11 @@ const Site::Route *Site::routeOf(std::string_view path)
 {
     static constexpr std::array routes = {
         Route{"/", For::Everybody, &Site::showFront, nullptr},
-        Route{"/style.css", For::Everybody, &Site::showStyle, nullptr},
-        Route{"/icon.svg", For::Everybody, &Site::showIcon, nullptr},
-        Route{"/manual", For::Everybody, &Site::showManual, nullptr},
-        Route{"/twitter", For::Everybody, &Site::showTwitter, nullptr},
-        Route{"/facebook", For::Everybody, &Site::showFacebook, nullptr},
+        Route{"/style.css", For::Anybody, &Site::showStyle, nullptr},
+        Route{"/icon.svg", For::Anybody, &Site::showIcon, nullptr},
+        Route{"/manual", For::Anybody, &Site::showManual, nullptr},
+        Route{"/twitter", For::Anybody, &Site::showTwitter, nullptr},
+        Route{"/facebook", For::Anybody, &Site::showFacebook, nullptr},
         Route{"/sign-in", For::Everybody, &Site::showSignIn, &Site::signIn},
         Route{"/sign-up", For::Everybody, &Site::showSignUp, &Site::signUp},
         Route{"/sign-out", For::SignedIn, nullptr, &Site::signOut},
@@ -118,7 +118,7 @@ std::shared_ptr<Visit> Site::begin(Request request)
             return;
         visit->then(Visit::Step::Work, [this, &visit = *visit, route] { serve(visit, *route); });
         visit->badge = badgeOf(visit->request);
-        if (route->whom != For::Everybody && visit->badge)
+        if (route->whom != For::Anybody && visit->badge)
             m_database.readInAMoment(
                 [&](store::Connection &connection) { lookHastily(*visit, *route, connection); });
     });
@@ -201,7 +201,7 @@ void Site::signedUp(Visit &visit, const requests::Answer &answer)
 void Site::serve(Visit &visit, const Route &route)
 {
     visit.step = Visit::Step::Reply;
-    if (route.whom != For::Everybody && visit.badge && !visit.isIdentified)
+    if (route.whom != For::Anybody && visit.badge && !visit.isIdentified)
         m_database.read([&](store::Connection &connection) { identify(visit, connection); });
     if (visit.session)
         noteUse(*visit.session);
@@ -212,7 +212,7 @@ void Site::serve(Visit &visit, const Route &route)
 /// Otherwise the visit has its reply.
 bool Site::mayEnter(Visit &visit, const Route &route) const
 {
-    if (route.whom == For::Everybody)
+    if (route.whom == For::Anybody || route.whom == For::Everybody)
         return true;
     if (!visit.session)
         endSignedOut(visit);

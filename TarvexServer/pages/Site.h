@@ -42,8 +42,8 @@ public:
 private:
     static constexpr std::string_view manualPath = "/manual/";
 
-    /// Who may see a page.
-    enum class For { Everybody, SignedIn, Owners, OwnersOfClosed };
+    /// Who may see a page. What is for anybody is the same whoever asks.
+    enum class For { Anybody, Everybody, SignedIn, Owners, OwnersOfClosed };
     struct Route
     {
         std::string_view path;
