@@ -15,8 +15,7 @@ using Clock = std::chrono::steady_clock;
 namespace {
 
 constexpr qsizetype largestAnswer = qsizetype(128) * 1024 * 1024;
-constexpr auto longestPoll = 20ms;
-constexpr auto turnInterval = 10ms;
+constexpr auto turnInterval = 10ms; // the window is painted meanwhile
 constexpr long receiveBuffer = 64L * 1024;
 // Below the idle limit of services, so that a kept connection is rarely one they are about to close.
 constexpr long longestIdleSeconds = 20;
@@ -144,7 +143,7 @@ private:
         auto lastTurn = started;
         int running = 0;
         while (curl_multi_perform(m_multi.get(), &running) == CURLM_OK && running > 0) {
-            if (curl_multi_poll(m_multi.get(), nullptr, 0, longestPoll.count(), nullptr) != CURLM_OK)
+            if (curl_multi_poll(m_multi.get(), nullptr, 0, turnInterval.count(), nullptr) != CURLM_OK)
                 break;
             if (Clock::now() - lastTurn >= turnInterval) {
                 turn();
