@@ -52,10 +52,14 @@ private Q_SLOTS:
 
     void whatShowsAnErrorOrAWaitIsSeen()
     {
+        QWidget window;
+        window.show();
+        QApplication::setActiveWindow(nullptr); // the user works in another program meanwhile
         QTimer whenItIsUp;
         bool waited = false;
         connect(&whenItIsUp, &QTimer::timeout, this, [&] {
             auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            QCOMPARE(box->parentWidget(), &window); // not lost in a corner of the screen
             QCOMPARE(box->textFormat(), Qt::PlainText);
             QCOMPARE(box->buttons().first()->text(), u"Close"_s);
             waited = true;
