@@ -323,7 +323,7 @@ QString AreaWindowController::stateText() const
     if (m_tableViewTargets->isEditingText())
         return tr("Return keeps the text, Escape drops it.");
     if (m_load == Load::Unread)
-        return tr("The goals could not be loaded. What is stored stays; what you save is added to it.");
+        return tr("The goals could not be loaded. What you save is added to what is stored.");
     const int count = m_goalModel->rowCount();
     return count > 0 ? tr("%1 of %2 done").arg(m_goalModel->doneCount()).arg(count)
                      : tr("An area without goals counts as 100% done");
