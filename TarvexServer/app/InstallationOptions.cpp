@@ -37,7 +37,7 @@ store::Database InstallationOptions::existing() const
     return store::Database(database);
 }
 
-store::Database InstallationOptions::orNew(store::Room room) const
+store::Database InstallationOptions::orNew(const store::Room &room) const
 {
     // A secret of another place may have been made before its database.
     if (isMissing() && secret.empty() && std::filesystem::exists(files().secret))

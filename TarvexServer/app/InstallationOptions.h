@@ -23,7 +23,7 @@ struct InstallationOptions
     store::Database existing() const;
     /// The database, which is made if it is not there; but where its secret is, it was lost, which
     /// store::CannotOpen says.
-    store::Database orNew(store::Room room = {}) const;
+    store::Database orNew(const store::Room &room = {}) const;
     /// Throws like requests::openInstallation().
     security::KeyedHash open(store::Database &opened) const;
 };

@@ -86,7 +86,7 @@ void LogLines::flush()
         if (told > 0)
             add(spdlog::level::warn, R"("event":"log lines lost","lines":)" + std::to_string(told), lines);
     }
-    const std::string_view rest = write(lines);
+    const std::string_view rest = std::string_view(lines).substr(writeOut(lines));
     const std::lock_guard lock(m_mutex);
     if (!rest.empty()) {
         const auto unwritten = static_cast<std::uint64_t>(std::count(rest.begin(), rest.end(), '\n'));
@@ -126,16 +126,17 @@ void LogLines::openAnew()
     ::close(std::exchange(m_descriptor, descriptor));
 }
 
-/// What of the lines could not be written.
-std::string_view LogLines::write(std::string_view lines) const
+/// How many bytes of the lines could be written.
+std::size_t LogLines::writeOut(const std::string &lines) const
 {
-    while (!lines.empty()) {
-        const ssize_t written = ::write(m_descriptor, lines.data(), lines.size());
+    std::size_t done = 0;
+    while (done < lines.size()) {
+        const ssize_t written = ::write(m_descriptor, lines.data() + done, lines.size() - done);
         if (written < 0 && errno != EINTR)
             break; // the disk is full, or nobody reads any more
-        lines.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
+        done += static_cast<std::size_t>(std::max<ssize_t>(written, 0));
     }
-    return lines;
+    return done;
 }
 
 } // namespace tarvex::app

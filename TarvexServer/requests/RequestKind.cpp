@@ -78,7 +78,9 @@ std::size_t numberOf(const RequestKind &kind)
 
 const RequestKind &kindAt(std::size_t number)
 {
-    return number < kindCount ? kinds[number] : unknownKind;
+    if (number < kindCount)
+        return kinds[number];
+    return unknownKind;
 }
 
 const RequestKind &requestKind(std::string_view name)

@@ -32,7 +32,7 @@ RowCounts rowCounts(SqliteConnection &session)
 RowCounts copyInto(SqliteConnection &copy, SqliteConnection &source, std::chrono::milliseconds pause)
 {
     source.execute("BEGIN"); // so that all steps see the same
-    const RowCounts counts = rowCounts(source);
+    RowCounts counts = rowCounts(source);
     source.copyTo(copy, pause);
     source.execute("COMMIT");
     copy.endLog();

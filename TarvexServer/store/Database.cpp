@@ -52,7 +52,7 @@ private:
     std::vector<std::unique_ptr<EngineSession>> m_free;
 };
 
-std::unique_ptr<Engine> engineOf(const std::string &url, Room room)
+std::unique_ptr<Engine> engineOf(const std::string &url, const Room &room)
 {
     if (PostgresEngine::isUrl(url))
         return std::make_unique<PostgresEngine>(url, room);
@@ -71,7 +71,7 @@ struct Database::Sessions
     Readers readers;
 };
 
-Database::Database(const std::string &url, Room room) : m_sessions(std::make_unique<Sessions>())
+Database::Database(const std::string &url, const Room &room) : m_sessions(std::make_unique<Sessions>())
 {
     m_sessions->engine = engineOf(url, room);
     Engine &engine = *m_sessions->engine;

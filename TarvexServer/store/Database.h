@@ -26,7 +26,7 @@ public:
 
     /// Opens the database at the URL, making file, missing parent folders and schema as needed; a
     /// file of an older schema is first copied to "<file>.before-schema-N". Throws CannotOpen.
-    explicit Database(const std::string &url, Room room = {});
+    explicit Database(const std::string &url, const Room &room = {});
     /// Writes first what still waits to be written.
     ~Database();
     Database(const Database &) = delete;

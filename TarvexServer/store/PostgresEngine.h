@@ -15,7 +15,7 @@ public:
     static bool isUrl(const std::string &url);
 
     /// Of the room only the size of the database counts: the disk is another machine's.
-    PostgresEngine(std::string url, Room room) : m_url(std::move(url)), m_room(room) {}
+    PostgresEngine(std::string url, const Room &room) : m_url(std::move(url)), m_room(room) {}
 
     /// Makes the schema as needed.
     std::unique_ptr<EngineSession> openWriter() override;

@@ -28,7 +28,7 @@ constexpr std::int32_t withoutGoals = 100;
 /// All areas of a set that has no goals.
 constexpr std::int64_t allWithoutGoals = [] {
     std::int64_t percents = 0;
-    for (std::size_t i = 0; i < OfAreas().size(); ++i)
+    for (std::size_t i = 0; i < std::tuple_size_v<OfAreas>; ++i)
         percents = percents << bitsOfPercent | withoutGoals;
     return percents;
 }();

@@ -124,8 +124,8 @@ private:
 SqliteConnection::SqliteConnection(const std::filesystem::path &file) : SqliteConnection(opened(file))
 {
     sqlite3_busy_timeout(m_session, busyMilliseconds);
-    execute("PRAGMA synchronous = FULL; PRAGMA fullfsync = ON; PRAGMA foreign_keys = ON;"
-            " PRAGMA secure_delete = ON"); // what is removed is overwritten
+    SqliteConnection::execute("PRAGMA synchronous = FULL; PRAGMA fullfsync = ON; PRAGMA foreign_keys = ON;"
+                              " PRAGMA secure_delete = ON"); // what is removed is overwritten
     addOctetLength(m_session);
     // The file can be read; beside one that cannot, the log may hold the rest.
     leaveLogAtEnd(m_session, /*leaves=*/false);

@@ -86,7 +86,7 @@ std::unique_ptr<SqliteConnection> reader(const std::filesystem::path &file)
 
 } // namespace
 
-SqliteEngine::SqliteEngine(const std::string &url, Room room)
+SqliteEngine::SqliteEngine(const std::string &url, const Room &room)
     : m_file(sqliteFile(url)), m_folder(std::filesystem::absolute(m_file).parent_path()), m_room(room)
 {
 }

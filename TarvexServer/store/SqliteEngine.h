@@ -14,7 +14,7 @@ class SqliteEngine : public Engine
 {
 public:
     /// The URL is of the form "sqlite:PATH".
-    SqliteEngine(const std::string &url, Room room);
+    SqliteEngine(const std::string &url, const Room &room);
 
     /// Makes file, missing parent folders and schema as needed.
     std::unique_ptr<EngineSession> openWriter() override;

@@ -26,12 +26,15 @@ struct Transfer
         for (std::size_t i = 0; i < table->columns.size(); ++i) {
             const std::string &column = table->columns[i];
             const std::string comma = i > 0 ? ", " : "";
-            const std::string parameter = "$" + std::to_string(i + 1);
-            const bool mayLack = column.ends_with("_at") || column == "percents";
-            columns += comma + column;
-            read += comma + (mayLack ? "COALESCE(" + column + ", " + nothing + ")" : column);
-            written +=
-                comma + (mayLack ? "NULLIF(CAST(" + parameter + " AS BIGINT), " + nothing + ")" : parameter);
+            std::string value = "$" + std::to_string(i + 1);
+            std::string found = column;
+            if (column.ends_with("_at") || column == "percents") { // which may lack
+                found.insert(0, "COALESCE(").append(", ").append(nothing).append(")");
+                value.insert(0, "NULLIF(CAST(").append(" AS BIGINT), ").append(nothing).append(")");
+            }
+            columns.append(comma).append(column);
+            read.append(comma).append(found);
+            written.append(comma).append(value);
         }
         select =
             "SELECT " + read + " FROM " + table->name + (table->isOfAccounts ? " WHERE account_id = $1" : "");
