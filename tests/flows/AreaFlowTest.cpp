@@ -192,7 +192,7 @@ private Q_SLOTS:
              {std::tuple(cutReply(), 1), {httpReply(" Error "), 0}, {httpReply("<goals><go"), 0}}) {
             OpenArea area(reply);
             QCOMPARE(area.alert.errors.size(), alerts);
-            QVERIFY(area.state().startsWith(u"The goals could not be loaded. What is stored stays"_s));
+            QVERIFY(area.state().startsWith(u"The goals could not be loaded. What you save is added"_s));
             area.click("Add Goal");
             QTest::keyClicks(area.editor(), u"Dance"_s);
             QTest::keyClick(area.editor(), Qt::Key_Return);
