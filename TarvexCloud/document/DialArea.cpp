@@ -12,20 +12,19 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-DialGeometry::TextSizes textSizes(const QWidget &names, const QLabel &percent, const QLabel &average,
-                                  const QLabel &caption)
+DialGeometry::TextSizes textSizes(const QWidget &names, const DialArea::Contents &contents)
 {
-    const QFontMetrics percentMetrics(percent.font());
+    const QFontMetrics percentMetrics(contents.percents[0]->font());
+    const QFontMetrics averageMetrics = contents.average->fontMetrics();
     DialGeometry::TextSizes sizes;
     sizes.nameHeight = names.fontMetrics().height() + 2;
     // The longest of the names that a wheel begins with; longer ones of the user's own may be cut.
     sizes.nameWidthAtSide = names.fontMetrics().horizontalAdvance(u"Career and Business"_s) + 4;
     sizes.nameWidthBesideAverage = names.fontMetrics().horizontalAdvance(u"Romance"_s) + 4;
     sizes.percent = QSizeF(percentMetrics.horizontalAdvance(u"100%"_s) + 12, percentMetrics.height());
-    sizes.average =
-        QSize(average.fontMetrics().horizontalAdvance(u"-1000%"_s), average.fontMetrics().height() + 1);
-    sizes.captionHeight = caption.fontMetrics().height() + 1;
-    sizes.captionWidth = caption.sizeHint().width();
+    sizes.average = QSize(averageMetrics.horizontalAdvance(u"-1000%"_s), averageMetrics.height() + 1);
+    sizes.captionHeight = contents.caption->fontMetrics().height() + 1;
+    sizes.captionWidth = contents.caption->sizeHint().width();
     return sizes;
 }
 
@@ -74,17 +73,14 @@ void DialArea::place()
 {
     if (!m_contents.wheel)
         return;
-    const DialGeometry dial(
-        size(), textSizes(*this, *m_contents.percents[0], *m_contents.average, *m_contents.caption));
+    const DialGeometry::TextSizes text = textSizes(*this, m_contents);
+    const DialGeometry dial(size(), text);
     m_contents.wheel->setGeometry(dial.wheel);
     m_contents.average->setGeometry(dial.average);
     m_contents.caption->setGeometry(dial.caption);
     for (std::size_t k = 0; k < m_contents.names.size(); ++k) {
         m_contents.names[k]->setGeometry(dial.names[k]);
-        m_contents.percents[k]->setFrameCentredAt(
-            dial.percentCentres[k],
-            textSizes(*this, *m_contents.percents[k], *m_contents.average, *m_contents.caption).percent,
-            height());
+        m_contents.percents[k]->setFrameCentredAt(dial.percentCentres[k], text.percent, height());
     }
 }
 
@@ -92,8 +88,7 @@ QSize DialArea::minimumSizeHint() const
 {
     if (!m_contents.wheel)
         return QWidget::minimumSizeHint();
-    return DialGeometry::minimumArea(
-        textSizes(*this, *m_contents.percents[0], *m_contents.average, *m_contents.caption));
+    return DialGeometry::minimumArea(textSizes(*this, m_contents));
 }
 
 void DialArea::setWheelShown(bool shown)

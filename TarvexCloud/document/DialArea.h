@@ -3,7 +3,6 @@
 #include <array>
 #include <QWidget>
 
-struct DialGeometry;
 class ElidedLabel;
 class QLabel;
 class RotatedLabel;

@@ -101,21 +101,15 @@ void DocumentController::showManual()
         m_alert.showError(UserManual::notShown(page));
 }
 
-std::shared_ptr<TarvexDocument> DocumentController::sharedOf(const TarvexDocument *document) const
-{
-    const auto found = std::find_if(m_documents.begin(), m_documents.end(),
-                                    [&](const auto &open) { return open.get() == document; });
-    return found == m_documents.end() ? nullptr : *found;
-}
-
 void DocumentController::documentDidClose(TarvexDocument *document)
 {
-    const std::shared_ptr<TarvexDocument> closed = sharedOf(document);
-    if (!closed)
+    const auto closed = std::find_if(m_documents.begin(), m_documents.end(),
+                                     [&](const auto &open) { return open.get() == document; });
+    if (closed == m_documents.end())
         return;
-    std::erase(m_documents, closed);
+    m_closed.push_back(*closed);
+    m_documents.erase(closed);
     m_activated.removeAll(document->window());
-    m_closed.push_back(closed);
     m_releasing.start(0);
     if (m_documents.empty())
         Q_EMIT lastDocumentClosed();
@@ -134,7 +128,7 @@ void DocumentController::quit()
 {
     while (!m_documents.empty())
         m_documents.back()->close();
-    QApplication::quit();
+    runWhenIdle([] { QApplication::quit(); }, [] {}); // while a request waits, it would be held back for good
 }
 
 QMainWindow *DocumentController::mainWindow() const

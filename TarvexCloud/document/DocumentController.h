@@ -45,7 +45,7 @@ public:
     const std::vector<std::shared_ptr<TarvexDocument>> &documents() const { return m_documents; }
 
     /// The document window the user worked in last, also while a sheet or an alert is in front of it; null
-    /// when none has been active yet or it is closed.
+    /// when none of those open has been active yet.
     QMainWindow *mainWindow() const;
     /// The document of that window, or null.
     TarvexDocument *documentOfWindow(const QMainWindow *window) const;
@@ -71,7 +71,6 @@ Q_SIGNALS:
 private:
     TarvexDocument *show(const std::shared_ptr<TarvexDocument> &document);
     void releaseClosed();
-    std::shared_ptr<TarvexDocument> sharedOf(const TarvexDocument *document) const;
 
     TVXExchange &m_exchange;
     TVXAlert &m_alert;

@@ -6,7 +6,6 @@
 class AlertSheet;
 class DocumentController;
 class ProjectNameSheet;
-class QToolBar;
 class Sheet;
 class SignInSheet;
 class TarvexDocument;

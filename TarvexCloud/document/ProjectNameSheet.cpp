@@ -1,6 +1,7 @@
 #include "ProjectNameSheet.h"
 
 #include "BusyIndicator.h"
+#include "OneLineEdit.h"
 #include "SheetStyle.h"
 #include "ui_ProjectNameSheet.h"
 
@@ -37,7 +38,10 @@ void ProjectNameSheet::askForName(const QString &name, qint64 tag)
     m_tag = tag;
     m_givenName = name.isNull() ? u""_s : name;
     if (m_textProjectName) {
-        m_textProjectName->setText(name);
+        if (auto *own = qobject_cast<OneLineEdit *>(m_textProjectName))
+            own->fillIn(m_givenName);
+        else
+            m_textProjectName->setText(m_givenName);
         m_textProjectName->setFocus(); // a dialog that comes up selects the text of its focus
     }
     setStatus(QString());
@@ -48,6 +52,8 @@ void ProjectNameSheet::askForName(const QString &name, qint64 tag)
 
 QString ProjectNameSheet::name() const
 {
+    if (const auto *own = qobject_cast<OneLineEdit *>(m_textProjectName))
+        return own->textOrFilledIn();
     return m_textProjectName ? m_textProjectName->text() : m_givenName;
 }
 

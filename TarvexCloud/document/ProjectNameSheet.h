@@ -24,7 +24,7 @@ public:
     void askForName(const QString &name, qint64 tag);
 
     /// What the field says. A name that it still shows as it was given comes back so, line breaks included,
-    /// which a field of one line could not hold.
+    /// which the field does not show.
     QString name() const;
     qint64 tag() const { return m_tag; }
 

@@ -8,8 +8,6 @@
 #include <QGuiApplication>
 #include <QStandardPaths>
 
-using namespace Qt::StringLiterals;
-
 namespace ReportTexts {
 namespace {
 QString tr(const char *text)

@@ -54,8 +54,6 @@ void TarvexDocument::makeReport(void (ReportDialogs::*next)())
         std::shared_ptr<PrintOperation> operation;
         whileSaying(tr("Getting the goals for the report…"), /*requests=*/1,
                     [&] { operation = printOperationWithSettings(/*settings=*/{}); });
-        if (!operation)
-            return;
         if (operation->lacksGoals())
             tell(ReportTexts::withoutGoals());
         (makeReportDialogs(operation)->*next)();

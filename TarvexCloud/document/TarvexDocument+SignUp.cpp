@@ -10,7 +10,6 @@
 #include "XKJsonParser.h"
 
 #include <QLineEdit>
-#include <QMainWindow>
 #include <QScopeGuard>
 
 using namespace Qt::StringLiterals;

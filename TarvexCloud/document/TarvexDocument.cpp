@@ -90,26 +90,28 @@ void TarvexDocument::getUserNameAndPassword()
         m_startGettingUserNameAndPassword->deleteLater();
         m_startGettingUserNameAndPassword.clear();
     }
-    const auto wordCancel = [this] {
-        using Means = SignInSheet::CancelMeans;
-        const bool isLast = endsWithLastWindow && m_controller.documents().size() == 1;
-        m_wndSignIn->setCancelMeans(m_credentialsOfWheel ? Means::Cancel
-                                    : isLast             ? Means::Quit
-                                                         : Means::CloseWindow);
-    };
     wordCancel();
-    connect(m_wndSignIn, &Sheet::didBecomeKey, this, wordCancel); // windows come and go meanwhile
+    connect(m_wndSignIn, &Sheet::didBecomeKey, this,
+            &TarvexDocument::wordCancel); // windows come and go meanwhile
     beginSheet(m_wndSignIn);
+}
+
+void TarvexDocument::wordCancel()
+{
+    using Means = SignInSheet::CancelMeans;
+    const bool isLast = endsWithLastWindow && m_controller.documents().size() == 1;
+    m_wndSignIn->setCancelMeans(m_credentialsOfWheel ? Means::Cancel
+                                : isLast             ? Means::Quit
+                                                     : Means::CloseWindow);
 }
 
 void TarvexDocument::signInAgain()
 {
     if (!mayOpenSheet())
         return;
-    if (windowState().hasAreas) {
+    if (windowState().hasAreas)
         m_credentialsOfWheel.emplace(m_loginUserName, m_loginPassword);
-        m_wndSignIn->setCancelMeans(SignInSheet::CancelMeans::Cancel);
-    }
+    wordCancel();
     m_textSignInErrorMessage->setText(u""_s);
     m_wndSignIn->setHint(QString());
     beginSheet(m_wndSignIn);
@@ -139,20 +141,19 @@ void TarvexDocument::signIn()
         QString whyNoAnswer;
         const QString answer =
             manager.signInWithLogin(m_textUsername->text(), m_textPassword->text(), &whyNoAnswer);
-        const bool isSignedIn = answer == u"OK"_s;
-        if (isSignedIn)
+        if (answer == u"OK"_s) {
             loadStartupDataForLogin(m_textUsername->text(), m_textPassword->text());
-        m_wndSignIn->setHint(answer == u"Error"_s ? hintOnError(whyNoAnswer) : hintOnStranger(answer));
-        if (isSignedIn) {
-            m_credentialsOfWheel.reset();
+            m_wndSignIn->setHint(QString());
             m_wndSignIn->endSheet();
             return;
         }
+        m_wndSignIn->setHint(answer == u"Error"_s ? hintOnError(whyNoAnswer) : hintOnStranger(answer));
         m_textSignInErrorMessage->setError(answer);
         if (whyNoAnswer.isNull())
             busy.endInField(m_textPassword);
     };
     m_controller.runAction(action, [this] {
+        wordCancel();
         m_wndSignIn->setHint(QString());
         m_textSignInErrorMessage->setError(
             tr("The service's answer was incomplete, so not everything could be shown. Try again."));
@@ -176,6 +177,7 @@ void TarvexDocument::cancel()
     }
     std::tie(m_loginUserName, m_loginPassword) = *std::exchange(m_credentialsOfWheel, std::nullopt);
     m_wndSignIn->endSheet();
+    showState(); // which may have been shown without a login meanwhile
 }
 
 void TarvexDocument::close()
@@ -195,6 +197,7 @@ void TarvexDocument::loadStartupDataForLogin(const QString &login, const QString
 {
     m_loginUserName = login;
     m_loginPassword = andPassword;
+    m_credentialsOfWheel.reset(); // the wheel of before goes now
     m_state.isLoaded = true;
     startGettingData();
     m_wheelView->setMainData(m_project);
@@ -205,7 +208,6 @@ void TarvexDocument::loadStartupDataForLogin(const QString &login, const QString
     m_wheelView->setTheParent(this);
     m_wheelView->display();
     updatePercentValues();
-    showState();
     if (!m_wheelView->window()->focusWidget() && m_wheelView->focusPolicy() != Qt::NoFocus)
         m_wheelView->setFocus(); // so that whoever hears the window hears what it is about
 }

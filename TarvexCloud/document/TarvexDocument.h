@@ -147,7 +147,7 @@ public Q_SLOTS:
 
     /// Opens the set-name sheet empty, for a new set.
     void addNewProject();
-    /// Opens the set-name sheet with the current set's name; without a current set it does nothing.
+    /// Opens the set-name sheet with the current set's name; without a current set it only empties it.
     void editCurrentProject();
     /// Creates or renames on the service and fetches the sets anew.
     void projectNameSheetClickedOk();
@@ -182,6 +182,8 @@ private:
     QString hintOnStranger(const QString &answer) const;
     bool mayOpenSheet() const;
     void beginSheet(Sheet *sheet);
+    /// Has the sign-in sheet's button say what cancel() would do.
+    void wordCancel();
     TarvexDocument *documentToBorrowFrom() const;
 
     bool loadSets(TVXSetsList &sets);

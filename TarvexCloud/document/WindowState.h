@@ -6,16 +6,15 @@
 /// last done. Plain data; its words and what is allowed are computed from it by the functions below.
 struct WindowState
 {
-    bool isLoaded = false; ///< a load after a sign-in has come to its end, well or not
+    bool isLoaded = false; ///< a load after a sign-in has begun, whatever came of it
     bool hasAreas = false;
     bool haveAreasFailed = false; ///< no list of areas could be fetched
     bool hasSets = false;
     bool haveSetsFailed = false;
     bool isSetSelected = false;
-    bool isInDoubt = false;         ///< nobody knows whether the last change was stored
-    QString signedInAs = QString(); ///< the login, of any length; empty before signing in
-    QString lastDone =
-        QString(); ///< what the last action came to, in sentences; empty if there is nothing to tell
+    bool isInDoubt = false; ///< nobody knows whether the last change was stored
+    QString signedInAs;     ///< the login, of any length; empty before signing in
+    QString lastDone;       ///< what the last action came to, in sentences; empty if there is nothing to tell
 
     bool operator==(const WindowState &) const = default;
 };

@@ -41,8 +41,8 @@ int main(int argc, char *argv[])
     QGuiApplication::setDesktopFileName(u"tarvex-cloud"_s);
     QApplication::setWindowIcon(applicationIcon());
     // Without a menu bar of its own an application with no window could not be reached.
-    QObject::connect(&controller, &DocumentController::lastDocumentClosed, &application, &QApplication::quit,
-                     Qt::QueuedConnection);
+    QObject::connect(&controller, &DocumentController::lastDocumentClosed, &controller,
+                     &DocumentController::quit, Qt::QueuedConnection);
 #endif
     controller.openUntitledDocument();
     return QApplication::exec();

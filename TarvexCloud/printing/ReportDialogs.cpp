@@ -80,9 +80,16 @@ void ReportDialogs::printOn(QPrinter &printer, QWidget *asking)
     m_printInfo.pageLayout = printer.pageLayout();
     if (m_preview) // shows the report on the paper that it is laid out for from now on
         m_preview->preview().setPageLayout(m_printInfo.pageLayout);
+    const bool isPart = printer.printRange() == QPrinter::PageRange;
+    const QPageRanges pages = isPart ? printer.pageRanges() : QPageRanges();
+    const qint64 lastPage = m_operation->layOutFor(m_printInfo.pageLayout).length;
+    if (pages.firstPage() > lastPage) { // the dialog takes any number
+        tell(tr("None of the chosen pages is in the report: on this paper, its last page is page %1.")
+                 .arg(lastPage));
+        return;
+    }
     if (printer.outputFormat() == QPrinter::PdfFormat) {
-        const bool isPart = printer.printRange() == QPrinter::PageRange;
-        writePdf(asking, printer.outputFileName(), isPart ? printer.pageRanges() : QPageRanges());
+        writePdf(asking, printer.outputFileName(), pages);
         return;
     }
     const auto failure = [&] {

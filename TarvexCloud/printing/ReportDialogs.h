@@ -29,6 +29,8 @@ public:
     void preview();
     void print() { askForPrinter(m_window); }
     void saveAsPdf() { askForFile(m_window); }
+    /// Prints as the print dialog has set the printer up: on it, or into a file.
+    void printOn(QPrinter &printer, QWidget *asking);
 
 Q_SIGNALS:
     /// Everything went to that printer.
@@ -38,7 +40,6 @@ Q_SIGNALS:
 private:
     void askForPrinter(QWidget *asking);
     void askForFile(QWidget *asking, const QString &typedPath = {}, const QPageRanges &pages = {});
-    void printOn(QPrinter &printer, QWidget *asking);
     void writePdf(QWidget *asking, const QString &path, const QPageRanges &pages);
     void tell(const QString &message) const;
 

@@ -128,20 +128,13 @@ void RandomGoalWindowController::windowDidBecomeKey()
     const QPointer self(this); // the document may be gone by then
     m_services.runWhenIdle(
         [self] {
-            if (self)
-                self->loadFirstGoal();
+            if (self && !self->m_isAlreadyLoaded && self->m_myWindow->isBegun())
+                self->fetchRandomGoal();
         },
         [self] {
             if (self)
                 self->showIncompleteAnswer();
         });
-}
-
-void RandomGoalWindowController::loadFirstGoal()
-{
-    if (m_isAlreadyLoaded || !m_myWindow->isBegun())
-        return;
-    fetchRandomGoal();
 }
 
 void RandomGoalWindowController::fetchRandomGoal()
@@ -265,10 +258,12 @@ void RandomGoalWindowController::showState()
 
 void RandomGoalWindowController::sayState() const
 {
-    QStringList texts = {m_labelHint->text()};
+    QStringList texts = {m_labelHint->text()}; // with a goal, only where that has no text
     if (hasGoal())
-        texts = {m_labelGoal->text(), m_labelArea->text()};
-    Announcement::make(m_myWindow, texts.join(u'\n'));
+        texts += m_labelGoal->text();
+    if (hasGoal() && m_indexOfArea)
+        texts += m_labelArea->text();
+    Announcement::make(m_myWindow, texts.join(u'\n').trimmed());
 }
 
 QString RandomGoalWindowController::hint() const
@@ -290,5 +285,5 @@ void RandomGoalWindowController::showIncompleteAnswer()
     m_isWaiting = false;
     showState();
     m_labelHint->setText(tr("The service's answer was incomplete. Choose Next Goal to try again."));
-    sayState();
+    Announcement::make(m_myWindow, m_labelHint->text());
 }

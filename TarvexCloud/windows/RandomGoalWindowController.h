@@ -91,7 +91,6 @@ private:
     void runBusy(const QString &doing, std::chrono::milliseconds atMost,
                  const std::function<void()> &requests);
     void fetchRandomGoal();
-    void loadFirstGoal();
     TVXWritten markCurrentGoalDone();
     void tickInProject();
     QString hint() const;

@@ -153,6 +153,8 @@ private Q_SLOTS:
         QTRY_VERIFY(area.table->findChild<QComboBox *>()->view()->isVisible());
         QTest::keyClick(area.table->findChild<QComboBox *>()->view(), Qt::Key_Escape);
         QTRY_VERIFY(!area.table->findChild<QComboBox *>());
+        QTest::keyClick(area.table, Qt::Key_Tab);
+        QVERIFY(!area.table->hasFocus());
         area.click("Save");
         QCOMPARE(area.written().mid(0, 2),
                  (QList<QByteArray>{

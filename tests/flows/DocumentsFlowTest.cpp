@@ -51,6 +51,16 @@ private Q_SLOTS:
         QVERIFY(client.service.requests().isEmpty());
     }
 
+    void quittingDuringARequestIsDoneBehindIt()
+    {
+        Client client;
+        const TarvexDocument *document = client.openSignedIn();
+        client.holdUntil([&] { return client.controller.quit(), true; });
+        QTimer::singleShot(0, document, [=] { Client::trigger(document, "actionReload"); });
+        QTimer::singleShot(10'000, &client.controller, [] { QCoreApplication::exit(1); });
+        QCOMPARE(QCoreApplication::exec(), 0);
+    }
+
     void aDocumentWithoutAWindowTurnsToTheCurrentOne()
     {
         Client client;

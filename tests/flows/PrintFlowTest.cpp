@@ -1,5 +1,6 @@
 #include "Client.h"
 #include "PrintOperation.h"
+#include "ReportDialogs.h"
 #include "ReportPreview.h"
 #include "ReportPreviewDialog.h"
 #include "ReportTexts.h"
@@ -200,6 +201,23 @@ private Q_SLOTS:
         QTest::mouseClick(Client::button(dialog, u"Save as PDF…"_s), Qt::LeftButton);
         Q_EMIT client.dialog<QFileDialog>()->fileSelected(folder.filePath(u"seen.pdf"_s));
         QCOMPARE(textOf(folder.filePath(u"seen.pdf"_s)).count(u'\f'), preview.countPages());
+    }
+
+    void pagesBehindTheLastOneAreRefused()
+    {
+        const PrintingClient client;
+        const QTemporaryDir folder;
+        client.command(u"actionPrintPreview"_s)->trigger();
+        QPrinter printer;
+        printer.setOutputFileName(folder.filePath(u"kept.pdf"_s));
+        printer.setPrintRange(QPrinter::PageRange);
+        for (const int first : {2, 99}) {
+            printer.setFromTo(first, 100);
+            client.document->window()->findChild<ReportDialogs *>()->printOn(printer, /*asking=*/nullptr);
+        }
+        QVERIFY(textOf(printer.outputFileName()).contains(u"Goal100."_s));
+        QCOMPARE(client.alert.errors.size(), 1);
+        QVERIFY(client.alert.errors[0].startsWith(u"None of the chosen pages"_s));
     }
 
     void aComputerWithoutPrinterIsTold()

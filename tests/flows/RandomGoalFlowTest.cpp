@@ -1,5 +1,6 @@
 #include "Client.h"
 
+#include "Announcement.h"
 #include "RandomGoalWindowController.h"
 #include "SliceMark.h"
 #include "WrappedLabel.h"
@@ -35,6 +36,7 @@ struct OpenGoal : Client
     void click(const char *text) const { QTest::mouseClick(button(text), Qt::LeftButton); }
     QPushButton *button(const char *text) const { return Client::button(sheet, QString::fromLatin1(text)); }
     QString hint() const { return sheet->findChild<QLabel *>(u"labelRandomGoalHint"_s)->text(); }
+    QString said() const { return sheet->findChild<Announcement *>()->accessibleName(); }
 
     TarvexDocument *document;
     Sheet *sheet;
@@ -67,6 +69,9 @@ private Q_SLOTS:
         QCOMPARE(labelGoal->isVisible(), mayBeDone);
         QCOMPARE(open.button("Mark as Done")->isEnabled(), mayBeDone);
         QVERIFY(!open.random->progress()->isAnimating());
+        const QStringList said = {open.hint(), mayBeDone ? labelGoal->text() : QString(),
+                                  mark->isVisible() ? open.random->labelArea()->text() : QString()};
+        QTRY_COMPARE(open.said(), said.join(u'\n').trimmed());
     }
 
     void onlyTheUserFetchesAgainAndAnIncompleteAnswerChangesNothing()
@@ -86,6 +91,7 @@ private Q_SLOTS:
         open.click("Next Goal");
         QCOMPARE(open.random->labelGoal()->text().size(), 10'000);
         QVERIFY(open.hint().contains(u"incomplete"));
+        QTRY_COMPARE(open.said(), open.hint());
 
         open.service.answer("get-random-goal", QByteArray("Error"));
         open.click("Mark as Done");

@@ -78,10 +78,10 @@ private Q_SLOTS:
         client.service.answer("get-sets", sets({"A", "B"}));
         const QByteArray longName(40'000, 'x');
         QAccessible::queryAccessibleInterface(document->wndProjectName()->textProjectName())
-            ->setText(QAccessible::Value, QString::fromLatin1(longName)); // as if dictated
+            ->setText(QAccessible::Value, QString::fromLatin1(longName + "\ny")); // as if dictated
         QTest::mouseClick(Client::button(document->wndProjectName(), u"Rename"_s), Qt::LeftButton);
         QCOMPARE(client.service.bodies().value(5),
-                 "p1=set-sets-name" + annsDigests + "&p4=" + longName + "&p5=71");
+                 "p1=set-sets-name" + annsDigests + "&p4=" + longName + " y&p5=71");
         QCOMPARE(document->listOfProjects()->currentText(), u"B"_s); // left to the selector
     }
 

@@ -168,12 +168,22 @@ private Q_SLOTS:
         Client::trigger(document, "actionSignIn");
         Client::signIn(document, u"bob"_s);
         QVERIFY(document->loginUserName().isEmpty() && document->loginPassword().isEmpty());
+        Client::button(document->wndSignIn(), u"Create Account…"_s)->click();
+        QTest::keyClick(document->wndSignUp(), Qt::Key_Escape);
         QTest::keyClick(document->wndSignIn(), Qt::Key_Escape);
         QVERIFY(document->window()->isVisible() && !document->wndSignIn()->isVisible());
         QCOMPARE(document->window()->findChild<QLabel *>(u"labelAccount"_s)->text(), u"Signed in as ann"_s);
         Client::trigger(document, "actionReload");
         QCOMPARE(client.service.bodies().last(), "p1=get-areas" + annsDigests);
         QCOMPARE(document->wheelView()->piecesOfWheel()->size(), std::size_t(2 * 8)); // more each time
+
+        client.service.answer("sign-in", QByteArray("OK"));
+        client.service.answer("get-areas", httpReply("<a><id>1</id></a>")); // incomplete
+        Client::trigger(document, "actionSignIn");
+        Client::signIn(document, u"bob"_s);
+        QVERIFY(Client::button(document->wndSignIn(), u"Quit"_s));
+        QTest::keyClick(document->wndSignIn(), Qt::Key_Escape); // nobody's wheel is on show any more
+        QVERIFY(!document->window()->isVisible());
     }
 
     void aReloadKeepsTheSelectionAndWhateverCannotBeFetched()
