@@ -151,7 +151,10 @@ void wholeReportOnEveryPage(benchmark::State &state, int goals)
         writePdf([&](QPdfWriter &writer) {
             const qint64 pages = operation->layOutFor(writer.pageLayout()).length;
             TVXPrintView &view = operation->view();
-            const ReportItems all = view.layoutOfReport().allItems(view.pageRect(), pages);
+            QRectF whole = view.pageRect();
+            whole.setTop(0);
+            whole.setHeight(static_cast<qreal>(view.documentHeight()));
+            const ReportItems all = view.layoutOfReport().itemsOnPage(whole, /*countPages=*/1);
             QPainter painter(&writer);
             painter.scale(writer.logicalDpiX() / pointsPerInch, writer.logicalDpiY() / pointsPerInch);
             for (qint64 page = 1; page <= pages; ++page) {

@@ -9,14 +9,12 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
 /// To assistive tools it is what the toolkit's own message box is.
-QAccessibleInterface *makeInterface(const QString &className, QObject *object)
+QAccessibleInterface *makeInterface(const QString &, QObject *object)
 {
-    auto *alert = className == "AlertSheet"_L1 ? qobject_cast<AlertSheet *>(object) : nullptr;
+    auto *alert = qobject_cast<AlertSheet *>(object);
     return alert ? new QAccessibleWidget(alert, QAccessible::AlertMessage) : nullptr;
 }
 
@@ -25,7 +23,7 @@ QAccessibleInterface *makeInterface(const QString &className, QObject *object)
 AlertSheet::AlertSheet(QWidget *ownWindow)
     : Sheet(ownWindow), m_picture(new QLabel), m_message(new QLabel), m_information(new QLabel)
 {
-    [[maybe_unused]] static const bool installed = (QAccessible::installFactory(makeInterface), true);
+    QAccessible::installFactory(makeInterface);
     QFont bold = font();
     bold.setBold(true);
     m_message->setFont(bold);

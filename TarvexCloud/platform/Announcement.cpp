@@ -3,25 +3,22 @@
 #include <chrono>
 #include <QAccessibleWidget>
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
 // Screen readers drop what comes with a flood of other changes, as a window's coming and going brings.
 constexpr std::chrono::milliseconds timeToSettle{250};
 
-QAccessibleInterface *makeInterface(const QString &className, QObject *object)
+QAccessibleInterface *makeInterface(const QString &, QObject *object)
 {
-    return className == "Announcement"_L1
-               ? new QAccessibleWidget(static_cast<QWidget *>(object), QAccessible::Notification)
-               : nullptr;
+    auto *announcement = qobject_cast<Announcement *>(object);
+    return announcement ? new QAccessibleWidget(announcement, QAccessible::Notification) : nullptr;
 }
 
 } // namespace
 
 Announcement::Announcement(QWidget *window) : QWidget(window)
 {
-    [[maybe_unused]] static const bool installed = (QAccessible::installFactory(makeInterface), true);
+    QAccessible::installFactory(makeInterface);
     setAttribute(Qt::WA_TransparentForMouseEvents);
     resize(1, 1);
     hide();

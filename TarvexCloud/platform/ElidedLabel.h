@@ -3,8 +3,8 @@
 #include <QLabel>
 
 /// A label of one line for text from outside: always plain, cut with an ellipsis where it is too long, and
-/// then whole in its tooltip. Line breaks and control characters count as blanks on the screen; text() keeps
-/// them.
+/// then at length in its tooltip. Line breaks and control characters count as blanks on the screen; text()
+/// keeps them.
 class ElidedLabel : public QLabel
 {
     Q_OBJECT
@@ -24,6 +24,6 @@ protected:
 QString singleLineOf(const QString &text);
 /// A name from outside as one line; one that nobody could see has a stand-in.
 QString shownNameOf(const QString &name);
-/// Text from outside as a tooltip that shows it word for word and wraps. Tooltips guess at markup, hence
-/// this.
+/// Text from outside as a tooltip that shows its first thousand characters word for word and wraps. Tooltips
+/// guess at markup, hence this.
 QString plainToolTip(const QString &text);

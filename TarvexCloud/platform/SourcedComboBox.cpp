@@ -90,9 +90,8 @@ void SourcedComboBox::reloadData()
 void SourcedComboBox::noteSelection()
 {
     const int index = currentIndex();
-    std::shared_ptr<const void> record;
-    if (m_source && index >= 0)
-        record = m_source->comboBoxRecordAtIndex(this, index);
+    const std::shared_ptr<const void> record =
+        m_source && index >= 0 ? m_source->comboBoxRecordAtIndex(this, index) : nullptr;
     m_selectedText = textOfItem(index);
     setAccessibleDescription(singleLineOf(m_selectedText) == m_selectedText ? QString() : m_selectedText);
     update();

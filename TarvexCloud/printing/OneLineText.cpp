@@ -42,8 +42,6 @@ void layOutAndDraw(QPainter &painter, const QRectF &rect, const QString &text,
     layout.setTextOption(option);
     layout.beginLayout();
     QTextLine line = layout.createLine();
-    if (!line.isValid())
-        return;
     line.setLineWidth(rect.width());
     layout.endLayout();
     painter.save();

@@ -116,21 +116,10 @@ qint32 ReportLayout::addSection(const TVXArea &area, const TVXGoalList &goals, q
     return rowY;
 }
 
-ReportItems ReportLayout::allItems(const QRectF &page, qint64 countPages) const
-{
-    constexpr qreal endless = std::numeric_limits<qreal>::infinity();
-    return collect({page, -endless, endless}, countPages);
-}
-
 ReportItems ReportLayout::itemsOnPage(const QRectF &page, qint64 countPages) const
 {
     constexpr qreal softEdge = 2; // lines are wider than their rectangle, and edges are smoothed
-    return collect({page, page.top() - softEdge, page.bottom() + softEdge}, countPages);
-}
-
-ReportItems ReportLayout::collect(Collector collector, qint64 countPages) const
-{
-    const QRectF &page = collector.page;
+    Collector collector = {page, page.top() - softEdge, page.bottom() + softEdge};
     collector.addText(ReportItem::Kind::Title, /*column=*/0, /*y=*/0, m_lineHeights.title, m_title);
     collectWheel(collector);
     collectNames(collector);

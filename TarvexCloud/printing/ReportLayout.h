@@ -4,7 +4,6 @@
 #include "TVXProject.h"
 #include "WheelGeometry.h"
 
-#include <array>
 #include <vector>
 
 /// One thing to draw, in points, y growing downward from the top of the first page.
@@ -46,10 +45,7 @@ public:
     /// Of more areas than eight the first eight are laid out. A goal of none of them is left out.
     ReportLayout(const TVXProject &project, const QString &title, const ReportLineHeights &lineHeights);
 
-    /// Everything, in the order in which it is drawn. Of `page` only left edge, width and height matter: they
-    /// place the columns and the line that closes the last of countPages pages.
-    ReportItems allItems(const QRectF &page, qint64 countPages) const;
-    /// What of that can be seen on the page.
+    /// What can be seen on the page, one of countPages, in the order in which it is drawn.
     ReportItems itemsOnPage(const QRectF &page, qint64 countPages) const;
 
 private:
@@ -73,7 +69,6 @@ private:
 
     /// Returns where the section ends.
     qint32 addSection(const TVXArea &area, const TVXGoalList &goals, qint32 y);
-    ReportItems collect(Collector collector, qint64 countPages) const;
     void collectWheel(Collector &collector) const;
     void collectNames(Collector &collector) const;
     void collectRows(Collector &collector, const Section &section) const;

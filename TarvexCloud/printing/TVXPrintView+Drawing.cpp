@@ -5,9 +5,6 @@
 #include <QPaintEvent>
 
 namespace {
-// On the page, whose y grows downward, these run clockwise from twelve o'clock as the screen's do.
-constexpr std::array<float, WheelGeometry::sliceCount> startAngles = {270, 315, 0, 45, 90, 135, 180, 225};
-constexpr std::array<float, WheelGeometry::sliceCount> endAngles = {315, 360, 45, 90, 135, 180, 225, 270};
 constexpr qreal ruleWidth = 1;
 
 // A painter on few dots looks at every sixth dot of the picture or so; made smaller before, all of them
@@ -20,16 +17,6 @@ QImage fitForDots(const QPainter &painter, const QImage &picture)
     return isFiner ? picture.scaled(dots, Qt::IgnoreAspectRatio, Qt::SmoothTransformation) : picture;
 }
 } // namespace
-
-const std::array<float, WheelGeometry::sliceCount> &TVXPrintView::anglesStart() const
-{
-    return startAngles;
-}
-
-const std::array<float, WheelGeometry::sliceCount> &TVXPrintView::anglesEnd() const
-{
-    return endAngles;
-}
 
 void TVXPrintView::paintEvent(QPaintEvent *event)
 {

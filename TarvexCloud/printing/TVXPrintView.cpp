@@ -1,7 +1,5 @@
 #include "TVXPrintView.h"
 
-#include <algorithm>
-#include <cmath>
 #include <QFontMetricsF>
 
 using namespace Qt::StringLiterals;

@@ -56,8 +56,8 @@ public:
     /// The report as laid out; made now if nobody has asked for its pages yet.
     const ReportLayout &layoutOfReport();
 
-    const std::array<float, WheelGeometry::sliceCount> &anglesStart() const;
-    const std::array<float, WheelGeometry::sliceCount> &anglesEnd() const;
+    const auto &anglesStart() const { return startAngles; }
+    const auto &anglesEnd() const { return endAngles; }
     const auto &colors() const { return WheelGeometry::colors(); }
 
     const TextAttributes &attributesDefault() const { return m_attributesDefault; }
@@ -73,7 +73,7 @@ public:
     float documentHeight() const { return m_documentHeight; }
     qint64 countPages() const { return m_countPages; }
     /// Always 0: pages are bands of points, not of lines.
-    qint32 linesPerPage() const { return m_linesPerPage; }
+    static constexpr qint32 linesPerPage() { return 0; }
     /// Counted from 0: the page that rectForPage() was asked for last.
     qint64 currentPage() const { return m_currentPage; }
     /// As wide as the paper and as high as the whole report.
@@ -83,6 +83,12 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    // On the page, whose y grows downward, these run clockwise from twelve o'clock as the screen's do.
+    static constexpr std::array<float, WheelGeometry::sliceCount> startAngles = {270, 315, 0,   45,
+                                                                                 90,  135, 180, 225};
+    static constexpr std::array<float, WheelGeometry::sliceCount> endAngles = {315, 360, 45,  90,
+                                                                               135, 180, 225, 270};
+
     struct Checkboxes
     {
         QImage off;
@@ -102,7 +108,6 @@ private:
     ReportLineHeights m_lineHeights;
     float m_documentHeight = 0;
     qint64 m_countPages = 0;
-    qint32 m_linesPerPage = 0;
     qint64 m_currentPage = 0;
     qint32 m_pageHeight = 0;
     QRectF m_frame;

@@ -4,8 +4,6 @@
 #include "TVXExchange.h"
 #include "TVXManager.h"
 
-#include <QCoreApplication>
-
 using namespace Qt::StringLiterals;
 
 TVXWritten TVXManager::write(const FormString &form, const char *failure)

@@ -72,7 +72,8 @@ public:
     /// @}
 
     /// A goal of the set that the service picks, with name and ids only; empty for no answer or "Error",
-    /// both in silence. An answer that is not XML gives a goal with a null name and ids 0.
+    /// both in silence. An answer that is not ASCII counts as none, and `whyNoAnswer` says so. One that is
+    /// not XML gives a goal with a null name and ids 0.
     /// @throws std::out_of_range when the answer is XML but lacks an id, a name or an area.
     TVXGoalPtr getRandomGoalUsingLogin(const QString &login, const QString &andPassword, qint64 forSetsId,
                                        QString *whyNoAnswer = nullptr);

@@ -79,6 +79,8 @@ bool TarvexView::event(QEvent *event)
         return true;
     }
     const bool isHandled = QWidget::event(event);
+    if (event->type() == QEvent::ActivationChange && m_focusRingShown)
+        update();
     if (decidesAboutWords(event->type()))
         showWordsBesidePiece();
     return isHandled;
@@ -191,13 +193,6 @@ void TarvexView::focusInEvent(QFocusEvent *event)
     m_focusAnnouncement.start();
 }
 
-void TarvexView::changeEvent(QEvent *event)
-{
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::ActivationChange && m_focusRingShown)
-        update();
-}
-
 void TarvexView::setPercentTexts(const PercentTexts &texts)
 {
     m_percentTexts = texts;
@@ -214,8 +209,7 @@ void TarvexView::areasMayHaveChanged()
     for (int index = 0; index < areaCount(); ++index) {
         const TVXAreaPtr area = areaAt(index);
         const auto at = static_cast<std::size_t>(index);
-        m_announced.push_back(
-            {area ? area->name() : QString(), area ? area->valueOfArea() : 0, wordsOfPiece(index)});
+        m_announced.push_back({area->name(), area->valueOfArea(), wordsOfPiece(index)});
         if (at < before.size())
             announceDifferences(index, before[at], m_announced[at]);
         else

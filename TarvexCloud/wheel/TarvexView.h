@@ -89,7 +89,6 @@ protected:
     void mouseMoveEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
-    void changeEvent(QEvent *event) override;
 
     /// Hands an event about a slice, its child, to assistive tools.
     virtual void announce(QAccessibleEvent &event) { QAccessible::updateAccessibility(&event); }

@@ -4,7 +4,6 @@
 #include "Words.h"
 
 #include <algorithm>
-#include <QCoreApplication>
 
 namespace {
 QAccessibleInterface *makeInterface(const QString &, QObject *object)
@@ -16,7 +15,7 @@ QAccessibleInterface *makeInterface(const QString &, QObject *object)
 
 void TarvexViewAccessible::install()
 {
-    [[maybe_unused]] static const bool installed = (QAccessible::installFactory(makeInterface), true);
+    QAccessible::installFactory(makeInterface);
 }
 
 TarvexViewAccessible::~TarvexViewAccessible()

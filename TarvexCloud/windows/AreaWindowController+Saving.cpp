@@ -17,8 +17,6 @@
 #include <algorithm>
 #include <optional>
 
-using namespace Qt::StringLiterals;
-
 void AreaWindowController::closeAndSavedetailsWindow()
 {
     std::optional<ActionOutcome> outcome;
@@ -60,7 +58,7 @@ TVXWritten AreaWindowController::sendAll(const TVXArea &area)
     const QString name =
         m_labelState->fontMetrics().elidedText(singleLineOf(area.name()), Qt::ElideRight, roomForName);
     const WaitNotice notice(tr("Saving %1…").arg(name), requests * m_services.exchange().deadline(),
-                            [this](const QString &text) { say(text); });
+                            [this](const QString &text) { m_labelState->setText(text); });
     TVXManager manager(m_services.exchange(), m_services.alert());
     const TVXWritten value = manager.setAreaValueOnServerByUsingLogin(
         m_loginUserName, m_loginPassword, /*forArea=*/area.idOfArea(), /*newValue=*/area.valueOfArea());

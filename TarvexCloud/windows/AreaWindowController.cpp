@@ -40,8 +40,6 @@ AreaWindowController::AreaWindowController(WindowServices &services, Sheet *this
     connect(thisWindow, &Sheet::cancelRequested, this, &AreaWindowController::closeAreaDetailsWindow);
 }
 
-AreaWindowController::~AreaWindowController() = default;
-
 void AreaWindowController::buildContents()
 {
     if (m_save)
@@ -168,9 +166,9 @@ void AreaWindowController::fetchGoals(const TVXArea &area, const TVXSets &set)
 {
     const SheetBusyScope busy(m_thisWindow, m_downloadIndicator);
     const QString doing = tr("Loading the goals…");
-    say(doing);
+    m_labelState->setText(doing);
     const WaitNotice notice(doing, m_services.exchange().deadline(),
-                            [this](const QString &text) { say(text); });
+                            [this](const QString &text) { m_labelState->setText(text); });
     m_labelSetName->setText(set.name());
     m_thisWindow->repaint(); // seen before the request leaves, however soon it is answered
     TVXManager manager(m_services.exchange(), m_services.alert());
@@ -278,7 +276,6 @@ void AreaWindowController::addNewGoal()
     m_goalModel->addGoal(goal);
     m_tableViewTargets->showRow(m_goalModel->rowCount() - 1);
     m_tableViewTargets->openCell(m_tableViewTargets->currentIndex());
-    showState();
 }
 
 void AreaWindowController::removeSelectedGoal()
@@ -332,7 +329,7 @@ QString AreaWindowController::stateText() const
 void AreaWindowController::showState()
 {
     const bool isTextOpen = m_tableViewTargets->hasChangedText();
-    say(stateText());
+    m_labelState->setText(stateText());
     m_keepText->setVisible(isTextOpen);
     m_dropText->setVisible(isTextOpen);
     m_tryAgain->setVisible(!isTextOpen && (m_load == Load::Unread || m_load == Load::EndedEarly));
@@ -344,9 +341,4 @@ void AreaWindowController::showState()
     const int selected = m_tableViewTargets->selectedRowCount();
     m_removeGoal->setEnabled(mayEdit() && selected == 1);
     m_removeGoal->setToolTip(selected > 1 ? tr("Goals are removed one at a time.") : QString());
-}
-
-void AreaWindowController::say(const QString &state)
-{
-    m_labelState->setText(state);
 }

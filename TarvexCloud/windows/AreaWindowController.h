@@ -29,7 +29,6 @@ class AreaWindowController : public QObject
 public:
     /// The sheet owns the controller; the services must outlive it.
     AreaWindowController(WindowServices &services, Sheet *thisWindow);
-    ~AreaWindowController() override;
 
     /// Fills the sheet's window, once; its controls exist from then on.
     void buildContents();
@@ -115,7 +114,6 @@ private:
     bool mayEdit() const { return m_load == Load::Good || m_load == Load::Unread; }
     QString areaName() const;
     void nameWindow();
-    void say(const QString &state);
     void showRating();
     QString stateText() const;
     void showState();

@@ -125,21 +125,15 @@ QWidget *GoalPriorityDelegate::createEditor(QWidget *parent, const QStyleOptionV
     auto *popUp = new GoalPriorityPopUp(parent);
     popUp->setAccessibleName(tr("Priority"));
     auto *self = const_cast<GoalPriorityDelegate *>(this);
-    connect(popUp, &QComboBox::activated, self, [self, popUp] { self->commitAndClose(popUp); });
-    connect(popUp, &GoalPriorityPopUp::dismissed, self, [self, popUp] { self->dismiss(popUp); });
+    connect(popUp, &QComboBox::activated, self, [self, popUp] {
+        Q_EMIT self->commitData(popUp);
+        Q_EMIT self->closeEditor(popUp);
+    });
+    connect(popUp, &GoalPriorityPopUp::dismissed, self, [self, popUp] {
+        if (popUp->isVisible())
+            Q_EMIT self->closeEditor(popUp, RevertModelCache);
+    });
     return popUp;
-}
-
-void GoalPriorityDelegate::commitAndClose(QWidget *popUp)
-{
-    Q_EMIT commitData(popUp);
-    Q_EMIT closeEditor(popUp);
-}
-
-void GoalPriorityDelegate::dismiss(QWidget *popUp)
-{
-    if (popUp->isVisible())
-        Q_EMIT closeEditor(popUp, RevertModelCache);
 }
 
 void GoalPriorityDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const

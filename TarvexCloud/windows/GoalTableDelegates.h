@@ -67,8 +67,4 @@ public:
                           const QModelIndex &index) const override;
     void setEditorData(QWidget *editor, const QModelIndex &index) const override;
     void setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const override;
-
-private:
-    void commitAndClose(QWidget *popUp);
-    void dismiss(QWidget *popUp);
 };

@@ -110,9 +110,8 @@ public:
         curl_easy_setopt(easy(), CURLOPT_ERRORBUFFER, m_detail.data());
     }
 
-    /// libcurl's verdict; turn() is called now and then while waiting for it.
-    template<typename Turn>
-    CURLcode perform(const QByteArray &body, Transfer &transfer, Turn turn)
+    /// libcurl's verdict; the application has its turn now and then while waiting for it.
+    CURLcode perform(const QByteArray &body, Transfer &transfer, TVXRequestWait &application)
     {
         m_detail[0] = '\0';
         const HeaderLines headers = headerLines(body.size());
@@ -125,7 +124,7 @@ public:
         if (!m_isGuarded || curl_multi_add_handle(m_multi.get(), easy()) != CURLM_OK)
             return CURLE_FAILED_INIT;
         const auto removed = qScopeGuard([&] { curl_multi_remove_handle(m_multi.get(), easy()); });
-        return wait(turn);
+        return wait(application);
     }
 
     QString detail(CURLcode code) const
@@ -136,8 +135,7 @@ public:
 private:
     CURL *easy() const { return m_easy.get(); }
 
-    template<typename Turn>
-    CURLcode wait(Turn turn)
+    CURLcode wait(TVXRequestWait &application)
     {
         const auto started = Clock::now();
         auto lastTurn = started;
@@ -146,13 +144,13 @@ private:
             if (curl_multi_poll(m_multi.get(), nullptr, 0, turnInterval.count(), nullptr) != CURLM_OK)
                 break;
             if (Clock::now() - lastTurn >= turnInterval) {
-                turn();
+                application.turn();
                 lastTurn = Clock::now();
             }
         }
         // What was typed since the last turn is to be dropped as well, not delivered after the request.
         if (Clock::now() - started > turnInterval)
-            turn();
+            application.turn();
         int left = 0;
         const CURLMsg *message = curl_multi_info_read(m_multi.get(), &left);
         return message && message->msg == CURLMSG_DONE ? message->data.result : CURLE_FAILED_INIT;
@@ -193,7 +191,7 @@ TVXAnswer CurlExchange::post(const QByteArray &body, TVXPurpose purpose)
         m_handles = std::make_unique<Handles>(m_url, m_deadline);
 
     Transfer transfer{.sendingsLeft = purpose == TVXPurpose::Reading ? 2 : 1};
-    const CURLcode code = m_handles->perform(body, transfer, [this] { m_wait.turn(); });
+    const CURLcode code = m_handles->perform(body, transfer, m_wait);
     if (transfer.isTooLarge)
         return failed(ExchangeError::AnswerTooLarge);
     if (code != CURLE_OK)

@@ -17,11 +17,7 @@ public:
     Row(const Columns &columns, std::size_t index) : m_columns(columns), m_index(index) {}
 
     qint32 number(std::size_t column) const { return leadingInteger(m_columns.text(column, m_index)); }
-    QString text(std::size_t column) const
-    {
-        const std::string_view utf8 = m_columns.text(column, m_index);
-        return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
-    }
+    QString text(std::size_t column) const { return QString::fromUtf8(m_columns.text(column, m_index)); }
     QString name() const { return unescapedFromUtf8Wire(m_columns.text(nameColumn, m_index)); }
     bool isYes(std::size_t column) const { return m_columns.text(column, m_index) == "y"; }
 

@@ -160,7 +160,7 @@ QString unescapedFromUtf8Wire(std::string_view wireText)
     const char *begin = wireText.data();
     const char *end = begin + wireText.size();
     if (findBrace(begin, end) == end)
-        return QString::fromUtf8(begin, static_cast<qsizetype>(wireText.size()));
+        return QString::fromUtf8(wireText);
     QVarLengthArray<char, 512> userText(static_cast<qsizetype>(wireText.size()));
     return QString::fromUtf8(userText.data(), copyUnescaped(begin, end, userText.data()) - userText.data());
 }

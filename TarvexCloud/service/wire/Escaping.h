@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <string>
 #include <string_view>
 
 /// User text to wire text: each of nineteen punctuation characters becomes its brace token ("&" is
