@@ -1,11 +1,8 @@
 #pragma once
 
-#include <algorithm>
 #include <CLI/App.hpp>
-#include <iterator>
 #include <map>
 #include <string>
-#include <utility>
 
 namespace tarvex::app {
 

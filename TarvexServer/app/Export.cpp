@@ -1,10 +1,11 @@
 #include "AccountOptions.h"
+#include "Checks.h"
 #include "Commands.h"
 #include "Exporting.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
-#include <iostream>
 #include <map>
 #include <system_error>
 #include <unistd.h>
@@ -78,8 +79,8 @@ Command addExport(CLI::App &program)
                                                          {"csv", ExportFormat::Table}};
     command->add_option("--output", options->file, "A new file to write; without it, to standard output");
     command->add_option("--format", options->format, "How, of which import reads json")
-        ->transform(CLI::CheckedTransformer(formats).description("json|csv"))
-        ->type_name("FORMAT")
+        ->transform(oneOf(formats))
+        ->type_name("json|csv")
         ->default_str("json");
     command->add_flag("--with-deleted", options->withDeleted,
                       "Also what was deleted lately, which import passes over");

@@ -4,7 +4,6 @@
 #include "Output.h"
 #include "Password.h"
 
-#include <algorithm>
 #include <ctime>
 #include <fstream>
 #include <iostream>

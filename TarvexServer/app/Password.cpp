@@ -23,10 +23,6 @@ class SilentTerminal
 public:
     SilentTerminal()
     {
-        ::tcgetattr(STDIN_FILENO, &m_before);
-        termios silent = m_before;
-        silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-        ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
         sigset_t blocked;
         ::sigemptyset(&blocked);
         struct sigaction interrupt = {};
@@ -36,15 +32,19 @@ public:
             ::sigaction(signals[i], &interrupt, &m_actions[i]);
         }
         ::sigprocmask(SIG_BLOCK, &blocked, &m_mask);
+        ::tcgetattr(STDIN_FILENO, &m_before);
+        termios silent = m_before;
+        silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+        ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
     }
     SilentTerminal(const SilentTerminal &) = delete;
     SilentTerminal &operator=(const SilentTerminal &) = delete;
     ~SilentTerminal()
     {
+        ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &m_before);
         ::sigprocmask(SIG_SETMASK, &m_mask, /*oset=*/nullptr);
         for (std::size_t i = 0; i < std::size(signals); ++i)
             ::sigaction(signals[i], &m_actions[i], /*oact=*/nullptr);
-        ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &m_before);
         std::cerr << "\n";
     }
 

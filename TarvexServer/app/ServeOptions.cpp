@@ -3,10 +3,10 @@
 #include "Checks.h"
 #include "InstallationOptions.h"
 #include "ListenAddress.h"
+#include "PeerAddress.h"
 #include "Settings.h"
 
 #include <algorithm>
-#include <boost/asio/ip/address.hpp>
 #include <map>
 #include <stdexcept>
 
@@ -83,8 +83,8 @@ void addPagesOptions(CLI::App &command, ServeOptions &options)
         .add_option(
             "--pages", options.pages,
             "Whether browsers get pages: here means only while nobody but this machine can ask for them")
-        ->transform(CLI::CheckedTransformer(all).description("here|on|off"))
-        ->type_name("WHERE")
+        ->transform(oneOf(all))
+        ->type_name("here|on|off")
         ->default_str("here");
     command
         .add_option("--twitter", options.links.twitter,
@@ -123,9 +123,8 @@ void addWatchOptions(CLI::App &command, ServeOptions &options)
 
 bool ServeOptions::hasPages(const std::string &host) const
 {
-    boost::system::error_code error;
-    const auto address = boost::asio::ip::make_address(host, error);
-    const bool isHere = host == "localhost" || (!error && address.is_loopback());
+    const auto address = http::readAddress(host);
+    const bool isHere = host == "localhost" || (address && address->is_loopback());
     return pages == Pages::On || (pages == Pages::Here && isHere && trustedProxies.empty());
 }
 

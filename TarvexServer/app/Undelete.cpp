@@ -58,10 +58,7 @@ int undelete(const InstallationOptions &installation, const AccountOptions &acco
     const std::int64_t accountId = account.find(database, installation);
     if (options.sets.empty() && options.goals.empty()) {
         const requests::Undeletable found = requests::undeletable(database, accountId);
-        if (isJson)
-            printJson(described(found));
-        else
-            printSentences(found);
+        isJson ? printJson(described(found)) : printSentences(found);
         return 0;
     }
     const std::int64_t goals =

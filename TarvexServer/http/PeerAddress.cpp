@@ -19,4 +19,11 @@ std::string peerName(const boost::asio::ip::address &address, bool isMachineLimi
     return make_address_v6(bytes).to_string() + "/64";
 }
 
+std::optional<boost::asio::ip::address> readAddress(const std::string &text)
+{
+    boost::system::error_code error;
+    const auto address = boost::asio::ip::make_address(text, error);
+    return error ? std::nullopt : std::optional(address);
+}
+
 } // namespace tarvex::http

@@ -1,5 +1,7 @@
 #include "Proxies.h"
 
+#include "PeerAddress.h"
+
 #include <algorithm>
 #include <boost/algorithm/string/split.hpp>
 #include <boost/algorithm/string/trim.hpp>
@@ -17,13 +19,6 @@ constexpr unsigned short mappedBits = 96; // before an address of version 4
 ip::address_v6 asVersion6(const ip::address &address)
 {
     return address.is_v4() ? ip::make_address_v6(ip::v4_mapped, address.to_v4()) : address.to_v6();
-}
-
-std::optional<ip::address> readAddress(const std::string &text)
-{
-    boost::system::error_code error;
-    const ip::address address = ip::make_address(text, error);
-    return error ? std::nullopt : std::optional(address);
 }
 
 /// An element of the field, of which some proxies add the port.

@@ -1,5 +1,7 @@
 #include "ProxyHeader.h"
 
+#include "PeerAddress.h"
+
 #include <algorithm>
 #include <boost/algorithm/string/split.hpp>
 #include <string>
@@ -9,7 +11,6 @@ namespace tarvex::http {
 
 namespace {
 
-using boost::asio::ip::address;
 using State = ProxyHeader::State;
 using namespace std::string_view_literals;
 
@@ -22,13 +23,6 @@ constexpr std::size_t longestBinary = 4096;
 ProxyHeader of(State state, std::size_t size = 0)
 {
     return {.state = state, .size = size, .source = {}};
-}
-
-std::optional<address> addressOf(const std::string &text)
-{
-    boost::system::error_code error;
-    const address read = boost::asio::ip::make_address(text, error);
-    return error ? std::nullopt : std::optional(read);
 }
 
 ProxyHeader readText(std::string_view bytes)
@@ -44,7 +38,7 @@ ProxyHeader readText(std::string_view bytes)
     const bool isFour = words[1] == "TCP4";
     if ((!isFour && words[1] != "TCP6") || words.size() != 6)
         return {};
-    header.source = addressOf(words[2]);
+    header.source = readAddress(words[2]);
     return header.source && header.source->is_v4() == isFour ? header : ProxyHeader();
 }
 

@@ -128,7 +128,8 @@ void Server::welcome(Socket socket)
     std::string peer = isProxy ? "" : name; // many come through a proxy
     makeRoom(peer);
     ConnectionPlace place(m_counts, std::move(peer));
-    count(place.welcome());
+    m_context.service.measures().connections.add();
+    m_context.countRefused(place.welcome());
     if (place.welcome() == ConnectionCounts::Welcome::Closed)
         return;
     const auto session = std::make_shared<Session>(std::move(socket), std::move(place),
@@ -136,16 +137,6 @@ void Server::welcome(Socket socket)
     std::erase_if(m_sessions, [](const std::weak_ptr<Session> &known) { return known.expired(); });
     m_sessions.push_back(session);
     session->start();
-}
-
-void Server::count(ConnectionCounts::Welcome welcome)
-{
-    requests::Measures &measures = m_context.service.measures();
-    measures.connections.add();
-    if (welcome == ConnectionCounts::Welcome::Refused)
-        measures.busyConnections.add();
-    else if (welcome == ConnectionCounts::Welcome::Closed)
-        measures.closedConnections.add();
 }
 
 /// When there is none, the connection that has been idle the longest goes; the peer's own, if the peer has

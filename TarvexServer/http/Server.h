@@ -63,7 +63,6 @@ private:
     void heedHangUp();
     void accept();
     void welcome(Socket socket);
-    void count(ConnectionCounts::Welcome welcome);
     void makeRoom(const std::string &peer);
     void makeRounds();
     template<class Work>

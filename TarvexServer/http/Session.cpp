@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <boost/asio/write.hpp>
-#include <boost/beast/core/string.hpp>
 #include <boost/beast/http/rfc7230.hpp>
 
 namespace tarvex::http {
@@ -37,6 +36,15 @@ Session::Session(Socket socket, ConnectionPlace place, std::string proxy, Sessio
 {
 }
 
+void SessionContext::countRefused(ConnectionCounts::Welcome welcome) const
+{
+    requests::Measures &measures = service.measures();
+    if (welcome == ConnectionCounts::Welcome::Refused)
+        measures.busyConnections.add();
+    else if (welcome == ConnectionCounts::Welcome::Closed)
+        measures.closedConnections.add();
+}
+
 Session::~Session()
 {
     releaseBody();
@@ -51,7 +59,8 @@ void Session::drain()
 
 std::optional<std::chrono::steady_clock::time_point> Session::idleSince() const
 {
-    return m_isIdle && m_socket.is_open() ? std::optional(m_idleSince) : std::nullopt;
+    const bool isServed = m_place.welcome() == ConnectionCounts::Welcome::Served; // until it gives way
+    return m_isIdle && isServed ? std::optional(m_idleSince) : std::nullopt;
 }
 
 void Session::giveWay()
@@ -118,8 +127,12 @@ void Session::readIntroduction()
     }
     m_buffer.consume(header.size);
     m_isIntroduced = header.state == ProxyHeader::State::Whole;
-    if (header.source)
+    if (header.source) {
+        const auto before = m_place.welcome();
         m_place.giveTo(peerName(*header.source, /*isMachineLimited=*/true));
+        if (m_place.welcome() != before)
+            m_context.countRefused(m_place.welcome());
+    }
     if (m_isIntroduced && m_place.welcome() != ConnectionCounts::Welcome::Closed)
         start();
 }
@@ -184,20 +197,17 @@ void Session::beginBody(std::size_t length)
     allow(limits.bodyTime);
     const bool isToldToGoOn = beast::token_list(m_parser->get()[beast::field::expect]).exists("100-continue");
     m_isBodyLeft = length > limits.discardedBody || (isToldToGoOn && m_refusal);
-    if (isToldToGoOn && m_refusal) {
+    static constexpr std::string_view goOn = "HTTP/1.1 100 Continue\r\n\r\n";
+    if (!isToldToGoOn)
+        readBody();
+    else if (m_refusal)
         bodyArrived();
-        return;
-    }
-    if (isToldToGoOn) {
-        static constexpr std::string_view goOn = "HTTP/1.1 100 Continue\r\n\r\n";
+    else
         asio::async_write(m_socket, asio::buffer(goOn),
                           [self = shared_from_this()](Error error, std::size_t) {
                               if (!error)
                                   self->readBody();
                           });
-        return;
-    }
-    readBody();
 }
 
 void Session::readBody()

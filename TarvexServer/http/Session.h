@@ -55,6 +55,9 @@ struct SessionContext
     AnswerMemory answers;
     std::size_t bodyBytes = 0; ///< reserved for bodies that are being read or served
     bool isDraining = false;
+
+    /// Counts what became of a connection, unless it is served.
+    void countRefused(ConnectionCounts::Welcome welcome) const;
 };
 
 /// One connection: reads a request to its end, has it answered, and begins again. It keeps itself alive while
@@ -77,7 +80,7 @@ public:
     /// Closes the connection if what it waits for has taken longer than it may; to be called now and then.
     void closeIfLate(std::chrono::steady_clock::time_point now);
 
-    /// Since when it has been waiting for a request; nothing while one is under way.
+    /// Since when it has been waiting for a request; nothing while one is under way, or if it is not served.
     std::optional<std::chrono::steady_clock::time_point> idleSince() const;
     /// Closes the connection for the sake of another; to be called while it waits for a request.
     void giveWay();
@@ -148,7 +151,7 @@ private:
     std::chrono::steady_clock::time_point m_arrival;
     unsigned m_turn = 0; ///< counts requests, so that a late answer does not meet the next one
     bool m_isIdle = true;
-    std::chrono::steady_clock::time_point m_idleSince;
+    std::chrono::steady_clock::time_point m_idleSince = std::chrono::steady_clock::now();
     bool m_isFirst = true;
 };
 

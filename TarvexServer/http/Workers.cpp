@@ -66,12 +66,16 @@ void Workers::refuse(std::string_view body, requests::Outcome outcome, const Don
     tell({m_service.refuse(body, outcome)}, done);
 }
 
+/// What is being noted has a place until it is told, so that stop() waits for it.
 void Workers::tell(BuiltAnswer answer, const Done &done)
 {
-    if (answer.answer.isBeingNoted)
-        m_service.onceNoted([answer = std::move(answer), done] { done(answer); });
-    else
+    if (!answer.answer.isBeingNoted) {
         done(std::move(answer));
+        return;
+    }
+    m_queues.enter(--m_lastStranger, [&](AccountQueues::Place place) {
+        m_service.onceNoted([place = std::move(place), answer, done] { done(answer); });
+    });
 }
 
 void Workers::verify(const std::shared_ptr<requests::Turn> &turn, const Done &done)
@@ -84,8 +88,9 @@ void Workers::verify(const std::shared_ptr<requests::Turn> &turn, const Done &do
         } catch (const std::exception &) { // no memory; whoever waits for the answer has a time limit
         }
     };
-    m_hashingThreads.submit(std::string(turn->peer().empty() ? turn->login() : turn->peer()),
-                            {.run = run, .drop = [this, turn, done] { done({m_service.giveUp(*turn)}); }});
+    m_hashingThreads.submit(
+        std::string(turn->peer().empty() ? turn->login() : turn->peer()),
+        {.run = run, .drop = [this, turn, done] { tell({m_service.giveUp(*turn)}, done); }});
 }
 
 void Workers::read(const std::shared_ptr<Running> &running)
@@ -121,26 +126,21 @@ BuiltAnswer Workers::built(requests::Turn &turn)
 void Workers::submit(pages::Site &site, const std::shared_ptr<pages::Visit> &visit, const Shown &shown)
 {
     using Step = pages::Visit::Step;
+    const auto work = [this, &site, visit, shown] { goOn(site, visit, shown, [&] { site.goOn(*visit); }); };
     switch (visit->step) {
     case Step::Reply:
         shown(built(site, *visit));
         break;
     case Step::Work:
-        m_queues.enter(queueOf(*visit), [this, &site, visit, shown](AccountQueues::Place place) {
-            boost::asio::post(m_requestThreads, [this, &site, visit, shown, place = std::move(place)] {
-                goOn(site, visit, shown, [&] { site.goOn(*visit); });
-            });
+        m_queues.enter(queueOf(*visit), [this, work](AccountQueues::Place place) {
+            boost::asio::post(m_requestThreads, [work, place = std::move(place)] { work(); });
         });
         break;
-    case Step::Hash: {
-        const auto run = [this, &site, visit, shown] {
-            goOn(site, visit, shown, [&] { site.goOn(*visit); });
-        };
+    case Step::Hash:
         m_hashingThreads.submit(
             visit->request.peer.empty() ? visit->path : visit->request.peer,
-            {.run = run, .drop = [&site, shown] { shown({site.refusal(requests::Outcome::Busy)}); }});
+            {.run = work, .drop = [&site, shown] { shown({site.refusal(requests::Outcome::Busy)}); }});
         break;
-    }
     case Step::SignUp: {
         requests::Request request{
             .body = visit->signUpBody, .peer = visit->request.peer, .arrival = visit->request.arrival};
@@ -172,6 +172,7 @@ std::int64_t Workers::queueOf(const pages::Visit &visit)
 
 BuiltPage Workers::built(const pages::Site &site, pages::Visit &visit)
 {
+    visit.forget();
     auto share = m_answers.take(visit.reply.body.size());
     return share ? BuiltPage{std::move(visit.reply), std::move(*share)}
                  : BuiltPage{site.refusal(requests::Outcome::Busy)};

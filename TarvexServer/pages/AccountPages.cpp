@@ -11,7 +11,6 @@
 #include "Site.h"
 #include "Times.h"
 #include "Undeleting.h"
-#include "Wipe.h"
 
 #include <algorithm>
 
@@ -39,7 +38,7 @@ Values deletedValues(const requests::Undeletable &found)
         Values entry;
         entry.set("id", std::to_string(set.id));
         entry.set("name", set.name);
-        entry.set("goals", std::to_string(set.goals));
+        entry.set("goals", std::to_string(set.goals) + (set.goals == 1 ? " goal" : " goals"));
         entry.set("day", wire::utcDay(set.deletedAt));
         entry.set("until", lastDayOf(set.deletedAt));
         sets.push_back(entry);
@@ -165,10 +164,8 @@ void Site::bringBack(Visit &visit)
     const auto sets = idsIn(visit.form, "set");
     const auto goals = idsIn(visit.form, "goal");
     const std::int64_t accountId = visit.session->accountId;
-    std::string problem;
-    if (!sets || !goals || (sets->empty() && goals->empty())) {
-        problem = "Please choose what is to come back.";
-    } else {
+    std::string problem = "Please choose what is to come back.";
+    if (sets && goals && (!sets->empty() || !goals->empty())) {
         try {
             requests::undelete(m_database, accountId, *sets, *goals, m_clocks.seconds());
             visit.end(redirect("/account/deleted?said=back"));

@@ -3,7 +3,7 @@
 #include "Md5.h"
 #include "Replies.h"
 #include "Site.h"
-#include "WheelPicture.h"
+#include "WheelParts.h"
 
 #include <boost/json.hpp>
 
@@ -20,15 +20,11 @@ constexpr long aYear = 365 * aDay;
 std::string samplePicture()
 {
     constexpr std::array<std::int32_t, sliceCount> values = {6, 4, 3, 8, 5, 7, 2, 6};
-    constexpr std::array<std::int64_t, sliceCount> percents = {60, 50, 33, 100, 40, 75, 20, 66};
-    std::array<Slice, sliceCount> slices;
+    constexpr std::array<std::int32_t, sliceCount> percents = {60, 50, 33, 100, 40, 75, 20, 66};
+    std::vector<store::Area> areas(sliceCount);
     for (std::size_t i = 0; i < sliceCount; ++i)
-        slices.at(i) = {.value = values.at(i),
-                        .percent = percents.at(i),
-                        .words = "Area " + std::to_string(i + 1) + ": value " + std::to_string(values.at(i)) +
-                                 ", " + std::to_string(percents.at(i)) + " percent of its goals done",
-                        .link = {}};
-    return wheelPicture("A wheel of life as an example", slices);
+        areas[i].name = "Area " + std::to_string(i + 1);
+    return wheelPicture("A wheel of life as an example", slicesOf(areas, values, percents));
 }
 
 std::string_view contentTypeOf(std::string_view name)

@@ -16,7 +16,11 @@ class PageForm
 public:
     PageForm() = default;
     PageForm(PageForm &&) = default;
-    PageForm &operator=(PageForm &&) = default;
+    PageForm &operator=(PageForm &&other) noexcept
+    {
+        m_fields.swap(other.m_fields); // so that the other one wipes what was in here
+        return *this;
+    }
     /// Leaves no password in memory.
     ~PageForm();
 

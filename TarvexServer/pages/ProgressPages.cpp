@@ -1,9 +1,7 @@
 #include "Progress.h"
 
-#include "Accounts.h"
 #include "Days.h"
 #include "ProgressChart.h"
-#include "Replies.h"
 #include "Site.h"
 #include "WheelParts.h"
 

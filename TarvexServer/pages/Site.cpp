@@ -138,7 +138,9 @@ const Site::Route *Site::accepted(Visit &visit) const
     }
     if (!isMethodServed(visit.request, route->get != nullptr, route->post != nullptr)) {
         visit.end(told(/*status=*/405, "Not like this", "This page cannot be asked for in this way."));
-        visit.reply.fields.append(route->get == nullptr ? "Allow: POST\r\n" : "Allow: GET, HEAD\r\n");
+        visit.reply.fields.append(route->get == nullptr    ? "Allow: POST\r\n"
+                                  : route->post == nullptr ? "Allow: GET, HEAD\r\n"
+                                                           : "Allow: GET, HEAD, POST\r\n");
         return nullptr;
     }
     if (isPost(visit.request) && !isFromHere(visit.request)) {
@@ -184,7 +186,6 @@ void Site::identify(Visit &visit, store::Connection &connection) const
 {
     visit.session =
         store::findWebSession(connection, visit.badge->accountId, visit.badge->tokenHash, m_clocks.seconds());
-    visit.isIdentified = true; // unless that took longer than there is time
 }
 
 void Site::goOn(Visit &visit)
@@ -201,7 +202,7 @@ void Site::signedUp(Visit &visit, const requests::Answer &answer)
 void Site::serve(Visit &visit, const Route &route)
 {
     visit.step = Visit::Step::Reply;
-    if (route.whom != For::Anybody && visit.badge && !visit.isIdentified)
+    if (route.whom != For::Anybody && visit.badge) // anew: it may have waited behind what ended the session
         m_database.read([&](store::Connection &connection) { identify(visit, connection); });
     if (visit.session)
         noteUse(*visit.session);

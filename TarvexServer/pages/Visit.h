@@ -48,12 +48,15 @@ struct Visit
         reply = std::move(answer);
     }
 
+    /// Leaves no password in memory; to be called before the reply is sent, behind which nobody knows how
+    /// long a visit lives.
+    void forget();
+
     Request request;
     std::string path;
     PageForm query;
     PageForm form;
     std::optional<Badge> badge;
-    bool isIdentified = false; ///< whether the session was looked for
     std::optional<store::WebSession> session;
 
     Step step = Step::Reply;

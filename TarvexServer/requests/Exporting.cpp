@@ -7,7 +7,6 @@
 #include "Undelete.h"
 #include "WireText.h"
 
-#include <algorithm>
 #include <map>
 
 namespace tarvex::requests {

@@ -9,7 +9,6 @@
 #include "WireText.h"
 #include "XmlAnswer.h"
 
-#include <algorithm>
 #include <map>
 #include <random>
 #include <set>

@@ -12,7 +12,8 @@ PasswordQuestion::~PasswordQuestion()
     security::wipe(password);
 }
 
-/// Those of the protocol: whoever guesses here and there has no more guesses than in one place.
+/// By a login those of the protocol: whoever guesses here and there has no more guesses than in one place. An
+/// account that is known has keys of its own.
 Failures::Keys Service::limitedKeys(const PasswordQuestion &question) const
 {
     const std::string &peer = question.peer;

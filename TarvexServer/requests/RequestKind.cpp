@@ -69,6 +69,14 @@ std::string refusalBody(const RequestKind &kind, Outcome outcome)
     return "Error";
 }
 
+/// The kind that the field p1 names; a kind without name for anything else.
+const RequestKind &requestKind(std::string_view name)
+{
+    const auto found =
+        std::find_if(kinds.begin(), kinds.end(), [&](const RequestKind &kind) { return kind.name == name; });
+    return found == kinds.end() ? unknownKind : *found;
+}
+
 } // namespace
 
 std::size_t numberOf(const RequestKind &kind)
@@ -81,13 +89,6 @@ const RequestKind &kindAt(std::size_t number)
     if (number < kindCount)
         return kinds[number];
     return unknownKind;
-}
-
-const RequestKind &requestKind(std::string_view name)
-{
-    const auto found =
-        std::find_if(kinds.begin(), kinds.end(), [&](const RequestKind &kind) { return kind.name == name; });
-    return found == kinds.end() ? unknownKind : *found;
 }
 
 const RequestKind &requestKindOfBody(std::string_view body)
@@ -103,13 +104,13 @@ const RequestKind &requestKindOfBody(std::string_view body, const wire::Form &fo
     return kind.name == createNewUser ? unknownKind : kind;
 }
 
-Answer refusalOf(const RequestKind &kind, Outcome outcome, Reason reason)
+Answer refusalOf(const RequestKind &kind, Outcome outcome, Reason reason, std::string_view cause)
 {
     const Format format = kind.name == createNewUser ? Format::Json : Format::Plain;
     return {.body = refusalBody(kind, outcome),
             .format = format,
             .outcome = outcome,
-            .cause = "",
+            .cause = std::string(cause),
             .reason = reason};
 }
 

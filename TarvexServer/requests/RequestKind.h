@@ -41,15 +41,13 @@ std::size_t numberOf(const RequestKind &kind);
 /// The kind at that place.
 const RequestKind &kindAt(std::size_t number);
 
-/// The kind that the field p1 names; a kind without name for anything else.
-const RequestKind &requestKind(std::string_view name);
-
 /// The kind that a whole body, or its first bytes, asks for.
 const RequestKind &requestKindOfBody(std::string_view body);
 /// The same of one that was split already.
 const RequestKind &requestKindOfBody(std::string_view body, const wire::Form &form);
 
 /// The answer to a request of that kind which was not done.
-Answer refusalOf(const RequestKind &kind, Outcome outcome, Reason reason = Reason::None);
+Answer refusalOf(const RequestKind &kind, Outcome outcome, Reason reason = Reason::None,
+                 std::string_view cause = "");
 
 } // namespace tarvex::requests

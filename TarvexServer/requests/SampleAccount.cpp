@@ -1,9 +1,7 @@
 #include "SampleAccount.h"
 
 #include "Goals.h"
-#include "Md5.h"
 #include "NewAccounts.h"
-#include "PasswordHash.h"
 #include "Sets.h"
 
 #include <algorithm>
@@ -185,8 +183,8 @@ void fillAccount(store::Connection &connection, std::int64_t accountId, std::tim
 bool createSampleAccount(store::Database &database, const security::KeyedHash &hash, bool besideOthers,
                          std::time_t now)
 {
-    const std::string password = security::hashPassword(security::signInDigest(samplePassword));
-    store::NewAccount account = newAccount(loginKeys(hash, sampleLogin), "Sample", password, now);
+    store::NewAccount account =
+        newAccount(loginKeys(hash, sampleLogin), "Sample", newPasswordHash(samplePassword), now);
     for (std::size_t i = 0; i < areaValues.size(); ++i)
         account.areas[i].value = areaValues[i];
     bool isNew = false;

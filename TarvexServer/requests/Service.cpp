@@ -36,19 +36,13 @@ Answer failure(const RequestKind &kind, const std::exception_ptr &thrown)
     try {
         std::rethrow_exception(thrown);
     } catch (const store::TransactionHindered &error) {
-        Answer answer = refusalOf(kind, Outcome::Busy);
-        answer.cause = error.what();
-        return answer;
+        return refusalOf(kind, Outcome::Busy, Reason::None, error.what());
     } catch (const store::NoRoom &error) {
-        Answer answer = refusalOf(kind, Outcome::Failed, Reason::NoRoom);
-        answer.cause = error.what();
-        return answer;
+        return refusalOf(kind, Outcome::Failed, Reason::NoRoom, error.what());
     } catch (const std::bad_alloc &) {
         return refusalOf(kind, Outcome::Busy);
     } catch (const std::exception &error) {
-        Answer answer = refusalOf(kind, Outcome::Failed);
-        answer.cause = error.what();
-        return answer;
+        return refusalOf(kind, Outcome::Failed, Reason::None, error.what());
     }
 }
 

@@ -130,7 +130,7 @@ public:
     /// A small step of what the database needs now and then; to be called every second or so. Does not wait.
     void keepHouse() { m_purge.step(); }
 
-    /// Ends a turn that was begun and, for want of room, will be neither verified nor finished.
+    /// Ends a turn that for want of room goes no further, or whose answer cannot be kept.
     Answer giveUp(Turn &turn);
 
     /// Goes on once other processes know of the answers before: to one that isBeingNoted the client may send

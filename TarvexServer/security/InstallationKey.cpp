@@ -1,10 +1,11 @@
 #include "InstallationKey.h"
 
+#include "Sodium.h"
+
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <fstream>
-#include <sodium.h>
 #include <stdexcept>
 #include <system_error>
 #include <unistd.h>
@@ -46,8 +47,7 @@ void writeNew(const std::filesystem::path &file, const std::string &digits)
 
 KeyedHash::Key installationKey(const std::filesystem::path &file)
 {
-    if (sodium_init() < 0)
-        throw std::runtime_error("the cryptographic library cannot start");
+    startLibrary();
     KeyedHash::Key key{};
     if (!std::filesystem::exists(file)) {
         randombytes_buf(key.data(), key.size());

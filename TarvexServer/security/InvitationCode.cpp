@@ -1,9 +1,9 @@
 #include "InvitationCode.h"
 
+#include "Sodium.h"
+
 #include <array>
 #include <cstdint>
-#include <sodium.h>
-#include <stdexcept>
 
 namespace tarvex::security {
 
@@ -27,8 +27,7 @@ char upperCase(char character)
 
 std::string newInvitationCode()
 {
-    if (sodium_init() < 0)
-        throw std::runtime_error("the cryptographic library cannot start");
+    startLibrary();
     std::string code;
     for (std::size_t i = 0; i < codeSize; ++i) {
         if (i > 0 && i % groupSize == 0)

@@ -1,14 +1,12 @@
 #include "KeyedHash.h"
 
-#include <sodium.h>
-#include <stdexcept>
+#include "Sodium.h"
 
 namespace tarvex::security {
 
 KeyedHash::KeyedHash()
 {
-    if (sodium_init() < 0)
-        throw std::runtime_error("the cryptographic library cannot start");
+    startLibrary();
     randombytes_buf(m_key.data(), m_key.size());
 }
 

@@ -1,9 +1,10 @@
 #include "PasswordHash.h"
 
+#include "Sodium.h"
+
 #include <array>
 #include <boost/regex.hpp>
 #include <new>
-#include <sodium.h>
 #include <stdexcept>
 
 namespace tarvex::security {
@@ -17,12 +18,6 @@ constexpr std::size_t memory = crypto_pwhash_argon2id_MEMLIMIT_MIN;
 constexpr unsigned long long passes = 2;
 constexpr std::size_t memory = 19UL * 1024 * 1024;
 #endif
-
-void startLibrary()
-{
-    if (sodium_init() < 0)
-        throw std::runtime_error("the cryptographic library cannot start");
-}
 
 /// What the text of a hash holds.
 struct Stored

@@ -1,28 +1,11 @@
 #include "PeerMark.h"
 
-#include <sodium.h>
-#include <stdexcept>
+#include "RandomToken.h"
+#include "Sodium.h"
 
 namespace tarvex::security {
 
-namespace {
-
-constexpr std::size_t markBytes = 4;
-
-/// The first bytes, in hexadecimal digits.
-std::string markOf(const unsigned char *bytes)
-{
-    std::array<char, 2 * markBytes + 1> digits{};
-    return sodium_bin2hex(digits.data(), digits.size(), bytes, markBytes);
-}
-
-void startLibrary()
-{
-    if (sodium_init() < 0)
-        throw std::runtime_error("the cryptographic library cannot start");
-}
-
-} // namespace
+constexpr std::size_t markDigits = 8;
 
 PeerMark::PeerMark()
 {
@@ -37,15 +20,13 @@ std::string PeerMark::operator()(std::string_view peer) const
     // The library takes unsigned bytes; a char may be read as one.
     crypto_shorthash(hash.data(), reinterpret_cast<const unsigned char *>(peer.data()), peer.size(),
                      m_key.data());
-    return markOf(hash.data());
+    std::array<char, 2 * hash.size() + 1> digits{};
+    return {sodium_bin2hex(digits.data(), digits.size(), hash.data(), hash.size()), markDigits};
 }
 
 std::string randomMark()
 {
-    std::array<unsigned char, markBytes> bytes{};
-    startLibrary();
-    randombytes_buf(bytes.data(), bytes.size());
-    return markOf(bytes.data());
+    return randomToken().substr(0, markDigits);
 }
 
 } // namespace tarvex::security

@@ -1,15 +1,14 @@
 #include "RandomToken.h"
 
+#include "Sodium.h"
+
 #include <array>
-#include <sodium.h>
-#include <stdexcept>
 
 namespace tarvex::security {
 
 std::string randomToken()
 {
-    if (sodium_init() < 0)
-        throw std::runtime_error("the cryptographic library cannot start");
+    startLibrary();
     std::array<unsigned char, 32> bytes{};
     randombytes_buf(bytes.data(), bytes.size());
     std::array<char, 2 * bytes.size() + 1> digits{};

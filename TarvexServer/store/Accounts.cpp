@@ -46,10 +46,8 @@ void insertAreas(Connection &connection, std::int64_t accountId, const std::vect
 std::optional<Credentials> findCredentials(Connection &connection, std::string_view login)
 {
     // By itself: the row of a login need not be where those of its account are.
-    const auto accountId = [&]() -> std::optional<std::int64_t> {
-        Rows found = connection.rows("SELECT account_id FROM login WHERE login_digest = $1", login);
-        return found.next() ? std::optional(found.number(0)) : std::nullopt;
-    }();
+    const auto accountId =
+        connection.firstNumber("SELECT account_id FROM login WHERE login_digest = $1", login);
     return accountId ? credentialsOf(connection, *accountId) : std::nullopt;
 }
 
@@ -99,8 +97,7 @@ std::optional<std::string> accountName(Connection &connection, std::int64_t acco
 
 std::int64_t countAccounts(Connection &connection)
 {
-    Rows count = connection.rows("SELECT accounts FROM account_count");
-    return count.next() ? count.number(0) : 0;
+    return connection.firstNumber("SELECT accounts FROM account_count").value_or(0);
 }
 
 std::optional<std::int64_t> createAccount(Connection &connection, const NewAccount &account)

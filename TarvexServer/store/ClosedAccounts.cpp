@@ -2,15 +2,6 @@
 
 namespace tarvex::store {
 
-namespace {
-
-std::optional<std::int64_t> firstNumber(Rows found)
-{
-    return found.next() ? std::optional(found.number(0)) : std::nullopt;
-}
-
-} // namespace
-
 std::optional<OwnerCredentials> ownerCredentials(Connection &connection, std::int64_t accountId)
 {
     Rows found = connection.rows("SELECT version, CASE WHEN disabled = 0 THEN password_hash ELSE '' END"
@@ -23,7 +14,7 @@ std::optional<OwnerCredentials> ownerCredentials(Connection &connection, std::in
 
 std::optional<std::int64_t> accountOf(Connection &connection, const std::string &login)
 {
-    return firstNumber(connection.rows("SELECT account_id FROM login WHERE login_digest = $1", login));
+    return connection.firstNumber("SELECT account_id FROM login WHERE login_digest = $1", login);
 }
 
 bool closeAccount(Connection &connection, std::int64_t accountId, std::int64_t now)
@@ -42,8 +33,7 @@ bool keepAccount(Connection &connection, std::int64_t accountId)
 
 std::optional<std::int64_t> nextClosed(Connection &connection, std::int64_t before)
 {
-    return firstNumber(
-        connection.rows("SELECT account_id FROM account WHERE closed_at < $1 LIMIT 1", before));
+    return connection.firstNumber("SELECT account_id FROM account WHERE closed_at < $1 LIMIT 1", before);
 }
 
 } // namespace tarvex::store

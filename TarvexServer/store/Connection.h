@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -96,6 +97,14 @@ public:
         Rows rows = this->rows(sql, values...);
         prepared(sql).runAhead();
         return rows;
+    }
+
+    /// The number that a query's first row begins with; nothing without a row.
+    template<class... Values>
+    std::optional<std::int64_t> firstNumber(const char *sql, const Values &...values)
+    {
+        Rows found = rows(sql, values...);
+        return found.next() ? std::optional(found.number(0)) : std::nullopt;
     }
 
     /// Runs a statement to its end, and tells how many rows it changed.

@@ -91,11 +91,10 @@ Database::~Database() = default;
 
 void Database::read(const Work &work)
 {
-    std::unique_ptr<EngineSession> lent = m_sessions->readers.take();
     const auto give = [this](EngineSession *session) {
         m_sessions->readers.add(std::unique_ptr<EngineSession>(session));
     };
-    const std::unique_ptr<EngineSession, decltype(give)> session(lent.release(), give);
+    const std::unique_ptr<EngineSession, decltype(give)> session(m_sessions->readers.take().release(), give);
     for (int attempt = 1;; ++attempt) {
         try {
             runReading(*session, work);

@@ -4,21 +4,9 @@
 
 namespace tarvex::store {
 
-namespace {
-
-/// The number that a query brings; nothing without a row.
-template<class... Values>
-std::optional<std::int64_t> number(Connection &connection, const char *sql, const Values &...values)
-{
-    Rows rows = connection.rows(sql, values...);
-    return rows.next() ? std::optional(rows.number(0)) : std::nullopt;
-}
-
-} // namespace
-
 std::int64_t movePurgeClock(Connection &connection, std::int64_t secondsRun, std::int64_t now)
 {
-    const auto before = number(connection, "SELECT seconds FROM purge_clock");
+    const auto before = connection.firstNumber("SELECT seconds FROM purge_clock");
     const std::int64_t seconds = std::min(now, before.value_or(now) + secondsRun);
     if (before)
         connection.change("UPDATE purge_clock SET seconds = $1", seconds);
@@ -29,15 +17,14 @@ std::int64_t movePurgeClock(Connection &connection, std::int64_t secondsRun, std
 
 std::optional<std::int64_t> nextWithDeleted(Connection &connection, std::int64_t after)
 {
-    const auto ofGoals = number(connection,
-                                "SELECT account_id FROM goal WHERE account_id > $1 AND deleted_at IS NOT NULL"
-                                " ORDER BY account_id LIMIT 1",
-                                after);
-    const auto ofSets = number(connection,
-                               "SELECT account_id FROM goal_set"
-                               " WHERE account_id > $1 AND deleted_at IS NOT NULL"
+    const auto ofGoals =
+        connection.firstNumber("SELECT account_id FROM goal WHERE account_id > $1 AND deleted_at IS NOT NULL"
                                " ORDER BY account_id LIMIT 1",
                                after);
+    const auto ofSets = connection.firstNumber("SELECT account_id FROM goal_set"
+                                               " WHERE account_id > $1 AND deleted_at IS NOT NULL"
+                                               " ORDER BY account_id LIMIT 1",
+                                               after);
     return ofGoals && ofSets ? std::min(ofGoals, ofSets) : ofGoals ? ofGoals : ofSets;
 }
 

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <numeric>
 
 namespace tarvex::store {
 
@@ -124,13 +123,12 @@ void createGoals(Connection &connection, std::int64_t accountId, const std::vect
 {
     if (goals.empty())
         return;
-    const auto bytes =
-        std::accumulate(goals.begin(), goals.end(), std::int64_t(0), [](auto sum, const Goal &goal) {
-            return sum + static_cast<std::int64_t>(goal.name.size());
-        });
+    std::int64_t bytes = 0;
     std::set<std::int64_t> setIds;
-    for (const Goal &goal : goals)
+    for (const Goal &goal : goals) {
+        bytes += static_cast<std::int64_t>(goal.name.size());
         setIds.insert(goal.setId);
+    }
     noteProgress(connection, accountId, setIds, now);
     std::int64_t id = takeGoalIds(connection, accountId, static_cast<std::int64_t>(goals.size()), bytes);
     for (auto next = goals.begin(); next != goals.end();) {

@@ -44,16 +44,10 @@ const std::array<LeastCount, 5> leastCounts = {{
      "count fewer deleted goals than they hold (deleted_goals)"},
 }};
 
-std::int64_t numberOf(Connection &connection, const char *sql)
-{
-    Rows found = connection.rows(sql);
-    return found.next() ? found.number(0) : 0;
-}
-
 bool isAccountCountRight(Connection &connection)
 {
-    return numberOf(connection, "SELECT COUNT(*) FROM account_count"
-                                " WHERE accounts = (SELECT COUNT(*) FROM account)") == 1;
+    return connection.firstNumber("SELECT COUNT(*) FROM account_count"
+                                  " WHERE accounts = (SELECT COUNT(*) FROM account)") == 1;
 }
 
 /// All in one transaction, so that it is looked at as it is at one moment.
@@ -97,15 +91,15 @@ std::vector<std::string> faults(Connection &connection)
     if (!isAccountCountRight(connection))
         found.emplace_back("The number of accounts is not what it is counted as (account_count).");
     for (const LeastCount &count : leastCounts) {
-        if (const std::int64_t wrong = numberOf(connection, count.wrong.c_str()); wrong > 0)
-            found.push_back("Accounts that " + count.complaint + ": " + std::to_string(wrong) + ".");
+        if (const auto wrong = connection.firstNumber(count.wrong.c_str()); wrong > 0)
+            found.push_back("Accounts that " + count.complaint + ": " + std::to_string(*wrong) + ".");
     }
-    const std::int64_t astray = numberOf(
-        connection, "SELECT COUNT(*) FROM goal JOIN goal_set ON goal_set.account_id = goal.account_id"
-                    " AND goal_set.set_id = goal.set_id"
-                    " WHERE goal.deleted_at IS NULL AND goal_set.deleted_at IS NOT NULL");
+    const auto astray = connection.firstNumber(
+        "SELECT COUNT(*) FROM goal JOIN goal_set ON goal_set.account_id = goal.account_id"
+        " AND goal_set.set_id = goal.set_id"
+        " WHERE goal.deleted_at IS NULL AND goal_set.deleted_at IS NOT NULL");
     if (astray > 0)
-        found.push_back("Goals that are there while their set is deleted: " + std::to_string(astray) + ".");
+        found.push_back("Goals that are there while their set is deleted: " + std::to_string(*astray) + ".");
     return found;
 }
 

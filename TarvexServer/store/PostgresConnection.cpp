@@ -376,18 +376,15 @@ bool PostgresConnection::isMarked()
 
 bool PostgresConnection::keepsHouse()
 {
-    if (!m_isHouseKept) {
-        Rows lock = rows(houseKeepersLock);
-        m_isHouseKept = lock.next() && lock.number(0) == 1;
-    }
+    if (!m_isHouseKept)
+        m_isHouseKept = firstNumber(houseKeepersLock) == 1;
     return m_isHouseKept;
 }
 
 std::int64_t PostgresConnection::size()
 {
     if (const auto now = Clock::now(); m_sizeAt == Clock::time_point() || now > m_sizeAt + sizeLifetime) {
-        Rows found = rows("SELECT pg_database_size(current_database())");
-        m_size = found.next() ? found.number(0) : 0;
+        m_size = firstNumber("SELECT pg_database_size(current_database())").value_or(0);
         m_sizeAt = now;
     }
     return m_size;

@@ -1,7 +1,5 @@
 #include "Progress.h"
 
-#include "Sets.h"
-
 #include <string>
 
 namespace tarvex::store {
@@ -135,15 +133,6 @@ std::vector<DayOfAreas> setProgress(Connection &connection, std::int64_t account
 {
     return daysOf(connection, accountId, setId,
                   connection.rows(selectSpan.c_str(), accountId, setId, firstDay, lastDay));
-}
-
-std::map<std::int64_t, std::vector<DayOfAreas>> progressOfSets(Connection &connection, std::int64_t accountId,
-                                                               std::int64_t firstDay, std::int64_t lastDay)
-{
-    std::map<std::int64_t, std::vector<DayOfAreas>> found;
-    for (const Set &set : sets(connection, accountId))
-        found[set.id] = setProgress(connection, accountId, set.id, firstDay, lastDay);
-    return found;
 }
 
 std::optional<DayOfAreas> percentsOn(Connection &connection, std::int64_t accountId, std::int64_t setId,

@@ -3,9 +3,7 @@
 #include "Connection.h"
 
 #include <array>
-#include <cstddef>
 #include <cstdint>
-#include <map>
 #include <optional>
 #include <vector>
 
@@ -49,10 +47,6 @@ void noteAreaProgress(Connection &connection, std::int64_t accountId, std::int64
 /// beginning, which may lie before, and each one that changed it since.
 std::vector<DayOfAreas> setProgress(Connection &connection, std::int64_t accountId, std::int64_t setId,
                                     std::int64_t firstDay, std::int64_t lastDay);
-
-/// The same for all sets of an account, by their ids.
-std::map<std::int64_t, std::vector<DayOfAreas>> progressOfSets(Connection &connection, std::int64_t accountId,
-                                                               std::int64_t firstDay, std::int64_t lastDay);
 
 /// The percents of a set as they were at the end of a day.
 std::optional<DayOfAreas> percentsOn(Connection &connection, std::int64_t accountId, std::int64_t setId,

@@ -52,6 +52,16 @@ void requireRoom(Connection &connection, std::int64_t accountId, std::int64_t co
                       goalBytes, accountId);
 }
 
+/// Removes those of the account's deleted goals that were deleted first, as far as their names are too much.
+void boundDeletedNames(Connection &connection, std::int64_t accountId)
+{
+    connection.run(
+        "DELETE FROM goal WHERE account_id = $1 AND goal_id IN (SELECT goal_id FROM (SELECT goal_id,"
+        " SUM(OCTET_LENGTH(name)) OVER (ORDER BY deleted_at DESC, goal_id DESC) AS bytes FROM goal"
+        " WHERE account_id = $1 AND deleted_at IS NOT NULL) AS newest WHERE bytes > $2)",
+        accountId, Quotas::deletedBytes);
+}
+
 } // namespace
 
 void requireSetRoom(Connection &connection, std::int64_t accountId)
@@ -83,8 +93,10 @@ std::int64_t takeGoalIds(Connection &connection, std::int64_t accountId, std::in
         return std::pair(taken.number(0) - 1,
                          taken.number(1) > Quotas::goals || taken.number(2) > Quotas::goalBytes);
     }();
-    if (isTooMuch)
+    if (isTooMuch) {
         requireRoom(connection, accountId, count, bytes);
+        boundDeletedNames(connection, accountId); // all that is deleted was added before
+    }
     return requireForWire(last) - count + 1;
 }
 
@@ -104,12 +116,10 @@ void countUndeleted(Connection &connection, std::int64_t accountId, std::int64_t
 
 void countDeleted(Connection &connection, std::int64_t accountId, std::int64_t count)
 {
-    const auto counted = [&] {
-        return only(connection.rows("UPDATE account SET deleted_goals = deleted_goals + $1"
-                                    " WHERE account_id = $2 RETURNING deleted_goals",
-                                    count, accountId))
-            .number(0);
-    }();
+    const std::int64_t counted = only(connection.rows("UPDATE account SET deleted_goals = deleted_goals + $1"
+                                                      " WHERE account_id = $2 RETURNING deleted_goals",
+                                                      count, accountId))
+                                     .number(0);
     if (counted <= Quotas::deletedGoals)
         return;
     const std::int64_t held = only(connection.rows("SELECT COUNT(*) FROM goal"

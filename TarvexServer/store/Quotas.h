@@ -18,6 +18,8 @@ struct Quotas
         16LL * 1024 * 1024; ///< of their names; characters where they are counted anew
     /// Beyond these the ones that were deleted first are gone before their time.
     static constexpr std::int64_t deletedGoals = 100'000;
+    static constexpr std::int64_t deletedBytes =
+        32LL * 1024 * 1024; ///< of their names; looked at when the account's goals are counted anew
 };
 
 /// The account may not hold so much.

@@ -105,18 +105,21 @@ std::filesystem::path freeName(const std::string &name)
     return found;
 }
 
-/// Keeps a log under another name, if there is one; it would be taken for that of the new file.
-bool keepLog(const std::filesystem::path &database, const std::filesystem::path &keptAs)
+/// Keeps a log under another name, which it returns; it would be taken for that of the new file.
+std::optional<std::filesystem::path> keepLog(const std::filesystem::path &database,
+                                             const std::filesystem::path &keptAs)
 {
-    bool isKept = false;
-    for (const char *suffix : {"-wal", "-journal"}) {
+    std::optional<std::filesystem::path> kept;
+    for (const char *suffix : {"-journal", "-wal"}) {
+        const std::filesystem::path name = keptAs.string() + suffix;
         std::error_code error; // not there
-        std::filesystem::rename(database.string() + suffix, keptAs.string() + suffix, error);
-        isKept = isKept || !error;
+        std::filesystem::rename(database.string() + suffix, name, error);
+        if (!error)
+            kept = name;
     }
     std::error_code ignored; // not there
     std::filesystem::remove(database.string() + "-shm", ignored);
-    return isKept;
+    return kept;
 }
 
 /// Brings a database and its log into one file, and keeps everybody out of it as long as the session lasts.
@@ -182,9 +185,9 @@ std::optional<std::filesystem::path> Restoration::put(std::time_t now)
     const std::filesystem::path keptAs =
         freeName(m_database.string() + ".before-restore-" + timeForNames(now));
     if (!std::filesystem::exists(m_database)) {
-        const bool isLogKept = keepLog(m_database, keptAs);
+        const auto keptLog = keepLog(m_database, keptAs);
         putInPlace(m_beside, m_database);
-        return isLogKept ? std::optional(keptAs.string() + "-wal") : std::nullopt;
+        return keptLog;
     }
     const auto outside = closed(m_database, keptAs);
     giveToOwnerOf(m_database, m_beside);

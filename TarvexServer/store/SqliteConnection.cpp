@@ -191,8 +191,7 @@ std::int64_t SqliteConnection::numberOf(const std::string &query)
 
 std::int64_t SqliteConnection::pragma(const char *sql)
 {
-    Rows found = rows(sql);
-    return found.next() ? found.number(0) : 0;
+    return firstNumber(sql).value_or(0);
 }
 
 std::int64_t SqliteConnection::version()

@@ -3,7 +3,6 @@
 #include "Connection.h"
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <vector>
 

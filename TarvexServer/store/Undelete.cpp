@@ -7,26 +7,11 @@ namespace tarvex::store {
 
 namespace {
 
-/// Goals that are about to come back, the bytes of their names, and a set that they are in.
-struct Weight
-{
-    std::int64_t goals = 0;
-    std::int64_t bytes = 0;
-    std::int64_t setId = 0;
-};
-
-Weight weightOf(Rows rows)
-{
-    return rows.next() ? Weight{.goals = rows.number(0), .bytes = rows.number(1), .setId = rows.number(2)}
-                       : Weight();
-}
-
 std::optional<std::int64_t> whenDeleted(Connection &connection, std::int64_t accountId, std::int64_t setId)
 {
-    Rows found = connection.rows("SELECT deleted_at FROM goal_set"
-                                 " WHERE account_id = $1 AND set_id = $2 AND deleted_at IS NOT NULL",
-                                 accountId, setId);
-    return found.next() ? std::optional(found.number(0)) : std::nullopt;
+    return connection.firstNumber("SELECT deleted_at FROM goal_set"
+                                  " WHERE account_id = $1 AND set_id = $2 AND deleted_at IS NOT NULL",
+                                  accountId, setId);
 }
 
 } // namespace
@@ -71,30 +56,28 @@ std::optional<std::int64_t> undeleteSet(Connection &connection, std::int64_t acc
     noteSetProgress(connection, accountId, setId, now);
     connection.change("UPDATE goal_set SET deleted_at = NULL WHERE account_id = $1 AND set_id = $2",
                       accountId, setId);
-    const Weight weight = weightOf(connection.rows(
-        "SELECT COUNT(*), COALESCE(SUM(OCTET_LENGTH(name)), 0), COALESCE(MAX(set_id), 0) FROM goal"
-        " WHERE account_id = $1 AND set_id = $2 AND deleted_at = $3",
-        accountId, setId, *deletedAt));
-    countUndeleted(connection, accountId, weight.goals, weight.bytes);
-    connection.change("UPDATE goal SET deleted_at = NULL"
-                      " WHERE account_id = $1 AND set_id = $2 AND deleted_at = $3",
-                      accountId, setId, *deletedAt);
-    return weight.goals;
+    Rows goals = connection.rows("SELECT COUNT(*), COALESCE(SUM(OCTET_LENGTH(name)), 0) FROM goal"
+                                 " WHERE account_id = $1 AND set_id = $2 AND deleted_at = $3",
+                                 accountId, setId, *deletedAt);
+    goals.next();
+    countUndeleted(connection, accountId, goals.number(0), goals.number(1));
+    return connection.change("UPDATE goal SET deleted_at = NULL"
+                             " WHERE account_id = $1 AND set_id = $2 AND deleted_at = $3",
+                             accountId, setId, *deletedAt);
 }
 
 bool undeleteGoal(Connection &connection, std::int64_t accountId, std::int64_t goalId, std::int64_t now)
 {
-    const Weight weight = weightOf(connection.rows(
-        "SELECT COUNT(*), COALESCE(SUM(OCTET_LENGTH(goal.name)), 0), COALESCE(MAX(goal.set_id), 0) FROM goal"
-        " JOIN goal_set ON goal_set.account_id = goal.account_id"
-        " AND goal_set.set_id = goal.set_id"
-        " WHERE goal.account_id = $1 AND goal.goal_id = $2"
-        " AND goal.deleted_at IS NOT NULL AND goal_set.deleted_at IS NULL",
-        accountId, goalId));
-    if (weight.goals == 0)
+    Rows goal = connection.rows("SELECT goal.set_id, OCTET_LENGTH(goal.name) FROM goal"
+                                " JOIN goal_set ON goal_set.account_id = goal.account_id"
+                                " AND goal_set.set_id = goal.set_id"
+                                " WHERE goal.account_id = $1 AND goal.goal_id = $2"
+                                " AND goal.deleted_at IS NOT NULL AND goal_set.deleted_at IS NULL",
+                                accountId, goalId);
+    if (!goal.next())
         return false;
-    noteSetProgress(connection, accountId, weight.setId, now);
-    countUndeleted(connection, accountId, weight.goals, weight.bytes);
+    noteSetProgress(connection, accountId, goal.number(0), now);
+    countUndeleted(connection, accountId, /*count=*/1, goal.number(1));
     connection.change("UPDATE goal SET deleted_at = NULL WHERE account_id = $1 AND goal_id = $2", accountId,
                       goalId);
     return true;

@@ -14,17 +14,6 @@ constexpr std::chrono::seconds betweenLooks{3};
 constexpr std::chrono::seconds lookTime{2};
 constexpr std::chrono::seconds longestRound{5};
 
-std::string sentenceOf(const std::exception_ptr &failure)
-{
-    try {
-        std::rethrow_exception(failure);
-    } catch (const store::NoRoom &error) {
-        return "Nothing can be added: " + std::string(error.what()) + ".";
-    } catch (const std::exception &error) {
-        return "The database cannot be written to: " + std::string(error.what()) + ".";
-    }
-}
-
 } // namespace
 
 std::string Condition::lifeFault() const
@@ -40,7 +29,7 @@ std::string Condition::fault()
     if (std::string deadly = lifeFault(); !deadly.empty())
         return deadly;
     look();
-    return m_found.fault;
+    return m_fault;
 }
 
 void Condition::look()
@@ -50,32 +39,37 @@ void Condition::look()
             return;
         beginLook();
     }
-    if (m_pending.wait_until(m_begin + lookTime) == std::future_status::ready)
-        m_found = m_pending.get();
-    else
-        m_found = {.fault = "The database takes longer than two seconds for a small write.", .figures = {}};
+    m_figures.reset();
+    m_fault = "The database takes longer than two seconds for a small write.";
+    if (m_pending.wait_until(m_begin + lookTime) != std::future_status::ready)
+        return;
+    try {
+        m_figures = m_pending.get();
+        m_fault.clear();
+    } catch (const store::NoRoom &error) {
+        m_fault = "Nothing can be added: " + std::string(error.what()) + ".";
+    } catch (const std::exception &error) {
+        m_fault = "The database cannot be written to: " + std::string(error.what()) + ".";
+    }
 }
 
 void Condition::beginLook()
 {
     struct Look
     {
-        std::promise<Findings> findings;
+        std::promise<store::Figures> found;
         store::Figures figures;
     };
     const auto look = std::make_shared<Look>(); // which may outlive this object
     m_begin = steady_clock::now();
-    m_pending = look->findings.get_future();
+    m_pending = look->found.get_future();
     m_database.write(
         [look, &database = m_database](store::Connection &connection) {
             look->figures = store::probe(connection);
             database.requireRoom(connection);
         },
         [look](const std::exception_ptr &failure) {
-            if (failure)
-                look->findings.set_value({.fault = sentenceOf(failure), .figures = {}});
-            else
-                look->findings.set_value({.fault = "", .figures = look->figures});
+            failure ? look->found.set_exception(failure) : look->found.set_value(look->figures);
         });
 }
 

@@ -30,15 +30,10 @@ public:
     /// small write, unless it did so in the last few seconds, and waits two seconds for that at most.
     std::string fault();
     /// What the last such write found; nothing after one that failed.
-    std::optional<store::Figures> figures() const { return m_found.figures; }
+    std::optional<store::Figures> figures() const { return m_figures; }
 
 private:
     using Time = std::chrono::steady_clock::time_point;
-    struct Findings
-    {
-        std::string fault;
-        std::optional<store::Figures> figures;
-    };
 
     void look();
     void beginLook();
@@ -46,9 +41,10 @@ private:
     store::Database &m_database;
     std::atomic<Time> m_lastRound = std::chrono::steady_clock::now();
     std::atomic<bool> m_isDraining = false;
-    std::future<Findings> m_pending;
-    Time m_begin; // of the last look, whether it has come to its end or not
-    Findings m_found;
+    std::future<store::Figures> m_pending;
+    Time m_begin;        // of the last look, whether it has come to its end or not
+    std::string m_fault; // what that found
+    std::optional<store::Figures> m_figures;
 };
 
 } // namespace tarvex::watch

@@ -6,25 +6,16 @@ namespace tarvex::watch {
 
 namespace {
 
-std::string decimal(double value)
+std::string seconds(std::chrono::microseconds time)
 {
     std::array<char, 512> digits{}; // the longest there is has some 400
+    const double value = std::chrono::duration<double>(time).count();
     const auto [end, error] =
         std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed);
     return {digits.data(), end};
 }
 
-std::string seconds(std::chrono::microseconds time)
-{
-    return decimal(std::chrono::duration<double>(time).count());
-}
-
 } // namespace
-
-void Prometheus::sample(const std::string &labels, double value)
-{
-    line("", labels, decimal(value));
-}
 
 void Prometheus::sample(const std::string &labels, std::uint64_t value)
 {

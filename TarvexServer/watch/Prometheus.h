@@ -22,7 +22,6 @@ public:
     void histogram(std::string_view name, std::string_view help) { begin(name, "histogram", help); }
 
     /// The labels are as they stand between the braces.
-    void sample(const std::string &labels, double value);
     void sample(const std::string &labels, std::uint64_t value);
     void samples(const std::string &labels, const requests::Durations &durations);
 

@@ -14,7 +14,7 @@ namespace json = boost::json;
 
 constexpr std::string_view formatName = "tarvex-account";
 constexpr std::int64_t formatVersion = 1;
-constexpr std::size_t deepest = 8; // of which an export takes six
+constexpr std::size_t deepest = 8; // of which an export takes five
 /// More of these than any account has; each one takes memory.
 constexpr std::ptrdiff_t mostValues = 4'000'000;
 

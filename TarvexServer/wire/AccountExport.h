@@ -55,7 +55,8 @@ AccountExport readExport(std::string_view json);
 /// As a table for spreadsheets (RFC 4180), a goal a row; a set without goals has one row.
 std::string writeTable(const AccountExport &account);
 
-/// No export is larger, in bytes.
+/// No larger file is read, in bytes. An export can be larger, most of all one with what was deleted, which is
+/// passed over anyway.
 constexpr std::size_t largestExport = 32UL * 1024 * 1024;
 
 } // namespace tarvex::wire

@@ -14,7 +14,6 @@
 #include <csignal>
 #include <fnmatch.h>
 #include <fstream>
-#include <numeric>
 #include <pty.h>
 #include <sys/wait.h>
 #include <thread>
@@ -26,10 +25,8 @@ namespace {
 constexpr std::int64_t day = 24LL * 60 * 60;
 
 /// What an operator does with Anna's account while the service of the fixture runs.
-class Accounts : public ServiceFixture
+struct Accounts : ServiceFixture
 {
-protected:
-    std::int64_t anna() { return requests::accountOfLogin(m_database, m_hash, m_login); }
     store::AccountOverview overview() { return requests::overviewOf(m_database, anna()); }
 
     void createGoals(std::int64_t set, const std::vector<std::string> &names)
@@ -64,8 +61,7 @@ protected:
     std::string wheelOf(const std::string &login)
     {
         const std::string who = credentials(login, m_password);
-        const std::string sets = post("p1=get-sets" + who);
-        std::string seen = sets + post("p1=get-areas" + who);
+        std::string seen = post("p1=get-sets" + who) + post("p1=get-areas" + who);
         for (int set = 1; set <= 3; ++set) {
             const std::string goals =
                 post("p1=get-complex-goals-for-sets" + who + "&p4=" + std::to_string(set));
@@ -81,11 +77,9 @@ std::string said(const TemporaryFolder &folder, const std::string &arguments, co
 {
     std::ofstream(folder.path() / "input") << input;
     std::ofstream(folder.path() / "with-input.sh") << "\"$@\" < input";
-    ServerProcess process(folder, arguments + " --secret secret --database " + databaseUrl(folder),
-                          "/bin/sh with-input.sh ");
-    const std::string output = ServerProcess::read(process.output, '\0');
-    const auto [code, errors] = process.ended();
-    return output + errors + (code == 0 ? "" : std::to_string(code));
+    const auto [code, text] = run(folder, arguments + " --secret secret --database " + databaseUrl(folder),
+                                  "/bin/sh with-input.sh ");
+    return text + (code == 0 ? "" : std::to_string(code));
 }
 
 /// What a terminal shows while somebody answers the command's questions.

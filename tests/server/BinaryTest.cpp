@@ -16,49 +16,21 @@
 
 using namespace tarvex;
 
-namespace {
-
-/// A server that has room for one large save answers everything that would add more with a refusal.
-void addsNothing(const TemporaryFolder &folder, const std::string &options, const std::string &launcher,
-                 const std::string &reason)
-{
-    ServerProcess server(folder, serveHere + options, launcher);
-    const std::uint16_t port = server.port();
-    Customer customer(port);
-    EXPECT_EQ(customer.saveLargeGoals(20).body(), "OK");
-    EXPECT_EQ(customer.saveLargeGoals(20).body(), "Error");
-    EXPECT_EQ(customer.post("set-area-names", "&p4=id:1;name:Body;{_end_}").body(), "Error");
-    EXPECT_NE(RawClient(port).post("p1=create-new-user&p2=d@example.org&p3=b&p4=C&type=json").body(),
-              R"({"result":"OK"})");
-    EXPECT_EQ(customer.post("set-area-value", "&p4=1&p5=7").body(), "OK");
-    EXPECT_EQ(customer.post("delete-sets", "&p4=1").body(), "OK");
-    EXPECT_NE(server.ended(SIGTERM).second.find(reason), std::string::npos);
-}
-
-} // namespace
-
 TEST(Binary, ServesTheSampleAccountUntilItIsTold)
 {
     const TemporaryFolder folder;
     const std::string database = R"( --database "sqlite:file:on the way/wheel.db")";
-    for (const std::string said : {"", "The sample account is there already."}) {
-        ServerProcess sample(folder, "sample" + database);
-        if (!said.empty()) {
-            EXPECT_EQ(sample.line(), said);
-        }
-        EXPECT_EQ(sample.line(), "login: sample@example.org");
-        EXPECT_EQ(sample.line(), "password: wheel of life");
-        EXPECT_EQ(sample.ended(), std::pair(0, std::string()));
-    }
+    for (const std::string before : {"", "The sample account is there already.\n"})
+        EXPECT_EQ(run(folder, "sample" + database),
+                  Said(0, before + "login: sample@example.org\npassword: wheel of life\n"));
     ServerProcess server(folder, "serve --listen 127.0.0.1:0" + database);
     const std::string line = server.line();
-    const std::string head = "READY http://";
-    const std::string tail = "/tarvex/";
-    ASSERT_TRUE(line.starts_with(head + "127.0.0.1:") && line.ends_with(tail)) << line;
-    const std::string address = line.substr(head.size(), line.size() - head.size() - tail.size());
+    const std::uint16_t port = ServerProcess::portOf(line);
+    const std::string address = "127.0.0.1:" + std::to_string(port);
+    EXPECT_EQ(line, "READY http://" + address + "/tarvex/");
     const std::string login = security::signInDigest("sample@example.org");
     const std::string password = security::signInDigest("wheel of life");
-    RawClient client(ServerProcess::portOf(line));
+    RawClient client(port);
     EXPECT_EQ(client.post("p1=sign-in&p2=" + login + "&p3=" + password).body(), "OK");
     client.post("p1=create-new-user&p2=new@example.org&p3=topsecret&p4=Newcomer&type=json");
     client.post("p1=sign-in&p2=" + login + "&p3=" + login);
@@ -217,9 +189,22 @@ TEST(Binary, LeavesNoPasswordBehind)
 TEST(Binary, AddsNothingWhileThereIsTooLittleRoom)
 {
     const TemporaryFolder folder;
-    addsNothing(folder, " --keep-free 2", onDiskOf(folder, "3m"),
-                "the disk has less free than is to be left so");
-    addsNothing(folder, " --largest-database 1", /*launcher=*/"", "the database is as large as it may be");
+    const std::string disk = onDiskOf(folder, "3m");
+    for (const auto &[options, launcher, reason] : // each has room for one large save
+         {std::tuple(" --keep-free 2", disk, "the disk has less free than is to be left so"),
+          std::tuple(" --largest-database 1", std::string(), "the database is as large as it may be")}) {
+        ServerProcess server(folder, serveHere + options, launcher);
+        const std::uint16_t port = server.port();
+        Customer customer(port);
+        EXPECT_EQ(customer.saveLargeGoals(20).body(), "OK");
+        EXPECT_EQ(customer.saveLargeGoals(20).body(), "Error");
+        EXPECT_EQ(customer.post("set-area-names", "&p4=id:1;name:Body;{_end_}").body(), "Error");
+        EXPECT_NE(RawClient(port).post("p1=create-new-user&p2=d@example.org&p3=b&p4=C&type=json").body(),
+                  R"({"result":"OK"})");
+        EXPECT_EQ(customer.post("set-area-value", "&p4=1&p5=7").body(), "OK");
+        EXPECT_EQ(customer.post("delete-sets", "&p4=1").body(), "OK");
+        EXPECT_NE(server.ended(SIGTERM).second.find(reason), std::string::npos);
+    }
 }
 
 TEST(Binary, RefusesForWantOfMemoryAndGoesOn)
@@ -252,25 +237,18 @@ TEST(Binary, RefusesForWantOfMemoryAndGoesOn)
 
 TEST(Binary, ListensToThisMachineAloneUnlessToldOtherwise)
 {
-    const TemporaryFolder folder;
-    ServerProcess help(folder, "serve --help");
-    EXPECT_NE(ServerProcess::read(help.output, '\0').find("=127.0.0.1:8717\n"), std::string::npos);
-    EXPECT_EQ(help.ended().first, 0);
+    EXPECT_NE(run(TemporaryFolder(), "serve --help").second.find("=127.0.0.1:8717\n"), std::string::npos);
     EXPECT_EQ(app::serviceUrl("::1", 80), "http://[::1]:80/tarvex/");
 }
 
 TEST(Binary, ShowsPagesToThisMachineAloneUnlessToldOtherwise)
 {
-    const auto front = [](const std::string &options) {
+    for (const SampleRow &row : sampleRows("shown-pages.txt")) {
         const TemporaryFolder folder;
-        ServerProcess server(folder, "serve --database sqlite:wheel.db" + options);
-        const auto status = RawClient(server.port()).get("/").result_int();
-        ::kill(server.child.id(), SIGTERM);
-        server.child.wait();
-        return status;
-    };
-    for (const SampleRow &row : sampleRows("shown-pages.txt"))
-        EXPECT_EQ(std::to_string(front(" --listen " + row[0])), row[1]) << row[0];
+        ServerProcess server(folder, "serve --listen " + row[0] + here);
+        EXPECT_EQ(std::to_string(RawClient(server.port()).get("/").result_int()), row[1]) << row[0];
+        server.ended(SIGTERM);
+    }
 }
 
 TEST(Binary, SaysInOneLineWhyItCannotStart)

@@ -1,4 +1,3 @@
-#include "Backup.h"
 #include "Customer.h"
 #include "Database.h"
 #include "Integrity.h"
@@ -19,9 +18,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class Copies : public testing::Test
+struct Copies : testing::Test
 {
-protected:
     std::int64_t number(const std::string &query, const std::string &file = "wheel.db") const
     {
         return store::SqliteConnection(at(file)).numberOf(query);
@@ -130,10 +128,9 @@ TEST_F(Copies, LeaveWhatWasThereWhenTheDiskIsFull)
     run(folder, "sample" + here);
     const std::string script = "mkdir small; mount -t tmpfs -o size=64k none small; echo old >small/kept\n"
                                "\"$@\"; code=$?; ls -A small; cat small/kept; exit $code";
-    const auto [exitCode, said] = run(folder, "backup small/copy.db" + here, behind(folder, script));
-    EXPECT_EQ(exitCode, 1);
-    EXPECT_EQ(said,
-              "kept\nold\ntarvex-server: The copy small/copy.db cannot be made: database or disk is full.\n");
+    EXPECT_EQ(run(folder, "backup small/copy.db" + here, behind(folder, script)),
+              Said(1, "kept\nold\ntarvex-server: The copy small/copy.db cannot be made: database or disk is"
+                      " full.\n"));
 }
 
 TEST_F(Copies, NeverReplaceWhatIsNoCopy)
@@ -237,12 +234,9 @@ TEST_F(Copies, AreNotRestoredToAFullDisk)
     makeSampleAndCopy();
     const std::string script = "mkdir small; mount -t tmpfs -o size=160k none small; cp wheel.db* small\n"
                                "\"$@\"; code=$?; ls -A small; cmp wheel.db small/wheel.db; exit $code";
-    const auto [exitCode, said] =
-        run(folder, "restore copy.db --database sqlite:small/wheel.db", behind(folder, script));
-    EXPECT_EQ(exitCode, 1);
-    EXPECT_EQ(said,
-              "wheel.db\nwheel.db.lock\nwheel.db.secret\ntarvex-server: The file small/wheel.db.restoring"
-              " cannot be written: No space left on device.\n");
+    EXPECT_EQ(run(folder, "restore copy.db --database sqlite:small/wheel.db", behind(folder, script)),
+              Said(1, "wheel.db\nwheel.db.lock\nwheel.db.secret\ntarvex-server: The file"
+                      " small/wheel.db.restoring cannot be written: No space left on device.\n"));
 }
 
 TEST_F(Copies, GiveNoIdAgainThatAClientMayKnow)

@@ -30,28 +30,24 @@ TEST_F(Http, ClosesTheConnectionThatWasIdleLongestForANewOne)
 TEST_F(Http, LimitsWhomAProxyNamesAndNotTheProxy)
 {
     const auto answerFor = [&](const std::string &body, const std::string &address) {
-        std::string request = RawClient::request(body);
-        request.insert(request.find("Content-Length"),
-                       "X-Forwarded-For: 192.0.2.1\r\nX-Forwarded-For: " + address);
-        RawClient client(port());
-        client.send(request);
-        return client.read().body();
+        const std::string fields = "X-Forwarded-For: 192.0.2.1\r\nX-Forwarded-For: " + address + "\r\n";
+        return RawClient(port()).post(body, fields).body();
     };
     start(/*limits=*/{}, {.trusted = {*http::readNetwork("127.0.0.0/8")}});
     const std::string tooMany = "Too many failed attempts. Please wait a minute and try again.";
     for (int i = 0; i < 10;
          ++i) // each by another login, so that only the address is what they have in common
-        answerFor("p1=sign-in" + credentials(std::to_string(i), "wrong"), "192.0.2.7, 203.0.113.1:99\r\n");
-    EXPECT_EQ(answerFor(asAnna("sign-in"), "203.0.113.1\r\n"), tooMany);
-    EXPECT_EQ(answerFor(asAnna("sign-in"), "203.0.113.2\r\n"), "OK");
+        answerFor("p1=sign-in" + credentials(std::to_string(i), "wrong"), "192.0.2.7, 203.0.113.1:99");
+    EXPECT_EQ(answerFor(asAnna("sign-in"), "203.0.113.1"), tooMany);
+    EXPECT_EQ(answerFor(asAnna("sign-in"), "203.0.113.2"), "OK");
     for (int i = 10; i < 20; ++i)
-        answerFor("p1=sign-in" + credentials(std::to_string(i), "wrong"), "nonsense\r\n");
-    EXPECT_EQ(answerFor("p1=sign-in" + credentials("20", "wrong"), "\r\n"), tooMany); // the proxy's own
+        answerFor("p1=sign-in" + credentials(std::to_string(i), "wrong"), "nonsense");
+    EXPECT_EQ(answerFor("p1=sign-in" + credentials("20", "wrong"), ""), tooMany); // the proxy's own
 }
 
 TEST_F(Http, TakesAProxysWordAtTheBeginningOfAConnection)
 {
-    start({.connectionsPerPeer = 1, .refusedConnections = 0},
+    start({.connections = 3, .connectionsPerPeer = 1, .refusedConnections = 0},
           {.trusted = {*http::readNetwork("127.0.0.1")}, .source = http::Proxies::Source::ProxyProtocol});
     const auto greeting = [](const std::string &address) {
         return "PROXY TCP4 " + address + " 192.0.2.9 4711 8717\r\n";
@@ -68,6 +64,14 @@ TEST_F(Http, TakesAProxysWordAtTheBeginningOfAConnection)
     RawClient unannounced(port());
     unannounced.send(RawClient::request(asAnna("sign-in")));
     EXPECT_TRUE(unannounced.isClosedSilently());
+    RawClient silent(port()); // so far
+    RawClient last(port());
+    last.send(greeting("203.0.113.3") + RawClient::request(asAnna("sign-in")));
+    EXPECT_EQ(last.read().body(), "OK");
+    EXPECT_TRUE(first.isClosedSilently()); // which was idle for longest
+    silent.send(greeting("203.0.113.4") + RawClient::request(asAnna("sign-in")));
+    EXPECT_EQ(silent.read().body(), "OK");
+    EXPECT_EQ(m_service.measures().closedConnections.count(), 1U);
 }
 
 TEST(ProxyHeader, IsReadInBothItsVersions)

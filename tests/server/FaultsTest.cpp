@@ -5,6 +5,7 @@
 #include "SqliteConnection.h"
 
 #include <atomic>
+#include <boost/algorithm/string/join.hpp>
 #include <cstdlib>
 #include <fstream>
 #include <future>
@@ -20,9 +21,8 @@ std::atomic<unsigned> scarcity = 0;
 std::atomic<unsigned> allocations = 0;
 thread_local bool isSpared = false;
 
-class Faults : public Http
+struct Faults : Http
 {
-protected:
     Faults() { isSpared = true; }
 
     std::filesystem::path file() const { return m_folder.path() / "wheel.db"; }
@@ -130,9 +130,7 @@ TEST_F(Faults, TheLogShrinksAfterAReaderMadeItGrow)
 {
     store::SqliteConnection reader(file());
     reader.execute("BEGIN; SELECT COUNT(*) FROM goal");
-    std::string list;
-    for (int i = 0; i < 50; ++i)
-        list += goal(std::string(60'000, 'x'));
+    const std::string list = boost::algorithm::join(std::vector(50, goal(std::string(60'000, 'x'))), "");
     for (int i = 0; i < 5; ++i)
         ASSERT_EQ(postAsAnna("create-some-goals", "&p4=" + list), "OK");
     const auto size = [this] { return std::filesystem::file_size(file().string() + "-wal"); };

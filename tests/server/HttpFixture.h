@@ -8,12 +8,10 @@
 #include <thread>
 
 /// A server over the service of the fixture, on a thread of its own.
-class Http : public ServiceFixture
+struct Http : ServiceFixture
 {
-public:
     ~Http() override { stop(); }
 
-protected:
     void start(const tarvex::http::Limits &limits = {}, const tarvex::http::Proxies &proxies = {})
     {
         m_server = std::make_unique<tarvex::http::Server>(m_service, "127.0.0.1", /*port=*/0, limits,

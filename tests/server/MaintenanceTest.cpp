@@ -64,10 +64,9 @@ TEST(Maintenance, GivesFreedRoomBackToTheDisk)
     server.ended(SIGTERM);
     const std::string disk = behind(folder, "mkdir small; mount -t tmpfs -o size=3m none small;"
                                             "cp wheel.db small; exec \"$@\"");
-    const auto [exitCode, said] = run(folder, "compact --database sqlite:small/wheel.db", disk);
-    EXPECT_EQ(exitCode, 1);
-    EXPECT_EQ(said, "tarvex-server: There is no room to compact the database: that takes 4 MiB meanwhile, and"
-                    " the disk has 1 MiB.\n");
+    EXPECT_EQ(run(folder, "compact --database sqlite:small/wheel.db", disk),
+              Said(1, "tarvex-server: There is no room to compact the database: that takes 4 MiB meanwhile,"
+                      " and the disk has 1 MiB.\n"));
     store::SqliteConnection(folder.path() / "wheel.db").execute("DELETE FROM goal");
     EXPECT_EQ(run(folder, "compact" + here), Said(0, "Freed 1.2 MiB.\n"));
     EXPECT_LT(fs::file_size(folder.path() / "wheel.db"), 200'000U);
@@ -97,18 +96,15 @@ TEST(Maintenance, ChangesNoSchemaWithoutACopyUnlessToldTo)
     makeOld(folder, /*migrations=*/1);
     const std::string script = "mkdir -p small; mount -t tmpfs -o size=500k none small; cp wheel.db small";
     const std::string serve = "serve --listen 127.0.0.1:0 --keep-free 0 --database sqlite:small/wheel.db";
-    const auto [exitCode, said] =
-        run(folder, serve, behind(folder, script + "; \"$@\"; code=$?; cp small/wheel.db .; exit $code"));
-    EXPECT_EQ(exitCode, 1);
-    EXPECT_EQ(said,
-              "tarvex-server: The database small/wheel.db needs a newer schema, and no copy of it can be"
-              " kept first. The copy small/" +
-                  newestCopy() +
-                  " cannot be made: database or disk is full. To go on without one, start serve with"
-                  " --migrate-without-copy.\n");
     EXPECT_EQ(
-        store::SqliteConnection(folder.path() / "wheel.db").numberOf("SELECT version FROM schema_version"),
-        1);
+        run(folder, serve, behind(folder, script + "; \"$@\"; code=$?; cp small/wheel.db .; exit $code")),
+        Said(1, "tarvex-server: The database small/wheel.db needs a newer schema, and no copy of it can"
+                " be kept first. The copy small/" +
+                    newestCopy() +
+                    " cannot be made: database or disk is full. To go on without one, start serve with"
+                    " --migrate-without-copy.\n"));
+    const std::string version = "SELECT version FROM schema_version";
+    EXPECT_EQ(store::SqliteConnection(folder.path() / "wheel.db").numberOf(version), 1);
     ServerProcess server(folder, "serve --listen 127.0.0.1:0 --migrate-without-copy" + here);
     server.port();
     EXPECT_FALSE(fs::exists(folder.path() / newestCopy()));

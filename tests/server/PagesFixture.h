@@ -3,7 +3,8 @@
 #include "HttpFixture.h"
 #include "Site.h"
 
-#include <cstdio>
+#include <boost/algorithm/hex.hpp>
+#include <boost/regex.hpp>
 #include <map>
 
 /// A browser without script: it keeps what it is told to keep, and follows where it is led.
@@ -11,7 +12,6 @@ class Browser
 {
 public:
     using Response = RawClient::Response;
-    using Fields = std::vector<std::pair<std::string, std::string>>;
 
     explicit Browser(std::uint16_t port) : m_port(port) {}
 
@@ -43,40 +43,27 @@ public:
         return follow();
     }
     /// What a form sends, with the token of the last page that had one.
-    std::string post(const std::string &target, const Fields &fields)
-    {
-        return postEncoded(target, encoded(fields));
-    }
-    std::string postEncoded(const std::string &target, const std::string &form)
+    std::string post(const std::string &target, const std::string &form)
     {
         ask("POST", target, form + "&token=" + token);
         return follow();
     }
     std::string signIn(const std::string &login, const std::string &password)
     {
-        return post("/sign-in", {{"login", login}, {"password", password}});
+        return post("/sign-in", credentials(login, password));
     }
     unsigned status() const { return last.result_int(); }
     /// Of the session, as the last page has it.
     std::string token;
 
-    static std::string encoded(const Fields &fields)
+    static std::string credentials(const std::string &login, const std::string &password)
     {
-        std::string body;
-        for (const auto &[name, value] : fields)
-            body += (body.empty() ? "" : "&") + escaped(name) + "=" + escaped(value);
-        return body;
+        return "login=" + escaped(login) + "&password=" + escaped(password);
     }
 
     static std::string escaped(const std::string &text)
     {
-        std::string bytes;
-        for (const char character : text) {
-            char digits[4];
-            std::snprintf(digits, sizeof digits, "%%%02X", static_cast<unsigned char>(character));
-            bytes += digits;
-        }
-        return bytes;
+        return boost::regex_replace(boost::algorithm::hex(text), boost::regex(".."), "%$&");
     }
 
 private:
@@ -107,9 +94,8 @@ private:
 };
 
 /// A server with pages, and the account of the fixture.
-class Pages : public Http
+struct Pages : Http
 {
-protected:
     void start(const tarvex::http::Proxies &proxies = {}, const tarvex::pages::SiteLinks &links = {})
     {
         m_pages.emplace(m_database, *m_current, m_hash, clocks(), links);

@@ -23,18 +23,11 @@ std::string endingSessions(const std::string &state)
 }
 
 /// A service on a PostgreSQL server, and somebody else's session there.
-class Postgres : public ServiceFixture
+struct Postgres : ServiceFixture
 {
-protected:
     Postgres() { m_account = number("SELECT account_id FROM account"); }
 
     std::int64_t number(const std::string &query) { return m_other.numberOf(query); }
-    /// Waits until it is more than nothing.
-    void waitFor(const std::string &query)
-    {
-        while (number(query) == 0)
-            std::this_thread::sleep_for(betweenLooks);
-    }
     std::int64_t setsNamed(const std::string &name)
     {
         return number("SELECT COUNT(*) FROM goal_set WHERE name = '" + name + "'");
@@ -87,7 +80,8 @@ TEST_F(Postgres, FindsOutWhatBecameOfACommitWhoseAnswerWasLost)
     // One that is ended before it commits is done anew.
     m_other.execute("BEGIN; SELECT 1 FROM account FOR UPDATE");
     written = createSetLater("again");
-    waitFor("SELECT COUNT(*) FROM pg_stat_activity WHERE wait_event_type = 'Lock'");
+    while (number("SELECT COUNT(*) FROM pg_stat_activity WHERE wait_event_type = 'Lock'") == 0)
+        std::this_thread::sleep_for(betweenLooks);
     number(endingSessions("wait_event_type = 'Lock'"));
     m_other.execute("ROLLBACK");
     EXPECT_NO_THROW(written.get());

@@ -31,16 +31,6 @@ store::DayOfAreas dayWith(std::int64_t day, std::int32_t first)
     return made;
 }
 
-/// What the expression's group meets, one after the other.
-std::vector<std::string> matches(const std::string &text, const std::string &expression)
-{
-    const boost::regex regex(expression);
-    std::vector<std::string> found;
-    for (boost::sregex_iterator next(text.begin(), text.end(), regex), end; next != end; ++next)
-        found.push_back((*next)[1]);
-    return found;
-}
-
 std::string firstLine(const std::string &svg)
 {
     return matches(svg, "id=\"chart-line-1\" d=\"([^\"]*)").at(0);

@@ -1,6 +1,5 @@
 #include "Progress.h"
 
-#include "Administration.h"
 #include "Deleted.h"
 #include "Exporting.h"
 #include "Goals.h"
@@ -35,11 +34,9 @@ std::string words(const std::vector<store::DayOfAreas> &days)
 }
 
 /// What the service notes while Anna works, a request a day.
-class Progress : public ServiceFixture
+struct Progress : ServiceFixture
 {
-protected:
     std::int64_t today() const { return store::dayOf(m_seconds); }
-    std::int64_t anna() { return requests::accountOfLogin(m_database, m_hash, m_login); }
 
     template<class Read>
     auto read(const Read &work)
@@ -82,13 +79,12 @@ protected:
                 percents.at(i) = std::stoi(sets.substr(sets.find(element, record) + element.size()));
             }
         }
-        const auto days = read([&](store::Connection &connection) {
-            return store::progressOfSets(connection, anna(), /*firstDay=*/0, today());
-        });
-        EXPECT_EQ(days.size(), seen.size());
         for (const auto &[set, percents] : seen) {
-            EXPECT_EQ(words(days.at(set).back().numbers), words(percents)) << set;
-            if (days.at(set).back().day == today())
+            const auto days = read([&, set = set](store::Connection &connection) {
+                return store::setProgress(connection, anna(), set, /*firstDay=*/0, today());
+            });
+            EXPECT_EQ(words(days.back().numbers), words(percents)) << set;
+            if (days.back().day == today())
                 noted += " " + std::to_string(set);
         }
         const std::string values = valuesOn(today());
@@ -111,11 +107,6 @@ protected:
                 .append(i < done ? "1" : "0")
                 .append(";setsId:" + std::to_string(set) + ";areaId:3;{_end_}");
         return records;
-    }
-    void writeAsAnna(const std::function<void(store::Connection &, std::int64_t)> &work)
-    {
-        const std::int64_t account = anna();
-        m_database.write([&](store::Connection &connection) { work(connection, account); });
     }
 };
 
@@ -204,7 +195,7 @@ TEST_F(Progress, OfAnotherAccountIsNotSeen)
 
 TEST_F(Progress, OfDeletedSetsIsPurgedWithThemInSteps)
 {
-    writeAsAnna([&](store::Connection &connection, std::int64_t account) {
+    m_database.write([&, account = anna()](store::Connection &connection) {
         for (const char *name : {"gone", "gone lately"})
             store::createSet(connection, account, name, m_seconds);
         for (std::int64_t set = 1; set <= 3; ++set)
@@ -224,7 +215,7 @@ TEST_F(Progress, OfAYearTakesLittleRoom)
 {
     if (testServer != nullptr)
         GTEST_SKIP() << "Its size is known only later.";
-    writeAsAnna([&](store::Connection &connection, std::int64_t account) {
+    m_database.write([&, account = anna()](store::Connection &connection) {
         for (const char *name : {"2", "3", "4"})
             store::createSet(connection, account, name, m_seconds);
         store::createGoals(connection, account, {{.setId = 1, .areaId = 1, .name = "x"}}, m_seconds);

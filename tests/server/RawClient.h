@@ -1,6 +1,5 @@
 #pragma once
 
-#include <boost/asio/connect.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/write.hpp>
@@ -40,9 +39,9 @@ public:
     }
 
     /// Sends a request of the protocol and returns its answer.
-    Response post(const std::string &body)
+    Response post(const std::string &body, const std::string &fields = "")
     {
-        send(request(body));
+        send(request(body, fields));
         return read();
     }
 
@@ -52,9 +51,11 @@ public:
         return read();
     }
 
-    static std::string request(const std::string &body)
+    /// `fields` are whole lines of its head, with their line ends.
+    static std::string request(const std::string &body, const std::string &fields = "")
     {
-        return "POST /tarvex/ HTTP/1.1\r\nHost: localhost\r\nContent-Length: " + std::to_string(body.size()) +
+        return "POST /tarvex/ HTTP/1.1\r\n" + fields +
+               "Host: localhost\r\nContent-Length: " + std::to_string(body.size()) +
                "\r\nContent-Field: application/x-www-form-urlencoded\r\n\r\n" + body;
     }
 

@@ -11,9 +11,8 @@ using requests::Outcome;
 
 namespace {
 
-class Requests : public ServiceFixture
+struct Requests : ServiceFixture
 {
-protected:
     /// Takes the steps of a sample file one after the other.
     void converse(const std::string &file)
     {
@@ -75,7 +74,7 @@ protected:
     };
 };
 
-class Conversation : public Requests, public testing::WithParamInterface<std::string>
+struct Conversation : Requests, testing::WithParamInterface<std::string>
 {
 };
 
@@ -185,9 +184,7 @@ TEST_F(Requests, WhatAnotherProcessChangesIsSeenAtOnce)
 
 TEST_F(Requests, AnAccountHoldsNoMoreThanItMay)
 {
-    std::string list;
-    for (int i = 0; i < 5'000; ++i)
-        list += goal("x");
+    const std::string list = boost::algorithm::join(std::vector(5'000, goal("x")), "");
     for (int i = 0; i < 4; ++i)
         EXPECT_EQ(postAsAnna("create-some-goals", "&p4=" + list), "OK");
     EXPECT_EQ(postAsAnna("create-some-goals", "&p4=" + goal("x")), "Error");
@@ -197,10 +194,9 @@ TEST_F(Requests, AnAccountHoldsNoMoreThanItMay)
     EXPECT_EQ(postAsAnna("create-some-goals", "&p4=" + goal("z")), "Error");
     EXPECT_EQ(postAsAnna("delete-sets", "&p4=1"), "OK");
     EXPECT_EQ(postAsAnna("create-sets", "&p4=x"), "OK");
-    m_database.write([&](store::Connection &connection) {
-        const auto account = store::findCredentials(connection, requests::loginKeys(m_hash, m_login).back());
+    m_database.write([&, account = anna()](store::Connection &connection) {
         for (int i = 0; i < 499; ++i)
-            store::createSet(connection, account.value().accountId, "x", m_seconds);
+            store::createSet(connection, account, "x", m_seconds);
     });
     EXPECT_EQ(postAsAnna("create-sets", "&p4=x"), "Error");
     const std::string large =
@@ -247,10 +243,7 @@ TEST_F(Requests, TheSampleAccountIsMadeOnceAndShowsAWheel)
 
 TEST_F(Requests, ASaveAlwaysHoldsWhateverTheGoalsOfAnAreaWere)
 {
-    const std::string name(60'000, 'x');
-    std::string list;
-    for (int i = 0; i < 30; ++i)
-        list += goal(name);
+    const std::string list = boost::algorithm::join(std::vector(30, goal(std::string(60'000, 'x'))), "");
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(postAsAnna("create-some-goals", "&p4=" + list), "OK");
     const std::string goals = postAsAnna("get-goals", "&p4=1&p5=3");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Administration.h"
 #include "Database.h"
 #include "Installation.h"
 #include "Md5.h"
@@ -12,9 +13,8 @@
 #include <string>
 
 /// A service over a database of its own, with one account and clocks that the test turns.
-class ServiceFixture : public testing::Test
+struct ServiceFixture : testing::Test
 {
-protected:
     ServiceFixture() { EXPECT_EQ(signUp(m_login, m_password, "Anna"), R"({"result":"OK"})"); }
 
     tarvex::requests::Answer answerTo(const std::string &body, const std::string &peer = "")
@@ -33,9 +33,7 @@ protected:
 
     std::string signUp(const std::string &email, const std::string &password, const std::string &name)
     {
-        std::string body = "p1=create-new-user&p2=";
-        body.append(email).append("&p3=").append(password).append("&p4=").append(name).append("&type=json");
-        return post(body);
+        return post("p1=create-new-user&p2=" + email + "&p3=" + password + "&p4=" + name + "&type=json");
     }
 
     /// Goes on with a service that has these rules, over the same database.
@@ -59,6 +57,9 @@ protected:
         return post(asAnna(kind, rest));
     }
 
+    /// The id of the account of the fixture.
+    std::int64_t anna() { return tarvex::requests::accountOfLogin(m_database, m_hash, m_login); }
+
     static std::string credentials(const std::string &login, const std::string &password)
     {
         return "&p2=" + tarvex::security::signInDigest(login) +
@@ -71,7 +72,6 @@ protected:
         return "name:" + name + ";priority:5;checked:0;setsId:1;areaId:3;{_end_}";
     }
 
-public:
     /// The texts of all elements of that name in an answer, each in brackets.
     static std::string column(const std::string &xml, const std::string &name)
     {
@@ -84,7 +84,6 @@ public:
         return texts;
     }
 
-protected:
     /// What an answer brings: the texts of these elements or, if none is named, all of it.
     static std::string shown(const std::string &answer, const std::string &elements)
     {

@@ -2,6 +2,7 @@
 #include "Database.h"
 #include "Deleted.h"
 #include "Goals.h"
+#include "Quotas.h"
 #include "Sets.h"
 #include "SqliteConnection.h"
 #include "TestDatabase.h"
@@ -17,9 +18,8 @@ using namespace tarvex::store;
 namespace {
 
 /// A database with one account, its one area and two sets.
-class StoreTest : public testing::Test
+struct StoreTest : testing::Test
 {
-protected:
     StoreTest()
     {
         m_database.write([&](Connection &connection) {
@@ -157,6 +157,23 @@ TEST_F(StoreTest, KeepsSoManyDeletedGoalsOfAnAccountAtMost)
         ASSERT_TRUE(left.next());
         EXPECT_EQ(left.number(0), 100'000);
         EXPECT_EQ(left.number(1), 1); // the oldest have gone
+    });
+}
+
+TEST_F(StoreTest, KeepsSoMuchOfTheNamesOfDeletedGoals)
+{
+    m_database.write([&](Connection &connection) {
+        const std::vector<Goal> goals(250, Goal{.setId = 1, .areaId = 1, .name = std::string(60'000, 'x')});
+        for (std::int64_t round = 1; round <= 6; ++round) {
+            createGoals(connection, m_account, goals, /*now=*/0);
+            deleteGoals(connection, m_account, {{.first = 250 * round - 249, .last = 250 * round}}, {1},
+                        /*now=*/round);
+        }
+        Rows left = connection.rows("SELECT SUM(OCTET_LENGTH(name)), MAX(goal_id) FROM goal");
+        ASSERT_TRUE(left.next());
+        EXPECT_LE(left.number(0), Quotas::deletedBytes + Quotas::goalBytes);
+        EXPECT_GE(left.number(0), 2 * 250 * 60'000);
+        EXPECT_EQ(left.number(1), 6 * 250);
     });
 }
 

@@ -21,27 +21,20 @@ namespace {
 
 constexpr std::chrono::milliseconds logTime{400}; // after which a line has been written
 
-std::size_t countIn(const std::string &text, const std::string &part)
-{
-    std::size_t count = 0;
-    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
-        ++count;
-    return count;
-}
+/// Status and sentence.
+using Told = std::pair<unsigned, std::string>;
 
 /// A server with a place for those who watch it.
-class Watched
+struct Watched
 {
-public:
     explicit Watched(const std::string &options = "", const std::string &wrapper = "")
-        : process(m_folder, serveHere + " --watch 127.0.0.1:0" + options, wrapper), port(process.port()),
+        : process(folder, serveHere + " --watch 127.0.0.1:0" + options, wrapper), port(process.port()),
           watchPort(ServerProcess::portOf(process.line()))
     {
     }
 
     RawClient::Response get(const std::string &target) const { return RawClient(watchPort).get(target); }
-    /// Status and sentence.
-    std::pair<unsigned, std::string> told(const std::string &target) const
+    Told told(const std::string &target) const
     {
         const auto response = get(target);
         return {response.result_int(), response.body()};
@@ -57,17 +50,11 @@ public:
         }
         return samples;
     }
-    std::pair<int, std::string> health(const std::string &options) const
-    {
-        return run(m_folder, "health " + options);
-    }
-    std::filesystem::path file(const std::string &name) const { return m_folder.path() / name; }
+    Said health(const std::string &options) const { return run(folder, "health " + options); }
+    std::filesystem::path file(const std::string &name) const { return folder.path() / name; }
     void signal(int number) { ::kill(process.child.id(), number); }
 
-private:
-    TemporaryFolder m_folder;
-
-public:
+    TemporaryFolder folder;
     ServerProcess process;
     std::uint16_t port;
     std::uint16_t watchPort;
@@ -123,15 +110,14 @@ private:
 TEST(Watch, IsReadyUntilItDrains)
 {
     Watched server;
-    EXPECT_EQ(server.told("/live"), std::pair(200U, std::string("The service is alive.\n")));
-    EXPECT_EQ(server.told("/ready"), std::pair(200U, std::string("The service is ready.\n")));
+    EXPECT_EQ(server.told("/live"), Told(200, "The service is alive.\n"));
+    EXPECT_EQ(server.told("/ready"), Told(200, "The service is ready.\n"));
     EXPECT_EQ(server.get("/other").result_int(), 404U);
     const std::string where = "127.0.0.1:" + std::to_string(server.port);
     const std::string watch = "--watch 127.0.0.1:" + std::to_string(server.watchPort);
-    EXPECT_EQ(server.health(watch), std::pair(0, std::string("The service is ready.\n")));
+    EXPECT_EQ(server.health(watch), Said(0, "The service is ready.\n"));
     EXPECT_EQ(server.health("--json --listen " + where),
-              std::pair(0, std::string(R"({"healthy":true,"sentence":"The service answers."})"
-                                       "\n")));
+              Said(0, "{\"healthy\":true,\"sentence\":\"The service answers.\"}\n"));
 
     std::optional<RawClient> slow(server.port);
     slow->send(RawClient::request("p1=x").substr(0, 40));
@@ -140,15 +126,15 @@ TEST(Watch, IsReadyUntilItDrains)
     const std::string sentence = "The service is about to end and takes no more connections.\n";
     while (server.told("/ready").first == 200) {
     }
-    EXPECT_EQ(server.told("/ready"), std::pair(503U, sentence));
+    EXPECT_EQ(server.told("/ready"), Told(503, sentence));
     EXPECT_EQ(server.told("/live").first, 200U);
-    EXPECT_EQ(server.health(watch), std::pair(1, "tarvex-server: " + sentence));
+    EXPECT_EQ(server.health(watch), Said(1, "tarvex-server: " + sentence));
     slow->send(RawClient::request("p1=x").substr(40));
     EXPECT_EQ(slow->read().body(), "Error");
     slow.reset();
     EXPECT_EQ(server.process.ended().first, 0);
     EXPECT_EQ(server.health("--listen " + where),
-              std::pair(1, "tarvex-server: Nothing answers at " + where + ": Connection refused.\n"));
+              Said(1, "tarvex-server: Nothing answers at " + where + ": Connection refused.\n"));
 }
 
 TEST(Watch, IsNotReadyWhileTheDatabaseTakesNothing)
@@ -157,9 +143,9 @@ TEST(Watch, IsNotReadyWhileTheDatabaseTakesNothing)
     const auto log = server.file("wheel.db-wal");
     const auto written = std::filesystem::file_size(log);
     std::filesystem::rename(log, server.file("moved"));
-    EXPECT_EQ(server.told("/ready"),
-              std::pair(503U, std::string("The database cannot be written to: a file of the database was"
-                                          " deleted or replaced.\n")));
+    EXPECT_EQ(
+        server.told("/ready"),
+        Told(503, "The database cannot be written to: a file of the database was deleted or replaced.\n"));
     EXPECT_EQ(server.metrics().at("tarvex_ready"), 0);
     EXPECT_FALSE(server.metrics().contains("tarvex_accounts"));
     std::filesystem::rename(server.file("moved"), log);
@@ -171,14 +157,13 @@ TEST(Watch, IsNotReadyWhileTheDatabaseTakesNothing)
     const Watched hindered;
     store::SqliteConnection other(hindered.file("wheel.db"));
     other.execute("BEGIN IMMEDIATE");
-    EXPECT_EQ(
-        hindered.told("/ready"),
-        std::pair(503U, std::string("The database takes longer than two seconds for a small write.\n")));
+    EXPECT_EQ(hindered.told("/ready"),
+              Told(503, "The database takes longer than two seconds for a small write.\n"));
     EXPECT_EQ(hindered.told("/live").first, 200U);
 
     const Watched full(" --keep-free 1000000000");
-    EXPECT_EQ(full.told("/ready"), std::pair(503U, std::string("Nothing can be added: the disk has less free"
-                                                               " than is to be left so.\n")));
+    EXPECT_EQ(full.told("/ready"),
+              Told(503, "Nothing can be added: the disk has less free than is to be left so.\n"));
 }
 
 TEST(Watch, CountsWhatHappened)
@@ -186,9 +171,7 @@ TEST(Watch, CountsWhatHappened)
     const Watched server(" --most-accounts 1");
     RawClient client(server.port);
     const std::string goal = "name:a;priority:5;checked:0;setsId:1;areaId:3;{_end_}";
-    std::string tooMany = "&p4=";
-    for (int i = 0; i < 20'001; ++i)
-        tooMany += goal;
+    const std::string tooMany = "&p4=" + boost::algorithm::join(std::vector(20'001, goal), "");
     for (const std::string &body :
          {signUp("a@example.org"), signUp("b@example.org"), Customer::request("get-sets"),
           Customer::request("get-sets"), Customer::request("get-sets"),
@@ -230,10 +213,7 @@ TEST(Watch, AHangUpReopensTheLogAndReadsTheSettingsAgain)
     Watched server(" --config " + settings);
     RawClient client(server.port);
     const auto from = [&client](const std::string &address, const std::string &body) {
-        std::string request = RawClient::request(body);
-        request.insert(request.find("Host:"), "X-Forwarded-For: " + address + "\r\n");
-        client.send(request);
-        return client.read().body();
+        return client.post(body, "X-Forwarded-For: " + address + "\r\n").body();
     };
     const auto hangUp = [&server, &settings](const std::string &text, const std::string &told) {
         std::ofstream(settings) << text;
@@ -248,17 +228,12 @@ TEST(Watch, AHangUpReopensTheLogAndReadsTheSettingsAgain)
     std::this_thread::sleep_for(logTime);
     const std::string first = contentOf(server.file("log"));
     EXPECT_EQ(first.find("192.0.2."), std::string::npos);
-    const boost::regex line(R"re("id":"([0-9a-f]{8}-\d+)","peer":"([0-9a-f]{8})")re");
-    std::multiset<std::string> peers;
-    std::set<std::string> ids;
-    for (boost::sregex_iterator at(first.begin(), first.end(), line), end; at != end; ++at) {
-        ids.insert((*at)[1]);
-        peers.insert((*at)[2]);
-    }
-    EXPECT_EQ(ids.size(), 3U);
+    const auto ids = matches(first, R"re("id":"([0-9a-f]{8}-\d+)","peer")re");
+    EXPECT_EQ(std::set(ids.begin(), ids.end()).size(), 3U);
+    const auto peers = matches(first, R"re("peer":"([0-9a-f]{8})")re");
     ASSERT_EQ(peers.size(), 3U);
-    EXPECT_NE(*peers.begin(), *peers.rbegin());
-    EXPECT_EQ(std::max(peers.count(*peers.begin()), peers.count(*peers.rbegin())), 2U);
+    EXPECT_EQ(peers[0], peers[1]);
+    EXPECT_NE(peers[0], peers[2]);
 
     std::filesystem::rename(server.file("log"), server.file("log.1"));
     std::ofstream(settings) << "log-level = error\n" << always;
@@ -266,7 +241,8 @@ TEST(Watch, AHangUpReopensTheLogAndReadsTheSettingsAgain)
     std::this_thread::sleep_for(logTime);
     EXPECT_EQ(from("192.0.2.1", signUp("a@example.org")), R"({"result":"OK"})");
     hangUp("sign-up = nobody", "settings not read again");
-    EXPECT_EQ(countIn(contentOf(server.file("log")), "\n"), 1U); // and nothing of what went well
+    const std::string quiet = contentOf(server.file("log"));
+    EXPECT_EQ(std::count(quiet.begin(), quiet.end(), '\n'), 1); // and nothing of what went well
     EXPECT_TRUE(contentOf(server.file("log.1")).starts_with(first));
     server.signal(SIGTERM);
     EXPECT_EQ(server.process.ended(), std::pair(0, std::string()));
@@ -318,12 +294,9 @@ TEST(Watch, WhatIsWatchedForIsExported)
 {
     const Watched server;
     const std::string metrics = server.get("/metrics").body();
-    const boost::regex name(R"((tarvex|process)_[a-z_]+[a-z])");
     for (const std::string file : {"alerts.yml", "dashboard.json"}) {
-        const std::string text = contentOf(std::filesystem::path(TARVEX_MONITORING) / file);
-        std::set<std::string> names;
-        for (boost::sregex_iterator at(text.begin(), text.end(), name), end; at != end; ++at)
-            names.insert(at->str());
+        const std::string text = contentOf(TARVEX_MONITORING "/" + file);
+        const auto names = matches(text, "((?:tarvex|process)_[a-z_]+[a-z])");
         EXPECT_GT(names.size(), 5U) << file;
         for (const std::string &each : names)
             EXPECT_TRUE(boost::regex_search(metrics, boost::regex("^" + each + "[ {]"))) << each;

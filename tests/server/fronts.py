@@ -7,7 +7,6 @@ Ends with 77 where a program is missing.
 import contextlib
 import encodings.idna  # noqa: F401  (once nobody runs this, it may be out of reach)
 import functools
-import hashlib
 import os
 import pathlib
 import pwd
@@ -19,9 +18,11 @@ import ssl
 import subprocess
 import sys
 import tempfile
-import time
 
 from ports import free_port
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
+from desktop import md5, wait_for  # noqa: E402
 
 FRONT = pathlib.Path(__file__).resolve().parents[2] / "packaging/front"
 NAME, HERE, ELSEWHERE = "tarvex.example.org", "127.0.0.1", "127.0.0.2"
@@ -30,14 +31,6 @@ TOO_MANY = "Too many failed attempts. Please wait a minute and try again."
 SERVED = (WRONG, TOO_MANY, "OK")
 PATHS = "".join(f"{kind}_temp_path {kind};" for kind in ("client_body", "proxy", "fastcgi", "uwsgi", "scgi"))
 NGINX = f"daemon off; pid nginx.pid; events {{}} http {{ access_log off; {PATHS} include "
-
-
-def wait_for(what, holds):
-    end = time.monotonic() + 10
-    while not (found := holds()):
-        assert time.monotonic() < end, f"waited in vain for {what}"
-        time.sleep(0.02)
-    return found
 
 
 def plain(port, source=HERE):
@@ -101,7 +94,7 @@ class Trial:
         return process
 
     def body(self, kind, *values, account=None):
-        digests = [hashlib.md5(text.encode()).hexdigest().upper() for text in account or self.account]
+        digests = [md5(text) for text in account or self.account]
         return "&".join(f"p{i}={value}" for i, value in enumerate([kind, *digests, *values], 1))
 
     def guess(self, connect, number, **sent):

@@ -5,7 +5,7 @@
     pages.py SERVER AXE.js     the rules of accessibility instead, in light and dark
 """
 
-import hashlib
+import contextlib
 import json
 import pathlib
 import re
@@ -23,37 +23,22 @@ from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
+import desktop  # noqa: E402
+
 SIZES = {"phone": (390, 844, True), "desk": (1280, 900, False)}
 LOGIN, PASSWORD = "sample@example.org", "wheel of life"
 PAGES = ("/", "/sign-in", "/sign-up", "/wheel", "/progress", "/progress/compare", "/account", "/account/deleted",
          "/account/close", "/nowhere")
 
 
-class Site:
-    def __init__(self, server, folder):
-        database = ["--database", "sqlite:wheel.db"]
-        subprocess.run([server, "sample", *database], cwd=folder, check=True, stdout=subprocess.DEVNULL)
-        self.process = subprocess.Popen([server, "serve", "--listen", "127.0.0.1:0", *database], cwd=folder, text=True,
-                                        stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-        self.url = self.process.stdout.readline().split()[1].removesuffix("/tarvex/")
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *_):
-        self.process.terminate()
-        self.process.wait()
-
-    def ask(self, kind, **fields):
-        """A request of the desktop program."""
-        digests = [hashlib.md5(text.encode()).hexdigest().upper() for text in (LOGIN, PASSWORD)]
-        body = f"p1={kind}&p2={digests[0]}&p3={digests[1]}" + "".join(f"&{key}={fields[key]}" for key in fields)
-        with urllib.request.urlopen(f"{self.url}/tarvex/", body.encode()) as answer:
-            return answer.read().decode()
+def ask(site, kind, **fields):
+    """A request of the desktop program."""
+    return site.ask(kind, LOGIN, PASSWORD, "".join(f"&{key}={fields[key]}" for key in fields))
 
 
 class Browser:
-    def __init__(self, url, size, has_script=False):
+    def __init__(self, site, size, has_script=False):
         options = webdriver.ChromeOptions()
         options.binary_location = "/usr/bin/chromium"
         for argument in ("--headless=new", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage"):
@@ -65,7 +50,7 @@ class Browser:
         width, height, is_phone = SIZES[size]
         self.driver.execute_cdp_cmd("Emulation.setDeviceMetricsOverride",
                                     {"width": width, "height": height, "deviceScaleFactor": 1, "mobile": is_phone})
-        self.width, self.url = width, url
+        self.width, self.url = width, f"http://{site.address}"
 
     def __enter__(self):
         return self
@@ -149,7 +134,7 @@ def markup_faults(page):
 
 
 def use(site, size):
-    with Browser(site.url, size) as browser:
+    with Browser(site, size) as browser:
         browser.go("/")
         browser.expect("How well does it go?", then="Sign up")
         browser.send(name="Ben <b>", email=f"ben.{size}@example.org", password="secret", again="secret")
@@ -171,19 +156,19 @@ def use(site, size):
         done = [item.text for item in browser.driver.find_elements(By.CSS_SELECTOR, "li.done")]
         assert any(goal in text for text in done), f"{goal!r} is not among {done}"
 
-        site.ask("create-sets", p4=f"For a {size}")
-        made = re.findall("<id>(.*?)</id>", site.ask("get-sets"))[1]
-        site.ask("create-goal", p4="Come back", p5=5, p6=0, p7=made, p8=1)
+        ask(site, "create-sets", p4=f"For a {size}")
+        made = re.findall("<id>(.*?)</id>", ask(site, "get-sets"))[1]
+        ask(site, "create-goal", p4="Come back", p5=5, p6=0, p7=made, p8=1)
         browser.go(f"/wheel?set={made}")
         browser.expect("Come back")
-        site.ask("delete-sets", p4=made)
+        ask(site, "delete-sets", p4=made)
         browser.driver.refresh()
         browser.expect("It was deleted meanwhile", then="what was deleted")
         browser.tab_to("set")
         browser.press(Keys.SPACE)
         browser.choose("Take back what is chosen")
         browser.expect("What you chose is back.")
-        assert f"For a {size}" in site.ask("get-sets") and "Come back" in site.ask("get-goals", p4=made, p5=1)
+        assert f"For a {size}" in ask(site, "get-sets") and "Come back" in ask(site, "get-goals", p4=made, p5=1)
 
         browser.choose("Progress")
         browser.expect("Day by day", then="Compare")
@@ -193,30 +178,30 @@ def use(site, size):
             browser.fits()
             faults = markup_faults(browser.source(path))
             assert not faults, f"{path}: {faults}"
-        assert browser.hosts() <= {urllib.parse.urlsplit(site.url).netloc}, browser.hosts()
+        assert browser.hosts() <= {site.address}, browser.hosts()
         refused = [entry["message"] for entry in browser.driver.get_log("browser")
                    if "Content Security Policy" in entry["message"]]
         assert not refused, refused
 
 
 def close_and_keep(site):
-    with Browser(site.url, "desk") as browser:
+    with Browser(site, "desk") as browser:
         browser.sign_in()
         browser.choose("My account")
         browser.choose("Close the account")
         browser.send(password=PASSWORD)
         browser.expect("Your account is closed.")
-        assert site.ask("sign-in") != "OK"
+        assert ask(site, "sign-in") != "OK"
         browser.sign_in()
         browser.expect("This account is closed", then="Keep the account")
         browser.expect("Your account is kept")
-        assert site.ask("sign-in") == "OK"
+        assert ask(site, "sign-in") == "OK"
 
 
 def accessibility_faults(site, axe):
-    site.ask("delete-sets", p4=2)
+    ask(site, "delete-sets", p4=2)
     found = []
-    with Browser(site.url, "phone", has_script=True) as browser:
+    with Browser(site, "phone", has_script=True) as browser:
         for is_owner in (False, True):
             if is_owner:
                 browser.sign_in()
@@ -233,7 +218,9 @@ def accessibility_faults(site, axe):
 
 
 def main():
-    with tempfile.TemporaryDirectory() as folder, Site(pathlib.Path(sys.argv[1]).resolve(), folder) as site:
+    with tempfile.TemporaryDirectory() as folder, contextlib.ExitStack() as ends:
+        site = desktop.Service(pathlib.Path(sys.argv[1]).resolve(), folder)
+        ends.callback(site.stop)
         if len(sys.argv) > 2:
             found = accessibility_faults(site, pathlib.Path(sys.argv[2]).read_text())
             print("\n".join(found) or "No page breaks a rule of accessibility.")

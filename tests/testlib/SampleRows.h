@@ -11,11 +11,6 @@
 /// The fields of one line of a sample file, as the bytes they stand for.
 using SampleRow = std::vector<std::string>;
 
-inline std::filesystem::path samplesFolder()
-{
-    return TARVEX_SAMPLES;
-}
-
 /// \r and \n stand for themselves, a backslash with two hexadecimal digits for any byte, and {text*9} for
 /// nine times the text.
 inline std::string sampleBytes(std::string text)
@@ -45,7 +40,7 @@ inline std::string sampleBytes(std::string text)
 /// length.
 inline std::vector<SampleRow> sampleRows(const std::string &file)
 {
-    std::ifstream lines(samplesFolder() / file);
+    std::ifstream lines(TARVEX_SAMPLES "/" + file);
     std::vector<SampleRow> rows;
     for (std::string line; std::getline(lines, line);) {
         if (line.empty() || line.starts_with('#'))
@@ -66,7 +61,17 @@ inline std::vector<SampleRow> sampleRows(const std::string &file)
 inline std::vector<std::string> samplesIn(const std::string &folder)
 {
     std::vector<std::string> names;
-    for (const auto &entry : std::filesystem::directory_iterator(samplesFolder() / folder))
+    for (const auto &entry : std::filesystem::directory_iterator(TARVEX_SAMPLES "/" + folder))
         names.push_back(entry.path().stem());
     return names;
+}
+
+/// What the expression's group meets, one after the other.
+inline std::vector<std::string> matches(const std::string &text, const std::string &expression)
+{
+    const boost::regex regex(expression);
+    std::vector<std::string> found;
+    for (boost::sregex_iterator next(text.begin(), text.end(), regex), end; next != end; ++next)
+        found.push_back((*next)[1]);
+    return found;
 }

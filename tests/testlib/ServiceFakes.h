@@ -7,18 +7,16 @@
 #include <QStringList>
 
 /// Keeps what the user would have been shown.
-class RecordingAlert : public TVXAlert
+struct RecordingAlert : TVXAlert
 {
-public:
     void showError(const QString &description) override { errors.append(description); }
 
     QStringList errors;
 };
 
 /// A wait in which nothing happens but what the test asks for, say to process events; it counts its calls.
-class RecordingWait : public TVXRequestWait
+struct RecordingWait : TVXRequestWait
 {
-public:
     void requestStarted() override {}
     void turn() override
     {
