@@ -9,18 +9,6 @@ class DialGeometryTest : public QObject
 {
     Q_OBJECT
 
-private:
-    static QPolygonF turnedPercent(const DialGeometry &dial, const DialGeometry::TextSizes &text,
-                                   std::size_t k, int height)
-    {
-        const QPointF centre(dial.percentCentres[k].x(), height - dial.percentCentres[k].y());
-        const QTransform turn =
-            QTransform::fromTranslate(centre.x(), centre.y()).rotate(-DialGeometry::percentRotations[k]);
-        const QSizeF size = text.percent;
-        return turn.map(
-            QPolygonF(QRectF(-size.width() / 2, -size.height() / 2, size.width(), size.height())));
-    }
-
 private Q_SLOTS:
     void nothingOverlapsAtAnySize_data() { addSampleRows("windows.txt"); }
     void nothingOverlapsAtAnySize()
@@ -47,9 +35,12 @@ private Q_SLOTS:
             QVERIFY(window.contains(dial.names[k]));
             QVERIFY(dial.names[k].width() >= text.nameWidthBesideAverage);
             QVERIFY(!dial.names[k].intersects(dial.average) && !dial.names[k].intersects(dial.caption));
-            QPainterPath percent;
-            percent.addPolygon(turnedPercent(dial, text, k, area.height()));
-            percent.closeSubpath();
+            QPainterPath frame;
+            frame.addRect({-QRectF({}, text.percent).center(), text.percent});
+            const QPointF centre(dial.percentCentres[k].x(), area.height() - dial.percentCentres[k].y());
+            const QPainterPath percent = QTransform::fromTranslate(centre.x(), centre.y())
+                                             .rotate(-DialGeometry::percentRotations[k])
+                                             .map(frame);
             QVERIFY(QRectF(window).contains(percent.boundingRect()));
             // The labels that deliberately lean dip a little into the rim's edge, never into the value's
             // text.

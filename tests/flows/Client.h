@@ -65,9 +65,8 @@ inline const QList<QByteArray> eightNames = {"Health", "Work", "Money", "Family"
                                              "Growth", "Fun",  "Home",  "Love"};
 
 /// Keeps the addresses that would have been opened.
-class RecordingLinks : public LinkOpener
+struct RecordingLinks : LinkOpener
 {
-public:
     bool openLink(const QUrl &address) override
     {
         opened.append(address.toString());
@@ -200,6 +199,18 @@ public:
     RecordingLinks links;
     CurlExchange exchange{service.url(), /*deadline=*/std::chrono::seconds(20), wait};
     DocumentController controller;
+};
+
+/// A client that works in one of its sheets.
+struct SheetClient : Client
+{
+    QPushButton *button(const char *text) const { return Client::button(sheet, QString::fromLatin1(text)); }
+    void click(const char *text) const { QTest::mouseClick(button(text), Qt::LeftButton); }
+    /// What was sent since it signed in.
+    QList<QByteArray> sent() const { return service.bodies().mid(3); }
+
+    TarvexDocument *document = nullptr;
+    Sheet *sheet = nullptr;
 };
 
 inline const QByteArray annsDigests =

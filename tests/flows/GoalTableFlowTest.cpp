@@ -7,6 +7,8 @@ class GoalTableFlowTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanup() { QGuiApplication::setLayoutDirection(Qt::LeftToRight); }
+
     void aChangedTextIsKeptOrDroppedByTheUserAlone_data() { addSampleRows("typed-texts.txt"); }
     void aChangedTextIsKeptOrDroppedByTheUserAlone()
     {
@@ -79,7 +81,6 @@ private Q_SLOTS:
             QCoreApplication::sendEvent(area.controller->sliderOfArea(), &scroll);
             QCOMPARE(area.controller->sliderOfArea()->value(), 2); // which has not the focus
         }
-        QGuiApplication::setLayoutDirection(Qt::LeftToRight);
     }
 
     void everyCellCanBeChangedByAssistiveToolsAlone()

@@ -12,9 +12,8 @@
 namespace {
 
 /// Every text that can be translated, between brackets and longer by two fifths.
-class LongTexts : public QTranslator
+struct LongTexts : QTranslator
 {
-public:
     bool isEmpty() const override { return false; }
     QString translate(const char *, const char *text, const char *, int) const override
     {
@@ -198,7 +197,6 @@ class LooksFlowTest : public QObject
 {
     Q_OBJECT
 
-private:
     LongTexts m_longTexts;
     const QFont m_font = QApplication::font();
     const QPalette m_palette = QApplication::palette();

@@ -23,7 +23,7 @@ inline QByteArray sent(const QByteArray &kind, const QByteArray &fields)
 }
 
 // A signed-in client whose third area, "Money" with the value 2, was opened.
-struct OpenArea : Client
+struct OpenArea : SheetClient
 {
     explicit OpenArea(const ServiceReply &reply = httpReply(goals(three)),
                       const QByteArray &areas = areasAnswer(eightNames))
@@ -50,12 +50,8 @@ struct OpenArea : Client
     QList<QByteArray> written() const { return service.bodies().mid(4); }
     QModelIndex cell(int row, int column) const { return table->model()->index(row, column); }
     QString state() const { return sheet->findChild<QLabel *>(u"labelState"_s)->text(); }
-    void click(const char *text) const
-    {
-        QTest::mouseClick(button(sheet, QString::fromLatin1(text)), Qt::LeftButton);
-    }
-    bool isOffered(const char *text) const { return button(sheet, QString::fromLatin1(text))->isEnabled(); }
-    bool isShown(const char *text) const { return button(sheet, QString::fromLatin1(text))->isVisible(); }
+    bool isOffered(const char *text) const { return button(text)->isEnabled(); }
+    bool isShown(const char *text) const { return button(text)->isVisible(); }
     void clickCell(int row, int column) const
     {
         QTest::mouseClick(table->viewport(), Qt::LeftButton, {},
@@ -87,8 +83,6 @@ struct OpenArea : Client
         return QAccessible::queryAccessibleInterface(table)->tableInterface()->cellAt(row, column);
     }
 
-    TarvexDocument *document;
-    Sheet *sheet;
     AreaWindowController *controller;
     GoalTableView *table;
     bool wasSaveOfferedThen = false; // at first

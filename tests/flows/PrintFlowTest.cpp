@@ -45,8 +45,6 @@ struct PrintingClient : Client
         document = openSignedIn();
     }
 
-    QAction *command(const QString &name) const { return document->window()->findChild<QAction *>(name); }
-
     template<typename Dialog>
     Dialog *dialog() const
     {
@@ -55,7 +53,7 @@ struct PrintingClient : Client
 
     void saveAs(const QString &path) const
     {
-        command(u"actionSaveAsPdf"_s)->trigger();
+        trigger(document, "actionSaveAsPdf");
         QVERIFY(dialog<QFileDialog>());
         Q_EMIT dialog<QFileDialog>()->fileSelected(path);
         dialog<QFileDialog>()->close();
@@ -79,7 +77,7 @@ private Q_SLOTS:
         const QTemporaryDir folder;
         const PrintingClient client(goalsAnswer(100), "..Second/2");
         client.document->listOfProjects()->selectItemAtIndex(1);
-        client.command(u"actionSaveAsPdf"_s)->trigger();
+        Client::trigger(client.document, "actionSaveAsPdf");
         auto *dialog = client.dialog<QFileDialog>();
         QCOMPARE(dialog->selectedFiles().value(0).section(u'/', -1), u"Second-2.pdf"_s);
         dialog->setDirectory(folder.path());
@@ -162,7 +160,7 @@ private Q_SLOTS:
     {
         const QTemporaryDir folder;
         const PrintingClient client;
-        client.command(u"actionPrintPreview"_s)->trigger();
+        Client::trigger(client.document, "actionPrintPreview");
         auto *dialog = client.dialog<ReportPreviewDialog>();
         QVERIFY(dialog);
         ReportPreview &preview = dialog->preview();
@@ -207,7 +205,7 @@ private Q_SLOTS:
     {
         const PrintingClient client;
         const QTemporaryDir folder;
-        client.command(u"actionPrintPreview"_s)->trigger();
+        Client::trigger(client.document, "actionPrintPreview");
         QPrinter printer;
         printer.setOutputFileName(folder.filePath(u"kept.pdf"_s));
         printer.setPrintRange(QPrinter::PageRange);
@@ -225,7 +223,7 @@ private Q_SLOTS:
         if (!QPrinterInfo::availablePrinterNames().isEmpty())
             QSKIP("this computer has a printer");
         const PrintingClient client;
-        client.command(u"actionPrint"_s)->trigger();
+        Client::trigger(client.document, "actionPrint");
         QCOMPARE(client.alert.errors.size(), 1);
         QVERIFY(client.alert.errors[0].startsWith(u"No printer is installed"_s));
     }

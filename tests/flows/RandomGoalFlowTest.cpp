@@ -9,7 +9,6 @@ namespace {
 
 const QByteArray getGoal = "p1=get-random-goal" + annsDigests + "&p4=7";
 const QByteArray setChecked = "p1=set-checked-area-percent" + annsDigests + "&p5=";
-const ServiceReply noAnswer = cutReply();
 
 QByteArray goal(const QByteArray &id, const QByteArray &name, const QByteArray &area)
 {
@@ -17,7 +16,7 @@ QByteArray goal(const QByteArray &id, const QByteArray &name, const QByteArray &
 }
 
 // A signed-in client of nine areas, whose random-goal sheet was opened.
-struct OpenGoal : Client
+struct OpenGoal : SheetClient
 {
     explicit OpenGoal(const ServiceReply &first = httpReply(goal("12", "Run", "3")))
     {
@@ -32,14 +31,9 @@ struct OpenGoal : Client
             qFatal("nothing was fetched");
     }
 
-    QList<QByteArray> sent() const { return service.bodies().mid(3); }
-    void click(const char *text) const { QTest::mouseClick(button(text), Qt::LeftButton); }
-    QPushButton *button(const char *text) const { return Client::button(sheet, QString::fromLatin1(text)); }
     QString hint() const { return sheet->findChild<QLabel *>(u"labelRandomGoalHint"_s)->text(); }
     QString said() const { return sheet->findChild<Announcement *>()->accessibleName(); }
 
-    TarvexDocument *document;
-    Sheet *sheet;
     RandomGoalWindowController *random;
 };
 
@@ -54,7 +48,7 @@ private Q_SLOTS:
     void aGoalIsShownOrItsAbsenceExplained()
     {
         const auto [answer, expected] = sampleRow<2>();
-        OpenGoal open(answer == "(none)" ? noAnswer : httpReply(answer));
+        OpenGoal open(answer == "(none)" ? cutReply() : httpReply(answer));
         QCOMPARE(open.sent(), QList<QByteArray>{getGoal});
         const WrappedLabel *labelGoal = open.random->labelGoal();
         const bool mayBeDone = answer.contains("<id>12") && !open.hint().contains(u"read"_s);
@@ -117,7 +111,7 @@ private Q_SLOTS:
         goalOfProject->setIdOfGoal(12);
         open.document->wheelView()->mainData()->goals()->push_back(goalOfProject);
         open.service.answer("get-random-goal", goal("13", "Paint", "4"));
-        open.service.answer("set-checked-area-percent", answer == "(none)" ? noAnswer : httpReply(answer));
+        open.service.answer("set-checked-area-percent", answer == "(none)" ? cutReply() : httpReply(answer));
         open.click("Mark as Done");
 
         QCOMPARE(Client::guidance(open.document),

@@ -6,10 +6,9 @@ namespace {
 
 const QByteArray getAreas = "p1=get-areas" + annsDigests;
 const QByteArray setNames = "p1=set-area-names" + annsDigests + "&p4=";
-const ServiceReply noAnswer{.bytes = {}, .closes = true};
 
 // A signed-in client with the sheet for its areas' names open.
-struct OpenNames : Client
+struct OpenNames : SheetClient
 {
     explicit OpenNames(const QList<QByteArray> &areas = eightNames)
     {
@@ -37,10 +36,7 @@ struct OpenNames : Client
         QTest::keyClicks(field, QString::fromLatin1(name));
     }
 
-    QList<QByteArray> sent() const { return service.bodies().mid(3); }
-    QPushButton *button(const char *text) const { return Client::button(sheet, QString::fromLatin1(text)); }
     QString hint() const { return sheet->findChild<QLabel *>(u"labelRenameAreasHint"_s)->text(); }
-    void click(const char *text) const { QTest::mouseClick(button(text), Qt::LeftButton); }
 
     /// The project's areas by name.
     QString areas() const
@@ -51,8 +47,6 @@ struct OpenNames : Client
         return texts.join(u',');
     }
 
-    TarvexDocument *document;
-    Sheet *sheet;
     RenameAreasWindowController *names;
 };
 
@@ -114,8 +108,8 @@ private Q_SLOTS:
     {
         const auto [saved, reloaded, expected] = sampleRow<3>();
         OpenNames open;
-        open.service.answer("set-area-names", saved == "(none)" ? noAnswer : httpReply(saved));
-        open.service.answer("get-areas", reloaded == "(none)" ? noAnswer : httpReply(reloaded));
+        open.service.answer("set-area-names", saved == "(none)" ? cutReply() : httpReply(saved));
+        open.service.answer("get-areas", reloaded == "(none)" ? cutReply() : httpReply(reloaded));
         open.type(open.names->textName1(), "new");
         open.click("Save");
         QString left = open.areas() + u' ' + QString::number(open.alert.errors.size());

@@ -6,9 +6,8 @@
 namespace {
 
 /// Knows how many requests the service had got when a text was painted first.
-class Painted : public QObject
+struct Painted : QObject
 {
-public:
     explicit Painted(const Client &ofClient) : client(ofClient) { qApp->installEventFilter(this); }
 
     bool eventFilter(QObject *watched, QEvent *event) override

@@ -138,13 +138,10 @@ private Q_SLOTS:
         TarvexDocument *document = client.open();
         Sheet *sheet = document->wndSignIn();
         const auto *hint = sheet->findChild<QLabel *>(u"labelSignInHint"_s);
-        QString shownMeanwhile;
-        bool busyMeanwhile = false;
         client.holdUntil([&] {
-            if (!hint->text().contains(u"of at most 60\u00A0s"_s)) // seen after a second
+            if (!hint->text().contains(u"of at most 60\u00A0s"_s) || // seen after a second
+                document->textSignInErrorMessage()->text() != u"Checking..."_s || !client.controller.isBusy())
                 return false;
-            shownMeanwhile = document->textSignInErrorMessage()->text();
-            busyMeanwhile = client.controller.isBusy();
             QTest::mouseClick(Client::button(sheet, u"Sign In"_s), Qt::LeftButton);
             QTest::keyClick(sheet, Qt::Key_Escape);
             QMetaObject::invokeMethod(document, "signIn"); // what gets past any filter
@@ -153,8 +150,6 @@ private Q_SLOTS:
             return true;
         });
         Client::signIn(document);
-        QCOMPARE(shownMeanwhile, u"Checking..."_s);
-        QVERIFY(busyMeanwhile);
         QCOMPARE(client.service.requests().size(), 3);
         QCOMPARE(client.controller.documents().size(), std::size_t(1));
         QVERIFY(document->window()->isVisible());

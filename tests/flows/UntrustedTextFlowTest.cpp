@@ -4,7 +4,6 @@ class UntrustedTextFlowTest : public QObject
 {
     Q_OBJECT
 
-private:
     const QStringList untrusted = {u"<b>bold</b><img src=x>"_s,
                                    u"R&D &amp; &lt;"_s,
                                    u"two\nlines\tand"_s,

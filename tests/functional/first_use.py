@@ -131,22 +131,16 @@ class Assistive(AccessibleDesktop):
         self.chooses("Quit")
 
 
-def expect(expected, found):
-    if found != expected:
-        raise SystemExit(f"{found} is not {expected}")
-
-
 def check(texts, path):
     """What the service and the file hold is what the user did."""
     areas, sets = texts("id", "get-areas"), texts("id", "get-sets")
     goals = ("get-goals", f"&p4={sets[0]}&p5={areas[1]}")
     for expected, what in [(["Learn to juggle", "Ask for a rise"], ("name", *goals)), (["y", "y"], ("checked", *goals)),
                            (["0", "8", *["0"] * 6], ("value", "get-areas")), (["100"], ("percent2", "get-sets"))]:
-        expect(expected, texts(*what))
+        assert texts(*what) == expected, f"{texts(*what)} is not {expected}"
     printed = subprocess.run(["pdftotext", "-raw", path, "-"], capture_output=True, text=True, check=True).stdout
     for line in (f"{AREA} Excellent 100%", "Learn to juggle", "Ask for a rise"):
-        if line not in printed.replace("\n", " "):
-            raise SystemExit(f"{line!r} is missing from the report:\n{printed}")
+        assert line in printed.replace("\n", " "), f"{line!r} is missing from the report:\n{printed}"
 
 
 def main():
@@ -171,7 +165,7 @@ def main():
             wait_for("the report", pathlib.Path(path).exists)
             check(texts, path)
             user.quits()
-            expect(0, user.client.wait(timeout=10))
+            assert user.client.wait(timeout=10) == 0
         finally:
             display.stop()
             service.stop()

@@ -71,8 +71,13 @@ class XKJsonWriterTest : public QObject
         QTest::newRow(name) << tree << text << trace;
     }
 
-    void addTreesThatAreWritten() const
+private Q_SLOTS:
+    // What no text stands for; the rest is in the samples.
+    void treesAreWritten_data() const
     {
+        QTest::addColumn<Value>("tree");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("trace");
         const double most = std::numeric_limits<double>::max();
         const Value twice = offering(Value::array({offering(u"p"_s)}));
         addRow("the least integer", Value::array({Value::integer(std::numeric_limits<qint64>::min())}),
@@ -86,69 +91,53 @@ class XKJsonWriterTest : public QObject
         addRow("one object more than once",
                Value::array({twice, twice, Value::dictionary({{u"k"_s, twice}})}),
                u"[[\"p\"],[\"p\"],{\"k\":[\"p\"]}]"_s);
-    }
 
-    void addTreesThatAreRefused() const
-    {
-        const auto row = [this](const char *name, const Value &tree, const QString &trace) {
+        const auto refused = [this](const char *name, const Value &tree, const QString &trace) {
             addRow(name, tree, QString(), trace + u'\n' + m_end);
         };
         const QString isInfinite = u"1 Infinity is not a valid number in JSON"_s;
         addRow("a string", u"a"_s, QString(), m_end);
         addRow("none", Value(), QString(), m_end);
         addRow("an object without a proxy", m_opaque, QString(), m_end);
-        row("a proxy that is no container", offering(m_one), m_end);
-        row("a proxy that is the object itself", circular(/*inArray=*/false),
-            u"7 Nested too deep\n"_s + m_end);
-        row("not a number", Value::array({Value::real(std::numeric_limits<double>::quiet_NaN()), m_one}),
-            u"1 NaN is not a valid number in JSON"_s);
-        row("minus infinity", Value::array({Value::real(-std::numeric_limits<double>::infinity())}),
-            isInfinite);
-        row("a decimal whose double is infinite", parsed(u"[1.7976931348623159e308]"_s), isInfinite);
-        row("a long decimal whose double is infinite", parsed(u'[' + QString(400, u'9') + u']'), isInfinite);
+        refused("a proxy that is no container", offering(m_one), m_end);
+        refused("a proxy that is the object itself", circular(/*inArray=*/false),
+                u"7 Nested too deep\n"_s + m_end);
+        refused("not a number", Value::array({Value::real(std::numeric_limits<double>::quiet_NaN()), m_one}),
+                u"1 NaN is not a valid number in JSON"_s);
+        refused("minus infinity", Value::array({Value::real(-std::numeric_limits<double>::infinity())}),
+                isInfinite);
+        refused("a decimal whose double is infinite", parsed(u"[1.7976931348623159e308]"_s), isInfinite);
+        refused("a long decimal whose double is infinite", parsed(u'[' + QString(400, u'9') + u']'),
+                isInfinite);
         const Value inner = Value::array({Value::dictionary({{u"b"_s, m_opaque}})});
-        row("an object within", Value::dictionary({{u"ok"_s, m_one}, {u"a"_s, inner}}),
-            u"1 JSON serialisation not supported for Object\n1 Unsupported value for key b in object\n"
-            "1 Unsupported value for key a in object"_s);
-        row("none within", Value::array({Value()}), u"1 JSON serialisation not supported for (null)"_s);
-        row("a number as key", Value::dictionary({{u"k"_s, Value::dictionary({{m_one, m_one}})}}),
-            u"1 JSON object key must be string\n1 Unsupported value for key k in object"_s);
-        row("keys: no string is sorted first",
-            Value::dictionary({{u"a"_s, m_opaque}, {Value::null(), Value()}}),
-            u"1 JSON object key must be string"_s);
-        row("513 levels", parsed(QString(513, u'[') + QString(513, u']')), u"7 Nested too deep"_s);
-    }
+        refused("an object within", Value::dictionary({{u"ok"_s, m_one}, {u"a"_s, inner}}),
+                u"1 JSON serialisation not supported for Object\n1 Unsupported value for key b in object\n"
+                "1 Unsupported value for key a in object"_s);
+        refused("none within", Value::array({Value()}), u"1 JSON serialisation not supported for (null)"_s);
+        refused("a number as key", Value::dictionary({{u"k"_s, Value::dictionary({{m_one, m_one}})}}),
+                u"1 JSON object key must be string\n1 Unsupported value for key k in object"_s);
+        refused("keys: no string is sorted first",
+                Value::dictionary({{u"a"_s, m_opaque}, {Value::null(), Value()}}),
+                u"1 JSON object key must be string"_s);
+        refused("513 levels", parsed(QString(513, u'[') + QString(513, u']')), u"7 Nested too deep"_s);
 
-    /// A proxy that fails leaves its trace, and the writing goes on.
-    void addProxiesThatFail() const
-    {
-        const auto row = [](const char *name, const Value &proxy, const QString &text, const QString &trace) {
+        // A proxy that fails leaves its trace, and the writing goes on.
+        const auto failing = [](const char *name, const Value &proxy, const QString &text,
+                                const QString &trace) {
             addRow(name, Value::dictionary({{u"p"_s, proxy}, {u"q"_s, Value::array()}}), text, trace);
         };
         const Value someWayIn = Value::dictionary({{u"x"_s, Value::array({m_one, m_opaque})}});
         const QString unsupported = u"1 JSON serialisation not supported for Object"_s;
-        row("lines: at once", offering(m_opaque), u"{\n  \"p\" : ,\n  \"q\" : []\n}"_s, unsupported);
-        row("lines: some way in, one level deeper from then on", offering(someWayIn),
-            u"{\n  \"p\" : {\n    \"x\" : [\n      1,\n      ,\n      \"q\" : []\n    }"_s,
-            unsupported + u"\n1 Unsupported value for key x in object"_s);
-        row("lines: itself", circular(/*inArray=*/false), u"{\n  \"p\" : ,\n  \"q\" : []\n}"_s,
-            u"7 Nested too deep"_s);
-        row("lines: itself in an array", circular(/*inArray=*/true),
-            u"{\n  \"p\" : [\n    \n  ],\n  \"q\" : []\n}"_s, u"7 Nested too deep"_s);
+        failing("lines: at once", offering(m_opaque), u"{\n  \"p\" : ,\n  \"q\" : []\n}"_s, unsupported);
+        failing("lines: some way in, one level deeper from then on", offering(someWayIn),
+                u"{\n  \"p\" : {\n    \"x\" : [\n      1,\n      ,\n      \"q\" : []\n    }"_s,
+                unsupported + u"\n1 Unsupported value for key x in object"_s);
+        failing("lines: itself", circular(/*inArray=*/false), u"{\n  \"p\" : ,\n  \"q\" : []\n}"_s,
+                u"7 Nested too deep"_s);
+        failing("lines: itself in an array", circular(/*inArray=*/true),
+                u"{\n  \"p\" : [\n    \n  ],\n  \"q\" : []\n}"_s, u"7 Nested too deep"_s);
         addRow("10,000 objects inside each other", chained(10'000), u"[[7]]"_s);
         addRow("one more", chained(10'001), u"[]"_s, u"7 Nested too deep"_s);
-    }
-
-private Q_SLOTS:
-    // What no text stands for; the rest is in the samples.
-    void treesAreWritten_data() const
-    {
-        QTest::addColumn<Value>("tree");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("trace");
-        addTreesThatAreWritten();
-        addTreesThatAreRefused();
-        addProxiesThatFail();
     }
 
     void treesAreWritten()
@@ -182,11 +171,10 @@ private Q_SLOTS:
     {
         XKJsonWriter writer;
         writer.setMaxDepth(0);
-        constexpr int deepest = 1'000'000;
-        const QString text = QString(deepest, u'[') + QString(deepest, u']');
+        constexpr int depth = 1'000'000;
+        const QString text = QString(depth, u'[') + QString(depth, u']');
         QVERIFY(writer.stringWithObject(parsed(text)) == text);
         QCOMPARE(writer.stringWithObject(chained(200'000)), u"[[7]]"_s);
-        constexpr int depth = 1'000'000;
         Value nest = Value::array();
         for (int level = 1; level < depth; ++level)
             nest = level % 2 ? Value::dictionary({{u""_s, nest}}) : Value::array({nest});

@@ -55,9 +55,8 @@ private Q_SLOTS:
         QWidget window;
         window.show();
         QApplication::setActiveWindow(nullptr); // the user works in another program meanwhile
-        QTimer whenItIsUp;
         bool waited = false;
-        connect(&whenItIsUp, &QTimer::timeout, this, [&] {
+        QTimer::singleShot(0, this, [&] { // when it is up
             auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
             QCOMPARE(box->parentWidget(), &window); // not lost in a corner of the screen
             QCOMPARE(box->textFormat(), Qt::PlainText);
@@ -65,9 +64,7 @@ private Q_SLOTS:
             waited = true;
             box->accept();
         });
-        whenItIsUp.start(0);
         showErrorBox(u"<b>No</b>"_s);
-        whenItIsUp.stop();
         QVERIFY(waited);
         BusyIndicator indicator;
         indicator.resize(40, 40);

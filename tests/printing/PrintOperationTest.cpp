@@ -38,10 +38,9 @@ QString told(const QString &tool, const QStringList &arguments)
 }
 
 /// A page of the file as a raster, on which the report's points are looked up.
-class Page
+struct Page
 {
-public:
-    Page(const QString &pdf, int number, const QRectF &band) : m_band(band)
+    Page(const QString &pdf, int number, const QRectF &ofReport) : band(ofReport)
     {
         const QString to = pdf + QString::number(number);
         told(u"pdftoppm"_s,
@@ -51,7 +50,7 @@ public:
 
     QRect pixels(const QRectF &rect) const
     {
-        const QRectF paper = rect.translated(QPointF(margin, margin) - m_band.topLeft());
+        const QRectF paper = rect.translated(QPointF(margin, margin) - band.topLeft());
         return QRectF(paper.topLeft() * zoom, paper.size() * zoom).toRect();
     }
     QColor at(const QPointF &point) const
@@ -67,28 +66,23 @@ public:
             for (int x = searched.left(); x <= searched.right(); ++x)
                 if (qGray(image.pixel(x, y)) < 128)
                     ink |= QRect(x, y, 1, 1);
-        const QPointF origin = pixels(m_band).topLeft() / qreal(zoom) - m_band.topLeft();
+        const QPointF origin = pixels(band).topLeft() / qreal(zoom) - band.topLeft();
         return QRectF(QPointF(ink.topLeft()) / zoom - origin, QSizeF(ink.size()) / zoom);
     }
 
     static constexpr int zoom = 4;
     static constexpr int margin = 18;
     QImage image;
-
-private:
-    QRectF m_band;
+    QRectF band;
 };
 
 /// A PDF writer whose pages run out.
-class ShortOfPaper : public QPdfWriter
+struct ShortOfPaper : QPdfWriter
 {
-public:
-    ShortOfPaper(const QString &path, int sheets) : QPdfWriter(path), m_sheets(sheets) {}
+    using QPdfWriter::QPdfWriter;
+    bool newPage() override { return --sheets > 0 && QPdfWriter::newPage(); }
 
-    bool newPage() override { return --m_sheets > 0 && QPdfWriter::newPage(); }
-
-private:
-    int m_sheets;
+    int sheets = 2;
 };
 
 } // namespace
@@ -237,7 +231,7 @@ private Q_SLOTS:
         const auto couldNotBegin = operation.runOn(nowhere);
         QVERIFY(couldNotBegin && couldNotBegin->page == 0);
 
-        ShortOfPaper device(folder.filePath(u"half.pdf"_s), /*sheets=*/2);
+        ShortOfPaper device(folder.filePath(u"half.pdf"_s));
         const auto stopped = operation.runOn(device);
         QVERIFY(stopped && stopped->page == 3 && stopped->countPages == operation.view().countPages());
     }

@@ -1,7 +1,6 @@
 #include "PrintOperation.h"
 #include "ReportSample.h"
 
-#include <QFontInfo>
 #include <QPainter>
 
 class TVXPrintViewTest : public QObject

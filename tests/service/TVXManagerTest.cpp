@@ -47,9 +47,7 @@ template<typename Operation, typename... Arguments>
 Call call(Operation operation, Arguments... arguments)
 {
     return [=](TVXManager &manager, QString &why) {
-        using Manager = TVXManager &;
-        using Text = const QString &;
-        if constexpr (std::is_invocable_v<Operation, Manager, Text, Text, Arguments..., QString *>)
+        if constexpr (std::is_invocable_v<Operation, TVXManager &, QString, QString, Arguments..., QString *>)
             return std::invoke(operation, manager, login, password, arguments..., &why);
         else
             return names.at(

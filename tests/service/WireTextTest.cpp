@@ -1,4 +1,5 @@
 #include "AnswerText.h"
+#include "Columns.h"
 #include "Escaping.h"
 #include "FormString.h"
 #include "NSStringMd5.h"
@@ -22,6 +23,23 @@ const std::map<QByteArray, QString (*)(const QByteArray &)> conversions = {
     {"ASCII", [](const QByteArray &text) { return asciiText(text).value_or(u"undecodable"_s); }},
 };
 
+/// The columns "id" and "name", "[1,2] [a,b]"; "refused" if there is none.
+QByteArray read(const QByteArray &xml)
+{
+    static constexpr std::string_view names[] = {"id", "name"};
+    const std::optional<Columns> columns = Columns::read(xml, names);
+    if (!columns)
+        return "refused";
+    QByteArrayList lists;
+    for (const std::size_t column : {std::size_t(0), std::size_t(1)}) {
+        QByteArrayList texts;
+        for (std::size_t i = 0; i < columns->count(column); ++i)
+            texts.append(QByteArray::fromStdString(std::string(columns->text(column, i))));
+        lists.append('[' + texts.join(',') + ']');
+    }
+    return lists.join(' ');
+}
+
 } // namespace
 
 /// Runs under a locale whose digits, grouping and upper case are not those of the wire.
@@ -37,6 +55,20 @@ private Q_SLOTS:
     {
         const auto [conversion, text, expected] = sampleRow<3>();
         QCOMPARE(conversions.at(conversion)(text).toUtf8(), expected);
+    }
+
+    void documentsBecomeColumns_data() { addSampleRows("documents.txt"); }
+    void documentsBecomeColumns()
+    {
+        const auto [xml, columns] = sampleRow<2>();
+        QCOMPARE(read(xml), columns);
+    }
+
+    void hostileDocumentsEndSoon_data() { addSampleRows("hostile-documents.txt"); }
+    void hostileDocumentsEndSoon()
+    {
+        const auto [xml, verdict] = sampleRow<2>();
+        QCOMPARE(read(xml) == "refused", verdict == "refused"); // long before the whole test's time is up
     }
 };
 

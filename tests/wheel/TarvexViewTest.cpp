@@ -13,9 +13,8 @@ namespace {
 
 /// A wheel with areas "a" to "h" in a window on the screen. It writes down what it reports to its parent, an
 /// area and its index, and what it announces to assistive tools.
-class WheelOnScreen : public TarvexView, public WheelParent
+struct WheelOnScreen : TarvexView, WheelParent
 {
-public:
     explicit WheelOnScreen(std::size_t pieceCount = WheelGeometry::sliceCount)
     {
         for (const QChar name : u"abcdefgh"_s) {
