@@ -32,7 +32,7 @@ QString textOf(const QString &pdf)
 }
 
 /// Where the toolkit would keep which folders its dialogs showed.
-const QTemporaryDir configurations;
+const QTemporaryDir home;
 
 /// A signed-in client whose set is printed by the menu's commands.
 struct PrintingClient : Client
@@ -69,8 +69,12 @@ class PrintFlowTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    static void initMain() { qputenv("XDG_CONFIG_HOME", configurations.path().toLocal8Bit()); }
-    void cleanupTestCase() { QVERIFY(QDir(configurations.path()).isEmpty()); }
+    static void initMain()
+    {
+        qputenv("HOME", home.path().toLocal8Bit());
+        qputenv("XDG_CONFIG_HOME", home.filePath(u".config"_s).toLocal8Bit());
+    }
+    void cleanupTestCase() { QVERIFY(QDir(home.filePath(u".config"_s)).isEmpty()); }
 
     void theSelectedSetIsFetchedAndKeptAsAFile()
     {
