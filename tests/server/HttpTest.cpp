@@ -1,6 +1,9 @@
 #include "HttpFixture.h"
 #include "SampleRows.h"
 
+#include <future>
+
+using namespace std::chrono_literals;
 using namespace tarvex;
 using http::Limits;
 
@@ -42,7 +45,14 @@ TEST_F(Http, RefusesALargeBodyInTheWordsOfItsKindAndGoesOn)
     start({.body = 1000, .discardedBody = 100'000});
     RawClient client(port());
     client.post(asAnna("create-some-goals", "&p4=" + goal("kept")));
-    const auto refused = client.post(asAnna("create-some-goals", "&p4=" + goal(std::string(50'000, 'x'))));
+    std::promise<void> released;
+    m_database.write([&](store::Connection &) { released.get_future().wait(); },
+                     [](const std::exception_ptr &) {});
+    client.send(RawClient::request(asAnna("create-some-goals", "&p4=" + goal(std::string(50'000, 'x')))));
+    auto answered = std::async(std::launch::async, [&] { return client.read(); });
+    EXPECT_EQ(answered.wait_for(100ms), std::future_status::timeout) << "before other processes know";
+    released.set_value();
+    const auto refused = answered.get();
     EXPECT_EQ(refused.result_int(), 413U);
     EXPECT_EQ(refused.body(), "Error");
     EXPECT_EQ(client.post(asAnna("delete-some-goals", "&p4=1;")).body(), "Error");

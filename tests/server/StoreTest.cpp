@@ -177,6 +177,18 @@ TEST_F(StoreTest, KeepsSoMuchOfTheNamesOfDeletedGoals)
     });
 }
 
+TEST_F(StoreTest, WhatWasRemovedFromAFileMakesRoom)
+{
+    const std::filesystem::path place = m_folder.path() / "other.db";
+    std::ofstream(place).close(); // empty
+    SqliteConnection file(place);
+    file.execute("CREATE TABLE note (text TEXT)");
+    file.execute("INSERT INTO note VALUES (ZEROBLOB(1000000))");
+    const std::int64_t full = file.size();
+    file.execute("DELETE FROM note");
+    EXPECT_LT(file.size(), full - 900'000);
+}
+
 TEST_F(StoreTest, CountsTheTimeToPurgingByThatWhichItRan)
 {
     m_database.write([&](Connection &connection) {
