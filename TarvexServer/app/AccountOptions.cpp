@@ -13,7 +13,7 @@ std::int64_t AccountOptions::find(store::Database &opened, const InstallationOpt
 
 std::shared_ptr<AccountOptions> addAccountOptions(CLI::App &command, bool isRequired)
 {
-    const auto options = std::make_shared<AccountOptions>();
+    auto options = std::make_shared<AccountOptions>();
     CLI::App *const group = command.add_option_group("Account", "Which account, by one of these");
     group->add_option("--login", options->login, "The e-mail address that it was made with")
         ->check(
