@@ -185,7 +185,7 @@ std::optional<std::filesystem::path> Restoration::put(std::time_t now)
     const std::filesystem::path keptAs =
         freeName(m_database.string() + ".before-restore-" + timeForNames(now));
     if (!std::filesystem::exists(m_database)) {
-        const auto keptLog = keepLog(m_database, keptAs);
+        auto keptLog = keepLog(m_database, keptAs);
         putInPlace(m_beside, m_database);
         return keptLog;
     }

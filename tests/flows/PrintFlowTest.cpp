@@ -32,7 +32,7 @@ QString textOf(const QString &pdf)
 }
 
 /// Where the toolkit would keep which folders its dialogs showed.
-const QTemporaryDir home;
+const QTemporaryDir homeFolder;
 
 /// A signed-in client whose set is printed by the menu's commands.
 struct PrintingClient : Client
@@ -71,10 +71,10 @@ class PrintFlowTest : public QObject
 private Q_SLOTS:
     static void initMain()
     {
-        qputenv("HOME", home.path().toLocal8Bit());
-        qputenv("XDG_CONFIG_HOME", home.filePath(u".config"_s).toLocal8Bit());
+        qputenv("HOME", homeFolder.path().toLocal8Bit());
+        qputenv("XDG_CONFIG_HOME", homeFolder.filePath(u".config"_s).toLocal8Bit());
     }
-    void cleanupTestCase() { QVERIFY(QDir(home.filePath(u".config"_s)).isEmpty()); }
+    void cleanupTestCase() { QVERIFY(QDir(homeFolder.filePath(u".config"_s)).isEmpty()); }
 
     void theSelectedSetIsFetchedAndKeptAsAFile()
     {

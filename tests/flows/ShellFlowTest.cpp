@@ -133,8 +133,13 @@ private Q_SLOTS:
         Client client;
         const TarvexDocument *document = client.openSignedIn();
         client.holdUntil([&] { return client.controller.quit(), true; });
-        QTimer::singleShot(0, document, [=] { Client::trigger(document, "actionReload"); });
-        QTimer::singleShot(10'000, &client.controller, [] { QCoreApplication::exit(1); });
+        QTimer begin;
+        QTimer tooLate;
+        begin.setSingleShot(true);
+        connect(&begin, &QTimer::timeout, document, [=] { Client::trigger(document, "actionReload"); });
+        connect(&tooLate, &QTimer::timeout, &client.controller, [] { QCoreApplication::exit(1); });
+        begin.start(0);
+        tooLate.start(10'000);
         QCOMPARE(QCoreApplication::exec(), 0);
     }
 

@@ -55,8 +55,9 @@ private Q_SLOTS:
         QWidget window;
         window.show();
         QApplication::setActiveWindow(nullptr); // the user works in another program meanwhile
+        QTimer whenItIsUp;
         bool waited = false;
-        QTimer::singleShot(0, this, [&] { // when it is up
+        connect(&whenItIsUp, &QTimer::timeout, this, [&] {
             auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
             QCOMPARE(box->parentWidget(), &window); // not lost in a corner of the screen
             QCOMPARE(box->textFormat(), Qt::PlainText);
@@ -64,7 +65,9 @@ private Q_SLOTS:
             waited = true;
             box->accept();
         });
+        whenItIsUp.start(0);
         showErrorBox(u"<b>No</b>"_s);
+        whenItIsUp.stop();
         QVERIFY(waited);
         BusyIndicator indicator;
         indicator.resize(40, 40);
