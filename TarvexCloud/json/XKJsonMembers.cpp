@@ -1,7 +1,6 @@
 #include "XKJsonMembers.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstring>
 #include <limits>
@@ -12,6 +11,8 @@ namespace {
 
 // With so many, comparing each key with each other one is faster than hashing them.
 constexpr std::size_t fewMembers = 8;
+// The slots of so many lie far away in memory: each is sent for before it is needed.
+constexpr std::size_t manyMembers = 10'000, ahead = 16;
 
 bool isText(const XKJsonNode &key)
 {
@@ -93,17 +94,6 @@ quint32 findAmongFew(const XKJsonNode &key, const XKJsonNode *members, std::size
     return 0;
 }
 
-/// Hashes the keys of some members, and gets their slots on the way from memory.
-std::array<quint32, 16> hashesFrom(std::size_t first, const XKJsonNode *members, std::size_t count)
-{
-    std::array<quint32, 16> hashes{};
-    for (std::size_t i = first; i < std::min(first + hashes.size(), count); ++i) {
-        hashes[i - first] = hashOf(members[2 * i], count);
-        __builtin_prefetch(slotsOf(members, count) + (hashes[i - first] & (slotsFor(count) - 1)));
-    }
-    return hashes;
-}
-
 } // namespace
 
 std::size_t XKJsonMembers::indexBytes(std::size_t count)
@@ -118,22 +108,22 @@ std::size_t XKJsonMembers::index(XKJsonNode *members, std::size_t count, std::si
     const bool areFew = count <= fewMembers;
     if (indexed == 0)
         std::fill_n(slotsOf(members, count), slotsFor(count), Slot{});
-    std::array<quint32, 16> hashes{};
     std::size_t kept = indexed;
     for (std::size_t i = indexed; i < count; ++i) {
         const XKJsonNode *const member = members + 2 * i;
-        const std::size_t ahead = (i - indexed) % hashes.size();
-        if (ahead == 0 && !areFew)
-            hashes = hashesFrom(i, members, count);
+        if (count > manyMembers && i + ahead < count)
+            __builtin_prefetch(slotsOf(members, count) +
+                               (hashOf(member[2 * ahead], count) & (slotsFor(count) - 1)));
+        const quint32 hash = areFew ? 0 : hashOf(*member, count);
         Slot few{0, areFew ? findAmongFew(*member, members, kept) : 0};
-        Slot &slot = areFew ? few : slotOf(*member, hashes[ahead], members, count);
+        Slot &slot = areFew ? few : slotOf(*member, hash, members, count);
         if (slot.number != 0) {
             members[2 * slot.number - 1] = member[1];
             continue;
         }
         if (kept != i) // only behind a repeated key
             std::copy_n(member, 2, members + 2 * kept);
-        slot = {hashes[ahead], static_cast<quint32>(++kept)};
+        slot = {hash, static_cast<quint32>(++kept)};
     }
     return kept == count ? kept : index(members, kept); // with fewer the index lies elsewhere
 }

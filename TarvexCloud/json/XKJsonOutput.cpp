@@ -28,7 +28,7 @@ void XKJsonOutput::putEscape(char16_t unit)
 void XKJsonOutput::makeRoom(qsizetype units)
 {
     const qsizetype before = used();
-    m_text.resize(std::max(m_text.size() + m_text.size() / 2, before + units));
+    m_text.reserve(std::max(m_text.size() + m_text.size() / 2, before + units));
     m_text.resize(m_text.capacity());
     auto *const begin = reinterpret_cast<char16_t *>(m_text.data());
     m_end = begin + before;

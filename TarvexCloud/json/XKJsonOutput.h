@@ -61,7 +61,7 @@ private:
     void makeRoom(qsizetype units);
     qsizetype used() const { return m_text.size() - (m_limit - m_end); }
 
-    static constexpr qsizetype firstCapacity = 128;
+    static constexpr qsizetype firstCapacity = 512;
 
     QString m_text;
     char16_t *m_end = nullptr;

@@ -10,6 +10,7 @@
 namespace XKJsonScan {
 
 using Eight = quint16 __attribute__((vector_size(16)));
+using Four = quint16 __attribute__((vector_size(8)));
 using Narrow = qint8 __attribute__((vector_size(8)));
 static_assert(std::endian::native == std::endian::little, "countOf() counts from the lowest bit");
 
@@ -35,19 +36,22 @@ constexpr auto isPlain = [](auto unit) { return (unit >= blank) & (unit != quote
 /// The same, and no surrogate.
 constexpr auto isText = [](auto unit) { return isPlain(unit) & ((unit & 0xF800) != 0xD800); };
 
-inline Eight eightAt(const char16_t *c)
+template<typename Units>
+Units unitsAt(const char16_t *c)
 {
-    Eight units;
+    Units units;
     std::memcpy(&units, c, sizeof(units));
     return units;
 }
 
-/// How many of eight units are of a kind before the first of another.
+/// How many units of four or eight are of a kind before the first of another.
 template<typename Answers>
 qptrdiff countOf(Answers answers)
 {
-    const auto narrow = __builtin_convertvector(answers, Narrow); // eight bits for each unit
-    return std::countr_one(std::bit_cast<quint64>(narrow)) / 8;
+    if constexpr (sizeof(answers) == sizeof(Four))
+        return std::countr_one(std::bit_cast<quint64>(answers)) / 16;
+    else // narrowed to eight bits for each unit
+        return std::countr_one(std::bit_cast<quint64>(__builtin_convertvector(answers, Narrow))) / 8;
 }
 
 /// The first unit of another kind, or the end.
@@ -55,31 +59,40 @@ template<typename Kind>
 const char16_t *after(Kind isOfKind, const char16_t *c, const char16_t *end)
 {
     for (; end - c >= 8; c += 8)
-        if (const qptrdiff count = countOf(isOfKind(eightAt(c))); count < 8)
+        if (const qptrdiff count = countOf(isOfKind(unitsAt<Eight>(c))); count < 8)
             return c + count;
     while (c != end && isOfKind(*c))
         ++c;
     return c;
 }
 
+/// Copies some units, at least one vector of them, and tells whether all are of a kind.
+template<typename Units, typename Kind>
+bool copyVectorsIf(Kind isOfKind, const char16_t *from, qsizetype count, char16_t *to)
+{
+    constexpr qsizetype step = sizeof(Units) / sizeof(char16_t);
+    for (qsizetype i = 0;; i = std::min(i + step, count - step)) { // the last ones overlap those before
+        const auto units = unitsAt<Units>(from + i);
+        std::memcpy(to + i, &units, sizeof(units));
+        if (countOf(isOfKind(units)) < step)
+            return false;
+        if (i == count - step)
+            return true;
+    }
+}
+
 /// Copies some units, and tells whether all of them are of a kind.
 template<typename Kind>
 bool copyIf(Kind isOfKind, const char16_t *from, qsizetype count, char16_t *to)
 {
-    if (count < 8) {
-        for (qsizetype i = 0; i < count; ++i)
-            if (!isOfKind(to[i] = from[i]))
-                return false;
-        return true;
-    }
-    for (qsizetype i = 0;; i = std::min(i + 8, count - 8)) { // the last ones overlap those before
-        const Eight units = eightAt(from + i);
-        std::memcpy(to + i, &units, sizeof(units));
-        if (countOf(isOfKind(units)) < 8)
+    if (count >= 8)
+        return copyVectorsIf<Eight>(isOfKind, from, count, to);
+    if (count >= 4)
+        return copyVectorsIf<Four>(isOfKind, from, count, to);
+    for (qsizetype i = 0; i < count; ++i)
+        if (!isOfKind(to[i] = from[i]))
             return false;
-        if (i == count - 8)
-            return true;
-    }
+    return true;
 }
 
 } // namespace XKJsonScan

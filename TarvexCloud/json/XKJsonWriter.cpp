@@ -85,12 +85,12 @@ Q_ALWAYS_INLINE bool XKJsonWriter::appendContainer(const XKJsonNode &container, 
     if (!enterContainer())
         return false;
     const bool isDictionary = container.kind() == XKJsonKind::Dictionary;
+    into.put(isDictionary ? u'{' : u'[');
     if (container.length() == 0) {
         leaveContainer();
-        into.put(isDictionary ? QStringView(u"{}") : QStringView(u"[]"));
+        into.put(isDictionary ? u'}' : u']');
         return true;
     }
-    into.put(isDictionary ? u'{' : u'[');
     m_frames.push_back({container, 0, m_sortKeys && isDictionary ? sortedKeysOf(container) : nullptr});
     return true;
 }

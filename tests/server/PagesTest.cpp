@@ -249,9 +249,9 @@ TEST_F(Pages, LetNobodyIntoTheAccountOfAnother)
     const std::string his = ben.cookies.at("tarvex");
     const std::string mixed = hers.substr(0, hers.find('.')) + his.substr(his.find('.'));
     for (const std::string &cookie :
-         {mixed, hers + "0", hers.substr(0, hers.size() - 1), "0" + hers + "; tarvex=" + hers,
-          std::string("1.x"), std::string("."), "-" + hers,
-          hers.substr(0, hers.find('.')) + "." + std::string(64, '0')}) {
+         {mixed, hers + "0", hers.substr(0, hers.size() - 1),
+          std::string("0").append(hers).append("; tarvex=").append(hers), std::string("1.x"),
+          std::string("."), "-" + hers, hers.substr(0, hers.find('.')) + "." + std::string(64, '0')}) {
         Browser forger(port());
         forger.cookies["tarvex"] = cookie;
         EXPECT_EQ(forger.ask("GET", "/wheel").result_int(), 303U) << cookie;
