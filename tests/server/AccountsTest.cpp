@@ -32,6 +32,7 @@ struct Accounts : ServiceFixture
     void createGoals(std::int64_t set, const std::vector<std::string> &names)
     {
         std::vector<store::Goal> goals;
+        goals.reserve(names.size());
         for (const std::string &name : names)
             goals.push_back({.setId = set, .areaId = 3, .name = name});
         m_database.write(

@@ -49,7 +49,7 @@ TEST(Maintenance, FindsWhatIsWrongAndRepairsCountsAlone)
         EXPECT_EQ(run(folder, "check" + here), Said(0, fine)) << mend;
     }
     server.ended(SIGTERM);
-    std::fstream(folder.path() / "wheel.db", std::ios::in | std::ios::out).seekp(4096 * 3)
+    std::fstream(folder.path() / "wheel.db", std::ios::in | std::ios::out).seekp(std::streamoff(4096) * 3)
         << std::string(4096, 'x');
     const auto [exitCode, said] = run(folder, "check" + here);
     EXPECT_EQ(exitCode, 1);

@@ -3,6 +3,7 @@
 #include "ServiceFixture.h"
 #include "Sets.h"
 
+#include <array>
 #include <future>
 #include <latch>
 #include <thread>
@@ -124,9 +125,9 @@ TEST_F(Postgres, ServesOneDatabaseFromSeveralProcesses)
         ports.push_back(servers.back()->port());
     }
     // They sign the same people up, and save for the same account, at the same time.
-    std::vector<std::future<int>> clients;
-    for (int i = 0; i < 6; ++i)
-        clients.push_back(std::async([&, port = ports[static_cast<std::size_t>(i) % 3]] {
+    std::array<std::future<int>, 6> signUps;
+    for (std::size_t i = 0; auto &signUp : signUps)
+        signUp = std::async([&, port = ports[i++ % 3]] {
             int done = 0;
             RawClient client(port);
             for (int n = 0; n < 5; ++n) {
@@ -138,10 +139,10 @@ TEST_F(Postgres, ServesOneDatabaseFromSeveralProcesses)
                           "OK");
             }
             return done;
-        }));
+        });
     int signedUp = 0;
-    for (auto &client : clients)
-        signedUp += client.get();
+    for (auto &signUp : signUps)
+        signedUp += signUp.get();
     EXPECT_EQ(signedUp, 5);
     EXPECT_EQ(number("SELECT COUNT(*) FROM account"), 6);
     EXPECT_EQ(number("SELECT accounts FROM account_count"), 6);
