@@ -106,7 +106,7 @@ def moving(databases, some):
         for number in range(3):
             note("pg-move/ours", seconds=databases.migrate(some, f"moved{number}"))
             databases.make(f"copied{number}", like=f"moved{number}")
-            databases.sql(f"TRUNCATE {', '.join(TABLES)}", name=f"copied{number}")
+            databases.sql(f"TRUNCATE {', '.join(TABLES)} CASCADE", name=f"copied{number}")
             begin = time.perf_counter()
             databases.sql("BEGIN", *copies, "COMMIT", name=f"copied{number}")
             note("pg-move/peer", seconds=time.perf_counter() - begin)
