@@ -113,12 +113,12 @@ def of_database(path, address=None):
     return "--database", address or f"sqlite:{path}", "--secret", path.with_name("secret")
 
 
-def start_load(server, connections, seconds, bodies, pause=0, gives_way=False):
+def start_load(server, connections, seconds, bodies, pause=0, wait="asleep", gives_way=False):
     """Every connection sends the bodies in turn for so many seconds, or all of them once when these are 0."""
     def give_way():
         os.sched_setscheduler(0, os.SCHED_IDLE, os.sched_param(0))
 
-    process = subprocess.Popen([LOAD, str(server.port), str(connections), str(seconds), str(pause)],
+    process = subprocess.Popen([LOAD, str(server.port), str(connections), str(seconds), str(pause), wait],
                                stdin=subprocess.PIPE, stdout=subprocess.PIPE, preexec_fn=give_way if gives_way else None)
     process.stdin.write("".join(f"{body}\n" for body in bodies).encode())
     process.stdin.close()
@@ -127,7 +127,7 @@ def start_load(server, connections, seconds, bodies, pause=0, gives_way=False):
 
 def load(server, connections, seconds, bodies, pause=0):
     begin = server.cpu()
-    with start_load(server, connections, seconds, bodies, pause) as process:
+    with start_load(server, connections, seconds, bodies, pause, wait="asleep" if pause else "awake") as process:
         result = json.loads(process.stdout.read())
     if result["failures"]:
         sys.exit(f"{result['failures']} of {result['requests']} requests failed")

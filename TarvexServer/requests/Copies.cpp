@@ -15,7 +15,7 @@ namespace {
 using store::MaintenanceFailed;
 
 /// Long enough for whoever waits for the disk to have it, short enough for a large database.
-constexpr std::chrono::milliseconds betweenSteps{5};
+constexpr std::chrono::milliseconds betweenSteps{2};
 
 std::filesystem::path secretBeside(const std::filesystem::path &copy)
 {
