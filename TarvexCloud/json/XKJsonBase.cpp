@@ -66,9 +66,9 @@ void XKJsonBase::clearErrorTrace()
         changeTrace(XKJsonError());
 }
 
-bool XKJsonBase::refuseDepth()
+bool XKJsonBase::refuse(XKJsonErrorCode code, QAnyStringView description)
 {
-    addErrorWithCode(XKJsonErrorCode::Depth, u"Nested too deep"_s);
+    addErrorWithCode(code, description.toString());
     return false;
 }
 

@@ -117,9 +117,11 @@ protected:
     /// Containers now open; without a limit it only ever falls, and means nothing.
     qint64 depth() const { return m_depth; }
     void resetDepth() { m_depth = 0; }
+    // Each of these adds the error and is false.
+    bool refuse(XKJsonErrorCode code, QAnyStringView description);
+    bool refuseDepth() { return refuse(XKJsonErrorCode::Depth, u"Nested too deep"); }
 
 private:
-    bool refuseDepth();
     void changeTrace(const XKJsonError &newLastError);
 
     qint64 m_depth = 0;

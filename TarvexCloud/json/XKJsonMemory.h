@@ -6,6 +6,7 @@
 #include <atomic>
 #include <memory_resource>
 #include <QString>
+#include <utility>
 
 /// Something on the heap that several values hold. It goes with the last of them.
 class XKJsonShared
@@ -30,7 +31,19 @@ protected:
     XKJsonShared() = default;
 
 private:
-    static void destroy(XKJsonShared *last) noexcept;
+    // What goes may hold others that go with it, and these again, objects of the program's own among them.
+    // They wait in a list until the first is gone, since the machine stack has its end.
+    static void destroy(XKJsonShared *last) noexcept
+    {
+        thread_local XKJsonShared *waiting = nullptr;
+        thread_local bool isDestroying = false;
+        last->m_nextToDestroy = std::exchange(waiting, last);
+        if (std::exchange(isDestroying, true))
+            return;
+        while (waiting)
+            delete std::exchange(waiting, waiting->m_nextToDestroy);
+        isDestroying = false;
+    }
 
     std::atomic<int> m_holders = 1; // whoever makes it
     XKJsonShared *m_nextToDestroy = nullptr;
@@ -41,7 +54,10 @@ private:
 class XKJsonArena final : public XKJsonShared
 {
 public:
-    explicit XKJsonArena(const QString &text);
+    explicit XKJsonArena(const QString &text) : m_text(text), m_memory(m_first.data(), m_first.size())
+    {
+        (void)m_text.utf16(); // makes sure of the zero, whatever memory the text was made from
+    }
 
     /// A zero stands behind it.
     const QString &text() const { return m_text; }

@@ -12,7 +12,7 @@
 class XKJsonOutput
 {
 public:
-    XKJsonOutput() { makeRoom(firstCapacity); }
+    XKJsonOutput() { makeRoom(/*units=*/512); }
     /// The text; the output is of no more use.
     QString take()
     {
@@ -60,8 +60,6 @@ private:
     }
     void makeRoom(qsizetype units);
     qsizetype used() const { return m_text.size() - (m_limit - m_end); }
-
-    static constexpr qsizetype firstCapacity = 512;
 
     QString m_text;
     char16_t *m_end = nullptr;

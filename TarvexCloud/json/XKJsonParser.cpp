@@ -11,13 +11,6 @@ using Code = XKJsonErrorCode;
 
 namespace {
 
-/// The value of a hexadecimal digit; negative for any other unit.
-qsizetype hexDigit(char16_t unit)
-{
-    const qsizetype found = QStringView(u"0123456789abcdefABCDEF").indexOf(QChar(unit));
-    return found < 16 ? found : found - 6;
-}
-
 /// The first byte of the UTF-8 form of the character at the cursor.
 unsigned firstByte(const char16_t *c)
 {
@@ -248,8 +241,6 @@ bool XKJsonParser::scanEscape(XKJsonCursor &c, char16_t &unit)
 // Folds a surrogate pair into one unit, so that no character beyond the first plane comes out of it.
 bool XKJsonParser::scanUnicodeChar(XKJsonCursor &c, char16_t &unit)
 {
-    constexpr char16_t firstLow = 0xDC00;
-    constexpr char16_t lastAccepted = 0xDFFE;
     if (!scanHexQuad(c, unit))
         return refuse(Code::Unicode, "Missing hex quad");
     if (XKJsonScan::isLowSurrogate(unit))
@@ -259,9 +250,9 @@ bool XKJsonParser::scanUnicodeChar(XKJsonCursor &c, char16_t &unit)
     char16_t low = 0;
     if (!c.passIf(u"\\u") || !scanHexQuad(c, low))
         return refuse(Code::Unicode, "Missing low character in surrogate pair");
-    if (low < firstLow || low > lastAccepted)
+    if (!XKJsonScan::isLowSurrogate(low) || low == 0xDFFF)
         return refuse(Code::Unicode, "Invalid low surrogate char");
-    unit = static_cast<char16_t>((unit << 10) + (low - firstLow));
+    unit = static_cast<char16_t>((unit << 10) + (low - 0xDC00));
     return true;
 }
 
@@ -269,25 +260,18 @@ bool XKJsonParser::scanHexQuad(XKJsonCursor &c, char16_t &quad)
 {
     quad = 0;
     for (int i = 0; i < 4; ++i) {
-        const qsizetype digit = hexDigit(*c);
+        const qsizetype digit = QStringView(u"0123456789abcdefABCDEF").indexOf(QChar(*c));
         if (digit < 0)
             return refuse(Code::Unicode, "Missing hex digit in quad");
-        quad = static_cast<char16_t>(quad << 4 | digit);
+        quad = static_cast<char16_t>(quad << 4 | (digit < 16 ? digit : digit - 6));
         c.pass();
     }
     return true;
 }
 
-bool XKJsonParser::refuse(XKJsonErrorCode code, const char *description)
-{
-    addErrorWithCode(code, QString::fromLatin1(description));
-    return false;
-}
-
 bool XKJsonParser::refuseUnit(XKJsonErrorCode code, const char *description, unsigned value)
 {
-    addErrorWithCode(code, QLatin1StringView(description).arg(QString::number(value, /*base=*/16)));
-    return false;
+    return refuse(code, QLatin1StringView(description).arg(QString::number(value, /*base=*/16)));
 }
 
 bool XKJsonParser::refuseContainer(XKJsonErrorCode code, const char *description)
@@ -311,6 +295,6 @@ void XKJsonParser::addErrorsOfOpenContainers()
         if (m_open.last().kind == XKJsonKind::Array)
             refuse(Code::Parse, "Expected value while parsing array");
         else
-            addErrorWithCode(Code::Parse, "Object value expected for key: %1"_L1.arg(m_nodes.last().view()));
+            refuse(Code::Parse, "Object value expected for key: %1"_L1.arg(m_nodes.last().view()));
     }
 }

@@ -56,7 +56,6 @@ private:
 
     bool open(XKJsonKind kind);
     void close();
-    bool refuse(XKJsonErrorCode code, const char *description);
     bool refuseUnit(XKJsonErrorCode code, const char *description, unsigned value);
     bool refuseContainer(XKJsonErrorCode code, const char *description);
     bool abandonContainer();

@@ -15,19 +15,12 @@ using Narrow = qint8 __attribute__((vector_size(8)));
 static_assert(std::endian::native == std::endian::little, "countOf() counts from the lowest bit");
 
 constexpr quint16 blank = u' ', quote = u'"', backslash = u'\\';
-constexpr quint16 tab = u'\t', carriageReturn = u'\r';
-constexpr quint16 zero = u'0', nine = u'9';
+constexpr quint16 tab = u'\t', carriageReturn = u'\r', zero = u'0', nine = u'9';
 
 constexpr auto isBlank = [](auto unit) { return unit == blank; };
-
-constexpr auto isSpace = [](auto unit) {
-    return (unit == blank) | ((unit >= tab) & (unit <= carriageReturn));
-};
-
+constexpr auto isSpace = [](auto unit) { return isBlank(unit) | ((unit >= tab) & (unit <= carriageReturn)); };
 constexpr auto isDigit = [](auto unit) { return (unit >= zero) & (unit <= nine); };
-
 constexpr auto isHighSurrogate = [](auto unit) { return (unit & 0xFC00) == 0xD800; };
-
 constexpr auto isLowSurrogate = [](auto unit) { return (unit & 0xFC00) == 0xDC00; };
 
 /// Whether a unit needs no escape: no quote, backslash or control character, so no zero.

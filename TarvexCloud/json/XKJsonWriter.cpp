@@ -75,11 +75,6 @@ QString XKJsonWriter::stringWithObject(const XKJsonValue &object, XKJsonError *e
     return text;
 }
 
-inline const XKJsonNode *XKJsonWriter::Frame::keyAt(std::size_t index) const
-{
-    return sortedKeys ? sortedKeys[index] : container.items + 2 * index;
-}
-
 Q_ALWAYS_INLINE bool XKJsonWriter::appendContainer(const XKJsonNode &container, XKJsonOutput &into)
 {
     if (!enterContainer())
@@ -112,12 +107,13 @@ Q_ALWAYS_INLINE bool XKJsonWriter::appendValue(const XKJsonNode &value, XKJsonOu
         return true;
     case XKJsonKind::Decimal:
         if (isInfinite(value.view()))
-            return refuse(u"Infinity is not a valid number in JSON"_s);
+            return refuse(Code::Unsupported, u"Infinity is not a valid number in JSON"_s);
         into.put(value.view());
         return true;
     case XKJsonKind::Double:
         if (!std::isfinite(value.real))
-            return refuse(std::isnan(value.real) ? u"NaN is not a valid number in JSON"_s
+            return refuse(Code::Unsupported, std::isnan(value.real)
+                                                 ? u"NaN is not a valid number in JSON"_s
                                                  : u"Infinity is not a valid number in JSON"_s);
         into.putNumber(value.real);
         return true;
@@ -158,7 +154,7 @@ bool XKJsonWriter::appendObject(const XKJsonObject &object, XKJsonOutput &into)
 inline bool XKJsonWriter::appendKey(const XKJsonNode &key, XKJsonOutput &into)
 {
     if (key.kind() != XKJsonKind::String)
-        return refuse(u"JSON object key must be string"_s);
+        return refuse(Code::Unsupported, u"JSON object key must be string"_s);
     into.putString(key.view());
     m_humanReadable ? into.put(u" : ") : into.put(u':');
     return true;
@@ -207,10 +203,8 @@ QString XKJsonWriter::textOf(const XKJsonValue &container)
 bool XKJsonWriter::enterProxy(const XKJsonObject &object, const XKJsonValue &value)
 {
     constexpr std::size_t mostProxies = 10'000; // inside each other: objects made anew each time have no end
-    if ((maxDepth() > 0 && m_proxies.size() == mostProxies) || !m_proxied.insert(&object).second) {
-        addErrorWithCode(Code::Depth, u"Nested too deep"_s);
-        return false;
-    }
+    if ((maxDepth() > 0 && m_proxies.size() == mostProxies) || !m_proxied.insert(&object).second)
+        return refuseDepth();
     m_proxies.push_back({&object, value, m_frames.size()});
     return true;
 }
@@ -238,18 +232,12 @@ bool XKJsonWriter::goOnBehindProxy()
     return false;
 }
 
-bool XKJsonWriter::refuse(const QString &description)
-{
-    addErrorWithCode(Code::Unsupported, description);
-    return false;
-}
-
 bool XKJsonWriter::refuseClass(const QString &className)
 {
-    return refuse("JSON serialisation not supported for %1"_L1.arg(className));
+    return refuse(Code::Unsupported, "JSON serialisation not supported for %1"_L1.arg(className));
 }
 
 bool XKJsonWriter::refuseMember(const XKJsonNode &key)
 {
-    return refuse("Unsupported value for key %1 in object"_L1.arg(key.view()));
+    return refuse(Code::Unsupported, "Unsupported value for key %1 in object"_L1.arg(key.view()));
 }

@@ -38,7 +38,10 @@ private:
     // A container being written. Small, since there is one for each level of nesting.
     struct Frame
     {
-        const XKJsonNode *keyAt(std::size_t index) const;
+        const XKJsonNode *keyAt(std::size_t index) const
+        {
+            return sortedKeys ? sortedKeys[index] : container.items + 2 * index;
+        }
 
         XKJsonNode container;
         std::size_t done = 0; // elements or members, the one being written included
@@ -66,7 +69,6 @@ private:
     bool leaveProxies();
     bool goOnBehindProxy();
     qsizetype spacesOfIndent() const { return depth() > 0 ? 2 * static_cast<qsizetype>(depth()) : 0; }
-    bool refuse(const QString &description);
     bool refuseClass(const QString &className);
     bool refuseMember(const XKJsonNode &key);
 
