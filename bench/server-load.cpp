@@ -68,10 +68,14 @@ public:
     /// Sends and reads what can be; the socket tells once when there is more.
     void goOn()
     {
-        if (!m_request.empty()) {
-            const auto sent = ::send(m_socket, m_request.data(), m_request.size(), MSG_NOSIGNAL);
-            if (sent > 0)
-                m_request.remove_prefix(static_cast<std::size_t>(sent));
+        // Piece by piece, or the kernel would hold up whoever these clients give way to.
+        constexpr std::size_t piece = 64 * 1024;
+        while (!m_request.empty()) {
+            const auto sent =
+                ::send(m_socket, m_request.data(), std::min(piece, m_request.size()), MSG_NOSIGNAL);
+            if (sent <= 0)
+                break;
+            m_request.remove_prefix(static_cast<std::size_t>(sent));
         }
         static char bytes[256 * 1024];
         ssize_t size = 0;
