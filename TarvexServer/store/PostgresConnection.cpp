@@ -154,11 +154,8 @@ void PostgresConnection::execute(const std::string &script)
 std::int64_t PostgresConnection::numberOf(const std::string &query)
 {
     ensureSession();
-    if (PQsendQueryParams(m_session.get(), query.c_str(), /*nParams=*/0, nullptr, nullptr, nullptr, nullptr,
-                          /*resultFormat=*/0) == 0)
-        breakOff("the session with the database was lost");
-    m_keepers.push_back(nullptr);
-    ++m_unanswered;
+    noteSent(PQsendQueryParams(m_session.get(), query.c_str(), /*nParams=*/0, nullptr, nullptr, nullptr,
+                               nullptr, /*resultFormat=*/0) != 0);
     const Result result = receive();
     return PQntuples(result.get()) > 0 ? numberIn(result.get(), /*row=*/0, /*column=*/0) : 0;
 }
@@ -249,9 +246,8 @@ bool PostgresConnection::isMarked()
     while (Clock::now() < end) {
         try {
             ensureSession();
-            Rows found =
-                rows("UPDATE writer_mark SET noted_at = now() WHERE writer = $1 RETURNING mark", m_writer);
-            return found.next() && found.number(0) == m_mark;
+            return firstNumber("UPDATE writer_mark SET noted_at = now() WHERE writer = $1 RETURNING mark",
+                               m_writer) == m_mark;
         } catch (const TransactionHindered &) {
             std::this_thread::sleep_for(betweenAttempts);
         }

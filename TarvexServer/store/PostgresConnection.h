@@ -69,15 +69,16 @@ private:
 
     // These put something into the line of what is to be answered.
     void sendPreparation(const std::string &name, const std::string &sql);
-    void send(const std::string &name, const std::vector<std::string> &parameters,
-              PostgresStatement *keeper = nullptr);
+    void send(const std::string &name, const std::vector<std::string> &parameters, PostgresStatement *keeper);
+    /// Notes who keeps the result of what was put there; breaks off if it could not be.
+    void noteSent(bool isSent, PostgresStatement *keeper = nullptr);
     std::string nextName() { return "s" + std::to_string(++m_statements); }
     /// The last result that nobody keeps of all that were sent; throws what went wrong first.
     Result receive();
     Result nextResult(Clock::time_point deadline);
     void waitForServer(Clock::time_point deadline);
     void sendPending(Clock::time_point deadline);
-    [[noreturn]] void breakOff(const char *reason);
+    [[noreturn]] void breakOff(const char *reason = "the session with the database was lost");
 
     std::string m_url;
     std::unique_ptr<pg_conn, Closing> m_session;

@@ -90,13 +90,19 @@ std::unique_ptr<Statement> PostgresConnection::prepare(std::string_view sql)
     return std::make_unique<PostgresStatement>(*this, sql);
 }
 
+void PostgresConnection::noteSent(bool isSent, PostgresStatement *keeper)
+{
+    if (!isSent)
+        breakOff();
+    m_keepers.push_back(keeper);
+    ++m_unanswered;
+}
+
 void PostgresConnection::sendPreparation(const std::string &name, const std::string &sql)
 {
-    if (!m_session || PQsendPrepare(m_session.get(), name.c_str(), sql.c_str(), /*nParams=*/0, nullptr) == 0)
-        breakOff("the session with the database was lost");
     m_isPreparing = true;
-    m_keepers.push_back(nullptr);
-    ++m_unanswered;
+    noteSent(m_session &&
+             PQsendPrepare(m_session.get(), name.c_str(), sql.c_str(), /*nParams=*/0, nullptr) != 0);
 }
 
 void PostgresConnection::send(const std::string &name, const std::vector<std::string> &parameters,
@@ -107,18 +113,16 @@ void PostgresConnection::send(const std::string &name, const std::vector<std::st
     std::vector<const char *> values(parameters.size());
     std::transform(parameters.begin(), parameters.end(), values.begin(),
                    [](const std::string &parameter) { return parameter.c_str(); });
-    if (!m_session || PQsendQueryPrepared(m_session.get(), name.c_str(), static_cast<int>(values.size()),
-                                          values.data(), nullptr, nullptr, /*resultFormat=*/0) == 0)
-        breakOff("the session with the database was lost");
-    m_keepers.push_back(keeper);
-    ++m_unanswered;
+    noteSent(m_session && PQsendQueryPrepared(m_session.get(), name.c_str(), static_cast<int>(values.size()),
+                                              values.data(), nullptr, nullptr, /*resultFormat=*/0) != 0,
+             keeper);
 }
 
 PostgresConnection::Result PostgresConnection::receive()
 {
     const Clock::time_point deadline = Clock::now() + longestAnswer;
     if (!m_session || PQpipelineSync(m_session.get()) == 0)
-        breakOff("the session with the database was lost");
+        breakOff();
     ++m_ends;
     m_unanswered = 0;
     sendPending(deadline);
@@ -160,7 +164,7 @@ PostgresConnection::Result PostgresConnection::nextResult(Clock::time_point dead
         waitForServer(deadline);
     Result result(PQgetResult(m_session.get()));
     if (PQstatus(m_session.get()) != CONNECTION_OK)
-        breakOff("the session with the database was lost");
+        breakOff();
     return result;
 }
 
@@ -184,7 +188,7 @@ void PostgresConnection::waitForServer(Clock::time_point deadline)
     if ((socket.revents & POLLOUT) != 0)
         PQflush(m_session.get());
     if ((socket.revents & ~POLLOUT) != 0 && PQconsumeInput(m_session.get()) == 0)
-        breakOff("the session with the database was lost");
+        breakOff();
 }
 
 } // namespace tarvex::store
