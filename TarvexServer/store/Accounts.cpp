@@ -43,11 +43,15 @@ void insertAreas(Connection &connection, std::int64_t accountId, const std::vect
 
 } // namespace
 
+std::optional<std::int64_t> accountOf(Connection &connection, std::string_view login)
+{
+    return connection.firstNumber("SELECT account_id FROM login WHERE login_digest = $1", login);
+}
+
 std::optional<Credentials> findCredentials(Connection &connection, std::string_view login)
 {
     // By itself: the row of a login need not be where those of its account are.
-    const auto accountId =
-        connection.firstNumber("SELECT account_id FROM login WHERE login_digest = $1", login);
+    const auto accountId = accountOf(connection, login);
     return accountId ? credentialsOf(connection, *accountId) : std::nullopt;
 }
 

@@ -38,6 +38,9 @@ struct NewAccount
     std::int64_t createdAt = 0; ///< seconds since 1970
 };
 
+/// The account of a login, closed or not.
+std::optional<std::int64_t> accountOf(Connection &connection, std::string_view login);
+
 std::optional<Credentials> findCredentials(Connection &connection, std::string_view login);
 std::optional<Credentials> credentialsOf(Connection &connection, std::int64_t accountId);
 

@@ -12,11 +12,6 @@ std::optional<OwnerCredentials> ownerCredentials(Connection &connection, std::in
     return OwnerCredentials{.version = found.number(0), .passwordHash = std::string(found.text(1))};
 }
 
-std::optional<std::int64_t> accountOf(Connection &connection, const std::string &login)
-{
-    return connection.firstNumber("SELECT account_id FROM login WHERE login_digest = $1", login);
-}
-
 bool closeAccount(Connection &connection, std::int64_t accountId, std::int64_t now)
 {
     return connection.change("UPDATE account SET closed_at = $1, version = version + 1"

@@ -20,9 +20,6 @@ struct OwnerCredentials
 
 std::optional<OwnerCredentials> ownerCredentials(Connection &connection, std::int64_t accountId);
 
-/// The account of a login, closed or not.
-std::optional<std::int64_t> accountOf(Connection &connection, const std::string &login);
-
 /// Both end all that remembers a password of the account, and tell whether it was not closed, or was.
 bool closeAccount(Connection &connection, std::int64_t accountId, std::int64_t now);
 bool keepAccount(Connection &connection, std::int64_t accountId);
