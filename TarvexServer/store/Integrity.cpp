@@ -50,6 +50,37 @@ bool isAccountCountRight(Connection &connection)
                                   " WHERE accounts = (SELECT COUNT(*) FROM account)") == 1;
 }
 
+/// What is wrong with the counts that we keep beside the data, and with the data by our own rules, a sentence
+/// each. For a database of the newest schema.
+std::vector<std::string> faults(Connection &connection)
+{
+    std::vector<std::string> found;
+    if (!isAccountCountRight(connection))
+        found.emplace_back("The number of accounts is not what it is counted as (account_count).");
+    for (const LeastCount &count : leastCounts) {
+        if (const auto wrong = connection.firstNumber(count.wrong.c_str()); wrong > 0)
+            found.push_back("Accounts that " + count.complaint + ": " + std::to_string(*wrong) + ".");
+    }
+    const auto astray = connection.firstNumber(
+        "SELECT COUNT(*) FROM goal JOIN goal_set ON goal_set.account_id = goal.account_id"
+        " AND goal_set.set_id = goal.set_id"
+        " WHERE goal.deleted_at IS NULL AND goal_set.deleted_at IS NOT NULL");
+    if (astray > 0)
+        found.push_back("Goals that are there while their set is deleted: " + std::to_string(*astray) + ".");
+    return found;
+}
+
+/// Puts right whichever counts are wrong, and touches no data. Returns how many were.
+std::int64_t repairCounts(Connection &connection)
+{
+    std::int64_t repaired = 0;
+    if (!isAccountCountRight(connection))
+        repaired += connection.change("UPDATE account_count SET accounts = (SELECT COUNT(*) FROM account)");
+    for (const LeastCount &count : leastCounts)
+        repaired += connection.change(count.repair.c_str());
+    return repaired;
+}
+
 /// All in one transaction, so that it is looked at as it is at one moment.
 void examineCounts(SqliteConnection &session, Examination &examined, bool repairs)
 {
@@ -83,34 +114,6 @@ std::vector<std::string> damages(SqliteConnection &session)
                         std::string(orphans.text(1)) + " is missing: " + std::to_string(orphans.number(2)) +
                         ".");
     return found;
-}
-
-std::vector<std::string> faults(Connection &connection)
-{
-    std::vector<std::string> found;
-    if (!isAccountCountRight(connection))
-        found.emplace_back("The number of accounts is not what it is counted as (account_count).");
-    for (const LeastCount &count : leastCounts) {
-        if (const auto wrong = connection.firstNumber(count.wrong.c_str()); wrong > 0)
-            found.push_back("Accounts that " + count.complaint + ": " + std::to_string(*wrong) + ".");
-    }
-    const auto astray = connection.firstNumber(
-        "SELECT COUNT(*) FROM goal JOIN goal_set ON goal_set.account_id = goal.account_id"
-        " AND goal_set.set_id = goal.set_id"
-        " WHERE goal.deleted_at IS NULL AND goal_set.deleted_at IS NOT NULL");
-    if (astray > 0)
-        found.push_back("Goals that are there while their set is deleted: " + std::to_string(*astray) + ".");
-    return found;
-}
-
-std::int64_t repairCounts(Connection &connection)
-{
-    std::int64_t repaired = 0;
-    if (!isAccountCountRight(connection))
-        repaired += connection.change("UPDATE account_count SET accounts = (SELECT COUNT(*) FROM account)");
-    for (const LeastCount &count : leastCounts)
-        repaired += connection.change(count.repair.c_str());
-    return repaired;
 }
 
 Examination examine(const std::filesystem::path &file, bool repairs)

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Connection.h"
-
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -14,13 +12,6 @@ class SqliteConnection;
 /// What the engine finds wrong with the file and with what its rows refer to, a sentence each; not more than
 /// a screen of them. Reads all of it.
 std::vector<std::string> damages(SqliteConnection &session);
-
-/// What is wrong with the counts that we keep beside the data, and with the data by our own rules, a sentence
-/// each. For a database of the newest schema.
-std::vector<std::string> faults(Connection &connection);
-
-/// Puts right whichever counts are wrong, and touches no data. Returns how many were.
-std::int64_t repairCounts(Connection &connection);
 
 /// What there is to say about a database.
 struct Examination
