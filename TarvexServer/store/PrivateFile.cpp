@@ -40,6 +40,14 @@ OpenFile openPrivately(const std::filesystem::path &file, int flags)
     return {file, O_WRONLY | O_CREAT | flags, "written"};
 }
 
+/// Has the names in the folder of a file on disk.
+void syncFolderOf(const std::filesystem::path &file)
+{
+    const std::filesystem::path folder = std::filesystem::absolute(file).parent_path();
+    const OpenFile opened(folder, O_RDONLY | O_DIRECTORY, "read");
+    ::fsync(opened.descriptor); // some file systems have no such thing, and need none
+}
+
 } // namespace
 
 void makePrivateFile(const std::filesystem::path &file)
@@ -88,13 +96,6 @@ void giveToOwnerOf(const std::filesystem::path &other, const std::filesystem::pa
         return;
     if (::chown(file.c_str(), owned.st_uid, owned.st_gid) != 0)
         fail(file, "given to its owner", errno);
-}
-
-void syncFolderOf(const std::filesystem::path &file)
-{
-    const std::filesystem::path folder = std::filesystem::absolute(file).parent_path();
-    const OpenFile opened(folder, O_RDONLY | O_DIRECTORY, "read");
-    ::fsync(opened.descriptor); // some file systems have no such thing, and need none
 }
 
 void removeDatabase(const std::filesystem::path &file)

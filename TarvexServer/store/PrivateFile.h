@@ -20,9 +20,6 @@ void putInPlace(const std::filesystem::path &file, const std::filesystem::path &
 /// must not lock out the service.
 void giveToOwnerOf(const std::filesystem::path &other, const std::filesystem::path &file);
 
-/// Has the names in the folder of a file on disk.
-void syncFolderOf(const std::filesystem::path &file);
-
 /// Removes a database file and what the engine has beside it, as far as they are there.
 void removeDatabase(const std::filesystem::path &file);
 
