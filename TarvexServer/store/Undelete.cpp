@@ -5,17 +5,6 @@
 
 namespace tarvex::store {
 
-namespace {
-
-std::optional<std::int64_t> whenDeleted(Connection &connection, std::int64_t accountId, std::int64_t setId)
-{
-    return connection.firstNumber("SELECT deleted_at FROM goal_set"
-                                  " WHERE account_id = $1 AND set_id = $2 AND deleted_at IS NOT NULL",
-                                  accountId, setId);
-}
-
-} // namespace
-
 std::vector<DeletedSet> deletedSets(Connection &connection, std::int64_t accountId)
 {
     std::vector<DeletedSet> found;
@@ -49,7 +38,10 @@ std::vector<DeletedGoal> deletedGoals(Connection &connection, std::int64_t accou
 std::optional<std::int64_t> undeleteSet(Connection &connection, std::int64_t accountId, std::int64_t setId,
                                         std::int64_t now)
 {
-    const auto deletedAt = whenDeleted(connection, accountId, setId);
+    const auto deletedAt =
+        connection.firstNumber("SELECT deleted_at FROM goal_set"
+                               " WHERE account_id = $1 AND set_id = $2 AND deleted_at IS NOT NULL",
+                               accountId, setId);
     if (!deletedAt)
         return {};
     requireSetRoom(connection, accountId);
