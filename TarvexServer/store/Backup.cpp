@@ -43,10 +43,11 @@ RowCounts copyInto(SqliteConnection &copy, SqliteConnection &source, std::chrono
     return counts;
 }
 
-bool hasMark(const std::filesystem::path &file)
+bool isOurDatabase(const std::filesystem::path &file)
 {
     try {
-        return isOurs(*openAsItIs(file));
+        openAsItIs(file);
+        return true;
     } catch (const CannotOpen &) {
         return false;
     }
@@ -64,11 +65,9 @@ Copied copyDatabase(const std::filesystem::path &file, const std::filesystem::pa
         SqliteConnection copy(partial);
         copy.keepToItself(); // one at a time; what a killed one left is written over
         const UnfinishedFile unfinished(partial);
-        const RowCounts counts = copyInto(copy, *source, pause);
+        RowCounts counts = copyInto(copy, *source, pause);
         putInPlace(partial, target);
-        const auto accounts = counts.find("account");
-        return {.accounts = accounts != counts.end() ? accounts->second : 0,
-                .bytes = std::filesystem::file_size(target)};
+        return {.accounts = counts["account"], .bytes = std::filesystem::file_size(target)};
     } catch (const TransactionHindered &) {
         throw MaintenanceFailed("Another process writes a copy to " + target.string() + " at the moment.");
     } catch (const TransactionFailed &error) {
@@ -83,7 +82,7 @@ void requireFreeOrCopy(const std::filesystem::path &target, const std::filesyste
     if (std::filesystem::equivalent(target, database) || std::filesystem::exists(UseLock::fileOf(target)) ||
         std::filesystem::exists(target.string() + "-wal"))
         throw MaintenanceFailed("The file " + target.string() + " is no copy but a database that is used.");
-    if (std::filesystem::file_size(target) != 0 && !hasMark(target))
+    if (std::filesystem::file_size(target) != 0 && !isOurDatabase(target))
         throw MaintenanceFailed("The file " + target.string() + " is there, and no copy of a database.");
 }
 
@@ -110,7 +109,7 @@ std::vector<std::filesystem::path> removeOldCopies(const std::filesystem::path &
     for (const auto &entry : std::filesystem::directory_iterator(folder)) {
         const std::string name = entry.path().filename().string();
         if (name.starts_with(stem) && boost::regex_match(name.substr(stem.size()), pattern) &&
-            hasMark(entry.path()))
+            isOurDatabase(entry.path()))
             copies.push_back(entry.path());
     }
     std::sort(copies.begin(), copies.end());
