@@ -2,7 +2,6 @@
 
 #include "Sodium.h"
 
-#include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <fstream>
@@ -13,8 +12,6 @@
 namespace tarvex::security {
 
 namespace {
-
-using Digits = std::array<char, 2 * sizeof(KeyedHash::Key) + 1>;
 
 [[noreturn]] void fail(const std::filesystem::path &file, const std::string &reason)
 {
@@ -51,8 +48,7 @@ KeyedHash::Key installationKey(const std::filesystem::path &file)
     KeyedHash::Key key{};
     if (!std::filesystem::exists(file)) {
         randombytes_buf(key.data(), key.size());
-        Digits digits{};
-        writeNew(file, sodium_bin2hex(digits.data(), digits.size(), key.data(), key.size()));
+        writeNew(file, hexadecimal(key));
     }
     std::ifstream stream(file);
     std::string digits;

@@ -2,7 +2,6 @@
 
 #include "Sodium.h"
 
-#include <array>
 #include <cstdint>
 
 namespace tarvex::security {
@@ -62,8 +61,7 @@ std::string invitationHash(std::string_view code)
     }
     std::array<unsigned char, crypto_generichash_BYTES> hash{};
     crypto_generichash(hash.data(), hash.size(), symbols.data(), symbols.size(), nullptr, /*keylen=*/0);
-    std::array<char, 2 * crypto_generichash_BYTES + 1> hex{};
-    return sodium_bin2hex(hex.data(), hex.size(), hash.data(), hash.size());
+    return hexadecimal(hash);
 }
 
 } // namespace tarvex::security

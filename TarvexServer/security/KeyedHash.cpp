@@ -24,8 +24,7 @@ std::string KeyedHash::operator()(std::initializer_list<std::string_view> parts)
         add(part);
     }
     crypto_generichash_final(&state, hash.data(), hash.size());
-    std::array<char, 2 * hash.size() + 1> digits{};
-    return sodium_bin2hex(digits.data(), digits.size(), hash.data(), hash.size());
+    return hexadecimal(hash);
 }
 
 } // namespace tarvex::security

@@ -20,8 +20,7 @@ std::string PeerMark::operator()(std::string_view peer) const
     // The library takes unsigned bytes; a char may be read as one.
     crypto_shorthash(hash.data(), reinterpret_cast<const unsigned char *>(peer.data()), peer.size(),
                      m_key.data());
-    std::array<char, 2 * hash.size() + 1> digits{};
-    return {sodium_bin2hex(digits.data(), digits.size(), hash.data(), hash.size()), markDigits};
+    return hexadecimal(hash).substr(0, markDigits);
 }
 
 std::string randomMark()

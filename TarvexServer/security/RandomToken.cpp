@@ -2,8 +2,6 @@
 
 #include "Sodium.h"
 
-#include <array>
-
 namespace tarvex::security {
 
 std::string randomToken()
@@ -11,8 +9,7 @@ std::string randomToken()
     startLibrary();
     std::array<unsigned char, 32> bytes{};
     randombytes_buf(bytes.data(), bytes.size());
-    std::array<char, 2 * bytes.size() + 1> digits{};
-    return sodium_bin2hex(digits.data(), digits.size(), bytes.data(), bytes.size());
+    return hexadecimal(bytes);
 }
 
 } // namespace tarvex::security
