@@ -1,5 +1,7 @@
 #include "Sightings.h"
 
+#include "Progress.h"
+
 namespace tarvex::requests {
 
 void Sightings::note(const store::Credentials &account)
@@ -27,8 +29,7 @@ void Sightings::note(const store::Credentials &account, store::Connection &conne
 
 std::int64_t Sightings::today() const
 {
-    constexpr std::int64_t secondsPerDay = 24LL * 60 * 60;
-    return m_clocks.seconds() / secondsPerDay;
+    return store::dayOf(m_clocks.seconds());
 }
 
 } // namespace tarvex::requests
