@@ -45,27 +45,23 @@ void Purge::step()
 {
     if (m_isUnderWay->exchange(true))
         return;
-    const bool isThrough = m_account == 0 && !m_isRemoving;
-    if (isThrough && m_clocks.steady() < m_lastStep + betweenRounds) {
-        *m_isUnderWay = false;
-        return;
-    }
     // Goes with the last that holds it, also when the step failed and will be begun again.
     const std::shared_ptr<void> end(nullptr, [isUnderWay = m_isUnderWay](std::nullptr_t) {
         *isUnderWay = false;
         isUnderWay->notify_all();
     });
+    const bool isThrough = m_account == 0 && !m_isRemoving;
+    if (isThrough && m_clocks.steady() < m_lastStep + betweenRounds)
+        return;
     m_database.write([this](store::Connection &connection) { removeSome(connection); },
                      [end](const std::exception_ptr &) {});
 }
 
 void Purge::removeSome(store::Connection &connection)
 {
-    using std::chrono::duration_cast;
-    using std::chrono::seconds;
     if (!connection.keepsHouse())
         return;
-    const auto ran = duration_cast<seconds>(m_clocks.steady() - m_lastStep);
+    const auto ran = std::chrono::duration_cast<std::chrono::seconds>(m_clocks.steady() - m_lastStep);
     const std::int64_t before =
         store::movePurgeClock(connection, ran.count(), m_clocks.seconds()) - keptSeconds;
     m_lastStep += ran;
