@@ -206,14 +206,15 @@ Failures::Keys Service::limitedKeys(const Turn &turn) const
 {
     const std::string &peer = turn.m_request.peer;
     Failures::Keys keys;
-    if (!peer.empty())
-        keys.address = m_hash({"peer", peer});
     if (!turn.m_signUp)
         keys.login = loginKey(m_hash, turn.login());
-    if (!turn.m_signUp && !peer.empty())
-        keys.loginThere = m_hash({"login", turn.login(), peer});
-    if (turn.m_signUp && !peer.empty())
+    if (peer.empty())
+        return keys;
+    keys.address = m_hash({"peer", peer});
+    if (turn.m_signUp)
         keys.newAccounts = m_hash({"sign-up", peer});
+    else
+        keys.loginThere = m_hash({"login", turn.login(), peer});
     return keys;
 }
 
