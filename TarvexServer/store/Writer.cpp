@@ -19,13 +19,6 @@ constexpr std::chrono::seconds longestWait{5};
 
 constexpr std::chrono::milliseconds pauseForMemory{20};
 
-template<class Jobs>
-void failAll(Jobs &batch, const std::exception_ptr &failure)
-{
-    for (auto &job : batch)
-        job.failure = failure;
-}
-
 /// A long write leaves the processor to whoever reads meanwhile, where there are more threads than cores.
 void stepBack()
 {
@@ -97,6 +90,10 @@ void Writer::commit(std::vector<Job> &batch) noexcept
 {
     m_beginning = std::chrono::steady_clock::now();
     m_isWary = false;
+    const auto failAll = [&batch] {
+        for (Job &job : batch)
+            job.failure = std::current_exception();
+    };
     for (;;) {
         try {
             attempt(batch);
@@ -105,10 +102,10 @@ void Writer::commit(std::vector<Job> &batch) noexcept
             m_session->rollBack();
             if (isToBeTriedAgain(batch, failure))
                 continue;
-            failAll(batch, std::current_exception());
+            failAll();
         } catch (...) {
             m_session->rollBack();
-            failAll(batch, std::current_exception());
+            failAll();
         }
         return;
     }
