@@ -124,9 +124,8 @@ std::string monthAndYear(std::chrono::year_month month)
     constexpr std::array<const char *, 12> names = {"January",   "February", "March",    "April",
                                                     "May",       "June",     "July",     "August",
                                                     "September", "October",  "November", "December"};
-    std::string text = names[static_cast<unsigned>(month.month()) - 1];
-    text += ' ';
-    return text += std::to_string(static_cast<int>(month.year()));
+    const std::string name = names[static_cast<unsigned>(month.month()) - 1];
+    return name + " " + std::to_string(static_cast<int>(month.year()));
 }
 
 std::vector<store::Goal> goalsOf(std::int64_t setId, int quartersAgo)
