@@ -31,9 +31,10 @@ SetsById liveSets(store::Connection &connection, std::int64_t accountId)
 {
     SetsById found;
     for (const store::Set &set : store::sets(connection, accountId)) {
-        std::vector<Goal> &goals = (found[set.id] = {.name = wire::unescaped(set.name)}).goals;
+        Set &live = found[set.id];
+        live.name = wire::unescaped(set.name);
         for (const store::Goal &goal : store::goalsOfSet(connection, accountId, set.id))
-            goals.push_back(exported(goal));
+            live.goals.push_back(exported(goal));
     }
     return found;
 }
