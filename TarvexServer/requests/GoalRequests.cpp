@@ -54,12 +54,11 @@ std::vector<store::Goal> soundGoals(const Call &call, const std::vector<wire::Go
         if (isNew)
             place->second = placeExists(call, record.place);
         if (place->second)
-            goals.push_back(store::Goal{.id = 0,
-                                        .setId = record.place.setId,
-                                        .areaId = record.place.areaId,
-                                        .name = record.name,
-                                        .priority = record.priority,
-                                        .isChecked = record.isChecked});
+            goals.push_back({.setId = record.place.setId,
+                             .areaId = record.place.areaId,
+                             .name = record.name,
+                             .priority = record.priority,
+                             .isChecked = record.isChecked});
     }
     return goals;
 }

@@ -133,12 +133,11 @@ std::vector<store::Goal> goalsOf(std::int64_t setId, int quartersAgo)
     std::vector<store::Goal> goals;
     for (const SampleGoal &sample : year)
         if (sample.quartersAgo == quartersAgo)
-            goals.push_back(store::Goal{.id = 0,
-                                        .setId = setId,
-                                        .areaId = sample.areaId,
-                                        .name = sample.name,
-                                        .priority = sample.priority,
-                                        .isChecked = sample.isChecked});
+            goals.push_back({.setId = setId,
+                             .areaId = sample.areaId,
+                             .name = sample.name,
+                             .priority = sample.priority,
+                             .isChecked = sample.isChecked});
     return goals;
 }
 
