@@ -64,6 +64,8 @@ public:
     std::string_view text(int column) const { return m_statement->text(column); }
 
 private:
+    friend class Connection;
+
     Statement *m_statement;
 };
 
@@ -84,19 +86,19 @@ public:
     template<class... Values>
     Rows rows(const char *sql, const Values &...values)
     {
-        Statement &statement = prepared(sql);
+        Rows begun(prepared(sql));
         int parameter = 0;
-        (statement.bind(++parameter, values), ...);
-        return Rows(statement);
+        (begun.m_statement->bind(++parameter, values), ...);
+        return begun;
     }
 
     /// The same for rows that are looked at only after those of the next statement, with which they come.
     template<class... Values>
     Rows rowsAhead(const char *sql, const Values &...values)
     {
-        Rows rows = this->rows(sql, values...);
-        prepared(sql).runAhead();
-        return rows;
+        Rows begun = rows(sql, values...);
+        begun.m_statement->runAhead();
+        return begun;
     }
 
     /// The number that a query's first row begins with; nothing without a row.
@@ -114,7 +116,7 @@ public:
         Rows all = rows(sql, values...);
         while (all.next()) {
         }
-        return prepared(sql).changes();
+        return all.m_statement->changes();
     }
 
     /// Runs a statement whose changes nobody counts. Across a network it may go together with later ones:
@@ -122,11 +124,7 @@ public:
     template<class... Values>
     void run(const char *sql, const Values &...values)
     {
-        Statement &statement = prepared(sql);
-        const Rows end(statement);
-        int parameter = 0;
-        (statement.bind(++parameter, values), ...);
-        statement.run();
+        rows(sql, values...).m_statement->run();
     }
 
     /// The same with as many parameters as there are values; those of numbers may be texts.
