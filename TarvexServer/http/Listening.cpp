@@ -10,7 +10,7 @@ asio::ip::tcp::endpoint endpointOf(asio::io_context &io, const std::string &host
     asio::ip::tcp::resolver resolver(io);
     const auto found =
         resolver.resolve(host, std::to_string(port), asio::ip::tcp::resolver::numeric_service, error);
-    if (error || found.empty())
+    if (error)
         throw CannotListen("The address " + host + ":" + std::to_string(port) +
                            " cannot be found: " + error.message() + ".");
     return found.begin()->endpoint();

@@ -24,17 +24,15 @@ template<class Acceptor>
 void listen(Acceptor &acceptor, const boost::asio::ip::tcp::endpoint &endpoint, const std::string &host)
 {
     namespace asio = boost::asio;
-    boost::system::error_code error;
-    acceptor.open(endpoint.protocol(), error);
-    if (!error)
-        acceptor.set_option(asio::socket_base::reuse_address(true), error);
-    if (!error)
-        acceptor.bind(endpoint, error);
-    if (!error)
-        acceptor.listen(asio::socket_base::max_listen_connections, error);
-    if (error)
+    try {
+        acceptor.open(endpoint.protocol());
+        acceptor.set_option(asio::socket_base::reuse_address(true));
+        acceptor.bind(endpoint);
+        acceptor.listen(asio::socket_base::max_listen_connections);
+    } catch (const boost::system::system_error &error) {
         throw CannotListen("The address " + host + ":" + std::to_string(endpoint.port()) +
-                           " cannot be listened on: " + error.message() + ".");
+                           " cannot be listened on: " + error.code().message() + ".");
+    }
 }
 
 } // namespace tarvex::http
