@@ -29,16 +29,6 @@ bool isCodingUnknown(const Head &head)
            (coding != head.end() && !boost::beast::iequals(coding->value(), "chunked"));
 }
 
-/// The path of a target, of which the other form (RFC 9112, 3.2.2) is for proxies and must be understood.
-std::string_view pathOf(std::string_view target)
-{
-    constexpr std::string_view scheme = "http://";
-    if (!target.starts_with(scheme))
-        return target;
-    target.remove_prefix(scheme.size());
-    return target.substr(std::min(target.find('/'), target.size()));
-}
-
 /// What is wrong with a head whatever it asks for.
 std::optional<HeadFault> commonFaultOf(const Head &head)
 {
@@ -61,7 +51,7 @@ std::optional<HeadFault> faultOf(const HeadParser &parser)
     const Head &head = parser.get();
     if (const auto fault = commonFaultOf(head))
         return fault;
-    if (pathOf(head.target()) != servicePath)
+    if (targetOf(parser) != servicePath)
         return HeadFault{beast::status::not_found, "There is nothing here."};
     if (head.method() != beast::verb::post)
         return HeadFault{beast::status::method_not_allowed, "The service answers POST requests only."};
@@ -87,7 +77,12 @@ std::optional<HeadFault> pageFaultOf(const HeadParser &parser)
 
 std::string_view targetOf(const HeadParser &parser)
 {
-    return pathOf(parser.get().target());
+    constexpr std::string_view scheme = "http://"; // RFC 9112, 3.2.2: for proxies, but must be understood
+    std::string_view target = parser.get().target();
+    if (!target.starts_with(scheme))
+        return target;
+    target.remove_prefix(scheme.size());
+    return target.substr(std::min(target.find('/'), target.size()));
 }
 
 } // namespace tarvex::http
