@@ -55,12 +55,12 @@ void FairThreads::stop()
 
 void FairThreads::run()
 {
-    for (bool goesOn = true; goesOn;) {
+    while (true) {
         try {
             const Task task = next();
-            goesOn = task.run != nullptr;
-            if (goesOn)
-                task.run();
+            if (!task.run)
+                return;
+            task.run();
         } catch (const std::bad_alloc &) { // nothing was taken yet; the next attempt may do
         }
     }
