@@ -101,13 +101,13 @@ void Session::start()
         readIntroduction();
         return;
     }
-    m_isIdle = m_buffer.size() == 0;
-    if (m_isIdle && m_context.isDraining)
-        return;
-    if (!m_isIdle) {
+    if (m_buffer.size() > 0) {
         readHead(); // the client did not wait for the answer before
         return;
     }
+    m_isIdle = true;
+    if (m_context.isDraining)
+        return;
     m_idleSince = std::chrono::steady_clock::now();
     m_deadline = m_idleSince + (m_isFirst ? m_context.limits.headTime : m_context.limits.idleTime);
     m_buffer.shrink_to_fit();
@@ -157,16 +157,14 @@ void Session::parseHead()
     const std::size_t room = m_buffer.capacity() - m_buffer.size(); // a head may come byte by byte
     if (error == beast::error::need_more)
         readSome(std::max(room, idleReadSize / 2), [](Session &self) { self.parseHead(); });
+    else if (error)
+        refuseHead(error);
     else
-        headArrived(error);
+        headArrived();
 }
 
-void Session::headArrived(Error error)
+void Session::headArrived()
 {
-    if (error) {
-        refuseHead(error);
-        return;
-    }
     m_isForPages = m_context.site != nullptr && isForPages(*m_parser);
     if (const auto fault = m_isForPages ? pageFaultOf(*m_parser) : faultOf(*m_parser))
         sendStatus(fault->status, std::string(fault->sentence));

@@ -95,7 +95,7 @@ private:
     void readIntroduction();
     void readHead();
     void parseHead();
-    void headArrived(Error error);
+    void headArrived();
     void refuseHead(Error error);
     void beginBody(std::size_t length);
     void readBody();
