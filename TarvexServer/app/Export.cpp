@@ -2,8 +2,8 @@
 #include "Checks.h"
 #include "Commands.h"
 #include "Exporting.h"
+#include "Output.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <map>
@@ -23,23 +23,13 @@ struct ExportOptions
     bool withDeleted = false;
 };
 
-bool writeAll(int descriptor, std::string_view rest)
-{
-    while (!rest.empty()) {
-        const ssize_t written = ::write(descriptor, rest.data(), rest.size());
-        if (written < 0 && errno != EINTR)
-            return false;
-        rest.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
-    }
-    return true;
-}
-
 /// Writes a file that only its owner can read and that was not there before; it is there in full or not at
 /// all.
 void writeNewFile(const std::string &file, const std::string &text)
 {
     const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    const bool isWritten = descriptor >= 0 && writeAll(descriptor, text) && ::fsync(descriptor) == 0;
+    const bool isWritten =
+        descriptor >= 0 && writeOut(descriptor, text) == text.size() && ::fsync(descriptor) == 0;
     const int error = errno;
     if (descriptor >= 0)
         ::close(descriptor);
@@ -61,7 +51,7 @@ int exportAccount(const InstallationOptions &installation, const AccountOptions 
         options.format == ExportFormat::Json ? wire::writeExport(exported) : wire::writeTable(exported);
     if (!options.file.empty())
         writeNewFile(options.file, text);
-    else if (!writeAll(STDOUT_FILENO, text))
+    else if (writeOut(STDOUT_FILENO, text) < text.size())
         throw std::runtime_error("The export cannot be written: " + std::generic_category().message(errno) +
                                  ".");
     return 0;

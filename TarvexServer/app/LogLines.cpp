@@ -1,5 +1,7 @@
 #include "LogLines.h"
 
+#include "Output.h"
+
 #include <algorithm>
 #include <boost/json.hpp>
 #include <cerrno>
@@ -86,7 +88,8 @@ void LogLines::flush()
         if (told > 0)
             add(spdlog::level::warn, R"("event":"log lines lost","lines":)" + std::to_string(told), lines);
     }
-    const std::string_view rest = std::string_view(lines).substr(writeOut(lines));
+    // Some are left when the disk is full, or when nobody reads any more.
+    const std::string_view rest = std::string_view(lines).substr(writeOut(m_descriptor, lines));
     const std::lock_guard lock(m_mutex);
     if (!rest.empty()) {
         const auto unwritten = static_cast<std::uint64_t>(std::count(rest.begin(), rest.end(), '\n'));
@@ -124,19 +127,6 @@ void LogLines::openAnew()
         return;
     }
     ::close(std::exchange(m_descriptor, descriptor));
-}
-
-/// How many bytes of the lines could be written.
-std::size_t LogLines::writeOut(const std::string &lines) const
-{
-    std::size_t done = 0;
-    while (done < lines.size()) {
-        const ssize_t written = ::write(m_descriptor, lines.data() + done, lines.size() - done);
-        if (written < 0 && errno != EINTR)
-            break; // the disk is full, or nobody reads any more
-        done += static_cast<std::size_t>(std::max<ssize_t>(written, 0));
-    }
-    return done;
 }
 
 } // namespace tarvex::app

@@ -40,7 +40,6 @@ public:
 private:
     void add(spdlog::level::level_enum level, const std::string &message, std::string &lines);
     void openAnew();
-    std::size_t writeOut(const std::string &lines) const;
 
     const std::string m_path;
     int m_descriptor;

@@ -5,8 +5,10 @@
 #include <algorithm>
 #include <array>
 #include <boost/json.hpp>
+#include <cerrno>
 #include <cstdio>
 #include <iostream>
+#include <unistd.h>
 
 namespace tarvex::app {
 
@@ -33,6 +35,18 @@ std::shared_ptr<const bool> addJsonOption(CLI::App &command)
 void printJson(const boost::json::value &document)
 {
     std::cout << boost::json::serialize(document) << "\n";
+}
+
+std::size_t writeOut(int descriptor, std::string_view bytes)
+{
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t written = ::write(descriptor, bytes.data() + done, bytes.size() - done);
+        if (written < 0 && errno != EINTR)
+            break;
+        done += static_cast<std::size_t>(std::max<ssize_t>(written, 0));
+    }
+    return done;
 }
 
 std::string sizeInWords(std::uintmax_t bytes)

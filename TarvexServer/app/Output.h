@@ -2,6 +2,7 @@
 
 #include <boost/json/value.hpp>
 #include <CLI/App.hpp>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -14,6 +15,10 @@ std::shared_ptr<const bool> addJsonOption(CLI::App &command);
 
 /// Prints one document on a line of its own.
 void printJson(const boost::json::value &document);
+
+/// Writes to the descriptor, and tells how many of the bytes could be written; where that is not all, errno
+/// tells why.
+std::size_t writeOut(int descriptor, std::string_view bytes);
 
 /// A size in words for people: "512 bytes", "3.4 MiB".
 std::string sizeInWords(std::uintmax_t bytes);
