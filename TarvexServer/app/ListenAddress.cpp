@@ -7,7 +7,7 @@ namespace tarvex::app {
 std::optional<ListenAddress> listenAddress(const std::string &text)
 {
     const auto colon = text.rfind(':');
-    if (colon == std::string::npos || colon == 0)
+    if (colon == std::string::npos)
         return {};
     ListenAddress address{.host = text.substr(0, colon)};
     const char *end = text.data() + text.size();
@@ -26,11 +26,6 @@ std::string hostAndPort(const std::string &host, std::uint16_t port)
 {
     const bool isIpv6 = host.find(':') != std::string::npos;
     return (isIpv6 ? "[" + host + "]" : host) + ":" + std::to_string(port);
-}
-
-std::string serviceUrl(const std::string &host, std::uint16_t port)
-{
-    return "http://" + hostAndPort(host, port) + "/tarvex/";
 }
 
 } // namespace tarvex::app

@@ -19,7 +19,4 @@ std::optional<ListenAddress> listenAddress(const std::string &text);
 /// That host and port as an address to listen on is written.
 std::string hostAndPort(const std::string &host, std::uint16_t port);
 
-/// The service's URL on that host and port.
-std::string serviceUrl(const std::string &host, std::uint16_t port);
-
 } // namespace tarvex::app

@@ -100,7 +100,8 @@ public:
         if (m_isNew)
             logEvent("database made");
         logEvent("started");
-        std::cout << "READY " << serviceUrl(m_address.host, m_server.port()) << std::endl;
+        std::cout << "READY http://" << hostAndPort(m_address.host, m_server.port()) << "/tarvex/"
+                  << std::endl;
         if (m_watchServer)
             std::cout << "WATCH " << hostAndPort(m_watchHost, m_watchServer->port()) << std::endl;
         m_manager.sayReady();

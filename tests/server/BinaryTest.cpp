@@ -238,7 +238,7 @@ TEST(Binary, RefusesForWantOfMemoryAndGoesOn)
 TEST(Binary, ListensToThisMachineAloneUnlessToldOtherwise)
 {
     EXPECT_NE(run(TemporaryFolder(), "serve --help").second.find("=127.0.0.1:8717\n"), std::string::npos);
-    EXPECT_EQ(app::serviceUrl("::1", 80), "http://[::1]:80/tarvex/");
+    EXPECT_EQ(app::hostAndPort("::1", 80), "[::1]:80");
 }
 
 TEST(Binary, ShowsPagesToThisMachineAloneUnlessToldOtherwise)
