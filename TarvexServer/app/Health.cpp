@@ -1,6 +1,7 @@
 #include "Checks.h"
 #include "Commands.h"
 #include "ListenAddress.h"
+#include "Output.h"
 
 #include <algorithm>
 #include <boost/asio/io_context.hpp>
@@ -11,7 +12,6 @@
 #include <boost/beast/http/read.hpp>
 #include <boost/beast/http/string_body.hpp>
 #include <boost/beast/http/write.hpp>
-#include <boost/json.hpp>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -75,7 +75,7 @@ Reply get(const ListenAddress &address, const std::string &target)
 }
 
 /// A line of what somebody answered, fit for a terminal.
-std::string shown(const std::string &text)
+std::string lineOf(const std::string &text)
 {
     constexpr std::size_t longest = 200;
     std::string line = text.substr(0, std::min(text.find('\n'), longest));
@@ -95,7 +95,7 @@ Verdict ask(const HealthOptions &options)
         if (!isWatched && reply.result() == beast::status::method_not_allowed)
             return {.isHealthy = true, .sentence = "The service answers."};
         return {.isHealthy = isWatched && reply.result() == beast::status::ok,
-                .sentence = shown(reply.body())};
+                .sentence = lineOf(reply.body())};
     } catch (const boost::system::system_error &error) {
         return {.isHealthy = false,
                 .sentence = "Nothing answers at " + where + ": " + error.code().message() + "."};
@@ -106,8 +106,7 @@ int health(const HealthOptions &options)
 {
     const Verdict verdict = ask(options);
     if (options.isJson)
-        std::cout << boost::json::object({{"healthy", verdict.isHealthy}, {"sentence", verdict.sentence}})
-                  << std::endl;
+        printJson({{"healthy", verdict.isHealthy}, {"sentence", verdict.sentence}});
     else if (verdict.isHealthy)
         std::cout << verdict.sentence << std::endl;
     else

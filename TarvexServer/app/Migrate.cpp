@@ -2,12 +2,12 @@
 #include "Commands.h"
 #include "Database.h"
 #include "InstallationOptions.h"
+#include "Output.h"
 #include "PostgresEngine.h"
 #include "StoreError.h"
 #include "Transfer.h"
 #include "UseLock.h"
 
-#include <boost/json.hpp>
 #include <iostream>
 #include <memory>
 
@@ -50,7 +50,7 @@ int migrate(const MigrateOptions &options)
     if (!different.empty())
         throw store::CannotOpen("The copy of the table " + different + " is not the same. Do not use it.");
     if (options.isJson)
-        std::cout << boost::json::object{{"accounts", accounts}, {"rows", rows}} << std::endl;
+        printJson({{"accounts", accounts}, {"rows", rows}});
     else
         std::cout << "Copied and compared: " << rows << " rows, accounts: " << accounts
                   << ". The secret stays as it is." << std::endl;
