@@ -7,7 +7,6 @@
 #include <ctime>
 #include <fstream>
 #include <iostream>
-#include <numeric>
 
 namespace tarvex::app {
 
@@ -58,9 +57,9 @@ int importFile(const InstallationOptions &installation, const AccountOptions &ac
     const wire::AccountExport imported = wire::readExport(contentOf(options.file));
     const std::int64_t accountId = importInto(installation, account, options, password, imported);
     const auto sets = static_cast<std::int64_t>(imported.sets.size());
-    const auto goals = std::accumulate(
-        imported.sets.begin(), imported.sets.end(), std::int64_t(0),
-        [](auto sum, const auto &set) { return sum + static_cast<std::int64_t>(set.goals.size()); });
+    std::int64_t goals = 0;
+    for (const auto &set : imported.sets)
+        goals += static_cast<std::int64_t>(set.goals.size());
     if (isJson)
         printJson({{"account", std::to_string(accountId)}, {"sets", sets}, {"goals", goals}});
     else

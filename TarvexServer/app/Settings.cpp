@@ -43,9 +43,7 @@ std::string trimmed(const std::string &text)
 
 [[noreturn]] void refuse(const std::string &name, const char *fault, const std::string &place)
 {
-    std::string text = "The setting \"";
-    text.append(name).append("\" ").append(fault).append(" (").append(place).append(").");
-    throw CLI::FileError(text);
+    throw CLI::FileError("The setting \"" + name + "\" " + fault + " (" + place + ").");
 }
 
 } // namespace
