@@ -132,13 +132,9 @@ void Site::changePassword(Visit &visit)
         visit.then(Visit::Step::Hash, [this, &visit] {
             const std::string hash = requests::newPasswordHash(visit.form.field("new").value_or(""));
             visit.then(Visit::Step::Work, [this, &visit, hash] {
-                if (!writeAs(visit, [&](store::Connection &connection) {
-                        store::setPasswordHash(connection, visit.session->accountId, hash);
-                        store::endWebSessions(connection, visit.session->accountId);
-                    }))
-                    return;
-                visit.end(redirect("/sign-in?said=password"));
-                visit.reply.fields += cookieField(/*value=*/"", visit.request.isEncrypted);
+                endSessions(visit, "/sign-in?said=password", [&](store::Connection &connection) {
+                    store::setPasswordHash(connection, visit.session->accountId, hash);
+                });
             });
         });
     });
@@ -146,12 +142,7 @@ void Site::changePassword(Visit &visit)
 
 void Site::signOutEverywhere(Visit &visit)
 {
-    if (!writeAs(visit, [&](store::Connection &connection) {
-            store::endWebSessions(connection, visit.session->accountId);
-        }))
-        return;
-    visit.end(redirect("/sign-in?said=everywhere"));
-    visit.reply.fields += cookieField(/*value=*/"", visit.request.isEncrypted);
+    endSessions(visit, "/sign-in?said=everywhere", [](store::Connection &) {});
 }
 
 void Site::showDeleted(Visit &visit)
@@ -219,13 +210,9 @@ void Site::close(Visit &visit)
             showCloseWith(visit, problemOf(answer.outcome, wrongPassword), statusOf(answer.outcome));
             return;
         }
-        if (!writeAs(visit, [&](store::Connection &connection) {
-                store::closeAccount(connection, visit.session->accountId, m_clocks.seconds());
-                store::endWebSessions(connection, visit.session->accountId);
-            }))
-            return;
-        visit.end(redirect("/sign-in?said=closed"));
-        visit.reply.fields += cookieField(/*value=*/"", visit.request.isEncrypted);
+        endSessions(visit, "/sign-in?said=closed", [&](store::Connection &connection) {
+            store::closeAccount(connection, visit.session->accountId, m_clocks.seconds());
+        });
     });
 }
 

@@ -346,6 +346,17 @@ void Site::endSignedOut(Visit &visit) const
         visit.end(redirect("/sign-in"));
 }
 
+void Site::endSessions(Visit &visit, std::string_view where, const store::Database::Work &work)
+{
+    if (!writeAs(visit, [&](store::Connection &connection) {
+            work(connection);
+            store::endWebSessions(connection, visit.session->accountId);
+        }))
+        return;
+    visit.end(redirect(where));
+    visit.reply.fields += cookieField(/*value=*/"", visit.request.isEncrypted);
+}
+
 void Site::show(Visit &visit, std::string_view name, Values values, unsigned status) const
 {
     const std::string_view said = visit.query.field("said").value_or("");

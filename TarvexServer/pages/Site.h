@@ -72,6 +72,8 @@ private:
     bool readAs(Visit &visit, const store::Database::Work &work);
     bool writeAs(Visit &visit, const store::Database::Work &work);
     void endSignedOut(Visit &visit) const;
+    /// Writes in the same way, with which all sessions of the account end, this one too.
+    void endSessions(Visit &visit, std::string_view where, const store::Database::Work &work);
     void show(Visit &visit, std::string_view name, Values values, unsigned status = 200) const;
     Reply told(unsigned status, const std::string &title, const std::string &sentence) const;
     void beginSession(Visit &visit, std::int64_t accountId, std::int64_t version, std::string_view where);
