@@ -90,6 +90,7 @@ Values areaNames(const std::vector<store::Area> &areas)
 /// One of two wheels that are compared.
 struct Side
 {
+    std::string name;
     const store::Set *set = nullptr;
     std::int64_t day = 0;
     std::optional<store::DayOfAreas> values = {};
@@ -97,10 +98,10 @@ struct Side
 };
 
 Values sideValues(const Side &side, const std::vector<store::Set> &sets,
-                  const std::vector<store::Area> &areas, const std::string &name)
+                  const std::vector<store::Area> &areas)
 {
     Values values;
-    values.set("name", name);
+    values.set("name", side.name);
     values.set("sets", choices(sets, side.set->id));
     values.set("setName", side.set->name);
     values.set("day", textOfDay(side.day));
@@ -178,18 +179,15 @@ void Site::showComparison(Visit &visit)
     const std::int64_t today = store::dayOf(m_clocks.seconds());
     std::vector<store::Set> sets;
     std::vector<store::Area> areas;
-    std::array<Side, 2> sides;
-    constexpr std::array<const char *, 2> setFields = {"first", "second"};
-    constexpr std::array<const char *, 2> dayFields = {"first-day", "second-day"};
+    std::array<Side, 2> sides = {Side{.name = "first"}, Side{.name = "second"}};
     if (!readAs(visit, [&](store::Connection &connection) {
             const std::int64_t accountId = visit.session->accountId;
             sets = typedSets(connection, accountId);
             areas = typedAreas(connection, accountId);
-            for (std::size_t i = 0; i < sides.size(); ++i) {
-                Side &side = sides.at(i);
-                side.set = chosen(sets, setIn(visit.query, setFields.at(i)));
-                side.day = std::min(
-                    today, dayOfText(visit.query.field(dayFields.at(i)).value_or("")).value_or(today));
+            for (Side &side : sides) {
+                side.set = chosen(sets, setIn(visit.query, side.name));
+                const auto day = visit.query.field(side.name + "-day").value_or("");
+                side.day = std::min(today, dayOfText(day).value_or(today));
                 if (side.set == nullptr)
                     return;
                 side.values = store::valuesOn(connection, accountId, side.day);
@@ -202,8 +200,8 @@ void Site::showComparison(Visit &visit)
         return;
     }
     Values both(Values::type::list);
-    both.push_back(sideValues(sides[0], sets, areas, "first"));
-    both.push_back(sideValues(sides[1], sets, areas, "second"));
+    for (const Side &side : sides)
+        both.push_back(sideValues(side, sets, areas));
     Values values;
     values.set("sides", both);
     values.set("today", textOfDay(today));
