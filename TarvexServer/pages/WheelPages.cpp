@@ -1,13 +1,13 @@
 #include "Accounts.h"
 #include "Call.h"
 #include "Goals.h"
+#include "ProgressChart.h"
 #include "Replies.h"
 #include "Site.h"
 #include "WheelParts.h"
 #include "WireText.h"
 
 #include <algorithm>
-#include <numeric>
 
 namespace tarvex::pages {
 
@@ -98,10 +98,9 @@ Values wheelValues(const Wheel &wheel, std::optional<std::int64_t> onlyArea)
     auto slices = slicesOf(wheel.areas, numbers, percents);
     for (std::size_t i = 0; i < sliceCount && i < wheel.areas.size(); ++i)
         slices.at(i).link = "#area-" + std::to_string(wheel.areas[i].id);
-    const auto sum = std::accumulate(percents.begin(), percents.end(), 0);
     Values values;
     values.set("picture", wheelPicture("Wheel of " + wheel.set->name, slices));
-    values.set("average", std::to_string(sum / static_cast<int>(sliceCount)));
+    values.set("average", std::to_string(averageOf(percents)));
     values.set("set", std::to_string(wheel.set->id));
     values.set("setName", wheel.set->name);
     values.set("sets", choices(wheel.sets, wheel.set->id));
