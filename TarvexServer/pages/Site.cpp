@@ -1,6 +1,7 @@
 #include "Site.h"
 
 #include "Accounts.h"
+#include "Progress.h"
 #include "RandomToken.h"
 #include "Replies.h"
 #include "StoreError.h"
@@ -17,7 +18,6 @@ using requests::Outcome;
 namespace {
 
 constexpr std::size_t tokenDigits = 64;
-constexpr std::int64_t secondsPerDay = 24LL * 60 * 60;
 constexpr std::string_view formType = "application/x-www-form-urlencoded";
 
 /// What a page says that another one led to, by the word in its address.
@@ -269,7 +269,7 @@ Badge Site::badgeOf(std::int64_t accountId, std::string_view token) const
 
 std::string Site::cacheKey(const Visit &visit) const
 {
-    const std::string today = std::to_string(m_clocks.seconds() / secondsPerDay); // which some pages show
+    const std::string today = std::to_string(store::dayOf(m_clocks.seconds())); // which some pages show
     return m_hash({"page", std::to_string(visit.badge->accountId), visit.badge->tokenHash,
                    visit.request.target, today});
 }
@@ -364,7 +364,7 @@ void Site::show(Visit &visit, std::string_view name, Values values, unsigned sta
         std::find_if(notices.begin(), notices.end(), [&](const auto &known) { return known.first == said; });
     if (notice != notices.end() && !isPost(visit.request))
         values.set("notice", notice->second);
-    if (visit.session && visit.badge) {
+    if (visit.session) {
         values.set("token", visit.badge->formToken);
         values.set(visit.session->closedAt ? "closed" : "open", true);
         values.set("signedIn", true);
@@ -391,7 +391,7 @@ void Site::beginSession(Visit &visit, std::int64_t accountId, std::int64_t versi
     const Badge badge = badgeOf(accountId, token);
     const std::int64_t now = m_clocks.seconds();
     m_database.write([&](store::Connection &connection) {
-        store::noteSeen(connection, accountId, now / secondsPerDay);
+        store::noteSeen(connection, accountId, store::dayOf(now));
         store::beginWebSession(connection, accountId, badge.tokenHash, version, now);
     });
     visit.end(redirect(where));
