@@ -4,21 +4,13 @@
 #include "WireText.h"
 
 #include <algorithm>
+#include <charconv>
 
 namespace tarvex::pages {
 
 namespace {
 
 constexpr unsigned hexDigitsPerByte = 2;
-constexpr unsigned noDigit = 16;
-
-unsigned digitOf(char character)
-{
-    if (character >= '0' && character <= '9')
-        return static_cast<unsigned>(character - '0');
-    const char lower = static_cast<char>(character | ' ');
-    return lower >= 'a' && lower <= 'f' ? static_cast<unsigned>(lower - 'a') + 10U : noDigit;
-}
 
 std::optional<std::string> decoded(std::string_view encoded)
 {
@@ -31,11 +23,12 @@ std::optional<std::string> decoded(std::string_view encoded)
         }
         if (encoded.size() <= hexDigitsPerByte)
             return {};
-        const unsigned high = digitOf(encoded[1]);
-        const unsigned low = digitOf(encoded[2]);
-        if (high == noDigit || low == noDigit)
+        const char *const digits = encoded.data() + 1;
+        const char *const end = digits + hexDigitsPerByte;
+        unsigned byte = 0;
+        if (std::from_chars(digits, end, byte, /*base=*/16).ptr != end)
             return {};
-        text += static_cast<char>(high << 4U | low);
+        text += static_cast<char>(byte);
         encoded.remove_prefix(hexDigitsPerByte);
     }
     return text;
