@@ -58,12 +58,6 @@ bool isPost(const Request &request)
     return request.method == "POST";
 }
 
-bool isMethodServed(const Request &request, bool canBeRead, bool canBeWritten)
-{
-    return isPost(request) ? canBeWritten
-                           : canBeRead && (request.method == "GET" || request.method == "HEAD");
-}
-
 bool isToken(std::string_view text)
 {
     return text.size() == tokenDigits && text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
@@ -136,7 +130,9 @@ const Site::Route *Site::accepted(Visit &visit) const
         visit.end(told(/*status=*/404, "Not found", "There is no such page."));
         return nullptr;
     }
-    if (!isMethodServed(visit.request, route->get != nullptr, route->post != nullptr)) {
+    const bool isRead = visit.request.method == "GET" || visit.request.method == "HEAD";
+    const bool isServed = isPost(visit.request) ? route->post != nullptr : isRead && route->get != nullptr;
+    if (!isServed) {
         visit.end(told(/*status=*/405, "Not like this", "This page cannot be asked for in this way."));
         visit.reply.fields.append(route->get == nullptr    ? "Allow: POST\r\n"
                                   : route->post == nullptr ? "Allow: GET, HEAD\r\n"
