@@ -1,10 +1,10 @@
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace tarvex::wire {
@@ -14,7 +14,11 @@ struct GoalPlace
 {
     std::int64_t setId = 0;
     std::int64_t areaId = 0;
-    auto operator<=>(const GoalPlace &) const = default;
+    bool operator==(const GoalPlace &) const = default;
+    bool operator<(const GoalPlace &other) const
+    {
+        return std::tie(setId, areaId) < std::tie(other.setId, other.areaId);
+    }
 };
 
 /// One goal of create-some-goals.
