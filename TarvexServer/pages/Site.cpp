@@ -160,19 +160,10 @@ const Site::Route *Site::accepted(Visit &visit) const
 /// Who it is and, if it is known, the page.
 void Site::lookHastily(Visit &visit, const Route &route, store::Connection &connection)
 {
-    const bool isKept = route.isKept && !isPost(visit.request);
-    const std::string key = isKept ? cacheKey(visit) : "";
-    const std::int64_t version = connection.version();
-    if (isKept) {
-        if (auto known = m_cache.find(key, version, m_clocks.seconds())) {
-            visit.end(std::move(*known));
-            return;
-        }
-    }
     identify(visit, connection);
-    if (!isKept || !visit.session)
+    if (!route.isKept || isPost(visit.request) || !visit.session)
         return;
-    if (auto known = m_cache.find(key, version, *visit.session)) {
+    if (auto known = m_cache.find(cacheKey(visit), *visit.session)) {
         noteUse(*visit.session);
         visit.end(std::move(*known));
     }

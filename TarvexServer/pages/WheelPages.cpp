@@ -30,11 +30,12 @@ Wheel wheelOf(store::Connection &connection, std::int64_t accountId, std::option
     wheel.set = chosen(wheel.sets, wanted);
     if (wheel.set == nullptr)
         return wheel;
-    for (store::Goal &goal : store::goalsOfSet(connection, accountId, wheel.set->id)) {
+    store::GoalRows goals = store::goalsOfSet(connection, accountId, wheel.set->id);
+    while (const store::Goal *goal = goals.next()) {
         const auto area = std::find_if(wheel.areas.begin(), wheel.areas.end(),
-                                       [&](const store::Area &known) { return known.id == goal.areaId; });
+                                       [&](const store::Area &known) { return known.id == goal->areaId; });
         if (const auto index = static_cast<std::size_t>(area - wheel.areas.begin()); index < sliceCount)
-            wheel.goals.at(index).push_back(std::move(goal));
+            wheel.goals.at(index).push_back(*goal);
     }
     return wheel;
 }

@@ -30,8 +30,8 @@ struct Call
     const wire::Form &form;
     RefusedSaves &refusedSaves;
     std::int64_t accountId = 0;
-    std::string saver;    ///< whose saves refusedSaves keeps apart
-    std::int64_t now = 0; ///< seconds since 1970
+    const std::string &saver; ///< whose saves refusedSaves keeps apart
+    std::int64_t now = 0;     ///< seconds since 1970
 };
 
 // The values of the fields p1 to p9. Each throws RequestRefused if the field is missing or not of its form.

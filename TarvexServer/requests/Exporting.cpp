@@ -33,8 +33,9 @@ SetsById liveSets(store::Connection &connection, std::int64_t accountId)
     for (const store::Set &set : store::sets(connection, accountId)) {
         Set &live = found[set.id];
         live.name = wire::unescaped(set.name);
-        for (const store::Goal &goal : store::goalsOfSet(connection, accountId, set.id))
-            live.goals.push_back(exported(goal));
+        store::GoalRows goals = store::goalsOfSet(connection, accountId, set.id);
+        while (const store::Goal *goal = goals.next())
+            live.goals.push_back(exported(*goal));
     }
     return found;
 }

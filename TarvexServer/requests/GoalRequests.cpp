@@ -85,18 +85,18 @@ std::string getGoals(Call &call)
 {
     const std::int64_t setId = idField(call, /*number=*/4);
     const std::int64_t areaId = idField(call, /*number=*/5);
-    const auto goals = store::goalsOfArea(call.connection, call.accountId, setId, areaId);
-    // Goals are only where there is a place for them.
-    require(!goals.empty() || placeExists(call, {.setId = setId, .areaId = areaId}));
     wire::XmlAnswer answer;
     std::size_t room = saveRoom;
-    for (const store::Goal &goal : goals) {
-        const std::size_t size = longestRecordFrame + wire::escapedSize(goal.name);
+    store::GoalRows goals = store::goalsOfArea(call.connection, call.accountId, setId, areaId);
+    while (const store::Goal *goal = goals.next()) {
+        const std::size_t size = longestRecordFrame + wire::escapedSize(goal->name);
         if (size > room)
             break; // the client could not save more; the others follow once these have gone
         room -= size;
-        writeGoal(answer, goal, /*withArea=*/false);
+        writeGoal(answer, *goal, /*withArea=*/false);
     }
+    // Goals are only where there is a place for them.
+    require(room < saveRoom || placeExists(call, {.setId = setId, .areaId = areaId}));
     return answer.finish();
 }
 
@@ -105,8 +105,9 @@ std::string getComplexGoalsForSets(Call &call)
     const std::int64_t setId = idField(call, /*number=*/4);
     require(store::hasSet(call.connection, call.accountId, setId));
     wire::XmlAnswer answer;
-    for (const store::Goal &goal : store::goalsOfSet(call.connection, call.accountId, setId))
-        writeGoal(answer, goal, /*withArea=*/true);
+    store::GoalRows goals = store::goalsOfSet(call.connection, call.accountId, setId);
+    while (const store::Goal *goal = goals.next())
+        writeGoal(answer, *goal, /*withArea=*/true);
     return answer.finish();
 }
 

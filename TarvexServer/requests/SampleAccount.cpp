@@ -159,7 +159,10 @@ void fillSet(store::Connection &connection, std::int64_t accountId, std::chrono:
         goals[i].isChecked = false;
     }
     store::createGoals(connection, accountId, goals, begin);
-    std::vector<store::Goal> made = store::goalsOfSet(connection, accountId, setId);
+    std::vector<store::Goal> made;
+    store::GoalRows found = store::goalsOfSet(connection, accountId, setId);
+    while (const store::Goal *goal = found.next())
+        made.push_back(*goal);
     std::sort(made.begin(), made.end(), [](const auto &one, const auto &other) { return one.id < other.id; });
     for (const auto &[time, i] : done)
         store::checkGoal(connection, accountId, made[i], time);

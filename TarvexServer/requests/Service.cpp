@@ -95,7 +95,9 @@ bool Service::isFormSound(Turn &turn)
     if (turn.m_kind.name.empty()) {
         turn.m_answer = refusalOf(turn.m_kind, Outcome::Invalid);
     } else if (turn.m_kind.handler != nullptr) {
-        if (!hasCredentials(turn.m_form))
+        if (hasCredentials(turn.m_form))
+            turn.m_saver = saverOf(turn.m_form);
+        else
             turn.m_answer = refusalOf(turn.m_kind, Outcome::NotSignedIn);
     } else {
         const SignUpRules rules = signUpRules();
@@ -113,13 +115,8 @@ void Service::lookHastily(Turn &turn, store::Connection &connection)
 {
     const bool isKept = turn.m_kind.access == Access::Read && turn.m_kind.name != drawingKind;
     const std::string key = isKept ? m_hash({"answer", turn.m_request.body}) : "";
-    const std::int64_t version = connection.version();
-    const std::string *answer = m_answers.find(key, version);
-    if (answer == nullptr) {
-        findAccount(turn, connection);
-        answer = m_answers.find(key, version, turn.m_credentials);
-    }
-    if (answer != nullptr) {
+    findAccount(turn, connection);
+    if (const std::string *answer = m_answers.find(key, turn.m_credentials)) {
         m_measures.remembered.add();
         turn.m_answer = {.body = *answer, .format = turn.m_kind.format};
         return;
@@ -128,7 +125,7 @@ void Service::lookHastily(Turn &turn, store::Connection &connection)
         m_measures.notRemembered.add();
     lookFor(turn, connection);
     if (isKept && turn.m_answer && turn.m_answer->outcome == Outcome::Done)
-        m_answers.keep(key, version, turn.m_credentials, turn.m_answer->body);
+        m_answers.keep(key, turn.m_credentials, turn.m_answer->body);
 }
 
 /// All of a request that reading can do. May be begun anew.
@@ -146,17 +143,14 @@ bool Service::lookAhead(Turn &turn, store::Connection &connection)
 {
     if (turn.m_signUp || turn.m_kind.access != Access::Read)
         return false;
-    const auto known = m_logins.find(loginKey(m_hash, turn.login()));
+    const auto known = m_signIns.find(turn.m_saver);
     if (!known)
         return false;
-    turn.m_credentials.accountId = known->accountId;
-    turn.m_credentials.version = known->version;
-    if (!isVerified(turn))
-        return false;
-    store::AwaitedCredentials awaited(connection, known->accountId);
+    turn.m_credentials.accountId = known->id;
+    store::AwaitedCredentials awaited(connection, known->id);
     Answer answer = handled(turn, connection);
     turn.m_credentials = awaited.get().value_or(store::Credentials());
-    if (turn.m_credentials.version != known->version)
+    if (!known->isIn(turn.m_credentials))
         return false;
     turn.m_answer = std::move(answer);
     return true;
@@ -166,8 +160,13 @@ void Service::findAccount(Turn &turn, store::Connection &connection)
 {
     if (turn.m_signUp)
         return;
-    const std::string login = loginKey(m_hash, turn.login());
-    turn.m_credentials = m_logins.credentialsOf(connection, login).value_or(store::Credentials());
+    std::optional<store::Credentials> found;
+    if (const auto known = m_signIns.find(turn.m_saver))
+        found = store::credentialsOf(connection, known->id);
+    turn.m_credentials = found.value_or(store::Credentials());
+    if (!isVerified(turn))
+        turn.m_credentials =
+            store::findCredentials(connection, loginKey(m_hash, turn.login())).value_or(store::Credentials());
 }
 
 /// What is to be looked up once the account is known.
@@ -220,8 +219,8 @@ Failures::Keys Service::limitedKeys(const Turn &turn) const
 
 bool Service::isVerified(const Turn &turn)
 {
-    return m_verified.contains(turn.m_credentials.accountId, turn.m_credentials.version,
-                               turn.m_form.field(/*number=*/3).value_or(""));
+    const auto known = m_signIns.find(turn.m_saver);
+    return known && known->isIn(turn.m_credentials);
 }
 
 void Service::verify(Turn &turn)
@@ -255,7 +254,7 @@ void Service::verifyPassword(Turn &turn)
         turn.m_answer = refusalOf(turn.m_kind, Outcome::NotSignedIn);
         return;
     }
-    m_verified.remember(credentials.accountId, credentials.version, password);
+    m_signIns.remember(turn.m_saver, credentials);
 }
 
 Answer Service::giveUp(Turn &turn)
@@ -325,18 +324,17 @@ void Service::read(Turn &turn)
 /// What the kind's own function answers, inside a transaction.
 Answer Service::handled(Turn &turn, store::Connection &connection)
 {
-    const std::string saver = saverOf(turn.m_form);
-    m_refusedSaves.signedIn(saver);
+    m_refusedSaves.signedIn(turn.m_saver);
     Call call{.connection = connection,
               .form = turn.m_form,
               .refusedSaves = m_refusedSaves,
               .accountId = turn.m_credentials.accountId,
-              .saver = saver,
+              .saver = turn.m_saver,
               .now = m_clocks.seconds()};
     try {
         Answer answer{.body = turn.m_kind.handler(call), .format = turn.m_kind.format};
         if (turn.m_kind.name == savingKind)
-            m_refusedSaves.accepted(connection, saver, placeOf(turn.m_form));
+            m_refusedSaves.accepted(connection, turn.m_saver, placeOf(turn.m_form));
         return answer;
     } catch (const RequestRefused &refused) {
         return refusalOf(turn.m_kind, Outcome::Invalid, refused.reason());

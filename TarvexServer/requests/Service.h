@@ -8,15 +8,14 @@
 #include "Failures.h"
 #include "Form.h"
 #include "KeyedHash.h"
-#include "KnownLogins.h"
 #include "Measures.h"
 #include "Purge.h"
 #include "RefusedSaves.h"
 #include "RequestKind.h"
 #include "Sightings.h"
+#include "SignIns.h"
 #include "SignUpForm.h"
 #include "SignUpRules.h"
-#include "VerifiedCredentials.h"
 
 #include <exception>
 #include <functional>
@@ -65,6 +64,7 @@ private:
     Request m_request;
     wire::Form m_form; // its views point into m_request
     const RequestKind &m_kind;
+    std::string m_saver; // login and password, hashed; empty where there are none
     std::optional<wire::SignUpForm> m_signUp;
     store::Credentials m_credentials;
     bool m_isExhausted = false; // as the database knows it
@@ -169,8 +169,7 @@ private:
     SignUpRules m_signUpRules;
     Measures m_measures;
     security::KeyedHash m_hash;
-    KnownLogins m_logins;
-    security::VerifiedCredentials m_verified;
+    SignIns m_signIns;
     Failures m_failures;
     AnswerCache m_answers;
     RefusedSaves m_refusedSaves;

@@ -138,9 +138,6 @@ public:
         statement.run();
     }
 
-    /// A number that is another one whenever another session, be it of another process, has changed anything
-    /// since it was asked last. Sessions do not compare.
-    virtual std::int64_t version() = 0;
     /// Whether it is this process, of all that have the database open, that tidies it up.
     virtual bool keepsHouse() = 0;
     /// The bytes that the data take, without those that were freed and are used again before any others.

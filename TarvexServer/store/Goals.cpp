@@ -39,29 +39,11 @@ const std::string &insertOf(std::size_t count)
     return all.at(count - 1);
 }
 
-Goal goalOf(const Rows &row)
-{
-    return {.id = row.number(0),
-            .setId = row.number(1),
-            .areaId = row.number(2),
-            .name = std::string(row.text(3)),
-            .priority = static_cast<std::int32_t>(row.number(4)),
-            .isChecked = row.number(5) != 0};
-}
-
-std::vector<Goal> goalsOf(Rows rows)
-{
-    constexpr std::size_t usual = 32;
-    std::vector<Goal> found;
-    found.reserve(usual);
-    while (rows.next())
-        found.push_back(goalOf(rows));
-    return found;
-}
-
 std::optional<Goal> goalOrNone(Rows rows)
 {
-    return rows.next() ? std::optional(goalOf(rows)) : std::nullopt;
+    GoalRows found(std::move(rows));
+    const Goal *const goal = found.next();
+    return goal != nullptr ? std::optional(*goal) : std::nullopt;
 }
 
 void noteProgress(Connection &connection, std::int64_t accountId, const std::set<std::int64_t> &setIds,
@@ -73,15 +55,27 @@ void noteProgress(Connection &connection, std::int64_t accountId, const std::set
 
 } // namespace
 
-std::vector<Goal> goalsOfArea(Connection &connection, std::int64_t accountId, std::int64_t setId,
-                              std::int64_t areaId)
+const Goal *GoalRows::next()
 {
-    return goalsOf(connection.rows(selectGoalsOfArea.c_str(), accountId, setId, areaId));
+    if (!m_rows.next())
+        return nullptr;
+    m_goal.id = m_rows.number(0);
+    m_goal.setId = m_rows.number(1);
+    m_goal.areaId = m_rows.number(2);
+    m_goal.name = m_rows.text(3);
+    m_goal.priority = static_cast<std::int32_t>(m_rows.number(4));
+    m_goal.isChecked = m_rows.number(5) != 0;
+    return &m_goal;
 }
 
-std::vector<Goal> goalsOfSet(Connection &connection, std::int64_t accountId, std::int64_t setId)
+GoalRows goalsOfArea(Connection &connection, std::int64_t accountId, std::int64_t setId, std::int64_t areaId)
 {
-    return goalsOf(connection.rows(selectGoalsOfSet.c_str(), accountId, setId));
+    return GoalRows(connection.rows(selectGoalsOfArea.c_str(), accountId, setId, areaId));
+}
+
+GoalRows goalsOfSet(Connection &connection, std::int64_t accountId, std::int64_t setId)
+{
+    return GoalRows(connection.rows(selectGoalsOfSet.c_str(), accountId, setId));
 }
 
 std::optional<Goal> findGoal(Connection &connection, std::int64_t accountId, std::int64_t goalId)

@@ -22,6 +22,20 @@ struct Goal
     bool isChecked = false;
 };
 
+/// The goals that a query finds, each read when it is asked for.
+class GoalRows
+{
+public:
+    explicit GoalRows(Rows rows) : m_rows(std::move(rows)) {}
+
+    /// The next goal, valid until the one after it is asked for; null behind the last.
+    const Goal *next();
+
+private:
+    Rows m_rows;
+    Goal m_goal;
+};
+
 /// How many goals an area has in a set, and how many of them are done.
 struct GoalCount
 {
@@ -34,11 +48,10 @@ struct GoalCount
 // Deleted goals do not exist for any of the functions below.
 
 /// The goals of one area in a set, oldest first.
-std::vector<Goal> goalsOfArea(Connection &connection, std::int64_t accountId, std::int64_t setId,
-                              std::int64_t areaId);
+GoalRows goalsOfArea(Connection &connection, std::int64_t accountId, std::int64_t setId, std::int64_t areaId);
 
 /// The goals of a whole set, area by area, oldest first.
-std::vector<Goal> goalsOfSet(Connection &connection, std::int64_t accountId, std::int64_t setId);
+GoalRows goalsOfSet(Connection &connection, std::int64_t accountId, std::int64_t setId);
 
 /// Counts for all areas of all sets that have goals.
 std::vector<GoalCount> goalCounts(Connection &connection, std::int64_t accountId);

@@ -25,7 +25,7 @@ class PostgresStatement;
 class PostgresConnection : public EngineSession
 {
 public:
-    /// The URL is libpq's own. Throws CannotOpen if it is none.
+    /// The URL is libpq's own. Throws CannotOpen if it is none, or if this machine lacks libpq.
     explicit PostgresConnection(const std::string &url);
     ~PostgresConnection() override;
 
@@ -43,7 +43,6 @@ public:
     /// schema must be there.
     void leaveMarks();
 
-    std::int64_t version() override { return ++m_version; } // nobody has counted
     bool keepsHouse() override;
     std::int64_t size() override;
 
@@ -93,7 +92,6 @@ private:
     std::int64_t m_mark = 0;
     bool m_isWriting = false;
     bool m_isHouseKept = false;
-    std::int64_t m_version = 0;
     std::int64_t m_size = 0;
     Clock::time_point m_sizeAt{};
 };

@@ -194,11 +194,6 @@ std::int64_t SqliteConnection::pragma(const char *sql)
     return firstNumber(sql).value_or(0);
 }
 
-std::int64_t SqliteConnection::version()
-{
-    return pragma("PRAGMA data_version");
-}
-
 std::int64_t SqliteConnection::size()
 {
     return (pragma("PRAGMA page_count") - pragma("PRAGMA freelist_count")) * pragma("PRAGMA page_size");

@@ -45,7 +45,6 @@ public:
     /// they throw TransactionHindered.
     void haste();
 
-    std::int64_t version() override;
     bool keepsHouse() override { return true; } // which costs little to do twice
     std::int64_t size() override;
 

@@ -23,16 +23,17 @@ std::optional<WebSession> findWebSession(Connection &connection, std::int64_t ac
     if (!found.next())
         return {};
     const std::int64_t usedAt = found.number(3);
+    if (now >= std::min(found.number(2) + longestSeconds, usedAt + idleSeconds))
+        return {};
     const std::int64_t closedAt = found.number(4);
     WebSession session{.accountId = accountId,
                        .tokenHash = tokenHash,
                        .version = found.number(0),
                        .changes = found.number(1),
-                       .usedAt = usedAt,
-                       .goodUntil = std::min(found.number(2) + longestSeconds, usedAt + idleSeconds)};
+                       .usedAt = usedAt};
     if (closedAt != -1)
         session.closedAt = closedAt;
-    return now < session.goodUntil ? std::optional(session) : std::nullopt;
+    return session;
 }
 
 void beginWebSession(Connection &connection, std::int64_t accountId, const std::string &tokenHash,

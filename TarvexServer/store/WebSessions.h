@@ -16,8 +16,7 @@ struct WebSession
     std::string tokenHash;    ///< what the session is found by
     std::int64_t version = 0; ///< of the account, as its changes are
     std::int64_t changes = 0;
-    std::int64_t usedAt = 0; ///< as it is kept, which is not every use
-    std::int64_t goodUntil = 0;
+    std::int64_t usedAt = 0;                   ///< as it is kept, which is not every use
     std::optional<std::int64_t> closedAt = {}; ///< if the account is closed, and can be kept or left alone
 };
 

@@ -1,7 +1,7 @@
 #include "KeyedHash.h"
 #include "Md5.h"
 #include "PasswordHash.h"
-#include "VerifiedCredentials.h"
+#include "RecentMap.h"
 
 #include <gtest/gtest.h>
 
@@ -30,18 +30,13 @@ TEST(PasswordHash, CostsWhoeverStealsItAsMuchAsIsRecommended)
     EXPECT_TRUE(hashPassword("digest").starts_with("$argon2id$v=19$m=19456,t=2,p=1$"));
 }
 
-TEST(VerifiedCredentials, HoldForOneVersionOfOneAccount)
+TEST(RecentMap, GivesUpWhatWasUnusedForLongest)
 {
-    VerifiedCredentials verified(/*capacity=*/2);
-    verified.remember(/*accountId=*/1, /*version=*/1, "digest");
-    EXPECT_TRUE(verified.contains(/*accountId=*/1, /*version=*/1, "digest"));
-    EXPECT_FALSE(verified.contains(/*accountId=*/1, /*version=*/2, "digest"));
-    EXPECT_FALSE(verified.contains(/*accountId=*/2, /*version=*/1, "digest"));
-    EXPECT_FALSE(verified.contains(/*accountId=*/1, /*version=*/1, "other"));
-    verified.remember(/*accountId=*/2, /*version=*/1, "digest");
-    EXPECT_TRUE(
-        verified.contains(/*accountId=*/1, /*version=*/1, "digest")); // used again, so it outlives the other
-    verified.remember(/*accountId=*/3, /*version=*/1, "digest");
-    EXPECT_TRUE(verified.contains(/*accountId=*/1, /*version=*/1, "digest"));
-    EXPECT_FALSE(verified.contains(/*accountId=*/2, /*version=*/1, "digest"));
+    RecentMap<int> map(/*capacity=*/2);
+    map["first"] = 1;
+    map["second"] = 2;
+    EXPECT_NE(map.find("first"), nullptr); // used again, so it outlives the other
+    map["third"] = 3;
+    EXPECT_NE(map.find("first"), nullptr);
+    EXPECT_EQ(map.find("second"), nullptr);
 }

@@ -130,7 +130,9 @@ TEST_F(StoreTest, GivesUpReadingWhatTakesMoreThanAMoment)
     const auto isRead = [&](std::int64_t set) {
         std::size_t found = 0;
         return m_database.readInAMoment([&](Connection &connection) {
-            found = goalsOfSet(connection, m_account, set).size();
+            GoalRows goals = goalsOfSet(connection, m_account, set);
+            while (goals.next() != nullptr)
+                ++found;
         }) && found == 2;
     };
     m_database.write([&](Connection &connection) {
