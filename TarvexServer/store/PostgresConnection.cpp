@@ -49,9 +49,10 @@ void PostgresConnection::Closing::operator()(pg_result *result) const
 
 PostgresConnection::PostgresConnection(const std::string &url) : m_url(url)
 {
+    loadLibpq();
     char *message = nullptr;
-    const std::unique_ptr<PQconninfoOption, decltype(&PQconninfoFree)> options(
-        PQconninfoParse(url.c_str(), &message), &PQconninfoFree);
+    const std::unique_ptr<PQconninfoOption, decltype(PQconninfoFree)> options(
+        PQconninfoParse(url.c_str(), &message), PQconninfoFree);
     PQfreemem(message); // it may hold the password
     if (!options)
         throw CannotOpen("The address of the database is not as PostgreSQL writes them.");

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "Libpq.h"
+
 #include <cstdint>
-#include <libpq-fe.h>
 #include <string>
 #include <string_view>
 

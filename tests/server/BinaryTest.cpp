@@ -257,3 +257,17 @@ TEST(Binary, SaysInOneLineWhyItCannotStart)
     for (const SampleRow &row : sampleRows("refused-starts.txt"))
         EXPECT_EQ(ServerProcess(folder, row[0]).ended(), std::pair(1, "tarvex-server: " + row[1] + "\n"));
 }
+
+TEST(Binary, NeedsTheLibraryOfPostgresqlForNothingElse)
+{
+    const TemporaryFolder folder;
+    const std::string unfit = "/usr/bin/env LD_LIBRARY_PATH=. ";
+    std::ofstream(folder.path() / "libpq.so.5").flush(); // is no library
+    const Said said = run(folder, "serve --database postgresql://127.0.0.1:1/wheel", unfit);
+    EXPECT_EQ(said.first, 1);
+    EXPECT_TRUE(
+        said.second.starts_with("tarvex-server: PostgreSQL asks for its client library, on Debian libpq5: "));
+    ServerProcess onSqlite(folder, serveHere, unfit);
+    EXPECT_GT(onSqlite.port(), 0);
+    EXPECT_EQ(onSqlite.ended(SIGTERM).first, 0);
+}
