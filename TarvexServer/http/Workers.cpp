@@ -34,7 +34,16 @@ void Workers::stop()
 
 void Workers::submit(requests::Request request, const Done &done)
 {
-    goOn(m_service.begin(std::move(request)), done);
+    if (request.body.size() <= requests::Service::momentaryBody) {
+        goOn(m_service.begin(std::move(request)), done);
+        return;
+    }
+    boost::asio::post(m_requestThreads, [this, request = std::move(request), done]() mutable {
+        try {
+            goOn(m_service.begin(std::move(request)), done);
+        } catch (const std::exception &) { // no memory; whoever waits for the answer has a time limit
+        }
+    });
 }
 
 void Workers::goOn(const std::shared_ptr<requests::Turn> &turn, const Done &done)

@@ -13,8 +13,8 @@
 
 namespace tarvex::http {
 
-/// Carries requests through the service: most on the caller's thread, in a moment. Long reads and the hashing
-/// of passwords have threads of their own, so that neither they nor a rush of sign-ins hold up anybody else.
+/// Carries requests through the service: most on the caller's thread, in a moment. Long bodies, long reads
+/// and the hashing of passwords have threads of their own, so that none of them holds up anybody else.
 class Workers
 {
 public:

@@ -79,7 +79,8 @@ std::unique_ptr<Turn> Service::begin(Request request)
     try {
         if (!isFormSound(*turn))
             return turn;
-        if (m_database.readInAMoment([&](store::Connection &connection) { lookHastily(*turn, connection); }))
+        if (turn->m_request.body.size() <= momentaryBody &&
+            m_database.readInAMoment([&](store::Connection &connection) { lookHastily(*turn, connection); }))
             decide(*turn);
         else
             turn->m_step = Turn::Step::Read;

@@ -96,13 +96,16 @@ struct PasswordAnswer
 /// Turns request bodies into answers; knows no sockets and no SQL. For many threads.
 ///
 /// A request takes a few steps, which Turn::step() asks for, so that the caller decides where each one runs:
-/// begin() takes a moment, and for most requests it is all; read() waits for the database; verify() burns 20
-/// ms and 19 MiB on a password; finish() does what is left of all this, writes, and waits for the disk.
+/// begin() takes a moment unless the body is long, and for most requests it is all; read() waits for the
+/// database; verify() burns 20 ms and 19 MiB on a password; finish() does what is left of all this, writes,
+/// and waits for the disk.
 class Service
 {
 public:
     /// How long a request may be on its way; one that took longer is refused instead of begun.
     static constexpr std::chrono::seconds patience{15};
+    /// Only to find the fields of a longer body than this takes more than a moment.
+    static constexpr std::size_t momentaryBody = 64UL * 1024;
 
     /// The hash is that of the installation, see openInstallation().
     Service(store::Database &database, const security::KeyedHash &hash, Clocks clocks = {},

@@ -2,9 +2,9 @@
 
 #include <libpq-fe.h>
 
-// PostgreSQL's client library is loaded when it is needed and not linked: it brings a dozen others along (TLS,
-// Kerberos, LDAP), which a service on SQLite would hold for nothing. The functions of it that are used here
-// stand in our namespace under their own names, and need loadLibpq() first.
+// PostgreSQL's client library is loaded when it is needed and not linked: it brings a dozen others along
+// (TLS, Kerberos, LDAP), which a service on SQLite would hold for nothing. The functions of it that are used
+// here stand in our namespace under their own names, and need loadLibpq() first.
 
 // clang-format off
 #define TARVEX_LIBPQ_FUNCTIONS(each) \
