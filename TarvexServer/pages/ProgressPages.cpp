@@ -155,7 +155,7 @@ void Site::showProgress(Visit &visit)
         }))
         return;
     if (set == nullptr) {
-        show(visit, sets.empty() ? "no-sets" : "gone", Values(), sets.empty() ? 200 : 404);
+        showNoSet(visit, /*hasOthers=*/!sets.empty());
         return;
     }
     Values values;
@@ -196,7 +196,7 @@ void Site::showComparison(Visit &visit)
         }))
         return;
     if (sides[0].set == nullptr || sides[1].set == nullptr) {
-        show(visit, sets.empty() ? "no-sets" : "gone", Values(), sets.empty() ? 200 : 404);
+        showNoSet(visit, /*hasOthers=*/!sets.empty());
         return;
     }
     Values both(Values::type::list);

@@ -344,6 +344,11 @@ void Site::endSessions(Visit &visit, std::string_view where, const store::Databa
     visit.reply.fields += cookieField(/*value=*/"", visit.request.isEncrypted);
 }
 
+void Site::showNoSet(Visit &visit, bool hasOthers) const
+{
+    show(visit, hasOthers ? "gone" : "no-sets", Values(), hasOthers ? 404 : 200);
+}
+
 void Site::show(Visit &visit, std::string_view name, Values values, unsigned status) const
 {
     const std::string_view said = visit.query.field("said").value_or("");

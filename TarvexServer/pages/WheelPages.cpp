@@ -114,16 +114,16 @@ Values wheelValues(const Wheel &wheel, std::optional<std::int64_t> onlyArea)
 
 void Site::showWheel(Visit &visit)
 {
-    const bool isAnySet = visit.query.fields("set").empty();
     Wheel wheel;
     if (!readAs(visit, [&](store::Connection &connection) {
             wheel = wheelOf(connection, visit.session->accountId, setIn(visit.query, "set"));
         }))
         return;
-    if (wheel.set != nullptr)
-        show(visit, "wheel", wheelValues(wheel, idIn(visit.query, "area")));
-    else
-        show(visit, isAnySet ? "no-sets" : "gone", Values(), isAnySet ? 200 : 404);
+    if (wheel.set == nullptr) {
+        showNoSet(visit, /*hasOthers=*/!wheel.sets.empty());
+        return;
+    }
+    show(visit, "wheel", wheelValues(wheel, idIn(visit.query, "area")));
     keepPage(visit);
 }
 

@@ -320,6 +320,19 @@ TEST_F(Pages, GoSecurelyBehindAProxyThatSaysSo)
     EXPECT_TRUE(cookieOf("X-Forwarded-Proto: https\r\n").starts_with("tarvex=")) << "anybody can say so";
 }
 
+TEST_F(Pages, TellASetThatIsGoneFromHavingNone)
+{
+    start();
+    Browser browser = signedIn();
+    for (const unsigned status : {404U, 200U}) {
+        for (const char *path : {"/wheel?set=9", "/progress?set=9", "/progress/compare?first=9"}) {
+            browser.get(path);
+            EXPECT_EQ(browser.status(), status) << path;
+        }
+        postAsAnna("delete-sets", "&p4=1");
+    }
+}
+
 TEST_F(Pages, SayInWordsThatTheDatabaseIsAway)
 {
     start();
