@@ -1,5 +1,7 @@
 #include "Workers.h"
 
+#include "Wipe.h"
+
 #include <boost/asio/post.hpp>
 #include <limits>
 
@@ -38,9 +40,14 @@ void Workers::submit(requests::Request request, const Done &done)
         goOn(m_service.begin(std::move(request)), done);
         return;
     }
-    boost::asio::post(m_requestThreads, [this, request = std::move(request), done]() mutable {
+    const std::shared_ptr<requests::Request> waiting(new requests::Request(std::move(request)),
+                                                     [](requests::Request *dropped) {
+                                                         security::wipe(dropped->body);
+                                                         delete dropped;
+                                                     });
+    boost::asio::post(m_requestThreads, [this, waiting, done = Done(done)] {
         try {
-            goOn(m_service.begin(std::move(request)), done);
+            goOn(m_service.begin(std::move(*waiting)), done);
         } catch (const std::exception &) { // no memory; whoever waits for the answer has a time limit
         }
     });
@@ -142,7 +149,8 @@ void Workers::submit(pages::Site &site, const std::shared_ptr<pages::Visit> &vis
         break;
     case Step::Work:
         m_queues.enter(queueOf(*visit), [this, work](AccountQueues::Place place) {
-            boost::asio::post(m_requestThreads, [work, place = std::move(place)] { work(); });
+            boost::asio::post(m_requestThreads,
+                              [work = std::function<void()>(work), place = std::move(place)] { work(); });
         });
         break;
     case Step::Hash:

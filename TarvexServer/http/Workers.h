@@ -14,7 +14,7 @@
 namespace tarvex::http {
 
 /// Carries requests through the service: most on the caller's thread, in a moment. Long bodies, long reads
-/// and the hashing of passwords have threads of their own, so that none of them holds up anybody else.
+/// and the hashing of passwords go to other threads, so that none of them holds up all connections.
 class Workers
 {
 public:

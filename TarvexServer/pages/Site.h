@@ -75,7 +75,7 @@ private:
     /// Writes in the same way, with which all sessions of the account end, this one too.
     void endSessions(Visit &visit, std::string_view where, const store::Database::Work &work);
     void show(Visit &visit, std::string_view name, Values values, unsigned status = 200) const;
-    /// In place of a page of a set that the account does not have, or of the only one it could be.
+    /// In place of a page of a set that is not there. Whoever has no set at all is told that.
     void showNoSet(Visit &visit, bool hasOthers) const;
     Reply told(unsigned status, const std::string &title, const std::string &sentence) const;
     void beginSession(Visit &visit, std::int64_t accountId, std::int64_t version, std::string_view where);

@@ -141,6 +141,14 @@ std::vector<store::Goal> goalsOf(std::int64_t setId, int quartersAgo)
     return goals;
 }
 
+std::vector<store::Goal> readAll(store::GoalRows rows)
+{
+    std::vector<store::Goal> goals;
+    while (const store::Goal *goal = rows.next())
+        goals.push_back(*goal);
+    return goals;
+}
+
 /// Makes the set of a month as if its goals had been done here and there in the quarter from then on, so that
 /// its progress has something to show.
 void fillSet(store::Connection &connection, std::int64_t accountId, std::chrono::year_month month,
@@ -159,10 +167,7 @@ void fillSet(store::Connection &connection, std::int64_t accountId, std::chrono:
         goals[i].isChecked = false;
     }
     store::createGoals(connection, accountId, goals, begin);
-    std::vector<store::Goal> made;
-    store::GoalRows found = store::goalsOfSet(connection, accountId, setId);
-    while (const store::Goal *goal = found.next())
-        made.push_back(*goal);
+    std::vector<store::Goal> made = readAll(store::goalsOfSet(connection, accountId, setId));
     std::sort(made.begin(), made.end(), [](const auto &one, const auto &other) { return one.id < other.id; });
     for (const auto &[time, i] : done)
         store::checkGoal(connection, accountId, made[i], time);

@@ -97,7 +97,7 @@ bool Service::isFormSound(Turn &turn)
         turn.m_answer = refusalOf(turn.m_kind, Outcome::Invalid);
     } else if (turn.m_kind.handler != nullptr) {
         if (hasCredentials(turn.m_form))
-            turn.m_saver = saverOf(turn.m_form);
+            turn.m_signIn = signInOf(turn.m_form);
         else
             turn.m_answer = refusalOf(turn.m_kind, Outcome::NotSignedIn);
     } else {
@@ -144,14 +144,14 @@ bool Service::lookAhead(Turn &turn, store::Connection &connection)
 {
     if (turn.m_signUp || turn.m_kind.access != Access::Read)
         return false;
-    const auto known = m_signIns.find(turn.m_saver);
+    const auto known = m_signIns.find(turn.m_signIn);
     if (!known)
         return false;
     turn.m_credentials.accountId = known->id;
     store::AwaitedCredentials awaited(connection, known->id);
     Answer answer = handled(turn, connection);
     turn.m_credentials = awaited.get().value_or(store::Credentials());
-    if (!known->isIn(turn.m_credentials))
+    if (!known->holdsFor(turn.m_credentials))
         return false;
     turn.m_answer = std::move(answer);
     return true;
@@ -162,7 +162,7 @@ void Service::findAccount(Turn &turn, store::Connection &connection)
     if (turn.m_signUp)
         return;
     std::optional<store::Credentials> found;
-    if (const auto known = m_signIns.find(turn.m_saver))
+    if (const auto known = m_signIns.find(turn.m_signIn))
         found = store::credentialsOf(connection, known->id);
     turn.m_credentials = found.value_or(store::Credentials());
     if (!isVerified(turn))
@@ -220,8 +220,8 @@ Failures::Keys Service::limitedKeys(const Turn &turn) const
 
 bool Service::isVerified(const Turn &turn)
 {
-    const auto known = m_signIns.find(turn.m_saver);
-    return known && known->isIn(turn.m_credentials);
+    const auto known = m_signIns.find(turn.m_signIn);
+    return known && known->holdsFor(turn.m_credentials);
 }
 
 void Service::verify(Turn &turn)
@@ -255,7 +255,7 @@ void Service::verifyPassword(Turn &turn)
         turn.m_answer = refusalOf(turn.m_kind, Outcome::NotSignedIn);
         return;
     }
-    m_signIns.remember(turn.m_saver, credentials);
+    m_signIns.remember(turn.m_signIn, credentials);
 }
 
 Answer Service::giveUp(Turn &turn)
@@ -325,17 +325,17 @@ void Service::read(Turn &turn)
 /// What the kind's own function answers, inside a transaction.
 Answer Service::handled(Turn &turn, store::Connection &connection)
 {
-    m_refusedSaves.signedIn(turn.m_saver);
+    m_refusedSaves.signedIn(turn.m_signIn);
     Call call{.connection = connection,
               .form = turn.m_form,
               .refusedSaves = m_refusedSaves,
               .accountId = turn.m_credentials.accountId,
-              .saver = turn.m_saver,
+              .saver = turn.m_signIn,
               .now = m_clocks.seconds()};
     try {
         Answer answer{.body = turn.m_kind.handler(call), .format = turn.m_kind.format};
         if (turn.m_kind.name == savingKind)
-            m_refusedSaves.accepted(connection, turn.m_saver, placeOf(turn.m_form));
+            m_refusedSaves.accepted(connection, turn.m_signIn, placeOf(turn.m_form));
         return answer;
     } catch (const RequestRefused &refused) {
         return refusalOf(turn.m_kind, Outcome::Invalid, refused.reason());
@@ -391,7 +391,7 @@ Answer Service::conclude(const RequestKind &kind, const wire::Form &form, Answer
     const bool isRefusedForGood = answer.outcome == Outcome::NotSignedIn; // and so is the delete behind it
     if (kind.name == savingKind && answer.outcome != Outcome::Done && !isRefusedForGood &&
         hasCredentials(form))
-        answer.isBeingNoted = m_refusedSaves.refused(saverOf(form), placeOf(form));
+        answer.isBeingNoted = m_refusedSaves.refused(signInOf(form), placeOf(form));
     return answer;
 }
 
@@ -418,7 +418,7 @@ bool Service::isOverdue(const Turn &turn) const
     return m_clocks.steady() - turn.m_request.arrival > patience;
 }
 
-std::string Service::saverOf(const wire::Form &form) const
+std::string Service::signInOf(const wire::Form &form) const
 {
     return m_hash({form.field(/*number=*/2).value_or(""), form.field(/*number=*/3).value_or("")});
 }

@@ -64,7 +64,7 @@ private:
     Request m_request;
     wire::Form m_form; // its views point into m_request
     const RequestKind &m_kind;
-    std::string m_saver; // login and password, hashed; empty where there are none
+    std::string m_signIn; // login and password, hashed; empty where there are none
     std::optional<wire::SignUpForm> m_signUp;
     store::Credentials m_credentials;
     bool m_isExhausted = false; // as the database knows it
@@ -104,7 +104,7 @@ class Service
 public:
     /// How long a request may be on its way; one that took longer is refused instead of begun.
     static constexpr std::chrono::seconds patience{15};
-    /// Only to find the fields of a longer body than this takes more than a moment.
+    /// A longer body takes more than a moment even to be parted into its fields.
     static constexpr std::size_t momentaryBody = 64UL * 1024;
 
     /// The hash is that of the installation, see openInstallation().
@@ -164,7 +164,7 @@ private:
     store::Database::Work writing(Turn &turn);
     Failures::Keys limitedKeys(const PasswordQuestion &question) const;
     bool isOverdue(const Turn &turn) const;
-    std::string saverOf(const wire::Form &form) const;
+    std::string signInOf(const wire::Form &form) const;
 
     store::Database &m_database;
     Clocks m_clocks;

@@ -21,13 +21,11 @@ public:
         std::int64_t id = 0;
         std::int64_t version = 0;
 
-        bool isIn(const store::Credentials &credentials) const
+        bool holdsFor(const store::Credentials &credentials) const
         {
             return id == credentials.accountId && version == credentials.version;
         }
     };
-
-    explicit SignIns(std::size_t capacity = 10'000) : m_accounts(capacity) {}
 
     /// The sign-in is a hash of login and password.
     std::optional<Account> find(const std::string &signIn)
@@ -44,7 +42,7 @@ public:
 
 private:
     std::mutex m_mutex;
-    security::RecentMap<Account> m_accounts;
+    security::RecentMap<Account> m_accounts{/*capacity=*/10'000};
 };
 
 } // namespace tarvex::requests

@@ -4,12 +4,6 @@
 
 namespace tarvex::security {
 
-KeyedHash::KeyedHash()
-{
-    startLibrary();
-    randombytes_buf(m_key.data(), m_key.size());
-}
-
 std::string KeyedHash::operator()(std::initializer_list<std::string_view> parts) const
 {
     crypto_generichash_state state;

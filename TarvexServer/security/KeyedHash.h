@@ -14,8 +14,6 @@ class KeyedHash
 public:
     using Key = std::array<unsigned char, 32>;
 
-    /// Under a random key that nobody else has.
-    KeyedHash();
     explicit KeyedHash(const Key &key) : m_key(key) {}
 
     /// The hash of the parts, which also depends on where one ends and the next begins; in hexadecimal

@@ -2,6 +2,7 @@
 
 #include <list>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 
@@ -16,7 +17,7 @@ public:
     explicit RecentMap(std::size_t capacity) : m_capacity(capacity) {}
 
     /// The key's value, which now counts as used, or null. Valid until the next call.
-    Value *find(const std::string &key)
+    Value *find(std::string_view key)
     {
         const auto found = m_index.find(key);
         if (found == m_index.end())
@@ -26,7 +27,7 @@ public:
     }
 
     /// The key's value, made empty if there was none. Valid until the next call.
-    Value &operator[](const std::string &key)
+    Value &operator[](std::string_view key)
     {
         if (Value *value = find(key))
             return *value;
@@ -35,17 +36,18 @@ public:
             m_entries.pop_back();
         }
         m_entries.emplace_front(key, Value());
-        m_index.emplace(key, m_entries.begin());
+        m_index.emplace(m_entries.front().first, m_entries.begin());
         return m_entries.front().second;
     }
 
-    void erase(const std::string &key)
+    void erase(std::string_view key)
     {
         const auto found = m_index.find(key);
         if (found == m_index.end())
             return;
-        m_entries.erase(found->second);
+        const auto entry = found->second;
         m_index.erase(found);
+        m_entries.erase(entry);
     }
 
 private:
@@ -53,7 +55,7 @@ private:
 
     std::size_t m_capacity;
     Entries m_entries;
-    std::unordered_map<std::string, typename Entries::iterator> m_index;
+    std::unordered_map<std::string_view, typename Entries::iterator> m_index; // by the keys of the entries
 };
 
 } // namespace tarvex::security

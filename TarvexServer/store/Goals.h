@@ -22,7 +22,7 @@ struct Goal
     bool isChecked = false;
 };
 
-/// The goals that a query finds, each read when it is asked for.
+/// The goals that a query finds, each read when it is asked for. The same query is not begun again meanwhile.
 class GoalRows
 {
 public:

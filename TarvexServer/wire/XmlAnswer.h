@@ -18,7 +18,10 @@ public:
         Ascii, ///< characters beyond ASCII as character references, for an answer that is first read as ASCII
     };
 
-    explicit XmlAnswer(Encoding encoding = Encoding::Utf8) : m_encoding(encoding) {}
+    explicit XmlAnswer(Encoding encoding = Encoding::Utf8) : m_encoding(encoding)
+    {
+        m_document.reserve(usualSize);
+    }
 
     void beginRecord() { m_document += "<record>"; }
     /// The text must be storable: well-formed UTF-8 without characters that XML cannot carry.
@@ -33,6 +36,8 @@ private:
     void appendTag(std::string_view opening, std::string_view name);
     void appendText(std::string_view text);
     void appendSpecial(std::string_view character);
+
+    static constexpr std::size_t usualSize = 4096;
 
     std::string m_document = R"(<?xml version="1.0" encoding="UTF-8"?><answer>)";
     Encoding m_encoding;

@@ -19,10 +19,10 @@ TEST(SignInDigest, IsUpperCaseMd5OfTheBytesBeforeAZero)
 
 TEST(KeyedHash, KeepsItsPartsApart)
 {
-    const KeyedHash hash;
+    const KeyedHash hash({1});
     EXPECT_EQ(hash({"ab", "c"}), hash({"ab", "c"}));
     EXPECT_NE(hash({"ab", "c"}), hash({"a", "bc"}));
-    EXPECT_NE(hash({"ab", "c"}), KeyedHash()({"ab", "c"}));
+    EXPECT_NE(hash({"ab", "c"}), KeyedHash({2})({"ab", "c"}));
 }
 
 TEST(PasswordHash, CostsWhoeverStealsItAsMuchAsIsRecommended)
