@@ -7,6 +7,7 @@
 
 namespace tarvex::store {
 
+// NOLINTNEXTLINE(bugprone-macro-parentheses): it is a name
 #define TARVEX_DEFINE(function) decltype(&::function) function = nullptr;
 TARVEX_LIBPQ_FUNCTIONS(TARVEX_DEFINE)
 #undef TARVEX_DEFINE

@@ -18,6 +18,7 @@
 
 namespace tarvex::store {
 
+// NOLINTNEXTLINE(bugprone-macro-parentheses): it is a name
 #define TARVEX_DECLARE(function) extern decltype(&::function) function;
 TARVEX_LIBPQ_FUNCTIONS(TARVEX_DECLARE)
 #undef TARVEX_DECLARE
