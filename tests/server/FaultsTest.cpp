@@ -68,8 +68,10 @@ TEST_F(Faults, GoesOnAfterMemoryWasScarceInAnyPlace)
                 const bool isSave = i % 3 != 0;
                 const std::string login = i % 4 == 0 ? "nobody" : m_login;
                 const std::string kind = isSave ? "p1=create-sets" : "p1=get-sets";
-                const std::string rest = i % 2 == 0 ? "" : "&x=" + std::string(70'000, 'x');
-                client.send(RawClient::request(kind + credentials(login, m_password) + "&p4=Name" + rest));
+                std::string body = kind + credentials(login, m_password) + "&p4=Name";
+                if (i % 2 != 0)
+                    body.append("&x=").append(70'000, 'x');
+                client.send(RawClient::request(body));
                 confirmed += client.read().body() == "OK" ? 1U : 0U;
             } catch (const std::exception &) { // this connection had no luck
             }
