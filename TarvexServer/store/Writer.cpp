@@ -122,9 +122,13 @@ bool Writer::isToBeTriedAgain(const std::vector<Job> &batch, const TransactionFa
 void Writer::attempt(std::vector<Job> &batch)
 {
     m_session->beginWriting();
-    for (Job &job : batch) {
-        if (!job.failure)
-            attempt(job);
+    if (batch.size() == 1) {
+        batch.front().work(*m_session); // when it fails, all that is taken back is its own
+    } else {
+        for (Job &job : batch) {
+            if (!job.failure)
+                attempt(job);
+        }
     }
     m_session->commit();
 }
