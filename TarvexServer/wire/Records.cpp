@@ -4,6 +4,7 @@
 #include "WireText.h"
 
 #include <algorithm>
+#include <thread>
 
 namespace tarvex::wire {
 
@@ -82,6 +83,15 @@ std::string_view behindBrokenRecord(std::string_view text, std::string_view firs
     return {};
 }
 
+/// Reading megabytes takes milliseconds, and a kernel may interrupt nobody before its next tick, which is as
+/// long: so the thread itself offers its core to short requests, each time it has come a piece further.
+void giveWay(std::string_view before, std::string_view left)
+{
+    constexpr std::size_t piece = 64UL * 1024; // bytes, some 100 us
+    if (before.size() / piece != left.size() / piece)
+        std::this_thread::yield();
+}
+
 // Linear in the field: every attempt begins with a key, whose ":" ends the look for a value in any attempt
 // before.
 template<class Record>
@@ -90,6 +100,7 @@ std::vector<Record> readRecords(std::string_view field, std::string_view firstKe
 {
     std::vector<Record> records;
     while (!field.empty()) {
+        const std::string_view before = field;
         RecordCursor cursor(field);
         if (auto record = takeRecord(cursor)) {
             records.push_back(std::move(*record));
@@ -97,6 +108,7 @@ std::vector<Record> readRecords(std::string_view field, std::string_view firstKe
         } else {
             field = behindBrokenRecord(field, firstKey);
         }
+        giveWay(before, field);
     }
     return records;
 }
@@ -119,7 +131,9 @@ std::vector<std::int64_t> readIdList(std::string_view field)
     for (auto end = field.find(';'); end != std::string_view::npos; end = field.find(';')) {
         if (const auto id = wireId(field.substr(0, end)))
             ids.push_back(*id);
+        const std::string_view before = field;
         field.remove_prefix(end + 1);
+        giveWay(before, field);
     }
     return ids;
 }
