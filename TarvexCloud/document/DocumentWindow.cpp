@@ -195,6 +195,7 @@ void DocumentWindow::showState(const WindowState &state)
     m_ui->dialArea->setWheelShown(state.isLoaded && state.hasAreas);
     m_ui->dialArea->setPercentsCurrent(state.isSetSelected);
     showStatement(WindowWords::statement(state));
+    m_ui->centralWidget->layout()->activate(); // or the wheel would be painted where it does not stay
 }
 
 void DocumentWindow::showStatement(const QString &text)
@@ -202,7 +203,6 @@ void DocumentWindow::showStatement(const QString &text)
     if (m_ui->labelGuidance->text() == text)
         return;
     m_ui->labelGuidance->setText(text);
-    m_ui->labelGuidance->repaint();
     Announcement::make(this, text);
 }
 

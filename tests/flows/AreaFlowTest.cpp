@@ -78,9 +78,9 @@ private Q_SLOTS:
         QCOMPARE(area.controller->sliderOfArea()->value(), 4);
         area.controller->sliderOfArea()->setValue(8);
         area.click("Save");
-        const QImage seen = Client::onScreen(area.document);
+        const QImage seen = Client::dialOnScreen(area.document);
         area.document->wheelView()->repaint();
-        QVERIFY(Client::onScreen(area.document) == seen);
+        QVERIFY(Client::dialOnScreen(area.document) == seen);
         QCOMPARE(area.written().mid(2, 1), QList<QByteArray>{sent("set-area-value", "&p4=5&p5=8")});
         QCOMPARE(area.written().last(), sent("delete-some-goals", "&p4=201;"));
         QCOMPARE(Client::percents(area.document).value(4), u"0%"_s);

@@ -143,10 +143,12 @@ public:
         return false;
     }
 
-    /// The document's window as the screen has it now, drawn or not.
-    static QImage onScreen(const TarvexDocument *document)
+    /// The wheel and its labels as the screen has them now, drawn or not.
+    static QImage dialOnScreen(const TarvexDocument *document)
     {
-        return document->window()->screen()->grabWindow(document->window()->winId()).toImage();
+        const QWidget *dial = document->wheelView()->parentWidget();
+        const QRect place(dial->mapTo(document->window(), QPoint()), dial->size());
+        return document->window()->screen()->grabWindow(document->window()->winId()).toImage().copy(place);
     }
 
     /// How often the wheel was drawn by now. What is due anyway counts if `settled`.

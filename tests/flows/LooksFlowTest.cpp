@@ -272,10 +272,8 @@ private Q_SLOTS:
             QApplication::setLayoutDirection(direction);
             Client client;
             const TarvexDocument *document = client.openSignedIn();
-            const QWidget *dial = document->wheelView()->parentWidget();
             QCoreApplication::processEvents();
-            dials += Client::onScreen(document).copy(
-                QRect(dial->mapTo(document->window(), QPoint()), dial->size()));
+            dials += Client::dialOnScreen(document);
         }
         QVERIFY(dials[0] == dials[1]);
     }
