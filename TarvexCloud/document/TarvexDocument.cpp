@@ -8,6 +8,7 @@
 #include "MessageLine.h"
 #include "RegisterViewController.h"
 #include "SheetBusyScope.h"
+#include "SheetShade.h"
 #include "SignInSheet.h"
 #include "TarvexView.h"
 #include "TVXExchange.h"
@@ -94,6 +95,7 @@ void TarvexDocument::getUserNameAndPassword()
     connect(m_wndSignIn, &Sheet::didBecomeKey, this,
             &TarvexDocument::wordCancel); // windows come and go meanwhile
     beginSheet(m_wndSignIn);
+    m_controller.exchange().prepare();
 }
 
 void TarvexDocument::wordCancel()
@@ -200,6 +202,8 @@ void TarvexDocument::loadStartupDataForLogin(const QString &login, const QString
     m_credentialsOfWheel.reset(); // the wheel of before goes now
     m_state.isLoaded = true;
     startGettingData();
+    if (m_window)
+        SheetShade::setShown(m_window.get(), /*shown=*/false); // or all would be painted again without it
     m_wheelView->setMainData(m_project);
     m_listOfProjects->reloadData();
     m_listOfProjects->selectItemAtIndex(/*index=*/0);

@@ -174,6 +174,12 @@ QString CurlExchange::address() const
     return QUrl::fromEncoded(m_url).authority();
 }
 
+void CurlExchange::prepare()
+{
+    if (!m_handles)
+        m_handles = std::make_unique<Handles>(m_url, m_deadline);
+}
+
 TVXAnswer CurlExchange::post(const QByteArray &body, TVXPurpose purpose)
 {
     const auto failed = [this](ExchangeError error, const QString &detail = {}) {
@@ -187,9 +193,7 @@ TVXAnswer CurlExchange::post(const QByteArray &body, TVXPurpose purpose)
         m_wait.requestEnded();
     });
     m_wait.requestStarted();
-    if (!m_handles)
-        m_handles = std::make_unique<Handles>(m_url, m_deadline);
-
+    prepare();
     Transfer transfer{.sendingsLeft = purpose == TVXPurpose::Reading ? 2 : 1};
     const CURLcode code = m_handles->perform(body, transfer, m_wait);
     if (transfer.isTooLarge)

@@ -19,6 +19,7 @@ public:
     ~CurlExchange() override;
 
     TVXAnswer post(const QByteArray &body, TVXPurpose purpose = TVXPurpose::Writing) override;
+    void prepare() override;
     bool isBusy() const override { return m_busy; }
     std::chrono::milliseconds deadline() const override { return m_deadline; }
     QString address() const override;

@@ -29,6 +29,9 @@ public:
     /// call is under way nothing is sent and there is no answer.
     virtual TVXAnswer post(const QByteArray &body, TVXPurpose purpose = TVXPurpose::Writing) = 0;
 
+    /// Gets ready what the first call of post() would else have to, while nobody waits.
+    virtual void prepare() {}
+
     /// Whether a call of post() is under way, which only code run by the waiting itself can see.
     virtual bool isBusy() const = 0;
 
