@@ -4,6 +4,7 @@
 #include "SliceWords.h"
 #include "TarvexViewAccessible.h"
 
+#include <QCoreApplication>
 #include <QPainter>
 
 namespace {
@@ -40,6 +41,7 @@ QSize TarvexView::sizeHint() const
 void TarvexView::display()
 {
     repaint();
+    QCoreApplication::removePostedEvents(this, QEvent::UpdateLater); // it is painted now
     areasMayHaveChanged();
 }
 
