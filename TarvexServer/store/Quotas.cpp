@@ -85,11 +85,12 @@ std::int64_t takeGoalIds(Connection &connection, std::int64_t accountId, std::in
                          std::int64_t bytes)
 {
     const auto [last, isTooMuch] = [&] {
-        const Rows taken =
-            only(connection.rows("UPDATE account SET next_goal_id = next_goal_id + $1, goals = goals + $1,"
-                                 " goal_bytes = goal_bytes + $2"
-                                 " WHERE account_id = $3 RETURNING next_goal_id, goals, goal_bytes",
-                                 count, bytes, accountId));
+        // Not by RETURNING, for which SQLite makes a table aside.
+        connection.run("UPDATE account SET next_goal_id = next_goal_id + $1, goals = goals + $1,"
+                       " goal_bytes = goal_bytes + $2 WHERE account_id = $3",
+                       count, bytes, accountId);
+        const Rows taken = only(connection.rows(
+            "SELECT next_goal_id, goals, goal_bytes FROM account WHERE account_id = $1", accountId));
         return std::pair(taken.number(0) - 1,
                          taken.number(1) > Quotas::goals || taken.number(2) > Quotas::goalBytes);
     }();
