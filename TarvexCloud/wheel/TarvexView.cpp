@@ -41,7 +41,8 @@ QSize TarvexView::sizeHint() const
 void TarvexView::display()
 {
     repaint();
-    QCoreApplication::removePostedEvents(this, QEvent::UpdateLater); // it is painted now
+    // The toolkit has what was just shown painted later, which is once more.
+    QCoreApplication::removePostedEvents(this, QEvent::UpdateLater);
     areasMayHaveChanged();
 }
 
