@@ -77,16 +77,13 @@ public:
     Serving(const ServeOptions &options, const InstallationOptions &installation, const CommandLine &line)
         : m_line(line), m_address(listenAddress(options.listen).value()), m_log(options.logFile),
           m_isNew(installation.isMissing()), m_database(installation.orNew(roomOf(options))),
-          m_hash(installation.open(m_database)),
-          m_service(m_database, m_hash, /*clocks=*/{}, options.signUpRules),
+          m_hash(installation.open(m_database)), m_service(m_database, m_hash),
           m_site(m_database, m_service, m_hash, /*clocks=*/{}, options.links),
           m_server(
               m_service, m_address.host, m_address.port, /*limits=*/{},
               [this](const http::RequestReport &report) { m_log.request(report); }, options.proxies())
     {
-        setLogLevel(options.logLevel);
-        if (options.hasPages(m_address.host))
-            m_server.show(m_site);
+        takeOver(options);
         if (!options.watch.empty())
             watch(options);
         m_server.tell({.round = [this] { makeRound(); },
@@ -127,16 +124,20 @@ private:
         m_condition.drains();
         m_manager.sayStopping();
     }
-    /// Takes over what can be changed while it runs.
+    /// What can be changed while it runs.
+    void takeOver(const ServeOptions &options)
+    {
+        m_server.trust(options.proxies().trusted);
+        m_server.show(options.hasPages(m_address.host) ? &m_site : nullptr);
+        m_service.setSignUpRules(options.signUpRules);
+        setLogLevel(options.logLevel);
+    }
     void readSettings()
     {
         m_manager.sayReloading();
         m_log.reopen();
         try {
-            const ServeOptions options = readAgain(m_line);
-            m_server.trust(options.proxies().trusted);
-            m_service.setSignUpRules(options.signUpRules);
-            setLogLevel(options.logLevel);
+            takeOver(readAgain(m_line));
             logEvent("settings read again");
         } catch (const std::exception &error) {
             logFault("settings not read again", error.what());

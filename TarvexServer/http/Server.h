@@ -35,8 +35,8 @@ public:
 
     std::uint16_t port() const { return m_acceptor.local_endpoint().port(); }
 
-    /// Shows pages beside the protocol. To be called before run().
-    void show(pages::Site &site) { m_context.site = &site; }
+    /// Shows pages beside the protocol from the next request on; null ends that. In the thread of the events.
+    void show(pages::Site *site) { m_context.site = site; }
 
     /// To be called before run().
     void tell(ServerEvents events) { m_events = std::move(events); }

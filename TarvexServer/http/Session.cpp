@@ -165,8 +165,8 @@ void Session::parseHead()
 
 void Session::headArrived()
 {
-    m_isForPages = m_context.site != nullptr && isForPages(*m_parser);
-    if (const auto fault = m_isForPages ? pageFaultOf(*m_parser) : faultOf(*m_parser))
+    m_site = isForPages(*m_parser) ? m_context.site : nullptr;
+    if (const auto fault = m_site ? pageFaultOf(*m_parser) : faultOf(*m_parser))
         sendStatus(fault->status, std::string(fault->sentence));
     else
         beginBody(static_cast<std::size_t>(m_parser->content_length().value_or(0)));
@@ -183,7 +183,7 @@ void Session::refuseHead(Error error)
 void Session::beginBody(std::size_t length)
 {
     const Limits &limits = m_context.limits;
-    if (length > (m_isForPages ? limits.form : limits.body))
+    if (length > (m_site ? limits.form : limits.body))
         m_refusal = Outcome::TooLarge;
     else if (m_place.welcome() == ConnectionCounts::Welcome::Refused)
         m_refusal = Outcome::Busy;
@@ -230,7 +230,7 @@ void Session::bodyCutShort()
 {
     takeBodyBytes();
     m_arrival = std::chrono::steady_clock::now();
-    if (!m_isForPages)
+    if (!m_site)
         report(m_context.service.refuse(m_body, m_refusal.value_or(Outcome::Invalid)));
     forgetRequest();
     releaseBody();
@@ -270,9 +270,9 @@ void Session::bodyArrived()
     m_deadline = std::chrono::steady_clock::time_point::max();
     m_arrival = std::chrono::steady_clock::now();
     const unsigned turn = m_turn;
-    if (m_isForPages && m_refusal)
+    if (m_site && m_refusal)
         refusePage(*m_refusal);
-    else if (m_isForPages)
+    else if (m_site)
         servePage();
     else if (m_refusal)
         m_context.workers.refuse(m_body, *m_refusal, later(&Session::answer));
@@ -308,7 +308,7 @@ void Session::limitWaiting()
     m_handlerTimer.async_wait([self = shared_from_this(), turn = m_turn](Error error) {
         if (error || turn != self->m_turn)
             return;
-        if (self->m_isForPages)
+        if (self->m_site)
             self->refusePage(Outcome::Busy);
         else
             self->answer({self->m_context.service.refuse(self->m_body, Outcome::Busy)});

@@ -146,7 +146,7 @@ private:
     std::size_t m_bodySize = 0;
     std::size_t m_keptBody = 0;     ///< of a request that will be refused only the beginning is kept
     std::size_t m_reservedBody = 0; ///< this session's share of SessionContext::bodyBytes
-    bool m_isForPages = false;      ///< the request
+    pages::Site *m_site = nullptr;  ///< whose page the request asks for; null if it speaks the protocol
     std::optional<requests::Outcome> m_refusal;
     std::chrono::steady_clock::time_point m_arrival;
     unsigned m_turn = 0; ///< counts requests, so that a late answer does not meet the next one

@@ -53,13 +53,12 @@ pages::Request Session::pageRequest()
 
 void Session::servePage()
 {
-    pages::Site &site = *m_context.site;
-    m_context.workers.submit(site, site.begin(pageRequest()), later(&Session::answerPage));
+    m_context.workers.submit(*m_site, m_site->begin(pageRequest()), later(&Session::answerPage));
 }
 
 void Session::refusePage(Outcome outcome)
 {
-    answerPage({m_context.site->refusal(outcome)});
+    answerPage({m_site->refusal(outcome)});
 }
 
 void Session::answerPage(BuiltPage built)

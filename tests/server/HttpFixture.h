@@ -16,8 +16,7 @@ struct Http : ServiceFixture
     {
         m_server = std::make_unique<tarvex::http::Server>(m_service, "127.0.0.1", /*port=*/0, limits,
                                                           tarvex::http::Reporter(), proxies);
-        if (m_site != nullptr)
-            m_server->show(*m_site);
+        m_server->show(m_site);
         m_thread = std::thread([this] { m_server->run(); });
     }
     void stop()

@@ -209,7 +209,7 @@ TEST(Watch, AHangUpReopensTheLogAndReadsTheSettingsAgain)
     const TemporaryFolder folder;
     const std::string settings = (folder.path() / "settings").string();
     const std::string always = "trusted-proxy = 127.0.0.1\nlog-file = log\n";
-    std::ofstream(settings) << "sign-up = closed\n" << always;
+    std::ofstream(settings) << "sign-up = closed\npages = on\n" << always;
     Watched server(" --config " + settings);
     RawClient client(server.port);
     const auto from = [&client](const std::string &address, const std::string &body) {
@@ -234,12 +234,14 @@ TEST(Watch, AHangUpReopensTheLogAndReadsTheSettingsAgain)
     ASSERT_EQ(peers.size(), 3U);
     EXPECT_EQ(peers[0], peers[1]);
     EXPECT_NE(peers[0], peers[2]);
+    EXPECT_EQ(client.get("/").result_int(), 200);
 
     std::filesystem::rename(server.file("log"), server.file("log.1"));
     std::ofstream(settings) << "log-level = error\n" << always;
     server.signal(SIGHUP);
     std::this_thread::sleep_for(logTime);
     EXPECT_EQ(from("192.0.2.1", signUp("a@example.org")), R"({"result":"OK"})");
+    EXPECT_EQ(client.get("/").result_int(), 404); // others ask through the proxy
     hangUp("sign-up = nobody", "settings not read again");
     const std::string quiet = contentOf(server.file("log"));
     EXPECT_EQ(std::count(quiet.begin(), quiet.end(), '\n'), 1); // and nothing of what went well
