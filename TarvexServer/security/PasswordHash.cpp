@@ -11,13 +11,8 @@ namespace tarvex::security {
 
 namespace {
 
-#ifdef TARVEX_WEAK_HASHING
-constexpr unsigned long long passes = crypto_pwhash_argon2id_OPSLIMIT_MIN;
-constexpr std::size_t memory = crypto_pwhash_argon2id_MEMLIMIT_MIN;
-#else
 constexpr unsigned long long passes = 2;
 constexpr std::size_t memory = 19UL * 1024 * 1024;
-#endif
 
 /// What the text of a hash holds.
 struct Stored
