@@ -8,6 +8,7 @@ set -uo pipefail
 cd "$(dirname "$0")/.."
 exec > >(tee "${1:-endurance.txt}")
 tools/install-packages build test || exit 1
+PATH=$PATH:/usr/sbin command -v haproxy >/dev/null || { echo "haproxy is missing: tools/install-packages front" >&2; exit 1; }
 tools/configure dev
 cmake --build --preset dev --target tarvex-server ServerKills ServerHistories >/dev/null || exit 1
 tests=build/dev/tests/server

@@ -17,7 +17,8 @@ import tempfile
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-sys.path.insert(0, str(ROOT / "tests/server"))
+sys.path[:0] = [str(ROOT / "tests/server"), str(ROOT / "tools")]
+from desktop import begin  # noqa: E402
 from failover import Client  # noqa: E402
 from ports import free_ports  # noqa: E402
 from postgresql import Server  # noqa: E402
@@ -34,7 +35,7 @@ class Process:
         self.start()
 
     def start(self):
-        self.child = subprocess.Popen(self.command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        self.child = begin(self.command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         self.child.stdout.readline()
 
     def end(self, sent):
@@ -52,7 +53,7 @@ def start_haproxy(folder, port, processes):
     file = pathlib.Path(folder, "haproxy.cfg")
     file.write_text(text)
     program = shutil.which("haproxy") or "/usr/sbin/haproxy"
-    proxy = subprocess.Popen([program, "-db", "-f", file], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    proxy = begin([program, "-db", "-f", file], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     while True:
         try:
             socket.create_connection((HERE, port)).close()
