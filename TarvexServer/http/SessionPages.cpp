@@ -76,10 +76,11 @@ void Session::answerPage(BuiltPage built)
 void Session::reportPage(const pages::Reply &reply) const
 {
     const auto time = std::chrono::steady_clock::now() - m_arrival;
-    m_context.service.measures().pages.add(time);
+    const Outcome outcome = outcomeOf(reply);
+    m_context.service.measures().pages.add(outcome, time);
     if (m_context.report)
         m_context.report({.kind = "page",
-                          .outcome = outcomeOf(reply),
+                          .outcome = outcome,
                           .cause = reply.cause,
                           .peer = m_requestPeer,
                           .bytesIn = m_bodySize,

@@ -57,19 +57,24 @@ struct Measures
 {
     struct OfKind
     {
+        void add(Outcome outcome, std::chrono::steady_clock::duration took)
+        {
+            ended[static_cast<std::size_t>(outcome)].add();
+            time.add(took);
+        }
+
         std::array<Counter, outcomes.size()> ended;
         Durations time; ///< from the last byte of the request until its answer leaves
     };
 
     void count(const RequestKind &kind, const Answer &answer, std::chrono::steady_clock::duration time)
     {
-        OfKind &ofKind = kinds[numberOf(kind)];
-        ofKind.ended[static_cast<std::size_t>(answer.outcome)].add();
-        ofKind.time.add(time);
+        kinds[numberOf(kind)].add(answer.outcome, time);
         reasons[static_cast<std::size_t>(answer.reason)].add();
     }
 
     std::array<OfKind, kindCount + 1> kinds; ///< the last is for what is none of the protocol
+    OfKind pages;
     std::array<Counter, requests::reasons.size()> reasons;
     Counter unreadable; ///< requests whose head was refused
     Counter connections;
@@ -79,7 +84,6 @@ struct Measures
     Counter notRemembered;
     Durations writerWaits; ///< of what is to be written, for the thread that writes
     Durations hashingWaits;
-    Durations pages; ///< from the last byte of a request for one until it leaves
 };
 
 } // namespace tarvex::requests

@@ -24,14 +24,19 @@ std::string kindLabel(std::size_t number)
     return label("kind", name.empty() ? "none" : name);
 }
 
+void addEnds(Prometheus &text, const std::string &kind, const Measures::OfKind &measures)
+{
+    for (std::size_t outcome = 0; outcome < requests::outcomes.size(); ++outcome)
+        text.sample(kind + "," + label("outcome", requests::outcomes[outcome]),
+                    measures.ended[outcome].count());
+}
+
 void addRequests(Prometheus &text, const Measures &measures)
 {
     text.counter("tarvex_requests_total", "Requests that were answered, by kind and by how they ended.");
-    for (std::size_t i = 0; i < measures.kinds.size(); ++i) {
-        for (std::size_t outcome = 0; outcome < requests::outcomes.size(); ++outcome)
-            text.sample(kindLabel(i) + "," + label("outcome", requests::outcomes[outcome]),
-                        measures.kinds[i].ended[outcome].count());
-    }
+    for (std::size_t i = 0; i < measures.kinds.size(); ++i)
+        addEnds(text, kindLabel(i), measures.kinds[i]);
+    addEnds(text, label("kind", "page"), measures.pages);
     text.histogram("tarvex_request_duration_seconds", "From the last byte of a request to its answer.");
     for (std::size_t i = 0; i < measures.kinds.size(); ++i)
         text.samples(kindLabel(i), measures.kinds[i].time);
@@ -49,7 +54,7 @@ void addRefusals(Prometheus &text, const Measures &measures)
         text.sample(label("reason", requests::reasons[i]), measures.reasons[i].count());
     for (const Outcome outcome : {Outcome::TooManyAttempts, Outcome::Busy, Outcome::TooLarge}) {
         const auto number = static_cast<std::size_t>(outcome);
-        std::uint64_t count = 0;
+        std::uint64_t count = measures.pages.ended[number].count();
         for (const Measures::OfKind &kind : measures.kinds)
             count += kind.ended[number].count();
         text.sample(label("reason", requests::outcomes[number]), count);
@@ -76,7 +81,7 @@ void addWork(Prometheus &text, const Measures &measures)
     text.histogram("tarvex_hashing_wait_seconds", "A password waits so long for being hashed.");
     text.samples("", measures.hashingWaits);
     text.histogram("tarvex_page_seconds", "A page takes so long, until its answer leaves.");
-    text.samples("", measures.pages);
+    text.samples("", measures.pages.time);
     text.counter("tarvex_remembered_answers_total", "Answers to reads that were known still, and others.");
     text.sample(label("found", "hit"), measures.remembered.count());
     text.sample(label("found", "missed"), measures.notRemembered.count());

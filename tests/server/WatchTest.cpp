@@ -182,6 +182,9 @@ TEST(Watch, CountsWhatHappened)
         client.post(body);
     for (const char *path : {"/", "/tarvex/"}) // the latter ends the connection
         client.get(path);
+    RawClient form(server.port);
+    form.send("POST /sign-in HTTP/1.1\r\nHost: x\r\nExpect: 100-continue\r\nContent-Length: 600000\r\n\r\n");
+    EXPECT_EQ(form.read().result_int(), 413U);
     const auto metrics = server.metrics();
     for (const SampleRow &row : sampleRows("counted.txt"))
         EXPECT_EQ(metrics.at(row[0]), std::stod(row[1])) << row[0];
