@@ -79,6 +79,7 @@ Restored restore(const InstallationFiles &installation, const std::filesystem::p
     if (restored.tookSecret) {
         const store::UnfinishedFile unfinished(partOf(installation.secret));
         store::copyPrivately(secretBeside(copy), partOf(installation.secret));
+        store::giveToOwnerOf(installation.database, partOf(installation.secret));
         store::putInPlace(partOf(installation.secret), installation.secret);
     }
     restored.replaced = restoration.put(now);
