@@ -80,7 +80,7 @@ void RefusedSaves::accepted(store::Connection &connection, const std::string &sa
 bool RefusedSaves::takeRefusal(store::Connection &connection, const std::string &saver,
                                const std::set<wire::GoalPlace> &places)
 {
-    bool isTaken = takeFromMemory(saver, places);
+    bool isTaken = false;
     for (const store::SavePlace &place : store::refusedSavesOf(connection, saver, m_clocks.seconds())) {
         const bool isAny = place == stored({});
         if (!isAny && !places.contains({.setId = place.first, .areaId = place.second}))
@@ -90,7 +90,8 @@ bool RefusedSaves::takeRefusal(store::Connection &connection, const std::string 
         m_database.write([=](store::Connection &later) { store::forgetRefusedSave(later, saver, place); },
                          [](const std::exception_ptr &) {});
     }
-    return isTaken;
+    // Last, since work that fails may be run once more, and memory does not go back with the transaction.
+    return takeFromMemory(saver, places) || isTaken;
 }
 
 bool RefusedSaves::takeFromMemory(const std::string &saver, const std::set<wire::GoalPlace> &places)
