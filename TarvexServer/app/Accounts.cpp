@@ -24,6 +24,8 @@ boost::json::object described(const store::AccountOverview &account)
             {"created", wire::utcTime(account.createdAt)},
             {"lastSeen", account.seenOn == 0 ? boost::json::value() : boost::json::value(lastSeen(account))},
             {"disabled", account.isDisabled},
+            {"closed", account.closedAt == 0 ? boost::json::value()
+                                             : boost::json::value(wire::utcTime(account.closedAt))},
             {"sets", account.sets},
             {"goals", account.goals},
             {"goalBytes", account.goalBytes},
@@ -49,7 +51,11 @@ void printRow(const store::AccountOverview &account)
 {
     printRow(account.accountId, wire::utcDay(account.createdAt), lastSeen(account), account.sets,
              account.goals, account.goalBytes, account.deletedGoals);
-    std::cout << (account.isDisabled ? "  disabled\n" : "\n");
+    if (account.isDisabled)
+        std::cout << "  disabled";
+    if (account.closedAt != 0)
+        std::cout << "  closed " << wire::utcDay(account.closedAt);
+    std::cout << "\n";
 }
 
 int listAsJson(store::Database &database)

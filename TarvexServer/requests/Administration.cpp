@@ -2,6 +2,7 @@
 
 #include "AccountRemoval.h"
 #include "AccountTexts.h"
+#include "ClosedAccounts.h"
 #include "NewAccounts.h"
 #include "WireText.h"
 
@@ -105,6 +106,8 @@ void setDisabled(store::Database &database, std::int64_t accountId, bool isDisab
 {
     database.write([&](store::Connection &connection) {
         requireThere(store::setDisabled(connection, accountId, isDisabled), accountId);
+        if (!isDisabled)
+            store::keepAccount(connection, accountId);
     });
 }
 

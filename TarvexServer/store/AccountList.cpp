@@ -8,7 +8,7 @@ namespace {
 
 // Statements are known by their place: these stand for ever.
 const std::string selectOverviews =
-    "SELECT account_id, created_at, seen_on, disabled,"
+    "SELECT account_id, created_at, seen_on, disabled, COALESCE(closed_at, 0),"
     " (SELECT COUNT(*) FROM goal_set WHERE goal_set.account_id = account.account_id AND deleted_at IS NULL),"
     " (SELECT COUNT(*) FROM goal WHERE goal.account_id = account.account_id AND deleted_at IS NULL),"
     " (SELECT COALESCE(SUM(OCTET_LENGTH(goal.name)), 0) FROM goal"
@@ -25,10 +25,11 @@ AccountOverview overviewOf(const Rows &row)
             .createdAt = row.number(1),
             .seenOn = row.number(2),
             .isDisabled = row.number(3) != 0,
-            .sets = row.number(4),
-            .goals = row.number(5),
-            .goalBytes = row.number(6),
-            .deletedGoals = row.number(7)};
+            .closedAt = row.number(4),
+            .sets = row.number(5),
+            .goals = row.number(6),
+            .goalBytes = row.number(7),
+            .deletedGoals = row.number(8)};
 }
 
 } // namespace

@@ -15,6 +15,7 @@ struct AccountOverview
     std::int64_t createdAt = 0; ///< seconds since 1970
     std::int64_t seenOn = 0;    ///< days since 1970; 0 if its password was never found right
     bool isDisabled = false;
+    std::int64_t closedAt = 0; ///< by its owner, in seconds since 1970, or 0
     std::int64_t sets = 0;
     std::int64_t goals = 0;
     std::int64_t goalBytes = 0; ///< of the names of these
