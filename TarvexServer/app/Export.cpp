@@ -47,8 +47,11 @@ int exportAccount(const InstallationOptions &installation, const AccountOptions 
     store::Database database = installation.existing();
     const auto exported =
         requests::exportAccount(database, account.find(database, installation), options.withDeleted);
-    const std::string text =
+    const auto written =
         options.format == ExportFormat::Json ? wire::writeExport(exported) : wire::writeTable(exported);
+    if (!written)
+        throw std::runtime_error("The table would be larger than 64 MiB; --format json has no such bound.");
+    const std::string &text = *written;
     if (!options.file.empty())
         writeNewFile(options.file, text);
     else if (writeOut(STDOUT_FILENO, text) < text.size())

@@ -30,8 +30,8 @@ boost::json::value described(const requests::Undeletable &found)
     for (const auto &goal : found.goals)
         goals.push_back({{"goal", goal.id},
                          {"name", goal.name},
-                         {"ofSet", goal.set},
-                         {"ofArea", goal.area},
+                         {"ofSet", found.setNames.at(goal.setId)},
+                         {"ofArea", found.areaNames.at(goal.areaId)},
                          {"deleted", wire::utcTime(goal.deletedAt)},
                          {"setIsDeleted", goal.isSetDeleted}});
     return {{"sets", std::move(sets)}, {"goals", std::move(goals)}};
@@ -43,8 +43,9 @@ void printSentences(const requests::Undeletable &found)
         std::cout << "--set " << set.id << "  \"" << shown(set.name) << "\" with "
                   << counted(set.goals, "goal") << ", deleted " << wire::utcTime(set.deletedAt) << "\n";
     for (const auto &goal : found.goals)
-        std::cout << "--goal " << goal.id << "  \"" << shown(goal.name) << "\" of \"" << shown(goal.set)
-                  << "\", " << shown(goal.area) << ", deleted " << wire::utcTime(goal.deletedAt)
+        std::cout << "--goal " << goal.id << "  \"" << shown(goal.name) << "\" of \""
+                  << shown(found.setNames.at(goal.setId)) << "\", " << shown(found.areaNames.at(goal.areaId))
+                  << ", deleted " << wire::utcTime(goal.deletedAt)
                   << (goal.isSetDeleted ? " (after its set)\n" : "\n");
     std::cout << counted(static_cast<std::int64_t>(found.sets.size()), "set") << " and "
               << counted(static_cast<std::int64_t>(found.goals.size()), "goal") << " can come back."

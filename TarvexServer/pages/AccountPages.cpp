@@ -20,8 +20,10 @@ using requests::Outcome;
 
 namespace {
 
-/// Deleted goals on one page, the last first; what else there is stands in an export.
+/// Deleted goals on one page, the last first, and bytes of their texts; what else there is stands in an
+/// export.
 constexpr std::size_t mostDeletedShown = 500;
+constexpr std::size_t mostTextShown = 1024UL * 1024;
 constexpr std::int64_t secondsPerDay = 24LL * 60 * 60;
 
 constexpr const char *wrongPassword = "The password is wrong. Nothing was done.";
@@ -44,13 +46,18 @@ Values deletedValues(const requests::Undeletable &found)
         sets.push_back(entry);
     }
     Values goals(Values::type::list);
-    for (std::size_t i = 0; i < std::min(found.goals.size(), mostDeletedShown); ++i) {
-        const auto &goal = found.goals[i];
+    std::size_t shown = 0;
+    for (std::size_t text = 0; shown < std::min(found.goals.size(), mostDeletedShown) && text < mostTextShown;
+         ++shown) {
+        const auto &goal = found.goals[shown];
+        const std::string &set = found.setNames.at(goal.setId);
+        const std::string &area = found.areaNames.at(goal.areaId);
+        text += goal.name.size() + set.size() + area.size();
         Values entry;
         entry.set("id", std::to_string(goal.id));
         entry.set("name", goal.name);
-        entry.set("set", goal.set);
-        entry.set("area", goal.area);
+        entry.set("set", set);
+        entry.set("area", area);
         entry.set("day", wire::utcDay(goal.deletedAt));
         entry.set("until", lastDayOf(goal.deletedAt));
         entry.set("isSetDeleted", goal.isSetDeleted);
@@ -62,8 +69,8 @@ Values deletedValues(const requests::Undeletable &found)
     values.set("goals", goals);
     values.set("hasGoals", !found.goals.empty());
     values.set("hasAny", !found.sets.empty() || !found.goals.empty());
-    if (found.goals.size() > mostDeletedShown)
-        values.set("more", std::to_string(found.goals.size() - mostDeletedShown));
+    if (found.goals.size() > shown)
+        values.set("more", std::to_string(found.goals.size() - shown));
     return values;
 }
 
@@ -158,8 +165,10 @@ void Site::bringBack(Visit &visit)
     std::string problem = "Please choose what is to come back.";
     if (sets && goals && (!sets->empty() || !goals->empty())) {
         try {
-            requests::undelete(m_database, accountId, *sets, *goals, m_clocks.seconds());
-            visit.end(redirect("/account/deleted?said=back"));
+            if (writeAs(visit, [&](store::Connection &connection) {
+                    requests::undelete(connection, accountId, *sets, *goals, m_clocks.seconds());
+                }))
+                visit.end(redirect("/account/deleted?said=back"));
             return;
         } catch (const requests::AccountProblem &fault) {
             problem = fault.what();
@@ -179,7 +188,13 @@ void Site::exportJson(Visit &visit)
 void Site::exportTable(Visit &visit)
 {
     const auto exported = requests::exportAccount(m_database, visit.session->accountId, /*withDeleted=*/true);
-    visit.end(fileReply("text/csv; charset=utf-8", "tarvex-goals.csv", wire::writeTable(exported)));
+    const auto table = wire::writeTable(exported);
+    visit.end(
+        table
+            ? fileReply("text/csv; charset=utf-8", "tarvex-goals.csv", *table)
+            : told(
+                  /*status=*/422, "Too large for a table",
+                  "The names of its sets and areas are too long for a row each. Please take the JSON file."));
 }
 
 void Site::showClose(Visit &visit)

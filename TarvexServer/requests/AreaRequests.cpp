@@ -4,6 +4,9 @@
 #include "Records.h"
 #include "XmlAnswer.h"
 
+#include <map>
+#include <utility>
+
 namespace tarvex::requests {
 
 std::string getAreas(Call &call)
@@ -23,9 +26,13 @@ std::string getAreas(Call &call)
 std::string setAreaNames(Call &call)
 {
     const std::string_view field = textField(call, /*number=*/4);
+    std::map<std::int64_t, std::string> names; // the last of each, of however many that are sent
+    for (wire::AreaNameRecord &record : wire::readAreaNameRecords(field))
+        names[record.areaId] = std::move(record.name);
     std::size_t renamed = 0;
-    for (const wire::AreaNameRecord &record : wire::readAreaNameRecords(field))
-        renamed += store::renameArea(call.connection, call.accountId, record.areaId, record.name) ? 1U : 0U;
+    for (const store::Area &area : store::areas(call.connection, call.accountId))
+        if (const auto name = names.find(area.id); name != names.end())
+            renamed += store::renameArea(call.connection, call.accountId, area.id, name->second) ? 1U : 0U;
     require(renamed > 0 || field.empty());
     return done();
 }

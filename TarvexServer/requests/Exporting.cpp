@@ -100,9 +100,8 @@ void importWith(store::Database &database, const store::Database::Work &work)
     try {
         database.write(work);
     } catch (const store::QuotaExceeded &) {
-        throw AccountProblem(
-            "The account would hold more than it may, which is 500 sets and 20,000 goals with"
-            " names of 16 MiB; nothing was imported.");
+        throw AccountProblem("The account would hold more than it may, which is 500 sets with names of"
+                             " 4 MiB and 20,000 goals with names of 16 MiB; nothing was imported.");
     }
 }
 

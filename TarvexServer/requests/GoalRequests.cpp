@@ -9,7 +9,7 @@
 #include "WireText.h"
 #include "XmlAnswer.h"
 
-#include <map>
+#include <algorithm>
 #include <random>
 #include <set>
 
@@ -47,13 +47,17 @@ bool placeExists(const Call &call, wire::GoalPlace place)
 /// The records whose set and area are the account's own, as goals.
 std::vector<store::Goal> soundGoals(const Call &call, const std::vector<wire::GoalRecord> &records)
 {
-    std::map<wire::GoalPlace, bool> places;
+    const auto [first, last] =
+        std::minmax_element(records.begin(), records.end(), [](const auto &record, const auto &other) {
+            return record.place.setId < other.place.setId;
+        });
+    if (first == records.end())
+        return {};
+    const auto places =
+        store::placesOfSets(call.connection, call.accountId, first->place.setId, last->place.setId);
     std::vector<store::Goal> goals;
     for (const wire::GoalRecord &record : records) {
-        const auto [place, isNew] = places.try_emplace(record.place, false);
-        if (isNew)
-            place->second = placeExists(call, record.place);
-        if (place->second)
+        if (places.contains({record.place.setId, record.place.areaId}))
             goals.push_back({.setId = record.place.setId,
                              .areaId = record.place.areaId,
                              .name = record.name,
@@ -63,20 +67,12 @@ std::vector<store::Goal> soundGoals(const Call &call, const std::vector<wire::Go
     return goals;
 }
 
-std::set<wire::GoalPlace> placesOf(const Call &call, const std::vector<store::IdRun> &goalIds)
+std::set<wire::GoalPlace> placesOf(const std::vector<store::PlacedGoal> &goals)
 {
     std::set<wire::GoalPlace> places;
-    for (const auto &[setId, areaId] : store::placesOfGoals(call.connection, call.accountId, goalIds))
-        places.insert({.setId = setId, .areaId = areaId});
+    for (const store::PlacedGoal &goal : goals)
+        places.insert({.setId = goal.setId, .areaId = goal.areaId});
     return places;
-}
-
-std::set<std::int64_t> setsOf(const std::set<wire::GoalPlace> &places)
-{
-    std::set<std::int64_t> setIds;
-    for (const wire::GoalPlace &place : places)
-        setIds.insert(place.setId);
-    return setIds;
 }
 
 } // namespace
@@ -149,10 +145,9 @@ std::string createSomeGoals(Call &call)
 
 std::string deleteGoal(Call &call)
 {
-    const std::int64_t goalId = idField(call, /*number=*/4);
-    const auto goal = store::findGoal(call.connection, call.accountId, goalId);
-    require(goal.has_value());
-    store::deleteGoals(call.connection, call.accountId, store::runsOf({goalId}), {goal->setId}, call.now);
+    const auto goals = store::placedGoals(call.connection, call.accountId, {idField(call, /*number=*/4)});
+    require(!goals.empty());
+    store::deleteGoals(call.connection, call.accountId, goals, call.now);
     return done();
 }
 
@@ -163,11 +158,10 @@ std::string deleteSomeGoals(Call &call)
         return done();
     std::vector<std::int64_t> list = wire::readIdList(field);
     require(!list.empty() && list.size() <= maximumIds);
-    const std::vector<store::IdRun> ids = store::runsOf(std::move(list));
-    const std::set<wire::GoalPlace> places = placesOf(call, ids);
-    const bool isGuarded = call.refusedSaves.takeRefusal(call.connection, call.saver, places);
+    const auto goals = store::placedGoals(call.connection, call.accountId, std::move(list));
+    const bool isGuarded = call.refusedSaves.takeRefusal(call.connection, call.saver, placesOf(goals));
     require(!isGuarded, Reason::RefusedSave);
-    store::deleteGoals(call.connection, call.accountId, ids, setsOf(places), call.now);
+    store::deleteGoals(call.connection, call.accountId, goals, call.now);
     return done();
 }
 

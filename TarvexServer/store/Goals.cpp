@@ -136,43 +136,39 @@ void createGoals(Connection &connection, std::int64_t accountId, const std::vect
     }
 }
 
-std::vector<IdRun> runsOf(std::vector<std::int64_t> ids)
+std::vector<PlacedGoal> placedGoals(Connection &connection, std::int64_t accountId,
+                                    std::vector<std::int64_t> ids)
 {
+    std::vector<PlacedGoal> found;
+    if (ids.empty())
+        return found;
     std::sort(ids.begin(), ids.end());
-    std::vector<IdRun> runs;
-    for (const std::int64_t id : ids) {
-        if (!runs.empty() && id <= runs.back().last + 1)
-            runs.back().last = id;
-        else
-            runs.push_back({.first = id, .last = id});
-    }
-    return runs;
+    // All at once, since to ask for each would take a way to and fro across a network.
+    Rows rows = connection.rows("SELECT goal_id, set_id, area_id FROM goal WHERE account_id = $1"
+                                " AND goal_id BETWEEN $2 AND $3 AND deleted_at IS NULL ORDER BY goal_id",
+                                accountId, ids.front(), ids.back());
+    while (rows.next())
+        if (std::binary_search(ids.begin(), ids.end(), rows.number(0)))
+            found.push_back({.id = rows.number(0), .setId = rows.number(1), .areaId = rows.number(2)});
+    return found;
 }
 
-std::vector<std::pair<std::int64_t, std::int64_t>>
-placesOfGoals(Connection &connection, std::int64_t accountId, const std::vector<IdRun> &goalIds)
+void deleteGoals(Connection &connection, std::int64_t accountId, const std::vector<PlacedGoal> &goals,
+                 std::int64_t now)
 {
-    std::set<std::pair<std::int64_t, std::int64_t>> places;
-    for (const IdRun &run : goalIds) {
-        Rows rows = connection.rows("SELECT DISTINCT set_id, area_id FROM goal WHERE account_id = $1"
-                                    " AND goal_id BETWEEN $2 AND $3 AND deleted_at IS NULL",
-                                    accountId, run.first, run.last);
-        while (rows.next())
-            places.emplace(rows.number(0), rows.number(1));
+    std::set<std::int64_t> changedSets;
+    for (const PlacedGoal &goal : goals)
+        changedSets.insert(goal.setId);
+    noteProgress(connection, accountId, changedSets, now);
+    for (auto first = goals.begin(); first != goals.end();) {
+        auto last = first; // of ids in a row: goals that were saved together
+        while (last + 1 != goals.end() && (last + 1)->id == last->id + 1)
+            ++last;
+        connection.run("UPDATE goal SET deleted_at = $1 WHERE account_id = $2 AND goal_id BETWEEN $3 AND $4",
+                       now, accountId, first->id, last->id);
+        first = last + 1;
     }
-    return {places.begin(), places.end()};
-}
-
-void deleteGoals(Connection &connection, std::int64_t accountId, const std::vector<IdRun> &goalIds,
-                 const std::set<std::int64_t> &setIds, std::int64_t now)
-{
-    noteProgress(connection, accountId, setIds, now);
-    std::int64_t deleted = 0;
-    for (const IdRun &run : goalIds)
-        deleted += connection.change("UPDATE goal SET deleted_at = $1 WHERE account_id = $2"
-                                     " AND goal_id BETWEEN $3 AND $4 AND deleted_at IS NULL",
-                                     now, accountId, run.first, run.last);
-    countDeleted(connection, accountId, deleted);
+    countDeleted(connection, accountId, static_cast<std::int64_t>(goals.size()));
 }
 
 void checkGoal(Connection &connection, std::int64_t accountId, const Goal &goal, std::int64_t now)

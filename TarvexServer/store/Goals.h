@@ -72,24 +72,21 @@ std::optional<Goal> undoneGoal(Connection &connection, std::int64_t accountId, s
 void createGoals(Connection &connection, std::int64_t accountId, const std::vector<Goal> &goals,
                  std::int64_t now);
 
-/// Ids without gaps, the last one included. A list of ids is mostly one such run: goals that were saved
-/// together.
-struct IdRun
+/// A goal with the set and the area that it hangs on.
+struct PlacedGoal
 {
-    std::int64_t first = 0;
-    std::int64_t last = 0;
+    std::int64_t id = 0;
+    std::int64_t setId = 0;
+    std::int64_t areaId = 0;
 };
 
-/// The runs that the ids make up, in ascending order.
-std::vector<IdRun> runsOf(std::vector<std::int64_t> ids);
+/// Those of these goals that the account has, by ascending id.
+std::vector<PlacedGoal> placedGoals(Connection &connection, std::int64_t accountId,
+                                    std::vector<std::int64_t> ids);
 
-/// The sets and areas that any of the goals hang on, each once.
-std::vector<std::pair<std::int64_t, std::int64_t>>
-placesOfGoals(Connection &connection, std::int64_t accountId, const std::vector<IdRun> &goalIds);
-
-/// Marks the goals deleted, which are in these sets; ids the account has no goal for are passed over.
-void deleteGoals(Connection &connection, std::int64_t accountId, const std::vector<IdRun> &goalIds,
-                 const std::set<std::int64_t> &setIds, std::int64_t now);
+/// Marks these goals deleted.
+void deleteGoals(Connection &connection, std::int64_t accountId, const std::vector<PlacedGoal> &goals,
+                 std::int64_t now);
 
 /// Marks the goal done, which it may be already.
 void checkGoal(Connection &connection, std::int64_t accountId, const Goal &goal, std::int64_t now);

@@ -41,9 +41,10 @@ SetCounts countSets(Connection &connection, std::int64_t accountId)
 void requireRoom(Connection &connection, std::int64_t accountId, std::int64_t count, std::int64_t bytes)
 {
     const auto [goals, goalBytes] = [&] {
-        const Rows held = only(connection.rows("SELECT COUNT(*), COALESCE(SUM(LENGTH(name)), 0) FROM goal"
-                                               " WHERE account_id = $1 AND deleted_at IS NULL",
-                                               accountId));
+        const Rows held =
+            only(connection.rows("SELECT COUNT(*), COALESCE(SUM(OCTET_LENGTH(name)), 0) FROM goal"
+                                 " WHERE account_id = $1 AND deleted_at IS NULL",
+                                 accountId));
         return std::pair(held.number(0) + count, held.number(1) + bytes);
     }();
     if (goals > Quotas::goals || goalBytes > Quotas::goalBytes)
@@ -67,6 +68,14 @@ void boundDeletedNames(Connection &connection, std::int64_t accountId)
 void requireSetRoom(Connection &connection, std::int64_t accountId)
 {
     if (countSets(connection, accountId).live >= Quotas::sets)
+        throw QuotaExceeded();
+}
+
+void requireSetNameRoom(Connection &connection, std::int64_t accountId)
+{
+    const Rows held = only(connection.rows(
+        "SELECT COALESCE(SUM(OCTET_LENGTH(name)), 0) FROM goal_set WHERE account_id = $1", accountId));
+    if (held.number(0) > Quotas::setNameBytes)
         throw QuotaExceeded();
 }
 

@@ -13,9 +13,9 @@ struct Quotas
 {
     static constexpr std::int64_t sets = 500;
     static constexpr std::int64_t setsWithDeleted = 2'000;
+    static constexpr std::int64_t setNameBytes = 4LL * 1024 * 1024; ///< of all of these together
     static constexpr std::int64_t goals = 20'000;
-    static constexpr std::int64_t goalBytes =
-        16LL * 1024 * 1024; ///< of their names; characters where they are counted anew
+    static constexpr std::int64_t goalBytes = 16LL * 1024 * 1024; ///< of their names
     /// Beyond these the ones that were deleted first are gone before their time.
     static constexpr std::int64_t deletedGoals = 100'000;
     static constexpr std::int64_t deletedBytes =
@@ -29,6 +29,9 @@ class QuotaExceeded : public std::exception
 
 /// Throws QuotaExceeded if the account has no room for one more set that is not deleted.
 void requireSetRoom(Connection &connection, std::int64_t accountId);
+
+/// Throws QuotaExceeded if the names of the account's sets are too long together.
+void requireSetNameRoom(Connection &connection, std::int64_t accountId);
 
 /// Takes an id for a set. Throws TransactionFailed if the account is gone or the wire's 32 bits are used up.
 std::int64_t takeSetId(Connection &connection, std::int64_t accountId);

@@ -37,21 +37,39 @@ bool hasPlace(Connection &connection, std::int64_t accountId, std::int64_t setId
         .next();
 }
 
+std::set<std::pair<std::int64_t, std::int64_t>> placesOfSets(Connection &connection, std::int64_t accountId,
+                                                             std::int64_t firstSetId, std::int64_t lastSetId)
+{
+    std::set<std::pair<std::int64_t, std::int64_t>> places;
+    Rows rows =
+        connection.rows("SELECT set_id, area_id FROM goal_set"
+                        " JOIN area ON area.account_id = goal_set.account_id"
+                        " WHERE goal_set.account_id = $1 AND set_id BETWEEN $2 AND $3 AND deleted_at IS NULL",
+                        accountId, firstSetId, lastSetId);
+    while (rows.next())
+        places.emplace(rows.number(0), rows.number(1));
+    return places;
+}
+
 std::int64_t createSet(Connection &connection, std::int64_t accountId, const std::string &name,
                        std::int64_t now)
 {
     const std::int64_t setId = takeSetId(connection, accountId);
     connection.change("INSERT INTO goal_set (account_id, set_id, name) VALUES ($1, $2, $3)", accountId, setId,
                       name);
+    requireSetNameRoom(connection, accountId);
     noteSetProgress(connection, accountId, setId, now);
     return setId;
 }
 
 bool renameSet(Connection &connection, std::int64_t accountId, std::int64_t setId, const std::string &name)
 {
-    return connection.change("UPDATE goal_set SET name = $1"
-                             " WHERE account_id = $2 AND set_id = $3 AND deleted_at IS NULL",
-                             name, accountId, setId) > 0;
+    const std::int64_t renamed =
+        connection.change("UPDATE goal_set SET name = $1"
+                          " WHERE account_id = $2 AND set_id = $3 AND deleted_at IS NULL",
+                          name, accountId, setId);
+    requireSetNameRoom(connection, accountId);
+    return renamed > 0;
 }
 
 bool deleteSet(Connection &connection, std::int64_t accountId, std::int64_t setId, std::int64_t now)

@@ -3,7 +3,9 @@
 #include "Connection.h"
 
 #include <cstdint>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tarvex::store {
@@ -22,12 +24,15 @@ std::vector<Set> sets(Connection &connection, std::int64_t accountId);
 bool hasSet(Connection &connection, std::int64_t accountId, std::int64_t setId);
 /// Whether the account has both, so that goals can hang there.
 bool hasPlace(Connection &connection, std::int64_t accountId, std::int64_t setId, std::int64_t areaId);
+/// All such pairs of set and area, of the sets whose ids lie between these two.
+std::set<std::pair<std::int64_t, std::int64_t>> placesOfSets(Connection &connection, std::int64_t accountId,
+                                                             std::int64_t firstSetId, std::int64_t lastSetId);
 
 /// Returns the new set's id. Throws QuotaExceeded. Progress is noted for `now`, in seconds since 1970.
 std::int64_t createSet(Connection &connection, std::int64_t accountId, const std::string &name,
                        std::int64_t now);
 
-/// Tells whether the account has such a set.
+/// Tells whether the account has such a set. Throws QuotaExceeded.
 bool renameSet(Connection &connection, std::int64_t accountId, std::int64_t setId, const std::string &name);
 
 /// Marks the set and its goals deleted. Tells whether the account had such a set. `now` is in seconds since

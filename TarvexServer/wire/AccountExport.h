@@ -52,8 +52,12 @@ std::string writeExport(const AccountExport &account);
 /// are members of other names. Throws ExportDamaged.
 AccountExport readExport(std::string_view json);
 
-/// As a table for spreadsheets (RFC 4180), a goal a row; a set without goals has one row.
-std::string writeTable(const AccountExport &account);
+/// As a table for spreadsheets (RFC 4180), a goal a row; a set without goals has one row. Nothing if it would
+/// be larger than the below: each row has the names of set and area, however long they are.
+std::optional<std::string> writeTable(const AccountExport &account);
+
+/// In bytes.
+constexpr std::size_t largestTable = 64UL * 1024 * 1024;
 
 /// No larger file is read, in bytes. An export can be larger, most of all one with what was deleted, which is
 /// passed over anyway.

@@ -39,7 +39,7 @@ std::string timeField(std::optional<std::int64_t> time)
 
 } // namespace
 
-std::string writeTable(const AccountExport &account)
+std::optional<std::string> writeTable(const AccountExport &account)
 {
     constexpr const char *lineEnd = "\r\n";
     std::string table = "set,area,goal,priority,done,deleted";
@@ -52,6 +52,8 @@ std::string writeTable(const AccountExport &account)
             table.append(field(set.name)).append(",").append(field(area)).append(",");
             table.append(field(goal.name)).append(",").append(std::to_string(goal.priority)).append(",");
             table.append(goal.isDone ? "yes," : "no,").append(timeField(goal.deletedAt)).append(lineEnd);
+            if (table.size() > largestTable)
+                return {};
         }
     }
     return table;

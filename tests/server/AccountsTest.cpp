@@ -1,4 +1,5 @@
 #include "AccountRemoval.h"
+#include "ClosedAccounts.h"
 #include "Customer.h"
 #include "Exporting.h"
 #include "Goals.h"
@@ -219,7 +220,8 @@ TEST_F(Accounts, GetBackWhatTheyDeletedAndNothingElse)
     ASSERT_EQ(found.goals.size(), 2U);
     EXPECT_FALSE(found.goals[0].isSetDeleted);
     EXPECT_TRUE(found.goals[1].isSetDeleted);
-    EXPECT_EQ(found.goals[0].name + " of " + found.goals[0].set + ", " + found.goals[0].area,
+    EXPECT_EQ(found.goals[0].name + " of " + found.setNames.at(found.goals[0].setId) + ", " +
+                  found.areaNames.at(found.goals[0].areaId),
               "gone of My wheel, Finance");
 
     const auto nothing = [](const std::string &what) {
@@ -234,6 +236,17 @@ TEST_F(Accounts, GetBackWhatTheyDeletedAndNothingElse)
     EXPECT_EQ(namesOf(1) + namesOf(2), "[kept][gone][with the set]");
     EXPECT_EQ(requests::undelete(m_database, anna(), {}, {4}, m_seconds), 1);
     EXPECT_EQ(namesOf(2), "[with the set][before it]");
+}
+
+TEST_F(Accounts, ThatWereClosedAreToldOfAndEnabledAgain)
+{
+    m_database.write(
+        [&](store::Connection &connection) { store::closeAccount(connection, anna(), m_seconds); });
+    EXPECT_NE(postAsAnna("sign-in"), "OK");
+    EXPECT_EQ(overview().closedAt, m_seconds);
+    requests::setDisabled(m_database, anna(), /*isDisabled=*/false);
+    EXPECT_EQ(overview().closedAt, 0);
+    EXPECT_EQ(postAsAnna("sign-in"), "OK");
 }
 
 TEST_F(Accounts, GetBackNoMoreThanTheyMayHold)
@@ -321,6 +334,9 @@ TEST(AccountTable, HoldsNothingThatASpreadsheetWouldCompute)
     EXPECT_EQ(wire::writeTable(account), "set,area,goal,priority,done,deleted\r\n"
                                          "\"Empty, \"\"as yet\"\"\",,,,,1970-01-01T00:00:00Z\r\n"
                                          "\"'＝x\",\"'=1+1\",\"'-2\r\n\",-9,yes,\r\n");
+    account.areas[0].name.resize(wire::largestTable / 1'000);
+    account.sets[1].goals.resize(1'000, account.sets[1].goals[0]);
+    EXPECT_FALSE(wire::writeTable(account));
 }
 
 TEST(AccountCommands, WorkOnADatabaseThatAServerHasOpen)

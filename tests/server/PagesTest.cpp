@@ -273,6 +273,25 @@ TEST_F(Pages, LetNobodyIntoTheAccountOfAnother)
     EXPECT_EQ(column(postAsAnna("get-goals", "&p4=1&p5=3"), "checked"), "[n]");
 }
 
+TEST_F(Pages, ShowGoalsOfASetWithALongNameInParts)
+{
+    std::string goals;
+    std::string ids;
+    for (int id = 1; id <= 1'200; ++id) {
+        goals += goal("x");
+        ids += std::to_string(id) + ";";
+    }
+    postAsAnna("create-some-goals", "&p4=" + goals);
+    postAsAnna("delete-some-goals", "&p4=" + ids);
+    postAsAnna("set-sets-name", "&p4=" + std::string(60'000, 'x') + "&p5=1");
+    start();
+    Browser anna = signedIn();
+    EXPECT_LT(anna.get("/account/deleted").size(), 2'000'000U);
+    EXPECT_TRUE(has(anna, "1182 more were deleted before these"));
+    anna.get("/account/export.csv");
+    EXPECT_EQ(anna.status(), 422U);
+}
+
 TEST_F(Pages, TellNobodyWhoHasAnAccount)
 {
     start();

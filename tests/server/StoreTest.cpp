@@ -39,6 +39,15 @@ struct StoreTest : testing::Test
             createGoals(connection, m_account, {{.setId = set, .areaId = 1, .name = name}}, /*now=*/0);
     }
 
+    void deleteLiveGoals(Connection &connection, std::int64_t now)
+    {
+        std::vector<std::int64_t> ids;
+        GoalRows goals = goalsOfSet(connection, m_account, /*setId=*/1);
+        while (const Goal *goal = goals.next())
+            ids.push_back(goal->id);
+        deleteGoals(connection, m_account, placedGoals(connection, m_account, ids), now);
+    }
+
     std::string file() const { return m_folder.path() / "wheel.db"; }
 
     TemporaryFolder m_folder;
@@ -54,8 +63,8 @@ TEST_F(StoreTest, RemovesForGoodOnlyWhatWasDeletedLongEnoughAgo)
         createNamedGoals(connection, /*set=*/1, {"in old set"});
         createNamedGoals(connection, /*set=*/2, {"old", "recent", "live"});
         deleteSet(connection, m_account, /*setId=*/1, /*now=*/100);
-        deleteGoals(connection, m_account, runsOf({2}), {2}, /*now=*/100);
-        deleteGoals(connection, m_account, runsOf({3}), {2}, /*now=*/200);
+        deleteGoals(connection, m_account, placedGoals(connection, m_account, {2}), /*now=*/100);
+        deleteGoals(connection, m_account, placedGoals(connection, m_account, {3, 2}), /*now=*/200);
         EXPECT_EQ(purgeDeleted(connection, m_account, /*before=*/150, /*most=*/9), 4);
         std::string left;
         Rows names =
@@ -152,8 +161,7 @@ TEST_F(StoreTest, KeepsSoManyDeletedGoalsOfAnAccountAtMost)
         const std::vector<Goal> goals(20'000, Goal{.setId = 1, .areaId = 1, .name = "x"});
         for (std::int64_t round = 0; round < 6; ++round) {
             createGoals(connection, m_account, goals, /*now=*/0);
-            const std::int64_t last = 20'000 * (round + 1);
-            deleteGoals(connection, m_account, {{.first = last - 19'999, .last = last}}, {1}, /*now=*/round);
+            deleteLiveGoals(connection, /*now=*/round);
         }
         Rows left = connection.rows("SELECT COUNT(*), MIN(deleted_at) FROM goal");
         ASSERT_TRUE(left.next());
@@ -168,14 +176,24 @@ TEST_F(StoreTest, KeepsSoMuchOfTheNamesOfDeletedGoals)
         const std::vector<Goal> goals(250, Goal{.setId = 1, .areaId = 1, .name = std::string(60'000, 'x')});
         for (std::int64_t round = 1; round <= 6; ++round) {
             createGoals(connection, m_account, goals, /*now=*/0);
-            deleteGoals(connection, m_account, {{.first = 250 * round - 249, .last = 250 * round}}, {1},
-                        /*now=*/round);
+            deleteLiveGoals(connection, /*now=*/round);
         }
         Rows left = connection.rows("SELECT SUM(OCTET_LENGTH(name)), MAX(goal_id) FROM goal");
         ASSERT_TRUE(left.next());
         EXPECT_LE(left.number(0), Quotas::deletedBytes + Quotas::goalBytes);
         EXPECT_GE(left.number(0), 2 * 250 * 60'000);
         EXPECT_EQ(left.number(1), 6 * 250);
+    });
+}
+
+TEST_F(StoreTest, HoldsSoMuchOfTheNamesOfSets)
+{
+    m_database.write([&](Connection &connection) {
+        const std::string name(60'000, 'x');
+        for (int i = 0; i < Quotas::setNameBytes / 60'000; ++i)
+            createSet(connection, m_account, name, /*now=*/0);
+        EXPECT_THROW(createSet(connection, m_account, name, /*now=*/0), QuotaExceeded);
+        EXPECT_THROW(renameSet(connection, m_account, /*setId=*/1, name), QuotaExceeded);
     });
 }
 
