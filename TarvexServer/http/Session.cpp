@@ -194,18 +194,18 @@ void Session::beginBody(std::size_t length)
     m_bodyRest = length > limits.discardedBody ? m_keptBody : length;
     allow(limits.bodyTime);
     const bool isToldToGoOn = beast::token_list(m_parser->get()[beast::field::expect]).exists("100-continue");
-    m_isBodyLeft = length > limits.discardedBody || (isToldToGoOn && m_refusal);
+    // Of the protocol the service has to see what it refuses: it may be a save.
+    const bool isUnwanted = m_site && m_refusal && isToldToGoOn;
+    m_isBodyLeft = length > limits.discardedBody || isUnwanted;
     static constexpr std::string_view goOn = "HTTP/1.1 100 Continue\r\n\r\n";
     if (!isToldToGoOn)
         readBody();
-    else if (m_refusal)
+    else if (isUnwanted)
         bodyArrived();
     else
-        asio::async_write(m_socket, asio::buffer(goOn),
-                          [self = shared_from_this()](Error error, std::size_t) {
-                              if (!error)
-                                  self->readBody();
-                          });
+        asio::async_write(m_socket, asio::buffer(goOn), [self = shared_from_this()](Error, std::size_t) {
+            self->readBody(); // which meets the same error
+        });
 }
 
 void Session::readBody()

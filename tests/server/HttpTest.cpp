@@ -82,15 +82,17 @@ TEST_F(Http, TellsAClientThatAsksToGoOn)
 {
     start();
     RawClient client(port());
-    const std::string body = asAnna("sign-in");
-    client.send("POST http://x/tarvex/ HTTP/1.1\r\nHost: x\r\nExpect: 100-continue\r\nContent-Length: " +
-                std::to_string(body.size()) + "\r\n\r\n");
-    EXPECT_EQ(client.read().result_int(), 100U);
-    client.send(body);
-    EXPECT_EQ(client.read().body(), "OK");
-    client.send(
-        "POST /tarvex/ HTTP/1.1\r\nHost: x\r\nExpect: 100-continue\r\nContent-Length: 5000000\r\n\r\n");
-    EXPECT_EQ(client.read().result_int(), 413U);
+    const auto answerTo = [&](const std::string &body) {
+        client.send("POST http://x/tarvex/ HTTP/1.1\r\nHost: x\r\nExpect: 100-continue\r\nContent-Length: " +
+                    std::to_string(body.size()) + "\r\n\r\n");
+        EXPECT_EQ(client.read().result_int(), 100U);
+        client.send(body);
+        return client.read();
+    };
+    EXPECT_EQ(answerTo(asAnna("create-some-goals", "&p4=" + goal("kept"))).body(), "OK");
+    const std::string large = "&p4=" + goal(std::string(5'000'000, 'x'));
+    EXPECT_EQ(answerTo(asAnna("create-some-goals", large)).result_int(), 413U);
+    EXPECT_EQ(client.post(asAnna("delete-some-goals", "&p4=1;")).body(), "Error"); // the save was seen
 }
 
 TEST_F(Http, ClosesConnectionsThatKeepItWaiting)
