@@ -6,6 +6,7 @@
 #include <boost/asio/post.hpp>
 #include <csignal>
 #include <cstdlib>
+#include <future>
 #include <unistd.h>
 
 namespace tarvex::http {
@@ -83,7 +84,21 @@ void Server::run()
     const auto end = std::chrono::steady_clock::now() + m_context.limits.drainTime;
     while (!m_io.stopped() && std::chrono::steady_clock::now() < end)
         withoutEnding([&] { m_io.run_until(end); });
+    if (!m_io.stopped())
+        withoutEnding([this] { cutShort(); });
     m_workers.stop();
+}
+
+/// What still arrives is noted before its connection closes and the delete behind a save goes elsewhere.
+void Server::cutShort()
+{
+    for (const auto &known : m_sessions) {
+        if (const auto session = known.lock())
+            withoutEnding([&] { session->cutShort(); });
+    }
+    const auto noted = std::make_shared<std::promise<void>>(); // which another thread may leave last
+    m_context.service.onceNoted([noted] { noted->set_value(); });
+    noted->get_future().wait();
 }
 
 /// What fails for want of memory has let go of its connection, and of nothing else.

@@ -68,6 +68,7 @@ private:
     template<class Work>
     void withoutEnding(Work work);
     void beginDrain();
+    void cutShort();
 
     // In this order the sessions that the last two still hold end before what they use.
     ConnectionCounts m_counts;

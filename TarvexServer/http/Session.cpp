@@ -57,6 +57,13 @@ void Session::drain()
         m_socket.close(ignored);
 }
 
+void Session::cutShort()
+{
+    const bool isLingering = !m_isKept; // behind its answer
+    if (m_bodyRest > 0 && !isLingering)
+        bodyCutShort();
+}
+
 std::optional<std::chrono::steady_clock::time_point> Session::idleSince() const
 {
     const bool isServed = m_place.welcome() == ConnectionCounts::Welcome::Served; // until it gives way

@@ -76,6 +76,9 @@ public:
     void start();
     /// Closes the connection if no request is under way; otherwise it closes after the answer.
     void drain();
+    /// Has the service note a request that is still arriving as cut short, while its sender hears nothing of
+    /// it. Nothing of it may be read any more.
+    void cutShort();
 
     /// Closes the connection if what it waits for has taken longer than it may; to be called now and then.
     void closeIfLate(std::chrono::steady_clock::time_point now);

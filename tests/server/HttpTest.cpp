@@ -198,13 +198,17 @@ TEST_F(Http, SaysThatItIsBusyWhenARequestTakesTooLong)
 
 TEST_F(Http, DrainsByFinishingWhatWasBegun)
 {
-    start();
+    start({.drainTime = 1s});
     RawClient idle(port());
     EXPECT_EQ(idle.post(asAnna("sign-in")).body(), "OK");
     RawClient begun(port());
     const std::string request = RawClient::request(asAnna("create-sets", "&p4=Last"));
     EXPECT_EQ(begun.post(asAnna("sign-in")).body(), "OK");
     begun.send(request.substr(0, request.size() - 2));
+    RawClient late(port());
+    const std::string save = RawClient::request(asAnna("create-some-goals", "&p4=" + goal("new")));
+    EXPECT_EQ(late.post(asAnna("sign-in")).body(), "OK");
+    late.send(save.substr(0, save.size() - 1));
     EXPECT_EQ(idle.post(asAnna("sign-in")).body(), "OK"); // by now that has arrived
     m_server->drain();
     EXPECT_TRUE(idle.isClosedSilently());
@@ -214,5 +218,6 @@ TEST_F(Http, DrainsByFinishingWhatWasBegun)
     EXPECT_FALSE(answer.keep_alive());
     begun.endSending();
     m_thread.join();
+    EXPECT_EQ(anotherSession(m_folder)->numberOf("SELECT count(*) FROM refused_save"), 1) << "the late one";
     EXPECT_EQ(column(postAsAnna("get-sets"), "name"), "[My wheel][Last]");
 }
