@@ -42,6 +42,12 @@ std::optional<HeadFault> commonFaultOf(const Head &head)
     return {};
 }
 
+/// Whether a browser sent it on behalf of a page, which may be anybody's: they say so, and nothing else does.
+bool isFromPage(const Head &head)
+{
+    return head.count(beast::field::origin) > 0 || head.count("Sec-Fetch-Site") > 0;
+}
+
 constexpr HeadFault withoutLength{beast::status::length_required, "The request must state its length."};
 
 } // namespace
@@ -55,6 +61,8 @@ std::optional<HeadFault> faultOf(const HeadParser &parser)
         return HeadFault{beast::status::not_found, "There is nothing here."};
     if (head.method() != beast::verb::post)
         return HeadFault{beast::status::method_not_allowed, "The service answers POST requests only."};
+    if (isFromPage(head))
+        return HeadFault{beast::status::forbidden, "The service takes no requests from web pages."};
     if (parser.chunked() || !head.has_content_length())
         return withoutLength;
     return {};
