@@ -4,7 +4,6 @@
 #include "PeerAddress.h"
 #include "ProxyHeader.h"
 #include "RequestKind.h"
-#include "Wipe.h"
 
 #include <algorithm>
 #include <boost/asio/write.hpp>
@@ -260,16 +259,25 @@ void Session::reserveBody(std::size_t size)
         if (m_context.bodyBytes + bodyStep > m_context.limits.bodiesInMemory) {
             m_refusal = Outcome::Busy;
             m_keptBody = beginningOfBody;
-            m_body.resize(beginningOfBody);
-            m_body.shrink_to_fit();
+            moveBody(beginningOfBody);
             releaseBody();
             return;
         }
         m_context.bodyBytes += bodyStep;
         m_reservedBody += bodyStep;
     }
-    if (size > freeBody)
-        m_body.reserve(m_keptBody); // of which no more is in memory than has come
+    if (size > m_body.capacity()) // of which no more is in memory than has come
+        moveBody(size > freeBody ? m_keptBody : std::min(m_keptBody, freeBody));
+}
+
+/// Keeps so much of the body in as much room, and nothing of it where it was.
+void Session::moveBody(std::size_t room)
+{
+    std::string moved;
+    moved.reserve(room);
+    moved.append(m_body, 0, room);
+    m_body.swap(moved);
+    security::wipe(moved);
 }
 
 void Session::bodyArrived()

@@ -6,6 +6,7 @@
 #include "Proxies.h"
 #include "RequestHead.h"
 #include "Service.h"
+#include "Wipe.h"
 #include "Workers.h"
 
 #include <array>
@@ -124,6 +125,7 @@ private:
     void sent();
     void linger();
     void reserveBody(std::size_t size);
+    void moveBody(std::size_t room);
     void releaseBody();
     void forgetRequest();
 
@@ -136,7 +138,7 @@ private:
     boost::asio::basic_waitable_timer<
         std::chrono::steady_clock, boost::asio::wait_traits<std::chrono::steady_clock>, Socket::executor_type>
         m_handlerTimer;
-    boost::beast::flat_buffer m_buffer;
+    boost::beast::basic_flat_buffer<security::WipingAllocator<char>> m_buffer;
     std::optional<HeadParser> m_parser;
     std::array<std::string, 2> m_answer; ///< its head and its body
     bool m_isKept = true;                ///< the connection, behind the answer

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 
 namespace tarvex::security {
@@ -10,5 +11,16 @@ void wipe(void *begin, std::size_t size);
 
 /// The same for a text, which is empty then.
 void wipe(std::string &secret);
+
+/// Overwrites all memory that it takes back.
+template<class Value>
+struct WipingAllocator : std::allocator<Value>
+{
+    void deallocate(Value *memory, std::size_t count)
+    {
+        wipe(memory, count * sizeof(Value));
+        std::allocator<Value>::deallocate(memory, count);
+    }
+};
 
 } // namespace tarvex::security

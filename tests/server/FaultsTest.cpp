@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <future>
+#include <malloc.h>
 #include <new>
 
 using namespace tarvex;
@@ -20,6 +21,17 @@ namespace {
 std::atomic<unsigned> scarcity = 0;
 std::atomic<unsigned> allocations = 0;
 thread_local bool isSpared = false;
+
+constexpr std::string_view secret = "what only a body has";
+std::atomic<unsigned> secretsLeft = 0; // in memory that was given back
+
+/// Reads memory before it is given back, but for that of the test's own thread.
+void lookInto(void *memory)
+{
+    const std::string_view bytes(static_cast<const char *>(memory), ::malloc_usable_size(memory));
+    if (!isSpared && bytes.find(secret) != std::string_view::npos)
+        ++secretsLeft;
+}
 
 struct Faults : Http
 {
@@ -48,11 +60,13 @@ struct Faults : Http
 
 [[gnu::noinline]] void operator delete(void *memory) noexcept
 {
+    lookInto(memory);
     std::free(memory);
 }
 
 [[gnu::noinline]] void operator delete(void *memory, std::size_t) noexcept
 {
+    lookInto(memory);
     std::free(memory);
 }
 
@@ -82,6 +96,16 @@ TEST_F(Faults, GoesOnAfterMemoryWasScarceInAnyPlace)
     EXPECT_GT(confirmed, 0U);
     const std::string ids = column(RawClient(port()).post(asAnna("get-sets")).body(), "id");
     EXPECT_GE(static_cast<std::size_t>(std::count(ids.begin(), ids.end(), '[')), confirmed + 1);
+}
+
+TEST_F(Faults, LeavesNothingOfABodyInMemory)
+{
+    start({.bodiesInMemory = 100'000});
+    for (const std::size_t size : {100U, 20'000U, 90'000U, 300'000U}) { // the last is refused
+        const std::string body = asAnna("sign-in", "&p9=").append(secret).append("&x=").append(size, 'x');
+        EXPECT_EQ(RawClient(port()).post(body).result_int(), size < 300'000 ? 200U : 503U);
+        EXPECT_EQ(secretsLeft.exchange(0), 0U) << size;
+    }
 }
 
 TEST_F(Faults, NoMemoryForAPasswordIsNotAWrongPassword)
