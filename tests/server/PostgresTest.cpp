@@ -93,13 +93,16 @@ TEST_F(Postgres, DoesAnewWhatADeadlockEnded)
 {
     store::Database second(databaseUrl(m_folder));
     std::latch both(2);
-    const auto changed = [&both](store::Database &database, int first, int then) {
-        return std::async([&both, &database, first, then] {
+    const auto changed = [&](store::Database &database, int first, int then) {
+        return std::async([&, first, then] {
             bool isFirstTime = true;
             const auto raise = [](Connection &connection, int area) {
                 connection.change("UPDATE area SET value = value + 1 WHERE area_id = $1", area);
             };
             database.write([&](Connection &connection) {
+                // Anew, it lets the other one go first, which may be slow to take the lock that is free now.
+                while (!isFirstTime && number("SELECT MAX(value) FROM area WHERE area_id <= 2") == 0)
+                    std::this_thread::sleep_for(betweenLooks);
                 raise(connection, first);
                 if (std::exchange(isFirstTime, false))
                     both.arrive_and_wait();
