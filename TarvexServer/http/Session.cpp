@@ -133,9 +133,9 @@ void Session::readIntroduction()
     }
     m_buffer.consume(header.size);
     m_isIntroduced = header.state == ProxyHeader::State::Whole;
-    if (header.source) {
+    if (m_isIntroduced) {
         const auto before = m_place.welcome();
-        m_place.giveTo(peerName(*header.source, /*isMachineLimited=*/true));
+        m_place.giveTo(header.source ? peerName(*header.source, /*isMachineLimited=*/true) : m_proxy);
         if (m_place.welcome() != before)
             m_context.countRefused(m_place.welcome());
     }

@@ -58,9 +58,12 @@ TEST_F(Http, TakesAProxysWordAtTheBeginningOfAConnection)
     RawClient second(port());
     second.send(greeting("203.0.113.1") + RawClient::request(asAnna("sign-in")));
     EXPECT_TRUE(second.isClosedSilently());
-    RawClient other(port());
-    other.send(greeting("203.0.113.2") + RawClient::request(asAnna("sign-in")));
-    EXPECT_EQ(other.read().body(), "OK");
+    RawClient unknown(port());
+    unknown.send("PROXY UNKNOWN\r\n" + RawClient::request(asAnna("sign-in")));
+    EXPECT_EQ(unknown.read().body(), "OK");
+    RawClient another(port()); // which counts as the proxy's, too
+    another.send("PROXY UNKNOWN\r\n" + RawClient::request(asAnna("sign-in")));
+    EXPECT_TRUE(another.isClosedSilently());
     RawClient unannounced(port());
     unannounced.send(RawClient::request(asAnna("sign-in")));
     EXPECT_TRUE(unannounced.isClosedSilently());
@@ -71,7 +74,7 @@ TEST_F(Http, TakesAProxysWordAtTheBeginningOfAConnection)
     EXPECT_TRUE(first.isClosedSilently()); // which was idle for longest
     silent.send(greeting("203.0.113.4") + RawClient::request(asAnna("sign-in")));
     EXPECT_EQ(silent.read().body(), "OK");
-    EXPECT_EQ(m_service.measures().closedConnections.count(), 1U);
+    EXPECT_EQ(m_service.measures().closedConnections.count(), 2U);
 }
 
 TEST(ProxyHeader, IsReadInBothItsVersions)
