@@ -2,6 +2,7 @@
 
 #include "AboutBox.h"
 #include "DocumentController.h"
+#include "DocumentWindow.h"
 
 ApplicationMenuBar::ApplicationMenuBar(DocumentController &controller)
 {
@@ -11,8 +12,8 @@ ApplicationMenuBar::ApplicationMenuBar(DocumentController &controller)
     QAction *quit = file->addAction(tr("&Quit"), QKeySequence::Quit, &controller, &DocumentController::quit);
     quit->setMenuRole(QAction::QuitRole);
     QMenu *help = addMenu(tr("&Help"));
-    help->addAction(tr("Tarvex Cloud &Help"), QKeySequence::HelpContents, &controller,
-                    &DocumentController::showManual);
+    help->addAction(tr("Tarvex Cloud &Help"), &controller, &DocumentController::showManual)
+        ->setShortcuts(keysWith(Qt::Key_F1, QKeySequence::HelpContents));
     QAction *about =
         help->addAction(tr("&About Tarvex Cloud"), this, [] { showAboutBox(/*window=*/nullptr); });
     about->setMenuRole(QAction::AboutRole);

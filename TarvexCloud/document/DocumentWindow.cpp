@@ -18,6 +18,14 @@
 #include <QCloseEvent>
 #include <QScreen>
 
+QList<QKeySequence> keysWith(Qt::Key named, QKeySequence::StandardKey command)
+{
+    QList<QKeySequence> keys = QKeySequence::keyBindings(command);
+    if (!keys.contains(named)) // given twice, it would be ambiguous
+        keys.append(named);
+    return keys;
+}
+
 DocumentWindow::DocumentWindow(DocumentController &controller)
     : m_controller(controller), m_ui(std::make_unique<Ui::TarvexDocument>())
 {
@@ -155,7 +163,8 @@ void DocumentWindow::connectCommands(TarvexDocument &document)
     command(
         m_ui->actionQuit, [this] { m_controller.quit(); }, QKeySequence::Quit);
     command(m_ui->actionSignIn, &TarvexDocument::signInAgain);
-    command(m_ui->actionReload, &TarvexDocument::reload, QKeySequence::Refresh);
+    command(m_ui->actionReload, &TarvexDocument::reload);
+    m_ui->actionReload->setShortcuts(keysWith(Qt::Key_F5, QKeySequence::Refresh));
     command(m_ui->actionClose, &TarvexDocument::close, QKeySequence::Close);
     command(m_ui->actionSave, &TarvexDocument::saveDocument, QKeySequence::Save);
     command(m_ui->actionPrintPreview, &TarvexDocument::previewPrint);
@@ -166,11 +175,8 @@ void DocumentWindow::connectCommands(TarvexDocument &document)
     command(m_ui->actionDeleteSet, &TarvexDocument::deleteCurrentProject);
     command(m_ui->actionRandomGoal, &TarvexDocument::getRandomGoal);
     command(m_ui->actionRenameAreas, &TarvexDocument::renameAreas);
-    command(
-        m_ui->actionHelp, [this] { m_controller.showManual(); }, QKeySequence::HelpContents);
-    const auto sheets = findChildren<Sheet *>();
-    for (Sheet *sheet : sheets) // whose window takes the keys while it is up
-        sheet->addAction(m_ui->actionHelp);
+    command(m_ui->actionHelp, [this] { m_controller.showManual(); });
+    m_ui->actionHelp->setShortcuts(keysWith(Qt::Key_F1, QKeySequence::HelpContents));
     command(m_ui->actionWebSite, &TarvexDocument::gotoWebSite);
     command(m_ui->actionTwitter, &TarvexDocument::gotoTwitter);
     command(m_ui->actionFacebook, &TarvexDocument::gotoFacebook);
@@ -210,6 +216,14 @@ void DocumentWindow::closeEvent(QCloseEvent *event)
 {
     event->ignore(); // the document hides its window itself, after its sheets
     Q_EMIT closeRequested();
+}
+
+void DocumentWindow::childEvent(QChildEvent *event)
+{
+    QMainWindow::childEvent(event);
+    auto *sheet = event->polished() ? qobject_cast<Sheet *>(event->child()) : nullptr;
+    if (sheet) // whose window takes the keys while it is up
+        sheet->addAction(m_ui->actionHelp);
 }
 
 bool DocumentWindow::eventFilter(QObject *watched, QEvent *event)

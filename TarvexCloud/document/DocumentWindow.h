@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <QKeySequence>
 #include <QMainWindow>
 
 class AlertSheet;
@@ -14,6 +15,9 @@ struct WindowState;
 namespace Ui {
 class TarvexDocument;
 }
+
+/// The platform's keys for a command, and the one that window and manual name whatever the platform.
+QList<QKeySequence> keysWith(Qt::Key named, QKeySequence::StandardKey command);
 
 /// A document's window, with the sheets that come up on it: the layout, what is enabled, and every word round
 /// the wheel. It decides nothing: it hands its outlets to the document, reports what the user does to it, and
@@ -44,6 +48,7 @@ Q_SIGNALS:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    void childEvent(QChildEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     bool event(QEvent *event) override;
 

@@ -1,6 +1,7 @@
 #include "AlertSheet.h"
 #include "DocumentController.h"
 #include "DocumentWindow.h"
+#include "Escaping.h"
 #include "SheetBusyScope.h"
 #include "TarvexDocument.h"
 #include "TVXExchange.h"
@@ -12,6 +13,12 @@
 using namespace Qt::StringLiterals;
 
 namespace {
+
+// What is typed like a token of the wire comes back as the token's character. Both are sent alike.
+QString asItComesBack(const QString &name)
+{
+    return unescapedFromWire(escapedForWire(name));
+}
 
 auto isNamed(const QString &name)
 {
@@ -71,7 +78,7 @@ void TarvexDocument::projectNameSheetClickedOk()
             return;
         const ActionOutcome outcome = [this] {
             const SheetBusyScope busy(m_wndProjectName, m_wndProjectName->projectNameIndicator());
-            const QString name = m_wndProjectName->name();
+            const QString name = asItComesBack(m_wndProjectName->name());
             const qint64 tag = m_wndProjectName->tag();
             const WaitNotice notice(tag == ProjectNameSheet::tagOfNewSet ? tr("Creating the set…")
                                                                          : tr("Renaming the set…"),

@@ -233,6 +233,7 @@ void TarvexDocument::reload()
 void TarvexDocument::reloadKeepingWhatFails()
 {
     const TVXSetsPtr selected = selectedSet();
+    const bool hadFocus = m_wheelView->hasFocus();
     const auto before = std::make_shared<TVXProject>();
     *before->sets() = *m_project->sets();
     *before->areas() = *m_project->areas();
@@ -249,6 +250,8 @@ void TarvexDocument::reloadKeepingWhatFails()
                 selectSetWithId(selected->idOfSets());
             setNamesForAreasOnWindow();
             showSelectedSet();
+            if (hadFocus && m_wheelView->isVisible())
+                m_wheelView->setFocus(); // it went elsewhere when the wheel was hidden for want of areas
         });
         whileSaying(tr("Fetching the wheel and its sets…"), /*requests=*/2,
                     [this] { loadStartupDataForLogin(QString(m_loginUserName), QString(m_loginPassword)); });

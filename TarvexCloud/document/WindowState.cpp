@@ -18,7 +18,7 @@ QString shortened(const QString &name)
 {
     constexpr qsizetype longest = 40;
     const QString line = singleLineOf(name).trimmed();
-    return line.size() > longest ? line.left(longest - 1).trimmed() + u'…' : line;
+    return line.size() > longest ? beginningOf(line, longest - 1).trimmed() + u'…' : line;
 }
 
 QString subjectOf(const ActionOutcome &outcome)

@@ -22,9 +22,15 @@ bool isShownAsBlank(QChar c)
 
 } // namespace
 
+QString beginningOf(const QString &text, qsizetype longest)
+{
+    const bool splitsAPair = longest < text.size() && text.at(longest - 1).isHighSurrogate();
+    return text.left(splitsAPair ? longest - 1 : longest);
+}
+
 QString singleLineOf(const QString &text)
 {
-    QString line = text.left(drawnCharacters);
+    QString line = beginningOf(text, drawnCharacters);
     if (std::any_of(line.cbegin(), line.cend(), isShownAsBlank))
         std::replace_if(line.begin(), line.end(), isShownAsBlank, QChar(u' '));
     return line;
@@ -41,7 +47,8 @@ QString shownNameOf(const QString &name)
 
 QString plainToolTip(const QString &text)
 {
-    return u"<p style=\"white-space: pre-wrap\">%1</p>"_s.arg(text.left(drawnCharacters).toHtmlEscaped());
+    return u"<p style=\"white-space: pre-wrap\">%1</p>"_s.arg(
+        beginningOf(text, drawnCharacters).toHtmlEscaped());
 }
 
 ElidedLabel::ElidedLabel(QWidget *parent) : QLabel(parent)

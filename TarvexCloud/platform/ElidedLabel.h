@@ -19,6 +19,8 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 };
 
+/// A text's beginning, at most that long, without half a character at its end.
+QString beginningOf(const QString &text, qsizetype longest);
 /// Text from outside as one line of bounded length, fit for drawing. A text that is so already comes back as
 /// the same object, not as a copy.
 QString singleLineOf(const QString &text);

@@ -20,14 +20,15 @@ public:
 
     QVariant data(const QModelIndex &index, int role) const override
     {
-        if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::ToolTipRole))
+        const bool isForText = role == Qt::DisplayRole || role == Qt::EditRole; // the latter in macOS's list
+        if (!index.isValid() || (!isForText && role != Qt::ToolTipRole))
             return {};
         const bool isSelected = index.row() == m_box->m_selectedIndex;
         if (!isSelected && index.row() >= rowCount())
             return {};
         const QString text = isSelected ? m_box->m_selectedText : m_box->textOfItem(index.row());
         const QString shown = shownNameOf(text);
-        if (role == Qt::DisplayRole)
+        if (isForText)
             return shown;
         return plainToolTip(shown == singleLineOf(text) ? text : shown);
     }

@@ -14,10 +14,7 @@ constexpr qsizetype longestText = 40;
 QString inBrief(const QString &text)
 {
     QString line = text.simplified();
-    if (line.size() <= longestText)
-        return line;
-    const bool splitsAPair = line.at(longestText - 1).isHighSurrogate();
-    return line.left(longestText - (splitsAPair ? 1 : 0)) + u'\u2026';
+    return line.size() > longestText ? beginningOf(line, longestText) + u'\u2026' : line;
 }
 
 // Left alone, a name in Hebrew or Arabic would turn the whole sentence round.

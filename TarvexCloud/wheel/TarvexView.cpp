@@ -19,7 +19,6 @@ constexpr qreal ringInset = 7;
 TarvexView::TarvexView(QWidget *parent) : QWidget(parent)
 {
     TarvexViewAccessible::install();
-    setAccessibleName(tr("Wheel of life areas"));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setMouseTracking(true);
     m_focusAnnouncement.setSingleShot(true);

@@ -19,6 +19,15 @@ using namespace Qt::StringLiterals;
 namespace {
 constexpr int spaceInRow = 16;
 constexpr int spaceInColumn = 24;
+
+bool isDelete(int key)
+{
+#ifdef Q_OS_MACOS
+    if (key == Qt::Key_Backspace) // is called Delete there
+        return true;
+#endif
+    return key == Qt::Key_Delete;
+}
 } // namespace
 
 GoalTableView::GoalTableView(QWidget *parent) : QTableView(parent)
@@ -207,7 +216,7 @@ void GoalTableView::keyPressEvent(QKeyEvent *event)
     const QModelIndex current = currentIndex();
     if (event->matches(QKeySequence::Copy)) {
         copySelectedTexts();
-    } else if (!isEditing && event->key() == Qt::Key_Delete && event->modifiers() == Qt::NoModifier) {
+    } else if (!isEditing && isDelete(event->key()) && event->modifiers() == Qt::NoModifier) {
         Q_EMIT removalRequested();
     } else if (!isEditing && event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier &&
                current.isValid()) {

@@ -41,13 +41,15 @@ class SetManagementFlowTest : public QObject
 private Q_SLOTS:
     void creatingSendsTheNameAndSelectsTheSecondItem()
     {
-        for (const auto &[typed, sent] :
-             {std::pair("May 2026", "May 2026"), {"", ""}, {"R&D 50%", "R{_amp_}D 50{_prcnt_}"}}) {
+        for (const auto &[typed, sent, shown] : {std::tuple("May 2026", "May 2026", "May 2026"),
+                                                 {"", "", "(no name)"},
+                                                 {"R&D 50%", "R{_amp_}D 50{_prcnt_}", "R&D 50%"},
+                                                 {"R{_amp_}D", "R{_amp_}D", "R&D"}}) {
             Client client;
             const TarvexDocument *document = client.openSignedIn();
             Client::trigger(document, "actionNewSet");
             QVERIFY(document->wndProjectName()->isVisible());
-            client.service.answer("get-sets", sets({"First", "Newest", "Older"}));
+            client.service.answer("get-sets", sets({"First", sent, "Older"}));
             const BusyIndicator *indicator = document->projectNameIndicator();
             client.holdUntil([&] { return indicator->isAnimating(); });
             typeName(document, QString::fromLatin1(typed), u"Create"_s);
@@ -55,7 +57,8 @@ private Q_SLOTS:
             QCOMPARE(client.service.bodies().mid(3),
                      (QList<QByteArray>{"p1=create-sets" + annsDigests + "&p4=" + sent, getSets}));
             QVERIFY(!document->wndProjectName()->isVisible() && client.alert.errors.isEmpty());
-            QCOMPARE(document->listOfProjects()->currentText(), u"Newest"_s);
+            QCOMPARE(document->listOfProjects()->currentText(), QString::fromLatin1(shown));
+            QCOMPARE(Client::guidance(document), u"“%1” was created."_s.arg(QString::fromLatin1(shown)));
             QCOMPARE(Client::average(document), u"1%"_s);
         }
     }

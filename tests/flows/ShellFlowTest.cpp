@@ -1,6 +1,7 @@
 #include "AlertSheet.h"
 #include "ApplicationMenuBar.h"
 #include "Client.h"
+#include "DocumentWindow.h"
 #include "UserManual.h"
 
 #include <QFileDialog>
@@ -27,9 +28,12 @@ private Q_SLOTS:
             Client::trigger(document, "actionSave"); // as a native menu could meanwhile
             auto *alert = document->window()->findChild<AlertSheet *>(u"saveAlert"_s);
             QVERIFY(alert->isVisible() && !Client::button(alert, QString())->isVisible());
+            QTRY_VERIFY(alert->isActiveWindow());
+            QTest::keyClick(alert, Qt::Key_F1);
             QTest::keyClick(alert, key);
             QVERIFY(!alert->isBegun());
         }
+        QCOMPARE(client.links.opened.size(), 2); // the manual, which tells what is stored where
         QCOMPARE(client.service.requests().size(), 3);
     }
 
@@ -67,9 +71,11 @@ private Q_SLOTS:
         QStringList keys;
         for (const char *command : {"New", "Open", "Save", "Print", "PrintPreview", "Reload", "NewSet",
                                     "RenameSet", "RenameAreas", "RandomGoal", "Help"})
-            keys += window->findChild<QAction *>(u"action"_s + QLatin1String(command))->shortcut().toString();
+            keys += QKeySequence::listToString(
+                window->findChild<QAction *>(u"action"_s + QLatin1String(command))->shortcuts());
         QCOMPARE(keys.join(u' '), u"Ctrl+N Ctrl+O Ctrl+S Ctrl+P Ctrl+Shift+P F5 Ctrl+Shift+N F2 Ctrl+Shift+R "
                                   "Ctrl+G F1"_s);
+        QCOMPARE(QKeySequence::listToString(keysWith(Qt::Key_F1, QKeySequence::Find)), u"Ctrl+F; F1"_s);
     }
 
     void documentsComeAndGo()
@@ -176,6 +182,9 @@ private Q_SLOTS:
         const QRegularExpression version(u"^Tarvex Cloud \\d+\\.\\d+\\.\\d+$"_s);
         QVERIFY(std::any_of(labels.begin(), labels.end(),
                             [&](const QLabel *label) { return version.match(label->text()).hasMatch(); }));
+        QTRY_VERIFY(about->isActiveWindow());
+        QTest::keyClick(about, Qt::Key_F1);
+        QVERIFY(QUrl(client.links.opened.last()).isLocalFile()); // the manual
         QTest::keyClick(about, Qt::Key_Escape);
         QTRY_VERIFY(!about);
     }

@@ -190,7 +190,11 @@ private Q_SLOTS:
                                                       setRow("7", "First", "2 2 2 2 2 2 2 2"),
                                                       setRow("9", "Second", "3 3 3 3 3 3 3 3")}));
         client.service.answer("get-areas", ServiceReply{"", /*closes=*/true});
+        document->window()->activateWindow(); // as a window manager does once the sheet has gone
+        QTRY_VERIFY(document->window()->isActiveWindow());
+        document->wheelView()->setFocus();
         Client::trigger(document, "actionReload");
+        QVERIFY(document->wheelView()->hasFocus());
         QCOMPARE(document->listOfProjects()->currentText(), u"Second"_s);
         QCOMPARE(Client::average(document), u"3%"_s);
         QCOMPARE(Client::labels(document).join(u' '), u"Health Work Money Family Growth Fun Home Love"_s);
@@ -201,6 +205,7 @@ private Q_SLOTS:
         client.service.answer("get-areas", areasAnswer(eightNames));
         client.service.answer("get-sets", httpReply("<a><id>1</id></a>")); // incomplete
         reload->click();
+        QVERIFY(document->wheelView()->hasFocus());
         QCOMPARE(document->listOfProjects()->count(), 3);
         QVERIFY(Client::guidance(document).contains(u"incomplete"_s));
         client.service.answer("get-sets", setsAnswer({setRow("9", "Second", "4 4 4 4 4 4 4 4")}));
