@@ -91,6 +91,9 @@ public:
     const std::string &peer() const { return m_place.peer(); }
 
 private:
+    static constexpr std::size_t readSize = 16UL * 1024;
+    static constexpr std::size_t beginningOfBody = 4096; ///< enough to tell what a request is
+
     using Error = boost::beast::error_code;
 
     template<class Next>
