@@ -156,6 +156,13 @@ class Display:
                               capture_output=True, text=True).stdout.strip()
         return name == title
 
+    def middle(self, title):
+        """How far from the left the middle of the window of that title is, in pixels."""
+        shown = subprocess.run(["xdotool", "getwindowgeometry", "--shell", self.window(title)],
+                               env=self.environment(), capture_output=True, text=True, check=True).stdout
+        place = dict(line.split("=") for line in shown.split())
+        return int(place["X"]) + int(place["WIDTH"]) // 2
+
     def keys(self, *names):
         """Presses keys one after the other, as fast as a person would: a button shows its press for a moment."""
         subprocess.run(["xdotool", "key", "--delay", "120", *names], env=self.environment(), check=True)

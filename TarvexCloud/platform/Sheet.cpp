@@ -187,11 +187,20 @@ bool Sheet::eventFilter(QObject *watched, QEvent *event)
 bool Sheet::event(QEvent *event)
 {
     const bool handled = QDialog::event(event);
-    if (event->type() == QEvent::WindowActivate)
+    if (event->type() == QEvent::WindowActivate) {
+        tellPosition();
         Q_EMIT didBecomeKey();
-    else if (event->type() == QEvent::LayoutRequest && layout() && isVisible())
+    } else if (event->type() == QEvent::LayoutRequest && layout() && isVisible())
         growToFit();
     return handled;
+}
+
+/// Under X11 the toolkit's window may take itself to be at the screen's corner, where a window manager has it
+/// for a moment: it would be resized there, and lists and alerts come up as if it were.
+void Sheet::tellPosition()
+{
+    if (!platformHasSheets && windowHandle()->position() != pos())
+        windowHandle()->setPosition(pos());
 }
 
 void Sheet::growToFit()
@@ -203,9 +212,7 @@ void Sheet::growToFit()
         return;
     if (platformHasSheets)
         return resize(width(), needed);
-    // Under X11 the toolkit's window may take itself to be at the screen's corner, and would be resized
-    // there.
-    windowHandle()->setPosition(pos());
+    tellPosition();
     resize(width(), needed);
     move(movedOntoScreen(geometry(), screen()->availableGeometry()).topLeft());
 }

@@ -49,6 +49,7 @@ private:
     static bool hasSheet(const QWidget *window);
     void attach();
     void placeOnWindow();
+    void tellPosition();
     void growToFit();
 
     QPointer<QWidget> m_window;
